@@ -1,0 +1,61 @@
+#pragma once
+
+#include "errors/CErrHandler.h"
+#include "link/Link.h"
+#include "platform/MessageBoxes.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace drx9 {
+
+/// Finds the instrument and connects.
+class Discovery {
+public:
+    static constexpr int kMaxUsbDevices = 8;
+
+    /// How the messages of a failed connection are shown.
+    enum class Messages {
+        Blocking,    ///< start-up and the Find button
+        NonBlocking, ///< reconnecting in a run: one box per loss, closed by success
+    };
+
+    Discovery(Link& link, LinkSettings& settings, Transports& transports, EventPump& pump, const Clock& clock,
+              ActionQueue& actions, MessageBoxes& boxes, CErrHandler& errors);
+
+    /// Closes every open link, opens the one of `CommType`, asks for the version ("@") and the type ("J"). Sets
+    /// CommOK, CommStatus, CommVersion, InstrumentType. Pumps events; returns CommOK.
+    bool Comm_Open(Messages messages = Messages::Blocking);
+
+    /// Searches the attached bridges for product "83F5" with this serial number; fills USBSerialList; on success sets
+    /// USBIndex. Leaves every device closed. Does not pump.
+    bool Comm_FindUSBDRX9(const std::string& serialNumber);
+
+    [[nodiscard]] const std::vector<std::string>& USBSerialList() const { return serials_; }
+    [[nodiscard]] std::int32_t USBCount() const { return static_cast<std::int32_t>(serials_.size()); }
+    [[nodiscard]] std::int32_t USBIndex() const { return index_; }
+    /// Why the last Comm_Open failed, for the status bar; empty after success.
+    [[nodiscard]] const std::string& failure() const { return failure_; }
+
+private:
+    bool openLink(Messages messages);
+    bool openSerial(Messages messages);
+    bool openUsb();
+    void tell(Messages messages, const std::string& text);
+
+    Link& link_;
+    LinkSettings& settings_;
+    Transports& transports_;
+    EventPump& pump_;
+    const Clock& clock_;
+    ActionQueue& actions_;
+    MessageBoxes& boxes_;
+    CErrHandler& errors_;
+    std::vector<std::string> serials_;
+    std::int32_t index_ = 0;
+    std::string failure_;
+    bool lossTold_ = false;
+};
+
+} // namespace drx9

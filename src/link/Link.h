@@ -1,0 +1,104 @@
+#pragma once
+
+#include "link/ActionQueue.h"
+#include "link/FrameParser.h"
+#include "link/Records.h"
+#include "link/Transports.h"
+#include "platform/Clock.h"
+#include "platform/EventPump.h"
+
+#include <cstdint>
+#include <string>
+
+namespace drx9 {
+
+/// Outcomes of an exchange, the values of Link::CommStatus().
+namespace comm {
+inline constexpr std::uint16_t kOk = 0;
+inline constexpr std::uint16_t kTimeout = 1;
+inline constexpr std::uint16_t kNoData = 2;
+inline constexpr std::uint16_t kNotReady = 3;
+inline constexpr std::uint16_t kBadCommand = 4;
+inline constexpr std::uint16_t kBadData = 5;
+inline constexpr std::uint16_t kBadMode = 6;
+inline constexpr std::uint16_t kChecksum = 7;
+inline constexpr std::uint16_t kPortNotReady = 8;
+inline constexpr std::uint16_t kBusy = 9;
+inline constexpr std::uint16_t kLost = 10;
+} // namespace comm
+
+/// Text shown for a status: "Timeout", "No Data", ... "Unknown Error"; empty for 0.
+std::string commStatusText(std::uint16_t status);
+
+/// The wire: one command packet out, one reply packet in, over the transport that `CommType` selects.
+///
+/// One exchange is in flight at a time. A command given while another waits for its reply (from an event handler
+/// that ran inside the wait) is kept as the single pending command, sent after the exchange in hand, and its reply is
+/// discarded.
+class Link {
+public:
+    static constexpr double kReplyLimit = 1.0; ///< s
+
+    Link(const LinkSettings& settings, Transports& transports, EventPump& pump, const Clock& clock,
+         ActionQueue& actions);
+
+    /// Sends a command and waits for its reply, at most 1.0 s, sleeping in the event loop: pumps events. Returns the
+    /// trimmed reply data, "" on any failure; the outcome is in CommStatus(). Whatever path it leaves by, exceptions
+    /// of event handlers included, CommStatus() is not 9 afterwards.
+    std::string Comm_Send(const std::string& command);
+
+    [[nodiscard]] std::uint16_t CommStatus() const { return status_; }
+    void setCommStatus(std::uint16_t status) { status_ = status; }
+
+    /// The instrument is on line.
+    [[nodiscard]] bool CommOK() const { return ok_; }
+    void setCommOK(bool ok) { ok_ = ok; }
+
+    [[nodiscard]] const std::string& CommLastPacket() const { return lastPacket_; }
+    [[nodiscard]] const std::string& CommReply() const { return reply_; }
+    [[nodiscard]] const std::string& CommVersion() const { return version_; }
+
+    /// Numeric value of the last character of the reply to "J"; 0 when unknown.
+    [[nodiscard]] std::int16_t InstrumentType() const { return instrumentType_; }
+    void setInstrumentType(std::int16_t type) { instrumentType_ = type; }
+
+    /// Sensors that are read and shown: InstrumentType, at most 6; unknown (0) counts as 6.
+    [[nodiscard]] int sensorCount() const;
+
+    /// The last four characters of CommVersion when it has at least five, else "".
+    [[nodiscard]] std::string Comm_VersionText() const;
+    /// Film slots of the instrument: 9 for firmware above 0 and up to 4.08, else 99.
+    [[nodiscard]] std::int16_t FilmCount() const;
+
+    /// True while a reply is awaited.
+    [[nodiscard]] bool exchanging() const { return waiting_; }
+    /// Monotonic time of the last complete reply whose check characters were right; below 0 before the first.
+    [[nodiscard]] double lastReplyTime() const { return lastReplyTime_; }
+
+private:
+    friend class LinkTestAccess;
+    void Comm_RxByte(std::uint8_t byte);
+    std::string Comm_Receive();
+    void feed();
+    void applyReply(const FrameParser::Reply& reply);
+    void sendPending();
+
+    const LinkSettings& settings_;
+    Transports& transports_;
+    EventPump& pump_;
+    const Clock& clock_;
+    ActionQueue& actions_;
+    FrameParser parser_;
+    std::uint16_t status_ = comm::kOk;
+    bool ok_ = false;
+    bool waiting_ = false;
+    std::string pending_;
+    bool hasPending_ = false;
+    std::string lastPacket_;
+    std::string reply_;
+    std::string version_;
+    std::int16_t instrumentType_ = 0;
+    double lastReplyTime_ = -1;
+};
+
+} // namespace drx9

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "link/Records.h"
+#include "platform/Clock.h"
+#include "platform/EventPump.h"
+#include "platform/LinkPorts.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace drx9 {
+
+/// One way to reach the instrument, as the exchange needs it.
+class Transport {
+public:
+    using Feed = std::function<void(std::uint8_t)>;
+    using Awaiting = std::function<bool()>;
+
+    virtual ~Transport() = default;
+    [[nodiscard]] virtual bool isOpen() = 0;
+    /// Drops the bytes that wait, then sends the packet. False when nothing could be sent.
+    virtual bool send(std::string_view packet) = 0;
+    /// Feeds what has arrived; RS-232 and USB stop as soon as `awaiting` is false, Ethernet feeds the whole chunk.
+    virtual void receive(const Feed& feed, const Awaiting& awaiting) = 0;
+    virtual void close() = 0;
+    /// Longest sleep (s) between two looks at a link that cannot wake the event pump by itself, given how long the
+    /// wait has lasted; 0 when arriving bytes wake the pump.
+    [[nodiscard]] virtual double pollInterval(double waited) const;
+};
+
+/// RS-232 over the serial communications control.
+class SerialTransport : public Transport {
+public:
+    explicit SerialTransport(SerialControl& control)
+        : control_(control) {}
+
+    [[nodiscard]] bool isOpen() override;
+    bool send(std::string_view packet) override;
+    void receive(const Feed& feed, const Awaiting& awaiting) override;
+    void close() override;
+    /// Opens port 1..9 with `baud`,N,8,1; any other port is refused without touching the control. Empty on success,
+    /// else the reason.
+    std::string open(int port, std::int32_t baud);
+    [[nodiscard]] SerialControl& control() { return control_; }
+
+private:
+    SerialControl& control_;
+};
+
+/// USB over the bridge's library.
+class UsbTransport : public Transport {
+public:
+    static constexpr std::uint32_t kBaud = 115200; ///< fixed, whatever the Baud setting says
+
+    explicit UsbTransport(UsbBridge& bridge)
+        : bridge_(bridge) {}
+
+    [[nodiscard]] bool isOpen() override;
+    bool send(std::string_view packet) override; ///< a failed write closes the device
+    void receive(const Feed& feed, const Awaiting& awaiting) override;
+    void close() override;
+    [[nodiscard]] double pollInterval(double waited) const override;
+    /// Opens device `index` at 115200 baud; false on failure.
+    bool open(std::int32_t index);
+
+    [[nodiscard]] UsbBridge& bridge() { return bridge_; }
+    [[nodiscard]] std::int32_t USBHandle() const { return handle_; } ///< 0 when closed
+    [[nodiscard]] std::int32_t USBStatus() const { return status_; } ///< last result of the library
+
+private:
+    UsbBridge& bridge_;
+    std::int32_t handle_ = 0;
+    std::int32_t status_ = 0;
+};
+
+/// Ethernet over the TCP socket control.
+class SocketTransport : public Transport {
+public:
+    explicit SocketTransport(SocketControl& control)
+        : control_(control) {}
+
+    [[nodiscard]] bool isOpen() override;
+    bool send(std::string_view packet) override;
+    void receive(const Feed& feed, const Awaiting& awaiting) override;
+    void close() override;
+    /// Connects and waits until connected, refused, or 1.0 s have passed: pumps events. True when connected.
+    bool open(const std::string& host, const std::string& port, EventPump& pump, const Clock& clock);
+    [[nodiscard]] SocketControl& control() { return control_; }
+
+private:
+    SocketControl& control_;
+};
+
+/// The three links; exactly one is used at a time.
+struct Transports {
+    SerialTransport serial;
+    UsbTransport usb;
+    SocketTransport socket;
+
+    /// The link of `CommType`; values other than 0..2 count as 0.
+    [[nodiscard]] Transport& of(std::int16_t commType);
+    void closeAll();
+};
+
+} // namespace drx9

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string>
+
+namespace drx9 {
+
+struct FileDialogRequest {
+    std::string title;            ///< empty: the dialog's own
+    std::string filter;           ///< "DB Files (*.mdb)|*.mdb"
+    std::string defaultExtension; ///< without the dot
+    std::string initialFolder;
+    std::string fileName; ///< initial name, may be a path
+    bool overwritePrompt = false;
+};
+
+/// File dialogs; both run the event loop and return the chosen full path, empty when cancelled.
+class FileDialogs {
+public:
+    virtual ~FileDialogs() = default;
+    virtual std::string openFile(const FileDialogRequest& request) = 0;
+    virtual std::string saveFile(const FileDialogRequest& request) = 0;
+};
+
+/// The desktop's shell. Both return an empty text on success, else a reason for people.
+class Shell {
+public:
+    virtual ~Shell() = default;
+    /// Opens a document with the program that the desktop associates with it.
+    virtual std::string openDocument(const std::string& path) = 0;
+    /// Starts a program and does not wait for it.
+    virtual std::string startProgram(const std::string& program) = 0;
+};
+
+class HelpViewer {
+public:
+    virtual ~HelpViewer() = default;
+    virtual void showIndex() = 0;
+};
+
+/// Keeps the machine awake while held; no effect where the desktop offers no way to say so.
+class SleepInhibitor {
+public:
+    virtual ~SleepInhibitor() = default;
+    virtual void hold(const std::string& reason) = 0;
+    virtual void release() = 0;
+};
+
+/// A repeating timer of the user-interface thread. Ticks that are due while one runs are dropped, not queued.
+class Ticker {
+public:
+    virtual ~Ticker() = default;
+    virtual void start() = 0;
+    virtual void stop() = 0;
+    [[nodiscard]] virtual bool running() const = 0;
+};
+
+} // namespace drx9

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+namespace drx9 {
+
+/// Folders of the program, found once at start. Tests point the whole program at a temporary folder.
+struct Paths {
+    std::string programFolder; ///< holds the executable
+    std::string dataFolder;    ///< where relative names resolve: the program's folder, or the per-user one where that
+                               ///< is not writable
+
+    /// Absolute path of a name: itself when absolute, else below the data folder.
+    [[nodiscard]] std::string resolve(const std::string& name) const;
+};
+
+/// Text after the last "\" or "/".
+std::string bareName(const std::string& path);
+/// Text up to and without the last separator; "." when there is none.
+std::string folderOf(const std::string& path);
+bool isAbsolutePath(const std::string& path);
+std::string joinPath(const std::string& folder, const std::string& name);
+
+} // namespace drx9

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace drx9 {
+
+std::string trimmed(std::string_view text); ///< without leading and trailing blanks (0x20 only)
+std::string upperAscii(std::string_view text);
+bool equalNoCase(std::string_view a, std::string_view b); ///< ASCII letters
+/// Bytes of Windows-1252 to UTF-8 and back; characters that it does not hold become "?". The five unassigned codes
+/// map to the control characters of the same number.
+std::string utf8FromAnsi(std::string_view bytes);
+std::string ansiFromUtf8(std::string_view text);
+
+} // namespace drx9

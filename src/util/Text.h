@@ -12,5 +12,7 @@ bool equalNoCase(std::string_view a, std::string_view b); ///< ASCII letters
 /// map to the control characters of the same number.
 std::string utf8FromAnsi(std::string_view bytes);
 std::string ansiFromUtf8(std::string_view text);
+/// True when the bytes are well-formed UTF-8 throughout (no overlong forms, no surrogates).
+bool isUtf8(std::string_view bytes);
 
 } // namespace drx9

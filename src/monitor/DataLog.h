@@ -1,0 +1,83 @@
+#pragma once
+
+#include "link/Records.h"
+#include "monitor/Settings.h"
+#include "platform/Clock.h"
+#include "platform/EventPump.h"
+#include "platform/FilePort.h"
+#include "platform/MessageBoxes.h"
+#include "util/NumberLocale.h"
+#include "util/Paths.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace drx9 {
+
+/// The data log: a text file with one block a run, made of a start line, a header, tab-separated lines and an
+/// end line. Nothing is kept open between two lines. A text that cannot be appended is lost and counted,
+/// never queued; the run goes on.
+///
+/// The settings are read at each call, so that a change takes effect at once. Film names are bytes as the
+/// instrument sent them and go into the file unchanged; everything else in the file is ASCII (the date as far
+/// as the locale is).
+class DataLog {
+public:
+    DataLog(FilePort& files, const Clock& clock, const NumberLocale& locale, const Paths& paths,
+            MessageBoxes& boxes, EventPump& pump, const DataLogSettings& settings);
+
+    // Writing. Call the first three only when the log mode is not 0.
+
+    /// Prepares the log at the start of a run and begins to count anew: deletes the file in mode 1, offers a
+    /// large one for deletion. Pumps events when it asks.
+    void InitDataLog();
+    void startBlock(std::string_view filmName);
+    void endBlock(std::string_view filmName);
+    /// Writes a line if one is due. `elapsed` is the reading's run time in s, rounded to 0.001; `sensorCount`
+    /// 0..6.
+    void UpdateDataLog(const Readings& readings, double elapsed, int sensorCount);
+
+    // State, for the log window and the status bar. Counts are of the run in hand, or of the last one.
+
+    /// Between the start and the end block of a run, as long as the log mode is not 0.
+    [[nodiscard]] bool isWriting() const { return open_ && settings_.Type != kLogNone; }
+    [[nodiscard]] int runNumber() const {
+        return run_;
+    } ///< logged runs since the program's start; 0 none yet
+    [[nodiscard]] int linesWritten() const { return written_; } ///< readings, not the block's own lines
+    [[nodiscard]] int linesLost() const { return lost_; } ///< texts of any kind that could not be appended
+    [[nodiscard]] const std::optional<LocalTime>& lastLineTime() const { return lastLineTime_; }
+    /// Why the last append failed, for people; empty as soon as one has succeeded again.
+    [[nodiscard]] const std::string& lastError() const { return lastError_; }
+    /// Where the log goes at present.
+    [[nodiscard]] std::string fullPath() const { return paths_.resolve(settings_.File); }
+
+private:
+    void beginRun();
+    void offerDeletion();
+    [[nodiscard]] float now() const;
+    [[nodiscard]] bool due();
+    [[nodiscard]] bool inSpan(double elapsed) const;
+    [[nodiscard]] std::string line(const Readings& readings, double elapsed, int sensorCount) const;
+    [[nodiscard]] std::string stamp(std::string_view start, std::string_view filmName) const;
+    bool append(std::string text);
+
+    FilePort& files_;
+    const Clock& clock_;
+    const NumberLocale& locale_;
+    const Paths& paths_;
+    MessageBoxes& boxes_;
+    EventPump& pump_;
+    const DataLogSettings& settings_;
+    float lastLogTime_ =
+        0; ///< s after midnight of the last line that was due; negative once midnight has passed
+    bool open_ = false;
+    int run_ = 0;
+    int written_ = 0;
+    int lost_ = 0;
+    std::optional<LocalTime> lastLineTime_;
+    std::string lastError_;
+};
+
+} // namespace drx9

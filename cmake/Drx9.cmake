@@ -40,7 +40,7 @@ endfunction()
 
 # drx9_qt_library(NAME GLOBS patterns...): a library that may see Qt.
 function(drx9_qt_library name)
-  cmake_parse_arguments(ARG "" "" "GLOBS" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "GLOBS;LIBS" ${ARGN})
   set(patterns)
   foreach(pattern IN LISTS ARG_GLOBS)
     list(APPEND patterns ${PROJECT_SOURCE_DIR}/${pattern})
@@ -48,12 +48,13 @@ function(drx9_qt_library name)
   file(GLOB sources CONFIGURE_DEPENDS ${patterns})
   if(NOT sources)
     add_library(${name} INTERFACE)
+    target_link_libraries(${name} INTERFACE ${ARG_LIBS})
     return()
   endif()
   add_library(${name} STATIC ${sources})
   set_target_properties(${name} PROPERTIES AUTOMOC ON)
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
-  target_link_libraries(${name} PUBLIC drx9_flags)
+  target_link_libraries(${name} PUBLIC ${ARG_LIBS} drx9_flags)
 endfunction()
 
 # drx9_test(FOLDER LIBS targets... [QT]): all tests/FOLDER/*_test.cpp as one program, each case a ctest case.

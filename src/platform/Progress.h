@@ -5,7 +5,7 @@
 
 namespace drx9 {
 
-enum class ProgressOwner { Main, Films };
+enum class ProgressOwner { MainWindow, FilmWindow };
 
 /// The modeless progress window.
 class Progress {

@@ -25,7 +25,8 @@ namespace drx9 {
 
 enum : std::int16_t { kStarting = 0, kIdle = 1, kRunning = 2, kExiting = 3 };
 
-/// The four graph objects in their fixed order: average rate, sensor rates, average thickness, sensor thickness.
+/// The four graph objects in their fixed order: average rate, sensor rates, average thickness, sensor
+/// thickness.
 using GraphSet = std::array<Graph*, 4>;
 
 /// What the monitor works with; everything is made once at the program's start and outlives it.
@@ -49,9 +50,10 @@ struct MonitorParts {
     std::function<void()> SaveSettings;
 };
 
-/// The running program without its windows: start-up and shutdown, run mode, the acquisition cycle, the operator's
-/// requests. All operations run on the user-interface thread; those that talk to the instrument pump events and hold
-/// an ActionQueue::Scope, so that no tick, menu action or close request starts inside them.
+/// The running program without its windows: start-up and shutdown, run mode, the acquisition cycle, the
+/// operator's requests. All operations run on the user-interface thread; those that talk to the instrument
+/// pump events and hold an ActionQueue::Scope, so that no tick, menu action or close request starts inside
+/// them.
 class Monitor {
 public:
     static constexpr std::int16_t kShutterUnknown = -999; ///< the shutter query failed
@@ -69,8 +71,8 @@ public:
 
     // Start and end.
 
-    /// Start-up: settings, graphs, window, link, instrument. Pumps. False when the program must end at once because
-    /// it is exiting already.
+    /// Start-up: settings, graphs, window, link, instrument. Pumps. False when the program must end at once
+    /// because it is exiting already.
     bool Form_Load();
     /// Saves the settings, ends a run's log, closes the other windows. Never cancelled. Call when idle only.
     void Form_QueryUnload();
@@ -127,20 +129,22 @@ public:
     [[nodiscard]] bool stale(double now) const;
     /// The link was lost since it was last on line and is being opened again from the tick.
     [[nodiscard]] bool reconnecting() const { return reconnecting_; }
-    /// Outcome of the last exchange that a tick made, in words: "OK", "Timeout", "P3: Timeout".
+    /// Last failed exchange of the last tick in words, or "OK": "OK", "Timeout", "P3: Timeout".
     [[nodiscard]] const std::string& lastExchange() const { return lastExchange_; }
-    /// A message in words that stays until the next run starts: another instrument after a loss; empty when none.
+    /// A message in words that stays until the next run starts: another instrument after a loss; empty when
+    /// none.
     [[nodiscard]] const std::string& notice() const { return notice_; }
     /// The record shown in Simulate and Etch of the status bar was read from or sent to the instrument.
     [[nodiscard]] bool systemKnown() const { return systemKnown_; }
     [[nodiscard]] const LocalTime& runStart() const { return runStart_; }
 
-    [[nodiscard]] const MonitorParts& parts() const { return parts_; }
+    [[nodiscard]] MonitorParts& parts() { return parts_; }
 
 private:
     void ReadDRX();
     void UpdateGraph();
     void PlotData(int count, std::int16_t first);
+    void plotPoint(const PointStore::Row& row);
     void GraphRollover(Graph& graph, double newest);
     void InitGraph();
     void takeRequests();
@@ -154,10 +158,11 @@ private:
     void selectFilmAfterRefresh();
     void enterMode(std::int16_t mode);
     [[nodiscard]] bool linkFine();
-    void handleLinkStatus();
+    [[nodiscard]] bool readyToPoll();
     void reconnect();
     void noteReading(Commands::ReadResult result);
     void noteExchange(const char* command);
+    void publishExchange();
     [[nodiscard]] const FilmRecord* currentFilm() const;
     void refreshReadouts();
     void changed();
@@ -181,6 +186,7 @@ private:
     bool wasOnLine_ = false;
     bool reconnecting_ = false;
     bool firstPlot_ = true;
+    double lastAppended_ = -1; ///< elapsed time of the newest point on the charts
     bool gapPending_ = false;
     bool systemKnown_ = false;
     int refusals_ = 0;
@@ -190,6 +196,7 @@ private:
     LocalTime lastGoodTime_;
     LocalTime runStart_;
     std::string versionAtLoss_;
+    std::string failure_; ///< last failed exchange of the tick or refresh in hand
     std::string lastExchange_ = "OK";
     std::string notice_;
 };

@@ -9,20 +9,20 @@ namespace drx9 {
 
 /// The points of the run that feed the charts: 500 rows that wrap.
 ///
-/// Outside a run the current point does not advance: each reading overwrites the same row. Point numbers count from
-/// 1; the row of point p is p - 1.
+/// Outside a run the current point does not advance: each reading overwrites the same row. Point numbers
+/// count from 1; the row of point p is p - 1.
 class PointStore {
 public:
     static constexpr std::int16_t kRows = 500;
     static constexpr std::int16_t kRestartPoint = 1; ///< point that follows the last one when the store wraps
 
     struct Row {
-        double elapsed = 0;          ///< s, rounded to 0.001
-        double averageRate = 0;      ///< Å/s
-        double averageThickness = 0; ///< kÅ
+        double elapsed = 0;                          ///< s, rounded to 0.001
+        double averageRate = 0;                      ///< Å/s
+        double averageThickness = 0;                 ///< kÅ
         std::array<double, kMaxSensors> rate{};      ///< Å/s, rounded to 0.001
         std::array<double, kMaxSensors> thickness{}; ///< kÅ, for the sensor thickness chart
-        bool gapBefore = false;      ///< a reading before this one failed
+        bool gapBefore = false;                      ///< a reading before this one failed
     };
 
     /// Empties the store and sets the counters to their start values.
@@ -36,7 +36,9 @@ public:
     [[nodiscard]] std::int16_t lastPlotted() const { return plotted_; }
     void setLastPlotted(std::int16_t point) { plotted_ = point; }
     [[nodiscard]] bool rolledOver() const { return rolledOver_; }
-    [[nodiscard]] const Row& row(std::int16_t point) const { return rows_[static_cast<std::size_t>(point - 1)]; }
+    [[nodiscard]] const Row& row(std::int16_t point) const {
+        return rows_[static_cast<std::size_t>(point - 1)];
+    }
     [[nodiscard]] const std::array<double, kMaxSensors>& frequencies() const { return frequencies_; }
 
 private:

@@ -7,8 +7,8 @@
 
 namespace drx9 {
 
-/// The update timer: runs when it is wanted and no window holds it. Holds are counted, so that closing one window
-/// never restarts the timer under another.
+/// The update timer: runs when it is wanted and no window holds it. Holds are counted, so that closing one
+/// window never restarts the timer under another.
 class PollTimer {
 public:
     static constexpr int kIntervalMs = 250;

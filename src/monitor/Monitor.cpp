@@ -1,0 +1,217 @@
+#include "monitor/Monitor.h"
+
+#include "util/Numbers.h"
+#include "util/Text.h"
+
+#include <algorithm>
+
+namespace drx9 {
+
+namespace {
+/// Percent of `done` out of `count`, as a whole number.
+std::int16_t percent(int done, int count) {
+    return toInt16(done * 100.0 / count);
+}
+
+std::string listName(const FilmRecord& film) {
+    std::string name = film.FilmName;
+    name.erase(name.find_last_not_of(' ') + 1);
+    return utf8FromAnsi(name);
+}
+} // namespace
+
+Monitor::Monitor(const MonitorParts& parts)
+    : parts_(parts) {}
+
+bool Monitor::Form_Load() {
+    if (runMode_ == kExiting) {
+        return false;
+    }
+    const ActionQueue::Scope scope(parts_.actions);
+    parts_.LoadSettings();
+    parts_.readouts.setDisplay(parts_.settings.Display);
+    parts_.readouts.setGraph(parts_.settings.Graph);
+    for (Graph* graph : parts_.graphs) {
+        graph->Init();
+    }
+    window_->setHourglass(true);
+    window_->showWindow();
+    setRunMode(kStarting);
+    commMenuForced_ = !parts_.discovery.Comm_Open();
+    setRunMode(kIdle);
+    window_->setHourglass(false);
+    return true;
+}
+
+void Monitor::Form_QueryUnload() {
+    parts_.settings.Display = parts_.readouts.Display();
+    parts_.settings.Graph = parts_.readouts.Graph();
+    parts_.SaveSettings();
+    setRunMode(kExiting);
+    window_->closeOtherWindows();
+}
+
+void Monitor::setRunMode(std::int16_t mode) {
+    const ActionQueue::Scope scope(parts_.actions);
+    if (runMode_ == kRunning) {
+        if (parts_.settings.log.Type != kLogNone) {
+            parts_.log.endBlock(currentFilmName());
+        }
+        parts_.sleep.release();
+    }
+    runMode_ = mode;
+    enterMode(mode);
+    changed();
+}
+
+void Monitor::enterMode(std::int16_t mode) {
+    switch (mode) {
+    case kStarting:
+        locked_ = false;
+        parts_.timer.setWanted(false);
+        break;
+    case kIdle:
+        locked_ = false;
+        InitForm();
+        // A lost link is opened again from the tick, so the tick goes on while it is lost.
+        parts_.timer.setWanted(parts_.link.CommOK() || reconnecting_);
+        break;
+    case kRunning:
+        locked_ = true;
+        parts_.timer.setWanted(parts_.link.CommOK() || reconnecting_);
+        startRun();
+        break;
+    default:
+        parts_.timer.setWanted(false);
+        break;
+    }
+}
+
+void Monitor::startRun() {
+    notice_.clear();
+    runStart_ = parts_.clock.local();
+    parts_.sleep.hold("A deposition run is in progress");
+    changed(); // STOP shows before the exchanges below
+    readings_.startTime = parts_.clock.monotonic();
+    ZeroAll();
+    parts_.commands.Comm_ZeroTime();
+    noteExchange("T");
+    if (parts_.settings.log.Type != kLogNone) {
+        parts_.log.InitDataLog();
+        parts_.log.startBlock(currentFilmName());
+    }
+}
+
+void Monitor::ZeroAll() {
+    points_.clear();
+    InitGraph();
+    for (Graph* graph : parts_.graphs) {
+        graph->ReInit();
+    }
+    readings_.startTime = parts_.clock.monotonic();
+    parts_.commands.Comm_ZeroTime();
+    noteExchange("T");
+}
+
+void Monitor::InitForm() {
+    const ActionQueue::Scope scope(parts_.actions);
+    const bool onLine = parts_.link.CommOK();
+    controlsVisible_ = onLine;
+    started_ = true;
+    filmNames_.clear();
+    filmIndex_ = -1;
+    if (!onLine) {
+        title_ = "DRX9 Comm - [Off Line]";
+        changed();
+        return;
+    }
+    wasOnLine_ = true;
+    failure_.clear();
+    title_ = "DRX9 Comm - [Ver. " + utf8FromAnsi(trimmed(parts_.link.Comm_VersionText())) + "]";
+    changed();
+    readFilms();
+    selectFilmAfterRefresh();
+    if (!closing_) {
+        systemKnown_ = parts_.commands.Comm_GetSystem(parts_.settings.system);
+        noteExchange("C?");
+    }
+    publishExchange();
+    changed();
+}
+
+void Monitor::readFilms() {
+    parts_.progress.ProgressShow("Reading DRX-9 Films", ProgressOwner::MainWindow);
+    const int count = std::min<int>(parts_.link.FilmCount(), 99);
+    for (int i = 1; i <= count && !closing_; ++i) {
+        parts_.progress.setProgress(percent(i, count));
+        FilmRecord film;
+        if (parts_.commands.Comm_GetFilm(i, film)) {
+            noteExchange("A");
+            break;
+        }
+        parts_.films[static_cast<std::size_t>(i)] = film;
+        filmNames_.push_back(listName(film));
+        changed();
+    }
+    parts_.progress.ProgressHide();
+}
+
+void Monitor::selectFilmAfterRefresh() {
+    const int listed = static_cast<int>(filmNames_.size());
+    if (currentFilm_ >= 1 && currentFilm_ <= listed) {
+        filmIndex_ = currentFilm_ - 1;
+    } else if (listed > 0) {
+        cboFilms_Click(0); // counts as a selection, so that list and instrument agree
+    }
+}
+
+void Monitor::cmdStartStop_Click() {
+    requests_.startStop = true;
+    changed();
+}
+
+void Monitor::cmdZero_Click() {
+    requests_.zero = true;
+    changed();
+}
+
+void Monitor::cmdShutter_Click() {
+    requests_.shutter = true;
+    changed();
+}
+
+void Monitor::cboFilms_Click(int index) {
+    filmIndex_ = index;
+    requests_.film = true;
+    changed();
+}
+
+std::string Monitor::shutterCaption() const {
+    return shutterState_ > 0 ? "Close Shutter" : "Open Shutter";
+}
+
+std::string Monitor::startStopCaption() const {
+    return runMode_ == kRunning ? "STOP" : "START";
+}
+
+const FilmRecord* Monitor::currentFilm() const {
+    return currentFilm_ >= 0 && currentFilm_ <= 99 ? &parts_.films[static_cast<std::size_t>(currentFilm_)]
+                                                   : nullptr;
+}
+
+std::string Monitor::currentFilmName() const {
+    const FilmRecord* film = currentFilm();
+    return film != nullptr ? film->FilmName : std::string(8, ' ');
+}
+
+bool Monitor::stale(double now) const {
+    return hasReading() && now - lastGoodReading_ >= std::max(0.75, 2 * usualInterval_);
+}
+
+void Monitor::changed() {
+    if (window_ != nullptr) {
+        window_->changed();
+    }
+}
+
+} // namespace drx9

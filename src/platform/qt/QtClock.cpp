@@ -1,0 +1,29 @@
+#include "platform/qt/QtClock.h"
+
+#include <QDateTime>
+
+#include <chrono>
+
+namespace drx9 {
+
+double QtClock::monotonic() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+LocalTime QtClock::local() const {
+    constexpr std::int64_t kMinute = 60000;
+    const std::int64_t now = QDateTime::currentMSecsSinceEpoch();
+    if (now / kMinute != minute_) {
+        minute_ = now / kMinute;
+        const QDateTime start = QDateTime::fromMSecsSinceEpoch(minute_ * kMinute);
+        const QDate date = start.date();
+        minuteStart_ = {
+            date.year(), date.month(), date.day(), start.time().hour(), start.time().minute(), 0, 0};
+    }
+    LocalTime time = minuteStart_;
+    time.second = static_cast<int>(now % kMinute / 1000);
+    time.millisecond = static_cast<int>(now % 1000);
+    return time;
+}
+
+} // namespace drx9

@@ -1,0 +1,99 @@
+#include "platform/qt/QtEventPump.h"
+
+#include <QAbstractEventDispatcher>
+#include <QScopeGuard>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+namespace drx9 {
+
+namespace {
+
+QAbstractEventDispatcher& dispatcher() {
+    return *QAbstractEventDispatcher::instance();
+}
+
+} // namespace
+
+QtEventPump::QtEventPump(const Clock& clock)
+    : clock_(clock) {
+    timer_.setSingleShot(true);
+    timer_.setTimerType(Qt::PreciseTimer);
+    connect(&timer_, &QTimer::timeout, this, &QtEventPump::timerFired);
+    connect(&dispatcher(), &QAbstractEventDispatcher::aboutToBlock, this, &QtEventPump::beforeBlocking);
+}
+
+void QtEventPump::processPending() {
+    dispatcher().processEvents(QEventLoop::AllEvents);
+    finishSleeps();
+}
+
+void QtEventPump::sleepUntil(double deadline) {
+    if (std::exchange(wokenEarly_, false))
+        return;
+    if (clock_.monotonic() >= deadline)
+        return processPending();
+    armTimer(deadline);
+    Sleep sleep{deadline, false, sleep_};
+    sleep_ = &sleep;
+    const auto leave = qScopeGuard([&] {
+        sleep_ = sleep.outer;
+        finishSleeps();
+    });
+    dispatcher().processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+}
+
+void QtEventPump::wake() {
+    if (sleep_ == nullptr)
+        wokenEarly_ = true;
+    else
+        finishSleeps();
+}
+
+/// Every sleep on the stack has had its event; beforeBlocking() makes those that have not blocked yet return.
+void QtEventPump::finishSleeps() {
+    for (Sleep* sleep = sleep_; sleep != nullptr && !sleep->done; sleep = sleep->outer)
+        sleep->done = true;
+}
+
+/// The dispatcher runs posted events before it blocks: a wake-up that came from one of them, or from a pump
+/// or a dialog that one of them ran, must not be slept through.
+void QtEventPump::beforeBlocking() {
+    if (sleep_ != nullptr && sleep_->done)
+        dispatcher().wakeUp();
+}
+
+/// A timer that stands for an earlier time is left to run: it is armed again when it has fired.
+void QtEventPump::armTimer(double deadline) {
+    if (timer_.isActive() && armedFor_ <= deadline)
+        return;
+    const double wait = std::clamp(std::ceil((deadline - clock_.monotonic()) * 1000), 0.0, 86400e3);
+    armedFor_ = deadline;
+    timer_.start(std::chrono::milliseconds(static_cast<std::int64_t>(wait)));
+}
+
+void QtEventPump::timerFired() {
+    if (sleep_ == nullptr)
+        return;
+    if (clock_.monotonic() < sleep_->deadline)
+        armTimer(sleep_->deadline);
+    else
+        finishSleeps();
+}
+
+void QtEventPump::post(std::function<void()> action) {
+    posted_.push_back(std::move(action));
+    QMetaObject::invokeMethod(this, &QtEventPump::runPosted, Qt::QueuedConnection);
+}
+
+void QtEventPump::runPosted() {
+    const std::function<void()> action = std::move(posted_.front());
+    posted_.pop_front();
+    action();
+    finishSleeps();
+}
+
+} // namespace drx9

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "platform/Clock.h"
+#include "platform/EventPump.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+
+namespace drx9 {
+
+/// The event pump on the event dispatcher of the thread it is made in (after the QApplication).
+///
+/// Sleeps may be nested: an event handler that runs inside one may sleep itself. When the inner one returns
+/// the outer one returns too, an event having run in it, so that neither can miss a wake-up that the other
+/// one saw.
+class QtEventPump : public QObject, public EventPump {
+public:
+    explicit QtEventPump(const Clock& clock);
+
+    void processPending() override;
+    void sleepUntil(double deadline) override;
+    void wake() override;
+    void post(std::function<void()> action) override;
+
+private:
+    /// One sleepUntil() on the stack.
+    struct Sleep {
+        double deadline;
+        bool done = false; ///< an event of ours ran, or wake() was called
+        Sleep* outer = nullptr;
+    };
+
+    void armTimer(double deadline);
+    void timerFired();
+    void beforeBlocking();
+    void runPosted();
+    void finishSleeps();
+
+    const Clock& clock_;
+    /// Stands from one sleep to the next: arming a timer for each exchange, a second ahead and never reached,
+    /// costs more than one idle expiry a second.
+    QTimer timer_;
+    double armedFor_ = 0; ///< deadline (s) of the running timer
+    Sleep* sleep_ = nullptr;
+    bool wokenEarly_ = false; ///< wake() came while nobody slept
+    std::deque<std::function<void()>> posted_;
+};
+
+} // namespace drx9

@@ -1,0 +1,95 @@
+#include "platform/qt/QtMessageBoxes.h"
+
+#include <QApplication>
+
+namespace drx9 {
+
+namespace {
+
+QMessageBox::Icon iconOf(MessageIcon icon) {
+    switch (icon) {
+    case MessageIcon::Information:
+        return QMessageBox::Information;
+    case MessageIcon::Question:
+        return QMessageBox::Question;
+    case MessageIcon::Exclamation:
+        return QMessageBox::Warning;
+    case MessageIcon::Critical:
+        return QMessageBox::Critical;
+    case MessageIcon::None:
+        break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+void fill(QMessageBox& box, const std::string& text, const std::string& title, MessageIcon icon) {
+    box.setTextFormat(Qt::PlainText);
+    box.setText(QString::fromStdString(text));
+    box.setWindowTitle(QString::fromStdString(title));
+    box.setIcon(iconOf(icon));
+}
+
+/// A box over the active window. On the heap and guarded: the window it stands over may go while it is open.
+QPointer<QMessageBox> makeBox(const std::string& text, const std::string& title, MessageIcon icon) {
+    QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
+    fill(*box, text, title, icon);
+    return box;
+}
+
+/// The button pressed; `escape` also for Esc, the close box and a window that went away under the box.
+QMessageBox::StandardButton ask(const QPointer<QMessageBox>& box, QMessageBox::StandardButtons buttons,
+                                QMessageBox::StandardButton escape) {
+    box->setObjectName("MsgBox");
+    box->setStandardButtons(buttons);
+    box->setEscapeButton(escape);
+    box->exec();
+    if (!box)
+        return escape;
+    const QMessageBox::StandardButton pressed = box->standardButton(box->clickedButton());
+    delete box.data();
+    return pressed == QMessageBox::NoButton ? escape : pressed;
+}
+
+} // namespace
+
+QtMessageBoxes::~QtMessageBoxes() {
+    delete nonBlocking_.data();
+}
+
+void QtMessageBoxes::show(const std::string& text, const std::string& title, MessageIcon icon,
+                          bool systemModal) {
+    const QPointer<QMessageBox> box = makeBox(text, title, icon);
+    box->setWindowModality(Qt::ApplicationModal);
+    if (systemModal)
+        box->setWindowFlag(Qt::WindowStaysOnTopHint);
+    ask(box, QMessageBox::Ok, QMessageBox::Ok);
+}
+
+bool QtMessageBoxes::askYesNo(const std::string& text, const std::string& title, MessageIcon icon) {
+    return ask(makeBox(text, title, icon), QMessageBox::Yes | QMessageBox::No, QMessageBox::No) ==
+           QMessageBox::Yes;
+}
+
+bool QtMessageBoxes::askOkCancel(const std::string& text, const std::string& title, MessageIcon icon) {
+    return ask(makeBox(text, title, icon), QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Cancel) ==
+           QMessageBox::Ok;
+}
+
+void QtMessageBoxes::showNonBlocking(const std::string& text, const std::string& title, MessageIcon icon) {
+    if (!nonBlocking_) {
+        nonBlocking_ = makeBox(text, title, icon);
+        nonBlocking_->setObjectName("MsgBoxNonBlocking");
+        nonBlocking_->setAttribute(Qt::WA_DeleteOnClose);
+        nonBlocking_->setAttribute(Qt::WA_ShowWithoutActivating);
+        nonBlocking_->setStandardButtons(QMessageBox::Ok);
+        nonBlocking_->setModal(false);
+    }
+    fill(*nonBlocking_, text, title, icon);
+    nonBlocking_->show();
+}
+
+void QtMessageBoxes::closeNonBlocking() {
+    delete nonBlocking_.data();
+}
+
+} // namespace drx9

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/MessageBoxes.h"
+
+#include <QMessageBox>
+#include <QPointer>
+
+namespace drx9 {
+
+/// Message boxes with the object names "MsgBox" (the blocking ones) and "MsgBoxNonBlocking".
+class QtMessageBoxes : public MessageBoxes {
+public:
+    QtMessageBoxes() = default;
+    ~QtMessageBoxes() override;
+    QtMessageBoxes(const QtMessageBoxes&) = delete;
+    QtMessageBoxes& operator=(const QtMessageBoxes&) = delete;
+
+    void show(const std::string& text, const std::string& title, MessageIcon icon,
+              bool systemModal = false) override;
+    bool askYesNo(const std::string& text, const std::string& title, MessageIcon icon) override;
+    bool askOkCancel(const std::string& text, const std::string& title, MessageIcon icon) override;
+    /// Does not take the focus: a key meant for the window must not answer it.
+    void showNonBlocking(const std::string& text, const std::string& title, MessageIcon icon) override;
+    void closeNonBlocking() override;
+
+private:
+    QPointer<QMessageBox> nonBlocking_;
+};
+
+} // namespace drx9

@@ -1,0 +1,109 @@
+#include "platform/qt/QtSocketControl.h"
+
+#include <QNetworkProxy>
+
+#include <algorithm>
+
+namespace drx9 {
+
+namespace {
+
+constexpr int kClosed = 0;
+constexpr int kConnecting = 6;
+constexpr int kFailed = 9;
+
+} // namespace
+
+QtSocketControl::QtSocketControl(EventPump& pump)
+    : pump_(pump) {}
+
+QtSocketControl::~QtSocketControl() {
+    drop();
+}
+
+void QtSocketControl::setRemote(const std::string& host, int port) {
+    host_ = QString::fromStdString(host).trimmed();
+    port_ = port;
+}
+
+void QtSocketControl::connect() {
+    close();
+    if (port_ < 1 || port_ > 65535 || host_.isEmpty()) {
+        state_ = kFailed;
+        reason_ = "No valid address: \"" + host_.toStdString() + "\" port " + std::to_string(port_);
+        return;
+    }
+    state_ = kConnecting;
+    socket_ = std::make_unique<QTcpSocket>();
+    // The instrument stands in the local network: a proxy for the web is no way to it.
+    socket_->setProxy(QNetworkProxy::NoProxy);
+    QObject::connect(socket_.get(), &QTcpSocket::connected, this, &QtSocketControl::connected);
+    QObject::connect(socket_.get(), &QTcpSocket::readyRead, this, [this] { pump_.wake(); });
+    QObject::connect(socket_.get(), &QTcpSocket::errorOccurred, this,
+                     [this] { failed(socket_->errorString().toStdString()); });
+    QObject::connect(socket_.get(), &QTcpSocket::disconnected, this, [this] { failed("Connection closed"); });
+    socket_->connectToHost(host_, static_cast<quint16>(port_));
+}
+
+void QtSocketControl::connected() {
+    state_ = kConnected;
+    // A packet must leave at once, whatever is still unacknowledged.
+    socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    socket_->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
+    pump_.wake();
+}
+
+/// Runs inside a signal of the socket, which must outlive it: the socket itself is dropped from the event
+/// loop.
+void QtSocketControl::failed(const std::string& reason) {
+    if (state_ == kFailed)
+        return;
+    state_ = kFailed;
+    reason_ = reason;
+    const auto dropIt = [this, socket = socket_.get()] {
+        if (socket == socket_.get()) // no new connect() meanwhile
+            drop();
+    };
+    QMetaObject::invokeMethod(socket_.get(), dropIt, Qt::QueuedConnection);
+    pump_.wake();
+}
+
+void QtSocketControl::drop() {
+    if (!socket_)
+        return;
+    socket_->disconnect(this);
+    socket_->abort();
+    socket_.release()->deleteLater();
+}
+
+int QtSocketControl::state() const {
+    return state_;
+}
+
+void QtSocketControl::sendData(std::string_view bytes) {
+    if (state_ != kConnected)
+        return;
+    socket_->write(bytes.data(), static_cast<qint64>(bytes.size()));
+    if (state_ == kConnected)
+        socket_->flush();
+}
+
+std::size_t QtSocketControl::bytesReceived() {
+    return state_ == kConnected ? static_cast<std::size_t>(socket_->bytesAvailable()) : 0;
+}
+
+std::string QtSocketControl::getData() {
+    std::string bytes(bytesReceived(), '\0');
+    if (!bytes.empty())
+        bytes.resize(static_cast<std::size_t>(
+            std::max<qint64>(0, socket_->read(bytes.data(), static_cast<qint64>(bytes.size())))));
+    return bytes;
+}
+
+void QtSocketControl::close() {
+    drop();
+    state_ = kClosed;
+    reason_.clear();
+}
+
+} // namespace drx9

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/Clock.h"
+#include "platform/Desktop.h"
+
+#include <QTimer>
+
+#include <functional>
+
+namespace drx9 {
+
+/// Ticks on multiples of the interval since start(). The beat that a long tick runs over is left out; the
+/// next one comes when it is due.
+class QtTicker : public Ticker {
+public:
+    QtTicker(const Clock& clock, int intervalMs);
+
+    /// What a tick does; set once before start().
+    void setTick(std::function<void()> tick) { tick_ = std::move(tick); }
+
+    void start() override; ///< no effect while it runs
+    void stop() override;
+    [[nodiscard]] bool running() const override { return running_; }
+
+private:
+    void fired();
+    void schedule();
+
+    const Clock& clock_;
+    double interval_; ///< s
+    double next_ = 0; ///< monotonic time (s) of the next beat
+    bool running_ = false;
+    bool ticking_ = false;
+    std::function<void()> tick_;
+    QTimer timer_;
+};
+
+} // namespace drx9

@@ -40,7 +40,8 @@ public:
 
     // State, for the log window and the status bar. Counts are of the run in hand, or of the last one.
 
-    /// Between the start and the end block of a run, as long as the log mode is not 0.
+    /// From the preparation of a run's log (or its first line, where logging was switched on in the middle of
+    /// the run) to its end block, as long as the log mode is not 0.
     [[nodiscard]] bool isWriting() const { return open_ && settings_.Type != kLogNone; }
     [[nodiscard]] int runNumber() const {
         return run_;

@@ -285,6 +285,10 @@ std::int32_t toInt32(double value) {
     return toInteger<std::int32_t>(value);
 }
 
+double toThousandths(double value) {
+    return halfToEven(value * 1000) / 1000;
+}
+
 std::string plainNumber(double value) {
     return shortest(value, '.', false);
 }

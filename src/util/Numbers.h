@@ -20,6 +20,8 @@ std::optional<double> parseLocaleNumber(std::string_view text, const NumberLocal
 /// Rounds half to even, as whole numbers are taken everywhere; clamped to the type's range.
 std::int16_t toInt16(double value);
 std::int32_t toInt32(double value);
+/// The value rounded to 0.001 as the stored points of a run are: half of a thousandth goes to the even one.
+double toThousandths(double value);
 
 /// Plain number-to-text conversion: at most 15 significant digits, no trailing zeros, "." as decimal point, no zero
 /// before it (0.25 gives ".25"), "E" notation outside 1E-15 .. 1E+15 as the shortest form needs it. No sign blank.

@@ -15,6 +15,7 @@ constexpr std::array<char16_t, 32> kHighControls = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 constexpr char32_t kInvalid = 0xFFFFFFFF;
+constexpr char32_t kReplacement = 0xFFFD;
 
 char upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
@@ -31,7 +32,12 @@ void appendUtf8(std::string& out, char32_t code) {
         out += static_cast<char>(0xC0 | (code >> 6));
         out += static_cast<char>(0x80 | (code & 0x3F));
     } else {
-        out += static_cast<char>(0xE0 | (code >> 12));
+        if (code < 0x10000) {
+            out += static_cast<char>(0xE0 | (code >> 12));
+        } else {
+            out += static_cast<char>(0xF0 | (code >> 18));
+            out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
+        }
         out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
         out += static_cast<char>(0x80 | (code & 0x3F));
     }
@@ -88,6 +94,38 @@ char toAnsi(char32_t code) {
     return found == kHighControls.end() ? '?' : static_cast<char>(0x80 + (found - kHighControls.begin()));
 }
 
+bool isHighSurrogate(char32_t unit) {
+    return unit >= 0xD800 && unit < 0xDC00;
+}
+bool isLowSurrogate(char32_t unit) {
+    return unit >= 0xDC00 && unit < 0xE000;
+}
+
+char32_t unitAt(std::string_view bytes, std::size_t at) {
+    const auto low = static_cast<std::uint8_t>(bytes[at]);
+    const auto high = static_cast<std::uint8_t>(bytes[at + 1]);
+    return static_cast<char32_t>(high << 8 | low);
+}
+
+char32_t takeUtf16(std::string_view bytes, std::size_t& at) {
+    const char32_t unit = unitAt(bytes, at);
+    at += 2;
+    if (!isHighSurrogate(unit)) {
+        return isLowSurrogate(unit) ? kReplacement : unit;
+    }
+    if (at + 1 >= bytes.size() || !isLowSurrogate(unitAt(bytes, at))) {
+        return kReplacement;
+    }
+    const char32_t low = unitAt(bytes, at);
+    at += 2;
+    return 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
+}
+
+void appendUnit(std::string& out, char32_t unit) {
+    out += static_cast<char>(unit & 0xFF);
+    out += static_cast<char>(unit >> 8);
+}
+
 } // namespace
 
 std::string trimmed(std::string_view text) {
@@ -134,6 +172,30 @@ bool isUtf8(std::string_view bytes) {
         }
     }
     return true;
+}
+
+std::string utf8FromUtf16(std::string_view bytes) {
+    std::string out;
+    for (std::size_t at = 0; at + 1 < bytes.size();) {
+        appendUtf8(out, takeUtf16(bytes, at));
+    }
+    return out;
+}
+
+std::string utf16FromUtf8(std::string_view text) {
+    std::string out;
+    for (std::size_t at = 0; at < text.size();) {
+        const char32_t code = takeUtf8(text, at);
+        if (code == kInvalid) {
+            appendUnit(out, kReplacement);
+        } else if (code < 0x10000) {
+            appendUnit(out, code);
+        } else {
+            appendUnit(out, 0xD800 + ((code - 0x10000) >> 10));
+            appendUnit(out, 0xDC00 + ((code - 0x10000) & 0x3FF));
+        }
+    }
+    return out;
 }
 
 } // namespace drx9

@@ -8,11 +8,15 @@ namespace drx9 {
 std::string trimmed(std::string_view text); ///< without leading and trailing blanks (0x20 only)
 std::string upperAscii(std::string_view text);
 bool equalNoCase(std::string_view a, std::string_view b); ///< ASCII letters
-/// Bytes of Windows-1252 to UTF-8 and back; characters that it does not hold become "?". The five unassigned codes
-/// map to the control characters of the same number.
+/// Bytes of Windows-1252 to UTF-8 and back; characters that it does not hold become "?". The five unassigned
+/// codes map to the control characters of the same number.
 std::string utf8FromAnsi(std::string_view bytes);
 std::string ansiFromUtf8(std::string_view text);
 /// True when the bytes are well-formed UTF-8 throughout (no overlong forms, no surrogates).
 bool isUtf8(std::string_view bytes);
+/// UTF-16, low byte first and without a byte-order mark, to UTF-8 and back. What is no character becomes
+/// U+FFFD; an odd last byte is dropped.
+std::string utf8FromUtf16(std::string_view bytes);
+std::string utf16FromUtf8(std::string_view text);
 
 } // namespace drx9

@@ -1,0 +1,188 @@
+#include "monitor/Readouts.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace drx9 {
+namespace {
+
+enum : std::int16_t { kStarting = 0, kIdle = 1, kRunning = 2 };
+
+class ReadoutsTest : public testing::Test {
+protected:
+    NumberLocale locale;
+    SystemParameters system;
+    Readouts readouts{locale, system};
+    Readings readings;
+    FilmRecord film;
+
+    std::string text(std::size_t field) const { return readouts.texts()[field]; }
+    /// One more reading, a quarter of a second after the last.
+    void read(std::int16_t mode, int sensors = kMaxSensors) {
+        readings.elapsed += 0.25;
+        readouts.refresh(mode, readings, &film, sensors);
+    }
+};
+
+TEST_F(ReadoutsTest, TimeRemaining) {
+    const double oneBelow = std::nextafter(1.0, 0.0);
+    const struct {
+        double thickness, rate, finalThickness;
+        const char* remaining;
+        bool reached;
+    } cases[] = {
+        {0.25, 2.0, 1, "0:06:16", false}, // 375 s and the one added
+        {1, 2, 1, "", true},
+        {oneBelow, 2, 1, "", true}, // equal in single precision
+        {1, 2, oneBelow, "", true},
+        {1.5, 2, 1, "0:00:00", true},
+        {1.5, 0, 1, "0:00:00", true},
+        {0.25, 0, 1, "", false},
+        {0.25, -2, 1, "0:00:00", false},   // negative time
+        {0, 0.001, 500, "0:00:00", false}, // beyond what the clock text shows
+        {0, 0, 0, "", false},              // no final thickness set
+    };
+    for (const auto& c : cases) {
+        readings.averageThickness = c.thickness;
+        readings.averageRate = c.rate;
+        film.EndThick = c.finalThickness;
+        read(kRunning);
+        EXPECT_EQ(text(Readouts::TimeRemaining), c.remaining) << c.thickness << " " << c.rate;
+        EXPECT_EQ(readouts.finalReached(), c.reached) << c.thickness;
+    }
+}
+
+TEST_F(ReadoutsTest, WhatEachRunModeRefreshes) {
+    film.EndThick = 12.5;
+    readings.elapsed = 3725;
+    readings.averageRate = 9.905;
+    readings.averageThickness = 1234.5;
+    read(kStarting);
+    EXPECT_EQ(readouts.texts(), Readouts::Texts());
+    read(kRunning, 4);
+    EXPECT_EQ(text(Readouts::ElapsedTime), "1:02:05");
+    EXPECT_EQ(text(Readouts::FinalThickness), "12.50");
+    EXPECT_EQ(text(Readouts::AverageRate), "9.91");
+    EXPECT_EQ(text(Readouts::AverageThickness), "");
+    EXPECT_EQ(text(6), "");
+    EXPECT_EQ(text(7), "OFF");
+    EXPECT_EQ(text(8), "OFF");
+
+    readings.elapsed = 5;
+    readings.averageThickness = 0.5;
+    readouts.refresh(kIdle, readings, nullptr, 0); // keeps the run's texts and the film's
+    EXPECT_EQ(text(Readouts::ElapsedTime), "1:02:05");
+    EXPECT_EQ(text(Readouts::TimeRemaining), "0:00:00");
+    EXPECT_EQ(text(Readouts::FinalThickness), "12.50");
+    EXPECT_EQ(text(Readouts::AverageThickness), "0.500");
+    EXPECT_EQ(text(3), "OFF");
+    readouts.refresh(kRunning, readings, nullptr, 0);
+    EXPECT_EQ(text(Readouts::ElapsedTime), "0:00:05");
+    EXPECT_EQ(text(Readouts::TimeRemaining), "0:00:00");
+}
+
+TEST_F(ReadoutsTest, SensorFieldsFollowTheCheckedItem) {
+    readings.rate[1] = 1.2345;
+    readings.thickness[1] = 1234.5;
+    readings.frequency[1] = 5987654.25;
+    locale.decimal = ',';
+    const struct {
+        std::int16_t display;
+        std::int16_t checked;
+        const char* label;
+        const char* text;
+    } steps[] = {
+        {0, 0, "Rate 2", ""},
+        {7, 0, "Rate 2", ""},
+        {1, 1, "Rate 2 (A/s)", "1,23"},
+        {2, 2, "Thick 2 (kA)", "1234,500"},
+        {3, 3, "Freq 2 (Hz)", "5987654,3"},
+        {0, 3, "Freq 2 (Hz)", "5987654,3"}, // stored, and nothing else
+        {-1, 3, "Freq 2 (Hz)", "5987654,3"},
+    };
+    for (const auto& s : steps) {
+        readouts.setDisplay(s.display);
+        read(kIdle);
+        EXPECT_EQ(readouts.Display(), s.display);
+        EXPECT_EQ(readouts.checkedSensorItem(), s.checked);
+        EXPECT_EQ(readouts.labels()[4], s.label);
+        EXPECT_EQ(text(4), s.text);
+    }
+    readouts.sensorItemClicked(3); // checked already
+    EXPECT_EQ(readouts.Display(), -1);
+    readouts.sensorItemClicked(1);
+    EXPECT_EQ(readouts.Display(), 1);
+}
+
+TEST_F(ReadoutsTest, GraphKeepsTheVisibleChartForOtherValues) {
+    readouts.setGraph(0);
+    EXPECT_EQ(readouts.checkedGraphItem(), 0);
+    readouts.setGraph(4);
+    readouts.setGraph(5);
+    EXPECT_EQ(readouts.Graph(), 5);
+    EXPECT_EQ(readouts.checkedGraphItem(), 4);
+    readouts.graphItemClicked(4);
+    EXPECT_EQ(readouts.Graph(), 5);
+    readouts.graphItemClicked(2);
+    EXPECT_EQ(readouts.checkedGraphItem(), 2);
+}
+
+TEST_F(ReadoutsTest, FailedExchangesMarkTheFieldsThatShowThem) {
+    const struct {
+        Value value;
+        std::int16_t display;
+        std::bitset<Readouts::kFields> fields;
+    } cases[] = {
+        {Value::AverageRate, 1, 0b1000'0000'0010},
+        {Value::AverageThickness, 1, 0b1000'0000'0100},
+        {Value::Rate, 1, 0b1000},
+        {Value::Rate, 2, 0},
+        {Value::Thickness, 2, 0b1000},
+        {Value::Frequency, 3, 0b1000},
+    };
+    for (const auto& c : cases) {
+        readouts.setDisplay(c.display);
+        readings.failed.reset();
+        readings.failed.set(valueIndex(c.value));
+        read(kRunning);
+        EXPECT_EQ(readouts.failed(), c.fields) << static_cast<int>(c.value);
+    }
+    read(kRunning, 0);
+    EXPECT_EQ(readouts.failed()[3], false) << "OFF is no failure";
+}
+
+TEST_F(ReadoutsTest, CrystalsAreMarkedAfterTwoBadReadings) {
+    const struct {
+        double least, most, frequency;
+        bool marked;
+    } cases[] = {
+        {5, 6, 5.5e6, false},  {5, 6, 5e6, false},    {5, 6, 6e6, false},
+        {5, 6, 4999999, true}, {5, 6, 6000001, true}, {5, 6, 0, true},
+        {0, 6, 7e6, false},    {6, 5, 7e6, false},    {0, 0, 0, true},
+    };
+    for (const auto& c : cases) {
+        system.FreqMin = c.least;
+        system.FreqMax = c.most;
+        readings.frequency.fill(5.5e6);
+        read(kIdle);
+        readings.frequency[2] = c.frequency;
+        read(kIdle);
+        readouts.refresh(kIdle, readings, &film, kMaxSensors); // the same reading, after a film change
+        EXPECT_FALSE(readouts.crystalMarked(3)) << c.frequency;
+        read(kIdle);
+        EXPECT_EQ(readouts.crystalMarked(3), c.marked) << c.frequency;
+        EXPECT_FALSE(readouts.crystalMarked(1));
+    }
+    readings.failed.set(valueIndex(Value::Frequency, 2)); // says nothing about the crystal
+    readings.frequency[2] = 0;
+    read(kIdle);
+    EXPECT_TRUE(readouts.crystalMarked(3));
+    readings.failed.reset();
+    readings.frequency[2] = 5.5e6;
+    read(kIdle);
+    EXPECT_FALSE(readouts.crystalMarked(3));
+}
+
+} // namespace
+} // namespace drx9

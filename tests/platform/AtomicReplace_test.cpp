@@ -1,0 +1,146 @@
+#include "fakes/FaultyFilePort.h"
+#include "platform/AtomicReplace.h"
+#include "platform/FileWorld.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace drx9 {
+namespace {
+
+using Names = std::vector<std::string>;
+
+int stepsOfOneReplace(FileWorld& world) {
+    FaultyFilePort faulty(*world.files);
+    EXPECT_TRUE(replaceFile(faulty, world.path("counted"), "x").ok());
+    EXPECT_TRUE(world.files->remove(world.path("counted")).ok());
+    return static_cast<int>(faulty.steps().size());
+}
+
+/// Fails one step of a replace, and checks what is in the folder after it.
+void failOneStep(FileWorld& world, int step, bool forGood, bool existed) {
+    SCOPED_TRACE(world.name + ", step " + std::to_string(step) + (forGood ? " for good" : " once") +
+                 (existed ? ", over a file" : ", new file"));
+    if (existed) {
+        ASSERT_TRUE(replaceFile(*world.files, world.path("file"), "old").ok());
+    }
+    FaultyFilePort faulty(*world.files);
+    faulty.failStep(step, forGood);
+    const FileStatus status = replaceFile(faulty, world.path("file"), "the new text");
+    EXPECT_FALSE(status.ok());
+    EXPECT_NE(status.reason().find("Input/output error"), std::string::npos) << status.reason();
+
+    const bool renamed = faulty.steps().back() == FileStep::FlushFolder;
+    EXPECT_EQ(world.files->exists(world.path("file")), existed || renamed);
+    if (existed || renamed) {
+        EXPECT_EQ(world.text("file"), renamed ? "the new text" : "old");
+    }
+    const bool removalFailed = forGood && faulty.steps().back() == FileStep::Remove;
+    EXPECT_EQ(world.files->list(world.folder).size(), (existed || renamed) + (removalFailed ? 1u : 0u));
+    EXPECT_EQ(status.reason().find(" is left: ") != std::string::npos, removalFailed) << status.reason();
+
+    // What a failure left behind does not hinder the next save.
+    faulty.heal();
+    EXPECT_TRUE(replaceFile(faulty, world.path("file"), "next").ok());
+    EXPECT_EQ(world.text("file"), "next");
+    for (const auto& name : world.files->list(world.folder)) {
+        EXPECT_TRUE(world.files->remove(world.path(name)).ok());
+    }
+}
+
+void failEachStep(FileWorld& world) {
+    const int steps = stepsOfOneReplace(world);
+    ASSERT_EQ(steps, 6); // create, write, flush, close, rename, flush of the folder
+    for (int step = 1; step <= steps; ++step) {
+        for (const bool forGood : {false, true}) {
+            for (const bool existed : {false, true}) {
+                failOneStep(world, step, forGood, existed);
+            }
+        }
+    }
+}
+
+TEST(AtomicReplace, EachFailingStepLeavesTheOldFileAndNoTemporary) {
+    FileWorld memory = memoryWorld();
+    failEachStep(memory);
+    OsWorld os;
+    failEachStep(os);
+}
+
+TEST(AtomicReplace, AFullDiskAtAnyByteLeavesTheOldFile) {
+    FileWorld world = memoryWorld();
+    for (std::uint64_t room = 0; room < 8; ++room) {
+        ASSERT_TRUE(replaceFile(*world.files, world.path("file"), "old").ok());
+        FaultyFilePort faulty(*world.files);
+        faulty.fillAfter(room);
+        EXPECT_EQ(replaceFile(faulty, world.path("file"), "8 bytes.").reason(), "No space left on device");
+        EXPECT_EQ(world.text("file"), "old");
+        EXPECT_EQ(world.files->list(world.folder), Names{"file"});
+        faulty.heal();
+        EXPECT_TRUE(replaceFile(faulty, world.path("file"), "8 bytes.").ok());
+    }
+}
+
+TEST(AtomicReplace, StepsComeInTheOrderThatSurvivesAPowerCut) {
+    FileWorld world = memoryWorld();
+    FaultyFilePort faulty(*world.files);
+    std::vector<FileStep> seen;
+    ASSERT_TRUE(replaceFile(faulty, world.path("file"), "x", [&] {
+                    seen = faulty.steps();
+                    return FileStatus();
+                }).ok());
+    const std::vector<FileStep> before{FileStep::Create, FileStep::Write, FileStep::Flush, FileStep::Close};
+    EXPECT_EQ(seen, before);
+    ASSERT_EQ(faulty.steps().size(), 6u);
+    EXPECT_EQ(faulty.steps()[4], FileStep::Rename);
+    EXPECT_EQ(faulty.steps()[5], FileStep::FlushFolder);
+}
+
+TEST(AtomicReplace, AVetoBeforeTheRenameAbandonsIt) {
+    FileWorld world = memoryWorld();
+    ASSERT_TRUE(replaceFile(*world.files, world.path("file"), "old").ok());
+    const FileStatus status = replaceFile(*world.files, world.path("file"), "new",
+                                          [] { return FileStatus::failure("changed by another program"); });
+    EXPECT_EQ(status.reason(), "changed by another program");
+    EXPECT_EQ(world.text("file"), "old");
+    EXPECT_EQ(world.files->list(world.folder), Names{"file"});
+}
+
+TEST(AtomicReplace, RefusesAWriteProtectedFileAndAMissingFolder) {
+    MemoryFilePort files;
+    files.put("/data/file", "old").writeProtected = true;
+    EXPECT_FALSE(replaceFile(files, "/data/file", "new").ok());
+    EXPECT_EQ(files.text("/data/file"), "old");
+    EXPECT_EQ(files.list("/data"), Names{"file"});
+    EXPECT_TRUE(replaceFile(files, "/nowhere/file", "new").notFound());
+    files.put("/sealed/file", "old");
+    files.protectFolder("/sealed");
+    EXPECT_EQ(replaceFile(files, "/sealed/file", "new").reason(), "Permission denied");
+    EXPECT_EQ(files.text("/sealed/file"), "old");
+}
+
+TEST(AtomicReplace, AStaleTemporaryOfADeadProcessIsLeftAlone) {
+    MemoryFilePort files;
+    files.put("/data/.drx9-4711-1.tmp", "somebody's");
+    EXPECT_TRUE(replaceFile(files, "/data/file", "new").ok());
+    EXPECT_EQ(files.text("/data/.drx9-4711-1.tmp"), "somebody's");
+    EXPECT_EQ(files.list("/data").size(), 2u);
+}
+
+TEST(AtomicReplace, KeepsModeOwnerAndALinksTargetInMemory) {
+    MemoryFilePort files;
+    auto& file = files.put("/data/real/file", "old");
+    file.mode = 0640;
+    file.owner = 77;
+    files.link("/data/second", "real/file");
+    files.link("/data/first", "/data/second");
+    ASSERT_TRUE(replaceFile(files, "/data/first", "new").ok());
+    EXPECT_EQ(files.text("/data/real/file"), "new");
+    EXPECT_TRUE(files.isLink("/data/first") && files.isLink("/data/second"));
+    EXPECT_EQ(files.find("/data/first")->mode, 0640u);
+    EXPECT_EQ(files.find("/data/first")->owner, 77u);
+    EXPECT_EQ(files.list("/data/real"), Names{"file"});
+}
+
+} // namespace
+} // namespace drx9

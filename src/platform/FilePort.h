@@ -62,10 +62,10 @@ public:
     virtual ~FilePort() = default;
 
     [[nodiscard]] virtual bool exists(const std::string& path) const = 0;
-    /// Size in bytes, nothing when there is no such file.
+    /// Size in bytes, nothing when there is no such file (or it is a folder; so also identity()).
     [[nodiscard]] virtual std::optional<std::uint64_t> size(const std::string& path) const = 0;
     [[nodiscard]] virtual std::optional<FileIdentity> identity(const std::string& path) const = 0;
-    /// True when this process may write the file (permissions, read-only media).
+    /// True when the file exists and this process may write it (permissions, read-only media).
     [[nodiscard]] virtual bool writable(const std::string& path) const = 0;
     /// True when files can be created in the folder.
     [[nodiscard]] virtual bool folderWritable(const std::string& folder) const = 0;
@@ -79,6 +79,7 @@ public:
     /// written tail is cut off again).
     virtual FileStatus append(const std::string& path, std::string_view bytes) = 0;
     virtual FileStatus remove(const std::string& path) = 0;
+    /// Makes the folder and those above it; one that exists already is fine.
     virtual FileStatus makeFolder(const std::string& path) = 0;
     /// Names (not paths) of the folder's entries, sorted; empty when it cannot be read.
     [[nodiscard]] virtual std::vector<std::string> list(const std::string& folder) const = 0;

@@ -85,8 +85,7 @@ TEST(OsFilePort, ADeviceOrAPipeIsReportedNotWaitedFor) {
     }
 }
 
-/// Replaces the file with one and the other version until killed. Starts at a byte from the parent's pipe's
-/// end.
+/// Replaces the file with one and the other version until killed.
 [[noreturn]] void replaceForEver(const std::string& path, const std::string& one, const std::string& other) {
     const auto files = makeOsFilePort();
     for (bool turn = false;; turn = !turn) {

@@ -86,8 +86,9 @@ void Deposition::zero(double now) {
 }
 
 void Deposition::fail(int sensor, double when, CrystalFailure kind) {
-    crystal(sensor).failsAt = when;
-    crystal(sensor).failure = kind;
+    Crystal& one = crystal(sensor);
+    one.failsAt = one.failsAt ? std::min(when, *one.failsAt) : when;
+    one.failure = kind;
 }
 
 void Deposition::mend(int sensor, double now) {

@@ -31,6 +31,7 @@ public:
     void change(double now, const Source& source);
     /// Thickness starts again at 0; what weighs on the crystals stays.
     void zero(double now);
+    /// From `when` on, or from an earlier failure that was told before.
     void fail(int sensor, double when, CrystalFailure kind);
     void mend(int sensor, double now);
 

@@ -100,6 +100,11 @@ void Simulator::resetCounts() {
 }
 
 void Simulator::setFaults(std::vector<Fault> faults, double now) {
+    for (const Fault& fault : faults_.all()) {
+        if (fault.kind == FaultKind::Crystal) {
+            mendCrystal(fault.sensor, now);
+        }
+    }
     for (const Fault& fault : faults) {
         if (fault.kind == FaultKind::Crystal) {
             instrument_.failCrystal(fault.sensor, simulated(now) + fault.seconds, fault.crystal);

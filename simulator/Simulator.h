@@ -40,6 +40,7 @@ public:
     std::vector<Piece> respond(const std::string& command, std::string_view name, double now) override;
     void badPacket(std::string_view name, double now) override;
 
+    /// These and no others: a crystal that an earlier list made fail works again.
     void setFaults(std::vector<Fault> faults, double now);
     void failCrystal(int sensor, CrystalFailure kind, double now);
     void mendCrystal(int sensor, double now);

@@ -98,7 +98,9 @@ private:
         prepare(ends[1]);
         signalPipe = ends[1];
         for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
-            std::signal(number, onSignal);
+            if (std::signal(number, onSignal) == SIG_IGN && number == SIGHUP) {
+                std::signal(number, SIG_IGN); // started to outlive its terminal
+            }
         }
         std::signal(SIGPIPE, SIG_IGN);
         std::signal(SIGTTIN, SIG_IGN); // in the background a terminal then gives an error instead of a stop

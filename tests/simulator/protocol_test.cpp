@@ -1,0 +1,208 @@
+#include "simulator/Bench.h"
+#include "simulator/CommandParser.h"
+
+namespace drx9::sim {
+namespace {
+
+const std::string kNewFilm = "2.700 100 1.080 5.000 2.500  60  63";
+
+struct Case {
+    const char* before; ///< sent first; "" = nothing
+    std::string command;
+    std::string reply; ///< status letter and data; "A*" = any data
+};
+
+// Every letter, its good and its bad forms. Film characters: "1" is film 1, ":" film 10, code 147 film 99.
+TEST(Protocol, AnswersEachCommand) {
+    const std::vector<Case> cases{
+        {"", "@", "ADRX-9 Ver 4.12"},
+        {"", "@1", "D"},
+        {"", "J", "ASENSORS 6"},
+        {"", "P1", "A*"},
+        {"", "P6", "A*"},
+        {"", "P7", "D"},
+        {"", "P0", "D"},
+        {"", "P", "D"},
+        {"", "P1 ", "D"},
+        {"", "L3", "A*"},
+        {"", "Lx", "D"},
+        {"", "N2", "A0.0000"},
+        {"", "M", "A*"},
+        {"", "O", "A0.0000"},
+        {"", "O1", "D"},
+        {"", "D99", "A"},
+        {"", "D100", "D"},
+        {"", "D0", "D"},
+        {"", "D", "D"},
+        {"", "A1?", "AALUMINUM 2.700 100 1.080 5.000 2.500 60 63"},
+        {"", "A:?", "AFILM10   1.000 100 1.000 0.000 0.000 0 63"},
+        {"", "A\x93?", "AFILM99   1.000 100 1.000 0.000 0.000 0 63"},
+        {"", "A\x94?", "D"},
+        {"", "A0?", "D"},
+        {"", "A1", "D"},
+        {"", "A", "D"},
+        {"", "A2GOLD____ " + kNewFilm, "A"},
+        {"U1", "A2GOLD____ " + kNewFilm, "E"},
+        {"U1", "A2?", "A*"},
+        {"", "B?", "A0.25 0 0 1 4 100 100 100 100 100 100"},
+        {"B .25  1  0  0  7  90  91  92  93  94  95 ", "B?", "A0.25 1 0 0 7 90 91 92 93 94 95"},
+        {"B 1 2 3", "B?", "A0.25 0 0 1 4 100 100 100 100 100 100"},
+        {"", "B 1 2 3", "D"},
+        {"", "B 1 2 3 4 5 6 7 8 9 10 11 12", "D"},
+        {"", "B 1 2 3 4 5 6 7 8 9 10 x", "D"},
+        {"", "B 0,25 2 3 4 5 6 7 8 9 10 11", "D"},
+        {"", "B 1e300 2 3 4 5 6 7 8 9 10 11", "D"},
+        {"", "C?", "A5 6 0 20 0 5 0"},
+        {"C 4.5  6.1 -1  25  .125  12.5  1 ", "C?", "A4.5 6.1 -1 25 0.125 12.5 1"},
+        {"", "C 1 2 3 4 5 6", "D"},
+        {"", "S", "A"},
+        {"", "S1", "D"},
+        {"", "T", "A"},
+        {"", "U?", "A0"},
+        {"U1", "U?", "A1"},
+        {"U0", "U?", "A0"},
+        {"", "U2", "D"},
+        {"", "U", "D"},
+        {"A1OTHER___ 2.700 100 1.080 5.000 2.500  60  63", "Z", "A"},
+        {"U1", "Z", "E"},
+        {"", "Q", "C"},
+        {"", "p1", "C"},
+        {"", "?", "C"},
+        {"", "\x01", "C"},
+    };
+    for (const Case& one : cases) {
+        Bench bench;
+        if (*one.before != '\0') {
+            bench.ask(one.before);
+        }
+        const std::string reply = bench.ask(one.command);
+        if (one.reply == "A*") {
+            EXPECT_TRUE(reply.size() > 1 && reply[0] == 'A') << one.command << " -> " << reply;
+        } else {
+            EXPECT_EQ(reply, one.reply) << one.before << " then " << one.command;
+        }
+    }
+}
+
+TEST(Protocol, KindOfInstrumentFollowsItsOptions) {
+    SimulatorOptions options;
+    options.instrument.sensors = 2;
+    options.instrument.films = 9;
+    Bench small(options);
+    EXPECT_EQ(small.ask("J"), "ASENSORS 2");
+    EXPECT_EQ(small.ask("P3"), "D");
+    EXPECT_EQ(small.ask("A:?"), "D");
+    EXPECT_EQ(small.ask("D10"), "D");
+    EXPECT_EQ(small.ask("A9?").substr(0, 9), "AMGF2    ");
+    options.instrument.sensors = 0; // does not tell, measures six
+    Bench untold(options);
+    EXPECT_EQ(untold.ask("J"), "ASENSORS 0");
+    EXPECT_EQ(untold.ask("P6").front(), 'A');
+}
+
+struct FilmCase {
+    std::string written;
+    std::string readBack; ///< "" = refused, and the film is as it was
+};
+
+TEST(Films, KeepWhatWasWrittenInTheirOwnDigits) {
+    const std::vector<FilmCase> cases{
+        {"ALU_____ " + kNewFilm, "ALU      2.700 100 1.080 5.000 2.500 60 63"},
+        {"MY_FILM_ " + kNewFilm, "MY_FILM  2.700 100 1.080 5.000 2.500 60 63"}, // only padding becomes blank
+        {"________ " + kNewFilm, "         2.700 100 1.080 5.000 2.500 60 63"},
+        {"WHAT?!__ " + kNewFilm,
+         "WHAT?!   2.700 100 1.080 5.000 2.500 60 63"}, // a sync byte inside a command
+        {"A_______ 2.7004 99.6 1 5 .0005 -1.5 1", "A        2.700 100 1.000 5.000 0.001 -1.5 1"},
+        {"SHORT__ " + kNewFilm, ""},
+        {"TOOLONG__ " + kNewFilm, ""},
+        {"ALU_____" + kNewFilm, ""},
+        {"ALU_____ 2.700 100 1.080 5.000 2.500  60", ""},
+        {"ALU_____ 2.700 100 1.080 5.000 2.500  60  63  1", ""},
+        {"ALU_____ 2,700 100 1.080 5.000 2.500  60  63", ""},
+        {"ALU_____ -2.7 100 1.080 5.000 2.500  60  63", ""},
+        {"ALU_____ 2.7 100 1.080 5.000 2.500  60  256", ""},
+        {"ALU_____ nan 100 1.080 5.000 2.500  60  63", ""},
+        {"ALU_____ 2.7 100 1.080 5.000 2.500  1e-200  63", ""}, // no reply could hold its digits
+    };
+    for (const FilmCase& one : cases) {
+        Bench bench;
+        const std::string before = bench.ask("A2?");
+        EXPECT_EQ(bench.ask("A2" + one.written), one.readBack.empty() ? "D" : "A") << one.written;
+        EXPECT_EQ(bench.ask("A2?"), one.readBack.empty() ? before : "A" + one.readBack) << one.written;
+        EXPECT_EQ(bench.ask("Z"), "A");
+        EXPECT_EQ(bench.ask("A2?"), before) << "default films are back";
+    }
+}
+
+/// The commands that a parser finds in `bytes`, "|" behind each; "#" for a bad packet.
+std::string parsed(std::string_view bytes) {
+    CommandParser parser;
+    std::string found;
+    for (const char byte : bytes) {
+        switch (parser.feed(byte)) {
+        case CommandParser::Outcome::Command:
+            found += parser.text() + '|';
+            break;
+        case CommandParser::Outcome::BadCrc:
+            found += '#';
+            break;
+        case CommandParser::Outcome::Nothing:
+            break;
+        }
+    }
+    return found;
+}
+
+TEST(Framing, FindsEveryGoodPacketWhateverLiesAround) {
+    const std::string p1 = commandPacket("P1");
+    const std::string at = commandPacket("@");
+    const std::string longest = commandPacket(std::string(221, 'x'));
+    std::string bad = at;
+    bad[3] = 'O' + 1;
+    struct {
+        std::string bytes;
+        std::string found;
+    } const cases[] = {
+        {"\x21\x23\x40\x4F\x37", "@|"},
+        {p1 + at, "P1|@|"},
+        {std::string("noise\0\xFF#", 8) + p1, "P1|"},
+        {"!" + p1, "P1|"},
+        {"!!!!" + p1, "P1|"},
+        {p1.substr(0, 3) + at, "#@|"},                 // cut off, another follows
+        {"!~" + p1 + at, "P1|@|"},                     // a length that swallows what follows
+        {std::string("!\x21\x22\x02", 4) + p1, "P1|"}, // lengths that no command has
+        {bad + p1, "#P1|"},
+        {bad, "#"},
+        {p1.substr(0, p1.size() - 1), ""},
+        {commandPacket("A1!?!") + p1, "A1!?!|P1|"}, // sync bytes inside the text
+        {longest + p1, std::string(221, 'x') + "|P1|"},
+    };
+    for (const auto& one : cases) {
+        EXPECT_EQ(parsed(one.bytes), one.found) << testing::PrintToString(one.bytes);
+    }
+}
+
+TEST(Framing, NoFlippedBitIsTakenForACommand) {
+    const std::string good = commandPacket("A1GOLD____ " + kNewFilm);
+    for (std::size_t bit = 0; bit < good.size() * 8; ++bit) {
+        std::string flipped = good;
+        flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ (1 << (bit % 8)));
+        EXPECT_EQ(parsed(flipped).find('|'), std::string::npos) << bit;
+        const std::string next = commandPacket("P1");
+        EXPECT_NE(parsed(flipped + next).find("P1|"), std::string::npos) << "lost after bit " << bit;
+    }
+}
+
+TEST(Framing, ABadPacketIsNotAnswered) {
+    Bench bench;
+    std::string packet = commandPacket("U1");
+    packet.back() = static_cast<char>(packet.back() ^ 1);
+    bench.line.receive(packet, 0);
+    EXPECT_EQ(bench.sentBy(1), "");
+    EXPECT_EQ(bench.ask("U?", 1), "A0");
+    ASSERT_EQ(bench.trace.size(), 2U);
+    EXPECT_NE(bench.trace[0].find("not answered"), std::string::npos);
+}
+
+} // namespace
+} // namespace drx9::sim

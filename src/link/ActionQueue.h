@@ -7,12 +7,13 @@
 
 namespace drx9 {
 
-/// Knows whether one of our operations is on the stack, and keeps menu actions and the close request until none is.
+/// Knows whether one of our operations is on the stack, and keeps menu actions and the close request until
+/// none is.
 ///
-/// An operation that pumps events (an exchange, a tick, a run-mode change, a film transfer) holds a Scope. A menu
-/// action goes through runWhenIdle(): at once when nothing of ours is on the stack, else from the event loop after
-/// the last scope has ended. A tick looks at waiting() after each exchange and ends early, so that an action never
-/// waits longer than one exchange.
+/// An operation that pumps events (an exchange, a tick, a run-mode change, a film transfer) holds a Scope. A
+/// menu action goes through runWhenIdle(): at once when nothing of ours is on the stack, else from the event
+/// loop after the last scope has ended. A tick looks at waiting() after each exchange and ends early, so that
+/// an action never waits longer than one exchange.
 class ActionQueue {
 public:
     class Scope {

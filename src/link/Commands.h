@@ -10,8 +10,8 @@
 
 namespace drx9 {
 
-/// The instrument's commands over the link. Every wrapper pumps events (it waits for a reply) and leaves CommStatus
-/// as Comm_Send set it.
+/// The instrument's commands over the link. Every wrapper pumps events (it waits for a reply) and leaves
+/// CommStatus as Comm_Send set it.
 class Commands {
 public:
     Commands(Link& link, MessageBoxes& boxes, const Clock& clock);
@@ -21,39 +21,45 @@ public:
         Done,
         Busy,      ///< status was not 0 on entry: "Get Data Error" was shown, nothing was sent
         LinkDead,  ///< two time-outs in a row
-        Abandoned, ///< `abandon` asked for it after an exchange
+        Abandoned, ///< `abandon` asked for it between two exchanges
     };
 
-    /// One acquisition: "P" per sensor, "L" and "N" of sensors whose "P" value changed, "M", "O". `readings` is
-    /// changed only when the result is Done; then its `elapsed` is the monotonic clock minus `startTime` after the
-    /// last exchange. A single failed exchange counts as the value 0 and is marked in `failed`. `abandon` (may be
-    /// empty) is asked after each exchange.
+    /// One acquisition: "P" per sensor, "L" and "N" of sensors whose "P" value changed, "M", "O". `readings`
+    /// is changed only when the result is Done; then its `elapsed` is the monotonic clock minus `startTime`
+    /// after the last exchange. A single failed exchange counts as the value 0 and is marked in `failed`.
+    /// `abandon` (may be empty) is asked between two exchanges: a complete reading is always delivered.
     ReadResult Comm_GetData(Readings& readings, const std::function<bool()>& abandon);
-    /// Status text of the last failed exchange of the last reading with the command it belongs to ("P3: Timeout");
-    /// empty when none failed.
+    /// Status text of the last failed exchange of the last reading with the command it belongs to ("P3:
+    /// Timeout"); empty when none failed.
     [[nodiscard]] const std::string& readFailure() const { return readFailure_; }
 
     std::uint16_t Comm_ZeroThickness(); ///< "S"; 0 or the status
     std::uint16_t Comm_ZeroTime();      ///< "T"; 0 or the status
     std::uint16_t Comm_FilmDefaults();  ///< "Z"; 0 or the status
 
-    /// "U?": the reply's number when the status is 0, else the status code. 1 is thus ambiguous: look at CommStatus.
+    /// "U?": the reply's number when the status is 0, else the status code. 1 is thus ambiguous: look at
+    /// CommStatus.
     std::int16_t Comm_GetUnit();
     void Comm_SetUnit(std::int16_t value);
     void Comm_SelectFilm(int film); ///< "D" film
 
-    /// "A" c "?" into `film`. True on failure, after showing "Get Film Error: ..." itself; `film` is then unchanged.
+    /// "A" c "?" into `film`. True on failure, after showing "Get Film Error: ..." itself; `film` is then
+    /// unchanged.
     bool Comm_GetFilm(int number, FilmRecord& film);
     /// "A" c fields; the outcome is CommStatus.
     void Comm_SetFilm(int number, const FilmRecord& film);
 
-    /// "B?" and "C?": fields that can be read are taken, others keep their value. True when both records were read
-    /// completely.
+    /// "B?" and "C?": fields that can be read are taken, others keep their value. True when both records were
+    /// read completely.
     bool Comm_GetSystem(SystemParameters& parameters);
     /// "B" and, only if that was accepted, "C". 0 or the status of the one that failed.
     std::uint16_t Comm_SetSystem(const SystemParameters& parameters);
 
 private:
+    class Reading;
+
+    std::uint16_t statusOnly(const std::string& command);
+
     Link& link_;
     MessageBoxes& boxes_;
     const Clock& clock_;
@@ -61,8 +67,8 @@ private:
 };
 
 /// Payloads, as plain functions.
-std::string filmCommand(int number);                            ///< "A" + the character of code number + 48
-std::string filmPayload(const FilmRecord& film);                ///< fields of a film write, after the character
+std::string filmCommand(int number);             ///< "A" + the character of code number + 48
+std::string filmPayload(const FilmRecord& film); ///< fields of a film write, after the character
 bool parseFilmReply(const std::string& reply, int number, FilmRecord& film); ///< false when shorter than 9
 std::string systemPayloadB(const SystemParameters& parameters); ///< "B ..." whole command, eleven numbers
 std::string systemPayloadC(const SystemParameters& parameters); ///< "C ..." whole command, seven numbers

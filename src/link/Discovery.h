@@ -24,12 +24,12 @@ public:
     Discovery(Link& link, LinkSettings& settings, Transports& transports, EventPump& pump, const Clock& clock,
               ActionQueue& actions, MessageBoxes& boxes, CErrHandler& errors);
 
-    /// Closes every open link, opens the one of `CommType`, asks for the version ("@") and the type ("J"). Sets
-    /// CommOK, CommStatus, CommVersion, InstrumentType. Pumps events; returns CommOK.
+    /// Closes every open link, opens the one of `CommType`, asks for the version ("@") and the type ("J").
+    /// Sets CommOK, CommStatus, CommVersion, InstrumentType. Pumps events; returns CommOK.
     bool Comm_Open(Messages messages = Messages::Blocking);
 
-    /// Searches the attached bridges for product "83F5" with this serial number; fills USBSerialList; on success sets
-    /// USBIndex. Leaves every device closed. Does not pump.
+    /// Searches the attached bridges for product "83F5" with this serial number; fills USBSerialList; on
+    /// success sets USBIndex. Leaves every device closed. Does not pump.
     bool Comm_FindUSBDRX9(const std::string& serialNumber);
 
     [[nodiscard]] const std::vector<std::string>& USBSerialList() const { return serials_; }

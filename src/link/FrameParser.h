@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -7,8 +8,8 @@
 
 namespace drx9 {
 
-/// Assembles reply packets byte by byte. Survives any byte stream: memory is bounded (a packet holds at most 224
-/// bytes, the text 512), and a sync character restarts the packet wherever it falls.
+/// Assembles reply packets byte by byte. Survives any byte stream: memory is bounded (a packet holds at most
+/// 224 bytes, the text 512), and a sync character restarts the packet wherever it falls.
 class FrameParser {
 public:
     static constexpr std::size_t kTextLimit = 512;
@@ -20,8 +21,9 @@ public:
         std::string data;      ///< between the status letter and the check characters; meaningful when crcOk
     };
 
-    /// Takes one received byte; tells the packet that it completes. Zero bytes are ignored entirely. After a complete
-    /// packet any further byte before the next sync overwrites the last slot and is checked again (kept).
+    /// Takes one received byte; tells the packet that it completes. Zero bytes are ignored entirely. After a
+    /// complete packet any further byte before the next sync overwrites the last slot and is checked again
+    /// (kept).
     std::optional<Reply> push(std::uint8_t byte);
 
     /// 0 waiting for sync, 1 waiting for the length byte, 2 and more: next slot to fill.

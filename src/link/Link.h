@@ -32,9 +32,9 @@ std::string commStatusText(std::uint16_t status);
 
 /// The wire: one command packet out, one reply packet in, over the transport that `CommType` selects.
 ///
-/// One exchange is in flight at a time. A command given while another waits for its reply (from an event handler
-/// that ran inside the wait) is kept as the single pending command, sent after the exchange in hand, and its reply is
-/// discarded.
+/// One exchange is in flight at a time. A command given while another waits for its reply (from an event
+/// handler that ran inside the wait) is kept as the single pending command, sent after the exchange in hand,
+/// and its reply is discarded.
 class Link {
 public:
     static constexpr double kReplyLimit = 1.0; ///< s
@@ -42,9 +42,9 @@ public:
     Link(const LinkSettings& settings, Transports& transports, EventPump& pump, const Clock& clock,
          ActionQueue& actions);
 
-    /// Sends a command and waits for its reply, at most 1.0 s, sleeping in the event loop: pumps events. Returns the
-    /// trimmed reply data, "" on any failure; the outcome is in CommStatus(). Whatever path it leaves by, exceptions
-    /// of event handlers included, CommStatus() is not 9 afterwards.
+    /// Sends a command and waits for its reply, at most 1.0 s, sleeping in the event loop: pumps events.
+    /// Returns the trimmed reply data, "" on any failure; the outcome is in CommStatus(). Whatever path it
+    /// leaves by, exceptions of event handlers included, CommStatus() is not 9 afterwards.
     std::string Comm_Send(const std::string& command);
 
     [[nodiscard]] std::uint16_t CommStatus() const { return status_; }
@@ -70,18 +70,26 @@ public:
     /// Film slots of the instrument: 9 for firmware above 0 and up to 4.08, else 99.
     [[nodiscard]] std::int16_t FilmCount() const;
 
+    /// Status of the exchange whose reply Comm_Send returned last. The same as CommStatus(), but where a
+    /// pending command was sent behind it: CommStatus() then tells how that one ended.
+    [[nodiscard]] std::uint16_t outcome() const { return outcome_; }
+    /// Forgets a command that was given while status 9 stood; used when a link is opened.
+    void dropPending() { pending_.clear(); }
+
     /// True while a reply is awaited.
     [[nodiscard]] bool exchanging() const { return waiting_; }
     /// Monotonic time of the last complete reply whose check characters were right; below 0 before the first.
     [[nodiscard]] double lastReplyTime() const { return lastReplyTime_; }
 
 private:
-    friend class LinkTestAccess;
+    class InFlight;
+
+    std::string exchange(const std::string& command);
+    std::string Comm_Receive(Transport& transport);
+    void sleep(const Transport& transport, double start, double deadline);
+    void timeOut();
     void Comm_RxByte(std::uint8_t byte);
-    std::string Comm_Receive();
-    void feed();
     void applyReply(const FrameParser::Reply& reply);
-    void sendPending();
 
     const LinkSettings& settings_;
     Transports& transports_;
@@ -92,8 +100,8 @@ private:
     std::uint16_t status_ = comm::kOk;
     bool ok_ = false;
     bool waiting_ = false;
-    std::string pending_;
-    bool hasPending_ = false;
+    std::uint16_t outcome_ = comm::kOk;
+    std::string pending_; ///< empty when none
     std::string lastPacket_;
     std::string reply_;
     std::string version_;

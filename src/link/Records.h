@@ -9,8 +9,8 @@ namespace drx9 {
 
 inline constexpr int kMaxSensors = 6;
 
-/// The link's settings as the settings file keeps them; changed by the communications window and by the adoption of a
-/// single USB bridge.
+/// The link's settings as the settings file keeps them; changed by the communications window and by the
+/// adoption of a single USB bridge.
 struct LinkSettings {
     std::int16_t CommType = 0; ///< 0 RS-232, 1 USB, 2 Ethernet
     std::int32_t Baud = 19200;
@@ -21,7 +21,13 @@ struct LinkSettings {
 };
 
 /// What one exchange of a reading delivers; indexes Readings::failed.
-enum class Value : std::uint8_t { Frequency = 0, Rate = 6, Thickness = 12, AverageRate = 18, AverageThickness = 19 };
+enum class Value : std::uint8_t {
+    Frequency = 0,
+    Rate = 6,
+    Thickness = 12,
+    AverageRate = 18,
+    AverageThickness = 19
+};
 inline constexpr std::size_t kValueCount = 20;
 
 /// Index of a value in Readings::failed; `sensor` counts from 0 and is 0 for the averages.
@@ -36,8 +42,8 @@ struct Readings {
     std::array<double, kMaxSensors> thickness{}; ///< kÅ
     double averageRate = 0;                      ///< Å/s
     double averageThickness = 0;                 ///< kÅ
-    double elapsed = 0;                          ///< s since `startTime`, taken after the reading's last exchange
-    double startTime = 0;                        ///< monotonic seconds at which the run (or the last zero) started
+    double elapsed = 0;   ///< s since `startTime`, taken after the reading's last exchange
+    double startTime = 0; ///< monotonic seconds at which the run (or the last zero) started
     /// Values whose own last exchange failed (they read 0); see valueIndex.
     std::bitset<kValueCount> failed;
 };

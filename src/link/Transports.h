@@ -22,11 +22,12 @@ public:
     [[nodiscard]] virtual bool isOpen() = 0;
     /// Drops the bytes that wait, then sends the packet. False when nothing could be sent.
     virtual bool send(std::string_view packet) = 0;
-    /// Feeds what has arrived; RS-232 and USB stop as soon as `awaiting` is false, Ethernet feeds the whole chunk.
+    /// Feeds what has arrived; RS-232 and USB stop as soon as `awaiting` is false, Ethernet feeds the whole
+    /// chunk.
     virtual void receive(const Feed& feed, const Awaiting& awaiting) = 0;
     virtual void close() = 0;
-    /// Longest sleep (s) between two looks at a link that cannot wake the event pump by itself, given how long the
-    /// wait has lasted; 0 when arriving bytes wake the pump.
+    /// Longest sleep (s) between two looks at a link that cannot wake the event pump by itself, given how
+    /// long the wait has lasted; 0 when arriving bytes wake the pump.
     [[nodiscard]] virtual double pollInterval(double waited) const;
 };
 
@@ -40,8 +41,8 @@ public:
     bool send(std::string_view packet) override;
     void receive(const Feed& feed, const Awaiting& awaiting) override;
     void close() override;
-    /// Opens port 1..9 with `baud`,N,8,1; any other port is refused without touching the control. Empty on success,
-    /// else the reason.
+    /// Opens port 1..9 with `baud`,N,8,1; any other port is refused without touching the control. Empty on
+    /// success, else the reason.
     std::string open(int port, std::int32_t baud);
     [[nodiscard]] SerialControl& control() { return control_; }
 

@@ -1,0 +1,164 @@
+#include "link/Commands.h"
+
+#include "util/Numbers.h"
+#include "util/Text.h"
+
+namespace drx9 {
+
+namespace {
+constexpr const char* kTitle = "DRX9 Comm";
+constexpr int kDeadAfterTimeouts = 2; // in a row within one reading
+} // namespace
+
+/// One acquisition under way: keeps count of what failed.
+class Commands::Reading {
+public:
+    Reading(Link& link, Readings& values, std::string& failure, const std::function<bool()>& abandon)
+        : link_(link)
+        , values_(values)
+        , failure_(failure)
+        , abandon_(abandon) {}
+
+    /// Sends the command and takes its number into `value`, 0 when it failed. False when the reading
+    /// must end.
+    bool take(const std::string& command, double& value, std::size_t index) {
+        if (sent_++ > 0 && abandon_ && abandon_()) {
+            end_ = ReadResult::Abandoned;
+            return false;
+        }
+        value = Val(link_.Comm_Send(command));
+        const std::uint16_t outcome = link_.outcome();
+        values_.failed.set(index, outcome != comm::kOk);
+        if (outcome != comm::kOk) {
+            failure_ = command + ": " + commStatusText(outcome);
+        }
+        const bool timedOut = outcome == comm::kTimeout || outcome == comm::kLost;
+        timeouts_ = timedOut ? timeouts_ + 1 : 0;
+        if (timeouts_ >= kDeadAfterTimeouts) {
+            end_ = ReadResult::LinkDead;
+        }
+        return end_ == ReadResult::Done;
+    }
+
+    bool sensor(int sensor) {
+        const auto s = static_cast<std::size_t>(sensor);
+        const std::string number = std::to_string(sensor + 1);
+        double frequency = 0;
+        if (!take("P" + number, frequency, valueIndex(Value::Frequency, sensor))) {
+            return false;
+        }
+        if (frequency == values_.frequency[s]) {
+            return true; // saves two exchanges: nothing was deposited since
+        }
+        values_.frequency[s] = frequency;
+        return take("L" + number, values_.rate[s], valueIndex(Value::Rate, sensor)) &&
+               take("N" + number, values_.thickness[s], valueIndex(Value::Thickness, sensor));
+    }
+
+    bool all() {
+        for (int i = 0; i < link_.sensorCount(); ++i) {
+            if (!sensor(i)) {
+                return false;
+            }
+        }
+        return take("M", values_.averageRate, valueIndex(Value::AverageRate)) &&
+               take("O", values_.averageThickness, valueIndex(Value::AverageThickness));
+    }
+
+    [[nodiscard]] ReadResult end() const { return end_; }
+
+private:
+    Link& link_;
+    Readings& values_;
+    std::string& failure_;
+    const std::function<bool()>& abandon_;
+    int sent_ = 0;
+    int timeouts_ = 0;
+    ReadResult end_ = ReadResult::Done;
+};
+
+Commands::Commands(Link& link, MessageBoxes& boxes, const Clock& clock)
+    : link_(link)
+    , boxes_(boxes)
+    , clock_(clock) {}
+
+Commands::ReadResult Commands::Comm_GetData(Readings& readings, const std::function<bool()>& abandon) {
+    readFailure_.clear();
+    if (link_.CommStatus() != comm::kOk) {
+        boxes_.show("Get Data Error", kTitle, MessageIcon::None);
+        return ReadResult::Busy;
+    }
+    Readings values = readings;
+    std::string failure;
+    Reading reading(link_, values, failure, abandon);
+    const bool complete = reading.all();
+    readFailure_ = failure;
+    if (!complete) {
+        return reading.end();
+    }
+    values.elapsed = clock_.monotonic() - values.startTime;
+    readings = values;
+    return ReadResult::Done;
+}
+
+std::uint16_t Commands::statusOnly(const std::string& command) {
+    link_.Comm_Send(command);
+    return link_.outcome();
+}
+
+std::uint16_t Commands::Comm_ZeroThickness() {
+    return statusOnly("S");
+}
+
+std::uint16_t Commands::Comm_ZeroTime() {
+    return statusOnly("T");
+}
+
+std::uint16_t Commands::Comm_FilmDefaults() {
+    return statusOnly("Z");
+}
+
+std::int16_t Commands::Comm_GetUnit() {
+    const std::string reply = link_.Comm_Send("U?");
+    return link_.outcome() == comm::kOk ? toInt16(Val(reply)) : static_cast<std::int16_t>(link_.outcome());
+}
+
+void Commands::Comm_SetUnit(std::int16_t value) {
+    link_.Comm_Send("U" + std::to_string(value));
+}
+
+void Commands::Comm_SelectFilm(int film) {
+    link_.Comm_Send("D" + std::to_string(film));
+}
+
+bool Commands::Comm_GetFilm(int number, FilmRecord& film) {
+    if (link_.CommStatus() != comm::kOk) {
+        boxes_.show("Get Film Error: Busy", kTitle, MessageIcon::None);
+        return true;
+    }
+    const std::string reply = link_.Comm_Send(filmCommand(number) + "?");
+    if (parseFilmReply(reply, number, film)) {
+        return false;
+    }
+    boxes_.show("Get Film Error: " + utf8FromAnsi(reply), kTitle, MessageIcon::None);
+    return true;
+}
+
+void Commands::Comm_SetFilm(int number, const FilmRecord& film) {
+    link_.Comm_Send(filmCommand(number) + filmPayload(film));
+}
+
+bool Commands::Comm_GetSystem(SystemParameters& parameters) {
+    const bool first = parseSystemB(link_.Comm_Send("B?"), parameters);
+    const bool second = parseSystemC(link_.Comm_Send("C?"), parameters);
+    return first && second;
+}
+
+std::uint16_t Commands::Comm_SetSystem(const SystemParameters& parameters) {
+    // Both are built first: the record may change under a wait.
+    const std::string second = systemPayloadC(parameters);
+    const std::uint16_t status = statusOnly(systemPayloadB(parameters));
+    return status == comm::kOk ? statusOnly(second) : status;
+}
+
+} // namespace drx9

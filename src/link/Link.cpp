@@ -1,0 +1,168 @@
+#include "link/Link.h"
+
+#include "link/Crc.h"
+#include "util/Numbers.h"
+#include "util/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace drx9 {
+
+namespace {
+constexpr std::size_t kVersionDigits = 4;
+constexpr double kLastVersionWithNineFilms = 4.08; // inclusive
+
+std::uint16_t statusOfLetter(char letter) {
+    switch (letter) {
+    case 'A':
+        return comm::kOk;
+    case 'B':
+        return comm::kNotReady;
+    case 'C':
+        return comm::kBadCommand;
+    case 'E':
+        return comm::kBadMode;
+    default:
+        return comm::kBadData;
+    }
+}
+} // namespace
+
+std::string commStatusText(std::uint16_t status) {
+    static constexpr std::array<const char*, 11> kTexts = {
+        "",         "Timeout",        "No Data",        "Not Ready",       "Bad Command",        "Bad Data",
+        "Bad Mode", "Checksum Error", "Port Not Ready", "Instrument Busy", "Lost Communications"};
+    return status < kTexts.size() ? kTexts[status] : "Unknown Error";
+}
+
+/// Marks the exchange as in flight, and leaves neither the mark nor the busy status behind when an event
+/// handler's exception ends it.
+class Link::InFlight {
+public:
+    explicit InFlight(Link& link)
+        : link_(link) {
+        link_.waiting_ = true;
+        link_.status_ = comm::kBusy;
+    }
+    ~InFlight() {
+        link_.waiting_ = false;
+        if (link_.status_ == comm::kBusy) {
+            link_.status_ = comm::kTimeout;
+            link_.dropPending();
+        }
+        link_.outcome_ = link_.status_;
+    }
+    InFlight(const InFlight&) = delete;
+    InFlight& operator=(const InFlight&) = delete;
+
+private:
+    Link& link_;
+};
+
+Link::Link(const LinkSettings& settings, Transports& transports, EventPump& pump, const Clock& clock,
+           ActionQueue& actions)
+    : settings_(settings)
+    , transports_(transports)
+    , pump_(pump)
+    , clock_(clock)
+    , actions_(actions) {}
+
+std::string Link::Comm_Send(const std::string& command) {
+    const ActionQueue::Scope scope(actions_);
+    if (waiting_ || status_ == comm::kBusy) {
+        pending_ = command;
+        return {};
+    }
+    std::string reply = exchange(command);
+    const std::uint16_t outcome = outcome_;
+    while (!pending_.empty()) {
+        exchange(std::exchange(pending_, {}));
+    }
+    outcome_ = outcome;
+    return reply;
+}
+
+std::string Link::exchange(const std::string& command) {
+    const InFlight inFlight(*this);
+    lastPacket_ = commandPacket(command);
+    reply_.clear();
+    // The same one to the end, should the operator choose another link meanwhile.
+    Transport& transport = transports_.of(settings_.CommType);
+    if (transport.send(lastPacket_)) {
+        return Comm_Receive(transport);
+    }
+    pump_.processPending();
+    timeOut();
+    return {};
+}
+
+std::string Link::Comm_Receive(Transport& transport) {
+    pump_.processPending(); // the turn that belongs to the sending: the wait starts after it
+    const double start = clock_.monotonic();
+    const double deadline = start + kReplyLimit;
+    while (status_ == comm::kBusy) {
+        transport.receive([this](std::uint8_t byte) { Comm_RxByte(byte); },
+                          [this] { return status_ == comm::kBusy; });
+        if (status_ == comm::kBusy) {
+            sleep(transport, start, deadline);
+        }
+    }
+    return status_ == comm::kOk ? trimmed(reply_) : std::string();
+}
+
+void Link::sleep(const Transport& transport, double start, double deadline) {
+    const double now = clock_.monotonic();
+    const double interval = transport.pollInterval(now - start);
+    pump_.sleepUntil(interval > 0 ? std::min(deadline, now + interval) : deadline);
+    pump_.processPending();
+    if (clock_.monotonic() >= deadline) {
+        timeOut();
+    }
+}
+
+void Link::timeOut() {
+    // An event handler may have set the status in the turn before: a second time-out on top of one means lost
+    // (kept).
+    status_ = status_ == comm::kTimeout ? comm::kLost : comm::kTimeout;
+}
+
+void Link::Comm_RxByte(std::uint8_t byte) {
+    if (const auto reply = parser_.push(byte)) {
+        applyReply(*reply);
+    }
+}
+
+void Link::applyReply(const FrameParser::Reply& reply) {
+    if (!reply.crcOk) {
+        status_ = comm::kChecksum;
+        return;
+    }
+    ok_ = true;
+    lastReplyTime_ = clock_.monotonic();
+    status_ = statusOfLetter(reply.statusLetter);
+    if (status_ != comm::kOk) {
+        return;
+    }
+    reply_ = reply.data;
+    if (lastPacket_.size() > 2 && lastPacket_[2] == '@') {
+        version_ = reply_;
+    }
+}
+
+int Link::sensorCount() const {
+    return instrumentType_ < 1 ? kMaxSensors : std::min<int>(instrumentType_, kMaxSensors);
+}
+
+std::string Link::Comm_VersionText() const {
+    return version_.size() > kVersionDigits ? version_.substr(version_.size() - kVersionDigits)
+                                            : std::string();
+}
+
+std::int16_t Link::FilmCount() const {
+    const double version = Val(Comm_VersionText());
+    return version > 0 && version <= kLastVersionWithNineFilms ? 9 : 99;
+}
+
+} // namespace drx9

@@ -1,0 +1,186 @@
+#include "link/Transports.h"
+
+#include "util/Numbers.h"
+
+#include <algorithm>
+#include <array>
+
+namespace drx9 {
+
+namespace {
+constexpr int kLastComPort = 9;
+constexpr std::uint32_t kUsbChunk = 252; // bytes that one read of the bridge asks for
+constexpr double kConnectLimit = 1.0;    // s
+
+// States of the socket control in which nothing more is to be waited for.
+constexpr int kSocketClosed = 0;
+constexpr int kSocketFailed = 9;
+
+// The bridge wakes nobody. Looks are spaced by an eighth of the time waited so far, within these limits: a
+// prompt answer is seen at once, a late one at most an eighth later, and a whole second costs some seventy
+// looks.
+constexpr double kShortestPoll = 0.001;
+constexpr double kLongestPoll = 0.02;
+constexpr double kPollShare = 8;
+} // namespace
+
+double Transport::pollInterval(double) const {
+    return 0;
+}
+
+bool SerialTransport::isOpen() {
+    return control_.isOpen();
+}
+
+bool SerialTransport::send(std::string_view packet) {
+    if (!control_.isOpen()) {
+        return false;
+    }
+    control_.discardInput();
+    control_.output(packet);
+    return true;
+}
+
+void SerialTransport::receive(const Feed& feed, const Awaiting& awaiting) {
+    while (awaiting() && control_.isOpen() && control_.inBufferCount() >= 1) {
+        feed(control_.input());
+    }
+}
+
+void SerialTransport::close() {
+    if (control_.isOpen()) {
+        control_.close();
+    }
+}
+
+std::string SerialTransport::open(int port, std::int32_t baud) {
+    if (port < 1 || port > kLastComPort) {
+        return "Only COM1 to COM9 can be used.";
+    }
+    close();
+    control_.setCommPort(port);
+    control_.setSettings(std::to_string(baud) + ",N,8,1");
+    const std::string reason = control_.open();
+    return !reason.empty() || control_.isOpen() ? reason : "The port closed at once.";
+}
+
+bool UsbTransport::isOpen() {
+    return handle_ > 0;
+}
+
+bool UsbTransport::send(std::string_view packet) {
+    if (!isOpen()) {
+        return false;
+    }
+    std::uint32_t written = 0;
+    status_ = bridge_.SI_FlushBuffers(handle_, 1, 1);
+    if (status_ == 0) {
+        status_ = bridge_.SI_Write(handle_, packet, written);
+    }
+    const bool sent = status_ == 0;
+    if (!sent) {
+        close();
+    }
+    return sent;
+}
+
+void UsbTransport::receive(const Feed& feed, const Awaiting& awaiting) {
+    if (!isOpen()) {
+        return;
+    }
+    std::array<std::uint8_t, kUsbChunk> buffer{};
+    std::uint32_t read = 0;
+    status_ = bridge_.SI_Read(handle_, buffer.data(), kUsbChunk, read);
+    const std::size_t count = std::min<std::size_t>(read, buffer.size());
+    for (std::size_t i = 0; i < count && awaiting(); ++i) {
+        feed(buffer[i]);
+    }
+}
+
+void UsbTransport::close() {
+    if (isOpen()) {
+        status_ = bridge_.SI_Close(handle_);
+        handle_ = 0;
+    }
+}
+
+double UsbTransport::pollInterval(double waited) const {
+    return std::clamp(waited / kPollShare, kShortestPoll, kLongestPoll);
+}
+
+bool UsbTransport::open(std::int32_t index) {
+    close();
+    std::int32_t handle = 0;
+    status_ = bridge_.SI_Open(static_cast<std::uint32_t>(index), handle);
+    if (status_ != 0) {
+        return false;
+    }
+    handle_ = handle;
+    status_ = bridge_.SI_SetBaudRate(handle_, kBaud);
+    return true;
+}
+
+bool SocketTransport::isOpen() {
+    return control_.state() == SocketControl::kConnected;
+}
+
+bool SocketTransport::send(std::string_view packet) {
+    if (!isOpen()) {
+        return false;
+    }
+    if (control_.bytesReceived() >= 1) {
+        control_.getData(); // a late reply must not be taken for the next one
+    }
+    control_.sendData(packet);
+    return true;
+}
+
+void SocketTransport::receive(const Feed& feed, const Awaiting&) {
+    if (control_.bytesReceived() < 1) {
+        return;
+    }
+    // All of it, even past a complete reply (kept): a stray byte behind one is seen here, and on no other
+    // link.
+    for (const char c : control_.getData()) {
+        feed(static_cast<std::uint8_t>(c));
+    }
+}
+
+void SocketTransport::close() {
+    control_.close();
+}
+
+bool SocketTransport::open(const std::string& host, const std::string& port, EventPump& pump,
+                           const Clock& clock) {
+    control_.setRemote(host, toInt32(Val(port)));
+    control_.connect();
+    const double deadline = clock.monotonic() + kConnectLimit;
+    const auto settled = [this] {
+        const int state = control_.state();
+        return state == SocketControl::kConnected || state == kSocketClosed || state == kSocketFailed;
+    };
+    pump.processPending();
+    while (!settled() && clock.monotonic() < deadline) {
+        pump.sleepUntil(deadline);
+    }
+    return isOpen();
+}
+
+Transport& Transports::of(std::int16_t commType) {
+    switch (commType) {
+    case 1:
+        return usb;
+    case 2:
+        return socket;
+    default:
+        return serial;
+    }
+}
+
+void Transports::closeAll() {
+    serial.close();
+    usb.close();
+    socket.close();
+}
+
+} // namespace drx9

@@ -2,7 +2,7 @@
 
 #include <QNetworkProxy>
 
-#include <algorithm>
+#include <utility>
 
 namespace drx9 {
 
@@ -11,6 +11,7 @@ namespace {
 constexpr int kClosed = 0;
 constexpr int kConnecting = 6;
 constexpr int kFailed = 9;
+constexpr std::size_t kMostWaiting = 65536; ///< bytes taken from the system and not fetched
 
 } // namespace
 
@@ -38,11 +39,12 @@ void QtSocketControl::connect() {
     // The instrument stands in the local network: a proxy for the web is no way to it.
     socket_->setProxy(QNetworkProxy::NoProxy);
     QObject::connect(socket_.get(), &QTcpSocket::connected, this, &QtSocketControl::connected);
-    QObject::connect(socket_.get(), &QTcpSocket::readyRead, this, [this] { pump_.wake(); });
+    QObject::connect(socket_.get(), &QTcpSocket::readyRead, this, &QtSocketControl::receive);
     QObject::connect(socket_.get(), &QTcpSocket::errorOccurred, this,
                      [this] { failed(socket_->errorString().toStdString()); });
     QObject::connect(socket_.get(), &QTcpSocket::disconnected, this, [this] { failed("Connection closed"); });
-    socket_->connectToHost(host_, static_cast<quint16>(port_));
+    // Unbuffered, a packet goes out and a reply comes in by one system call each.
+    socket_->connectToHost(host_, static_cast<quint16>(port_), QIODevice::ReadWrite | QIODevice::Unbuffered);
 }
 
 void QtSocketControl::connected() {
@@ -80,29 +82,41 @@ int QtSocketControl::state() const {
     return state_;
 }
 
+/// Takes over what has arrived, so that what came before a failure can still be fetched after it. Past the
+/// limit the rest is left to the peer's flow control: the socket tells nothing new until it is read again.
+void QtSocketControl::receive() {
+    char chunk[512];
+    qint64 count = sizeof chunk;
+    while (count == sizeof chunk && received_.size() < kMostWaiting) {
+        count = socket_->read(chunk, sizeof chunk);
+        if (count > 0)
+            received_.append(chunk, static_cast<std::size_t>(count));
+    }
+    if (count < 0)
+        failed(socket_->errorString().toStdString());
+    pump_.wake();
+}
+
 void QtSocketControl::sendData(std::string_view bytes) {
-    if (state_ != kConnected)
-        return;
-    socket_->write(bytes.data(), static_cast<qint64>(bytes.size()));
-    if (state_ == kConnected)
-        socket_->flush();
+    if (state_ == kConnected && socket_->write(bytes.data(), static_cast<qint64>(bytes.size())) < 0)
+        failed(socket_->errorString().toStdString());
 }
 
 std::size_t QtSocketControl::bytesReceived() {
-    return state_ == kConnected ? static_cast<std::size_t>(socket_->bytesAvailable()) : 0;
+    return received_.size();
 }
 
 std::string QtSocketControl::getData() {
-    std::string bytes(bytesReceived(), '\0');
-    if (!bytes.empty())
-        bytes.resize(static_cast<std::size_t>(
-            std::max<qint64>(0, socket_->read(bytes.data(), static_cast<qint64>(bytes.size())))));
+    std::string bytes = std::exchange(received_, {});
+    if (bytes.size() >= kMostWaiting && state_ == kConnected)
+        receive();
     return bytes;
 }
 
 void QtSocketControl::close() {
     drop();
     state_ = kClosed;
+    received_.clear();
     reason_.clear();
 }
 

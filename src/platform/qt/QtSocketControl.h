@@ -31,6 +31,7 @@ public:
 
 private:
     void connected();
+    void receive();
     void failed(const std::string& reason);
     void drop();
 
@@ -39,6 +40,7 @@ private:
     int port_ = 0;
     int state_ = 0;
     std::string reason_;
+    std::string received_; ///< arrived and not fetched
     std::unique_ptr<QTcpSocket>
         socket_; ///< null when closed; stands until the pump runs next after a failure
 };

@@ -1,0 +1,201 @@
+#include "monitor/DataLog.h"
+
+#include "fakes/FakeEventPump.h"
+#include "fakes/FakeMessageBoxes.h"
+#include "fakes/FaultyFilePort.h"
+#include "fakes/MemoryFilePort.h"
+#include "monitor/DataLogSpan.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace drx9 {
+namespace {
+
+constexpr const char* kPath = "/data/drx9.txt";
+
+class DataLogTest : public testing::Test {
+protected:
+    MemoryFilePort files;
+    FaultyFilePort faulty{files};
+    FakeClock clock;
+    FakeEventPump pump{clock};
+    FakeMessageBoxes boxes;
+    NumberLocale locale;
+    Paths paths{"/program", "/data"};
+    DataLogSettings settings;
+    DataLog log{faulty, clock, locale, paths, boxes, pump, settings};
+    Readings readings;
+
+    DataLogTest() {
+        files.makeFolder("/data");
+        settings.Type = kLogAppend;
+        clock.setLocal({2026, 3, 7, 14, 2, 5, 0});
+    }
+    /// Readings every 0.25 s; gives the elapsed times of those that were logged.
+    std::vector<double> run(double seconds, double from = 0) {
+        std::vector<double> logged;
+        for (double elapsed = from + 0.25; elapsed <= from + seconds; elapsed += 0.25) {
+            clock.advance(0.25);
+            const int before = log.linesWritten();
+            log.UpdateDataLog(readings, elapsed, 0);
+            if (log.linesWritten() != before) {
+                logged.push_back(elapsed);
+            }
+        }
+        return logged;
+    }
+};
+
+TEST_F(DataLogTest, ABlockIsWrittenByteForByte) {
+    readings.averageThickness = 1234.5;
+    readings.averageRate = 9.905;
+    readings.thickness = {0.5, 12.5, 123.4, 1000, -1.5, 9.9996};
+    readings.rate = {1.00496, -0.001, 0, 2.675, 10, 1};
+    readings.frequency = {5987654.25, 0, 1, 2, 3, 4};
+    locale = {',', '.', "dd.MM.yyyy"};
+    log.InitDataLog();
+    log.startBlock("AL\xC5 5K  ");
+    clock.advance(1);
+    log.UpdateDataLog(readings, 1.005, 6);
+    log.endBlock("AL\xC5 5K  ");
+    EXPECT_EQ(
+        files.text(kPath),
+        "Start:   Date: 07.03.2026   Time: 14:02:05   Film: AL\xC5 5K  \r\n\r\n"
+        "Time\tAvgThk\tAvgRate\tThk1\tRate1\tFreq1\tThk2...\r\n\r\n"
+        "1,01\t\t9,91\t0,500\t1,01\t5987654,3\t12,50\t0,00\t0,0\t123,4\t0,00\t1,0\t\t2,68\t2,0\t-1,500\t10,00"
+        "\t3,0\t10,000\t1,00\t4,0\r\n"
+        "\r\nEnd:     Date: 07.03.2026   Time: 14:02:06   Film: AL\xC5 5K  \r\n\r\n");
+}
+
+TEST_F(DataLogTest, SpanAndInterval) {
+    const struct {
+        std::int32_t start, end;
+        std::int16_t interval;
+        std::vector<double> logged; ///< of 12 s
+    } cases[] = {
+        {0, 300, 5, {5, 10}}, // not before a whole interval
+        {0, 4, 1, {1, 2, 3, 4}}, {3, 5, 1, {3, 4, 5}},
+        {6, 7, 5, {}}, // the interval goes on outside the span: due at 5 and 10
+        {5, 5, 1, {}},           {0, 1, 0, {0.25, 0.5, 0.75, 1}},
+    };
+    for (const auto& c : cases) {
+        settings.Start = c.start;
+        settings.End = c.end;
+        settings.Interval = c.interval;
+        log.InitDataLog();
+        EXPECT_EQ(run(12), c.logged) << c.start << " " << c.end << " " << c.interval;
+    }
+}
+
+TEST_F(DataLogTest, TheIntervalGoesOnOverMidnightAndClockChanges) {
+    settings.Interval = 2;
+    clock.setLocal({2026, 3, 7, 23, 59, 57, 0});
+    log.InitDataLog();
+    EXPECT_EQ(run(8), (std::vector<double>{2, 4, 6, 8}));
+    clock.setLocal({2026, 3, 8, 12, 0, 0, 0}); // set on: due at once
+    EXPECT_EQ(run(4, 8), (std::vector<double>{8.25, 10.25}));
+    clock.setLocal({2026, 3, 8, 11, 0, 0, 0}); // set back: taken for midnight, due at once
+    EXPECT_EQ(run(4, 12), (std::vector<double>{12.25, 14.25}));
+}
+
+/// The clock is a single: near midnight its step is 1/128 s, so a second may seem to have passed a little
+/// early.
+TEST_F(DataLogTest, TheClockIsComparedInSinglePrecision) {
+    clock.setLocal({2026, 3, 7, 23, 0, 0, 0});
+    log.InitDataLog();
+    clock.setLocal({2026, 3, 7, 23, 0, 0, 997});
+    log.UpdateDataLog(readings, 1, 0);
+    EXPECT_EQ(log.linesWritten(), 1);
+    clock.setLocal({2026, 3, 7, 23, 0, 1, 993});
+    log.UpdateDataLog(readings, 2, 0);
+    EXPECT_EQ(log.linesWritten(), 1);
+}
+
+TEST_F(DataLogTest, ALargeFileIsOfferedForDeletion) {
+    const struct {
+        std::int16_t type;
+        std::size_t size;
+        bool asks, yes, left;
+    } cases[] = {
+        {kLogAppend, 999999, false, false, true}, {kLogAppend, 1000000, true, false, true},
+        {kLogAppend, 1000000, true, true, false}, {kLogOverwrite, 1000000, false, false, false},
+        {kLogOverwrite, 10, false, false, false},
+    };
+    for (const auto& c : cases) {
+        files.put(kPath, std::string(c.size, 'x'));
+        settings.Type = c.type;
+        settings.File = "drx9.txt";
+        if (c.asks) {
+            pump.atPump(1, [&] { files.append(kPath, "yz"); }); // the size is read again after the pump
+            boxes.expectYesNo("Log file size is 1000002. Delete?", c.yes,
+                              [&] { settings.File = "other.txt"; }); // the log window stays open
+        }
+        const int pumps = pump.pumps();
+        log.InitDataLog();
+        EXPECT_EQ(files.exists(kPath), c.left) << c.size;
+        EXPECT_EQ(pump.pumps() - pumps, c.asks ? 1 : 0);
+    }
+}
+
+TEST_F(DataLogTest, LostTextsAreCountedAndNeverQueued) {
+    log.InitDataLog();
+    log.startBlock("FILM    ");
+    EXPECT_TRUE(log.isWriting());
+    run(2);
+    faulty.fillAfter(0);
+    run(3, 2);
+    EXPECT_EQ(log.linesLost(), 3);
+    EXPECT_EQ(log.lastError(), "No space left on device");
+    EXPECT_EQ(log.lastLineTime()->second, 7);
+    const std::string full = files.text(kPath);
+    faulty.heal();
+    run(1, 5);
+    EXPECT_EQ(log.lastError(), "");
+    EXPECT_EQ(log.linesWritten(), 3);
+    EXPECT_EQ(log.linesLost(), 3) << "until the next run";
+    EXPECT_EQ(files.text(kPath), full + "6.00\t0.000\t0.00\r\n");
+
+    faulty.failKind(FileStep::Append);
+    log.endBlock("FILM    ");
+    EXPECT_EQ(log.linesLost(), 4);
+    EXPECT_FALSE(log.isWriting());
+    log.InitDataLog();
+    EXPECT_EQ(log.runNumber(), 2);
+    EXPECT_EQ(log.linesLost() + log.linesWritten(), 0);
+    EXPECT_FALSE(log.lastLineTime());
+    log.startBlock("FILM    ");
+    EXPECT_EQ(log.linesLost(), 2);
+}
+
+TEST_F(DataLogTest, LoggingSwitchedOnInTheMiddleOfARunCountsAsOne) {
+    run(1);
+    EXPECT_EQ(log.runNumber(), 1);
+    EXPECT_EQ(log.linesWritten(), 1);
+    EXPECT_TRUE(log.isWriting());
+    settings.Type = kLogNone;
+    EXPECT_FALSE(log.isWriting());
+}
+
+TEST(DataLogSpan, TheEndsPushEachOther) {
+    DataLogSettings settings;
+    DataLogSpan span(settings);
+    EXPECT_EQ(span.end(), (SpanFields{0, 5, 0}));
+    EXPECT_FALSE(span.setEnd({1, 2, 3}));
+    EXPECT_EQ(settings.End, 3723);
+    EXPECT_FALSE(span.setStart({1, 2, 3}));
+    EXPECT_TRUE(span.setStart({1, 2, 4}));
+    EXPECT_EQ(settings.End, 3724);
+    EXPECT_TRUE(span.setEnd({0, 0, 59}));
+    EXPECT_EQ(span.start(), (SpanFields{0, 0, 59}));
+    span.setEnd({DataLogSpan::kMostHours, 59, 59});
+    EXPECT_EQ(span.end(), (SpanFields{DataLogSpan::kMostHours, 59, 59}));
+    span.setInterval(DataLogSpan::kMostIntervalMinutes, 59);
+    EXPECT_EQ(span.interval(), (SpanFields{0, DataLogSpan::kMostIntervalMinutes, 59}));
+    settings.End = -61; // as an edited file may hold it
+    EXPECT_EQ(span.end(), (SpanFields{0, -1, -1}));
+}
+
+} // namespace
+} // namespace drx9

@@ -1,0 +1,198 @@
+#include "monitor/Settings.h"
+
+#include "fakes/FaultyFilePort.h"
+#include "fakes/MemoryFilePort.h"
+#include "monitor/cFile.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+#include <vector>
+
+namespace drx9 {
+namespace {
+
+constexpr const char* kIni = "/data/Monitor.ini";
+const NumberLocale kPoint;
+const NumberLocale kComma{',', '.', "dd.MM.yyyy"};
+const NumberLocale kCommaAndBlank{',', ' ', "dd/MM/yyyy"};
+
+/// What a first run with "." as decimal point leaves behind.
+const char* const kDefaults =
+    "[Display]\r\nView=0\r\n"
+    "[Graph]\r\nView=0\r\n"
+    "[CommSettings]\r\nCommType=0\r\nBaud=19200\r\nPort=1\r\nUSBSerNum=0\r\nEPort=2101\r\n"
+    "EAddresst=192.168.1.200\r\n"
+    "[DataLog]\r\nFile=drx9.txt\r\nType=0\r\nStart=0\r\nEnd=300\r\nInterval=1\r\n"
+    "[System]\r\nSimulate=0\r\nResolution=0\r\nDisplay=0\r\nFilter=4\r\nTimebase=25.00\r\n"
+    "Tool1=100\r\nTool2=100\r\nTool3=100\r\nTool4=100\r\nTool5=100\r\nTool6=100\r\nEtch=0\r\n"
+    "FreqMin=5.0\r\nFreqMax=6.0\r\nThickMin=0\r\nThickMax=100.000\r\nRateMin=0\r\n"
+    "Rate Max=10.000\r\n"
+    "[DBFile]\r\nName=Monitor.mdb\r\n";
+
+class SettingsTest : public testing::Test {
+protected:
+    MemoryFilePort files;
+    FaultyFilePort faulty{files};
+    Paths paths{"/program", "/data"};
+    cFile file{faulty};
+    Settings settings;
+
+    SettingsTest() { files.makeFolder("/data"); }
+    void load(const std::string& bytes, const NumberLocale& locale = kPoint) {
+        files.put(kIni, bytes);
+        LoadSettings(settings, file, faulty, paths, locale);
+    }
+    bool save(const NumberLocale& locale = kPoint) {
+        return SaveSettings(settings, file, faulty, paths, locale);
+    }
+    bool savedLine(const std::string& line) const {
+        return files.text(kIni).find(line + "\r\n") != std::string::npos;
+    }
+};
+
+TEST_F(SettingsTest, AMissingFileGivesTheDefaultsAndIsCreated) {
+    LoadSettings(settings, file, faulty, paths, kPoint);
+    EXPECT_EQ(file.FileName(), "");
+    EXPECT_TRUE(save());
+    EXPECT_EQ(files.text(kIni), kDefaults);
+    settings = Settings();
+    LoadSettings(settings, file, faulty, paths, kPoint);
+    EXPECT_TRUE(save());
+    EXPECT_EQ(files.text(kIni), kDefaults);
+}
+
+TEST_F(SettingsTest, NumbersUseTheLocale) {
+    const struct {
+        const NumberLocale& locale;
+        const char* text; ///< of Timebase
+        double timebase;
+        double FreqMin; ///< of the default "5.0"
+        const char* saved;
+    } cases[] = {
+        {kPoint, "", 25, 5, "Timebase=25.00"},
+        {kComma, "", 2.5, 50, "Timebase=2,50"},
+        {kCommaAndBlank, "", 2.5, 5, "Timebase=2,50"},
+        {kPoint, "0.5", 0.5, 5, "Timebase=.50"},
+        {kComma, "0,25", 0.25, 50, "Timebase=,25"},
+        {kPoint, "2.675", 2.675, 5, "Timebase=2.68"},
+        {kPoint, "fast", 25, 5, "Timebase=25.00"},
+        {kComma, "2,5 s", 2.5, 50, "Timebase=2,50"}, // no number: the default
+    };
+    for (const auto& c : cases) {
+        load("[System]\r\nTimebase=" + std::string(c.text) + "\r\n", c.locale);
+        EXPECT_DOUBLE_EQ(settings.system.Timebase, c.timebase) << c.text;
+        EXPECT_DOUBLE_EQ(settings.system.FreqMin, c.FreqMin);
+        EXPECT_TRUE(save(c.locale));
+        EXPECT_TRUE(savedLine(c.saved)) << c.saved;
+    }
+}
+
+TEST_F(SettingsTest, EveryKeyIsReadAndWrittenBack) {
+    const std::string bytes =
+        "[DBFile]\r\nName=films.mdb\r\n[Display]\r\nView=2\r\n[Graph]\r\nView=4\r\n"
+        "[CommSettings]\r\nCommType=2\r\nBaud=9600\r\nPort=3\r\nUSBSerNum=0A7C\r\nEPort=4001\r\nEAddress=10."
+        "0.0.5\r\n"
+        "EAddresst=10.0.0.9\r\n[DataLog]\r\nFile=run.txt\r\nType=2\r\nStart=70000\r\nEnd=80000\r\nInterval="
+        "5\r\n"
+        "[System]\r\nSimulate=1\r\nResolution=2\r\nDisplay=3\r\nFilter=4,5\r\nTimebase=0,25\r\n"
+        "Tool1=101\r\nTool2=102\r\nTool3=103\r\nTool4=104\r\nTool5=105\r\nTool6=106\r\nEtch=6\r\n"
+        "FreqMin=5,1\r\nFreqMax=6,2\r\nThickMin=7\r\nThickMax=8,125\r\nRateMin=9\r\nRate Max=10,5\r\n";
+    load(bytes, kComma);
+    EXPECT_EQ(settings.DBFileName, "films.mdb");
+    EXPECT_EQ(settings.Display * 10 + settings.Graph, 24);
+    const LinkSettings& link = settings.link;
+    EXPECT_EQ(link.CommType * 10 + link.Port, 23);
+    EXPECT_EQ(link.Baud, 9600);
+    EXPECT_EQ(link.USBSerNum + link.EPort + link.EAddress, "0A7C400110.0.0.5");
+    const DataLogSettings& log = settings.log;
+    EXPECT_EQ(log.File, "run.txt");
+    EXPECT_EQ(log.Type * 10 + log.Interval, 25);
+    EXPECT_EQ(log.End - log.Start, 10000);
+    const SystemParameters& system = settings.system;
+    EXPECT_EQ(system.Simulate, 1);
+    EXPECT_EQ(system.RateResolution, 2);
+    EXPECT_EQ(system.FreqDisplay, 3);
+    EXPECT_EQ(system.RateFilter, 4.5);
+    EXPECT_EQ(system.Timebase, 0.25);
+    EXPECT_EQ(system.Tooling, (std::array<double, 6>{101, 102, 103, 104, 105, 106}));
+    EXPECT_EQ(system.EtchMode, 6);
+    EXPECT_EQ(system.FreqMin + system.FreqMax, 5.1 + 6.2);
+    EXPECT_EQ(system.ThickMin + system.ThickMax, 15.125);
+    EXPECT_EQ(system.RateMin + system.RateMax, 19.5);
+
+    EXPECT_TRUE(save(kComma));
+    std::string expected = bytes;
+    for (const auto& [from, to] :
+         {std::pair("EAddresst=10.0.0.9", "EAddresst=10.0.0.5"), // and EAddress as it was
+          std::pair("Timebase=0,25", "Timebase=,25"), std::pair("Max=10,5", "Max=10,500")}) {
+        expected.replace(expected.find(from), std::string(from).size(), to);
+    }
+    EXPECT_EQ(files.text(kIni), expected);
+}
+
+TEST_F(SettingsTest, WhatIsNoNumberOrNoFile) {
+    files.put("/logs/there.txt", "");
+    const struct {
+        const char* key;
+        const char* value;
+        const char* file;
+        std::int16_t view;
+    } cases[] = {
+        {"View", "", "drx9.txt", 0},
+        {"View", "x", "drx9.txt", 0},
+        {"View", "2.5", "drx9.txt", 2},
+        {"View", "99999", "drx9.txt", 32767},
+        {"File", "C:\\nowhere\\run.txt", "run.txt", 0},
+        {"File", "/no\\way/run.txt", "run.txt", 0},
+        {"File", "/logs/there.txt", "/logs/there.txt", 0},
+        {"File", "\"a b.txt\"", "a b.txt", 0},
+    };
+    for (const auto& c : cases) {
+        const std::string line = std::string(c.key) + "=" + c.value + "\r\n";
+        load("[Display]\r\n" + line + "[DataLog]\r\n" + line);
+        EXPECT_EQ(settings.log.File, c.file);
+        EXPECT_EQ(settings.Display, c.view) << c.value;
+    }
+    EXPECT_TRUE(save());
+    EXPECT_TRUE(savedLine("File=\"a b.txt\"")); // reads the same, so it stays as the operator wrote it
+}
+
+TEST_F(SettingsTest, TheUploadDatabaseIsNotRemembered) {
+    const struct {
+        const char* name;
+        bool kept; ///< the name that the file had before
+    } cases[] = {{"UploadData.mdb", true},
+                 {"/data/UploadData.mdb", true},
+                 {"/alias.mdb", true},
+                 {"/other/UploadData.mdb", false},
+                 {"uploads.mdb", false}};
+    files.put("/data/UploadData.mdb", "x");
+    files.link("/alias.mdb", "/data/UploadData.mdb");
+    for (const auto& c : cases) {
+        load("[DBFile]\r\nName=mine.mdb\r\n");
+        settings.DBFileName = c.name;
+        EXPECT_TRUE(save());
+        EXPECT_TRUE(savedLine(std::string("Name=") + (c.kept ? "mine.mdb" : c.name))) << c.name;
+    }
+}
+
+TEST_F(SettingsTest, SavingIsOneReplaceThatFailsWhole) {
+    load("; kept\n[Display]\nView=1\n");
+    settings.Display = 3;
+    faulty.fillAfter(100);
+    EXPECT_FALSE(save());
+    EXPECT_EQ(files.text(kIni), "; kept\n[Display]\nView=1\n");
+    faulty.heal();
+    const std::size_t before = faulty.steps().size();
+    EXPECT_TRUE(save());
+    const std::vector<FileStep> steps(faulty.steps().begin() + static_cast<std::ptrdiff_t>(before),
+                                      faulty.steps().end());
+    EXPECT_EQ(std::count(steps.begin(), steps.end(), FileStep::Rename), 1);
+    EXPECT_EQ(files.text(kIni).find("; kept\n[Display]\nView=3\n[Graph]\nView=0\n"), 0U);
+}
+
+} // namespace
+} // namespace drx9

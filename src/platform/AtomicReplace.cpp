@@ -5,14 +5,14 @@
 namespace drx9 {
 namespace {
 
-constexpr int maxTemporaryNames = 1000;
+constexpr int kMaxTemporaryNames = 1000;
 
 /// Beside the target, of a length that does not depend on the target's name (which may be as long as the file
 /// system allows). A name that stands belongs to another program, on this machine or another, or to a dead
 /// one.
 std::string freeTemporaryName(const FilePort& files, const std::string& folder) {
     const std::string stem = ".drx9-" + std::to_string(files.processId()) + "-";
-    for (int i = 1; i <= maxTemporaryNames; ++i) {
+    for (int i = 1; i <= kMaxTemporaryNames; ++i) {
         std::string path = joinPath(folder, stem + std::to_string(i) + ".tmp");
         if (!files.exists(path)) {
             return path;

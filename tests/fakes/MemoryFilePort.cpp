@@ -7,7 +7,7 @@
 namespace drx9 {
 namespace {
 
-constexpr int maxLinkHops = 40;
+constexpr int kMaxLinkHops = 40;
 
 FileStatus noSuchFile() {
     return FileStatus::failure("No such file or directory", true);
@@ -111,7 +111,7 @@ bool MemoryFilePort::folderWritable(const std::string& folder) const {
 
 std::string MemoryFilePort::resolveLinks(const std::string& path) const {
     std::string current_ = path;
-    for (int hop = 0; hop < maxLinkHops; ++hop) {
+    for (int hop = 0; hop < kMaxLinkHops; ++hop) {
         const auto found = links_.find(current_);
         if (found == links_.end()) {
             return current_;

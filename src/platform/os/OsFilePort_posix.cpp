@@ -18,11 +18,11 @@ namespace {
 
 // Opening must never wait for a peer or take over a terminal: a log's name may turn out to be a pipe or a
 // device.
-constexpr int openFlags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-constexpr mode_t newFileMode = 0666; // less the umask, as every program's
-constexpr mode_t newFolderMode = 0777;
-constexpr std::size_t readChunk = 65536;
-constexpr int maxLinkHops = 40;
+constexpr int kOpenFlags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+constexpr mode_t kNewFileMode = 0666; // less the umask, as every program's
+constexpr mode_t kNewFolderMode = 0777;
+constexpr std::size_t kReadChunk = 65536;
+constexpr int kMaxLinkHops = 40;
 
 FileStatus failureOf(int error) {
     return FileStatus::failure(std::generic_category().message(error), error == ENOENT);
@@ -43,7 +43,7 @@ auto retried(Call call) {
 }
 
 int openRetried(const std::string& path, int flags, mode_t mode = 0) {
-    return retried([&] { return ::open(path.c_str(), flags | openFlags, mode); });
+    return retried([&] { return ::open(path.c_str(), flags | kOpenFlags, mode); });
 }
 
 /// Closes on leaving, for files whose closing has no outcome that matters.
@@ -198,7 +198,7 @@ public:
     [[nodiscard]] std::string resolveLinks(const std::string& path) const override {
         std::string current = path;
         std::string target;
-        for (int hop = 0; hop < maxLinkHops; ++hop) {
+        for (int hop = 0; hop < kMaxLinkHops; ++hop) {
             if (!linkTarget(current, target)) {
                 return current;
             }
@@ -217,7 +217,7 @@ public:
         std::size_t length = 0;
         // One byte more than the size, so that the usual file's end shows in the same call that reads it
         // whole.
-        found.resize(info.st_size > 0 ? static_cast<std::size_t>(info.st_size) + 1 : readChunk);
+        found.resize(info.st_size > 0 ? static_cast<std::size_t>(info.st_size) + 1 : kReadChunk);
         for (;;) {
             const ssize_t count =
                 retried([&] { return ::read(file.number(), found.data() + length, found.size() - length); });
@@ -229,7 +229,7 @@ public:
             }
             length += static_cast<std::size_t>(count);
             if (length == found.size()) {
-                found.resize(length + readChunk);
+                found.resize(length + kReadChunk);
             }
         }
         found.resize(length);
@@ -238,7 +238,7 @@ public:
     }
 
     FileStatus append(const std::string& path, std::string_view bytes) override {
-        Descriptor file(openRetried(path, O_WRONLY | O_CREAT | O_APPEND, newFileMode));
+        Descriptor file(openRetried(path, O_WRONLY | O_CREAT | O_APPEND, kNewFileMode));
         if (!file.open()) {
             return failureOf(errno);
         }
@@ -254,7 +254,7 @@ public:
     FileStatus remove(const std::string& path) override { return outcome(::unlink(path.c_str()) == 0); }
 
     FileStatus makeFolder(const std::string& path) override {
-        if (::mkdir(path.c_str(), newFolderMode) == 0) {
+        if (::mkdir(path.c_str(), kNewFolderMode) == 0) {
             return {};
         }
         const int error = errno;
@@ -266,7 +266,7 @@ public:
         if (error != ENOENT || parent.size() >= path.size() || !makeFolder(parent).ok()) {
             return failureOf(error);
         }
-        return outcome(::mkdir(path.c_str(), newFolderMode) == 0);
+        return outcome(::mkdir(path.c_str(), kNewFolderMode) == 0);
     }
 
     [[nodiscard]] std::vector<std::string> list(const std::string& folder) const override {
@@ -289,7 +289,7 @@ public:
         struct stat model {};
         const bool modelled = !like.empty() && ::stat(like.c_str(), &model) == 0;
         // Closed to others until it has its model's owner and mode.
-        Descriptor file(openRetried(path, O_WRONLY | O_CREAT | O_EXCL, modelled ? 0600 : newFileMode));
+        Descriptor file(openRetried(path, O_WRONLY | O_CREAT | O_EXCL, modelled ? 0600 : kNewFileMode));
         status = outcome(file.open());
         if (status.ok() && modelled) {
             status = takeModeAndOwner(file.number(), model);

@@ -11,10 +11,10 @@
 namespace drx9 {
 namespace {
 
-constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-constexpr DWORD oneCallBytes = 1u << 30;
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr DWORD kOneCallBytes = 1u << 30;
 // Above this length plain paths are cut off by the system; the "\\?\" form is not.
-constexpr std::size_t longPath = 240;
+constexpr std::size_t kLongPath = 240;
 
 std::wstring wide(std::string_view text) {
     const int length = static_cast<int>(text.size());
@@ -35,7 +35,7 @@ std::string narrow(std::wstring_view text) {
 std::wstring native(const std::string& path) {
     std::wstring result = wide(path);
     std::replace(result.begin(), result.end(), L'/', L'\\');
-    if (result.size() < longPath || result.compare(0, 4, L"\\\\?\\") == 0) {
+    if (result.size() < kLongPath || result.compare(0, 4, L"\\\\?\\") == 0) {
         return result;
     }
     if (result.compare(0, 2, L"\\\\") == 0) {
@@ -81,7 +81,7 @@ private:
 };
 
 DWORD chunkOf(std::size_t left) {
-    return left < oneCallBytes ? static_cast<DWORD>(left) : oneCallBytes;
+    return left < kOneCallBytes ? static_cast<DWORD>(left) : kOneCallBytes;
 }
 
 FileStatus writeAll(HANDLE file, std::string_view bytes) {
@@ -151,7 +151,7 @@ public:
     }
 
     [[nodiscard]] std::optional<FileIdentity> identity(const std::string& path) const override {
-        const Handle file(::CreateFileW(native(path).c_str(), FILE_READ_ATTRIBUTES, shareAll, nullptr,
+        const Handle file(::CreateFileW(native(path).c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         BY_HANDLE_FILE_INFORMATION info{};
         if (!file.open() || !::GetFileInformationByHandle(file.get(), &info)) {
@@ -165,15 +165,15 @@ public:
     }
 
     [[nodiscard]] bool writable(const std::string& path) const override {
-        const Handle file(::CreateFileW(native(path).c_str(), GENERIC_WRITE, shareAll, nullptr, OPEN_EXISTING,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+        const Handle file(::CreateFileW(native(path).c_str(), GENERIC_WRITE, kShareAll, nullptr,
+                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         // In use by another program is not the same as protected: that shows, and is named, when writing.
         return file.open() || ::GetLastError() == ERROR_SHARING_VIOLATION;
     }
 
     [[nodiscard]] bool folderWritable(const std::string& folder) const override {
         const std::string probe = joinPath(folder, ".drx9-" + std::to_string(processId()) + ".probe");
-        const Handle file(::CreateFileW(native(probe).c_str(), GENERIC_WRITE | DELETE, shareAll, nullptr,
+        const Handle file(::CreateFileW(native(probe).c_str(), GENERIC_WRITE | DELETE, kShareAll, nullptr,
                                         CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE,
                                         nullptr));
         return file.open();
@@ -185,7 +185,7 @@ public:
         if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
             return path;
         }
-        const Handle file(::CreateFileW(name.c_str(), FILE_READ_ATTRIBUTES, shareAll, nullptr, OPEN_EXISTING,
+        const Handle file(::CreateFileW(name.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_BACKUP_SEMANTICS, nullptr));
         wchar_t buffer[4096] = {};
         const DWORD length = file.open() ? ::GetFinalPathNameByHandleW(file.get(), buffer, 4096, 0) : 0;
@@ -200,7 +200,7 @@ public:
     }
 
     FileStatus read(const std::string& path, std::string& bytes) const override {
-        const Handle file(::CreateFileW(native(path).c_str(), GENERIC_READ, shareAll, nullptr, OPEN_EXISTING,
+        const Handle file(::CreateFileW(native(path).c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
         LARGE_INTEGER length{};
         if (!file.open() || !::GetFileSizeEx(file.get(), &length)) {

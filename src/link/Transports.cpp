@@ -8,7 +8,6 @@
 namespace drx9 {
 
 namespace {
-constexpr int kLastComPort = 9;
 constexpr std::uint32_t kUsbChunk = 252; // bytes that one read of the bridge asks for
 constexpr double kConnectLimit = 1.0;    // s
 
@@ -54,7 +53,7 @@ void SerialTransport::close() {
 }
 
 std::string SerialTransport::open(int port, std::int32_t baud) {
-    if (port < 1 || port > kLastComPort) {
+    if (port < kFirstPort || port > kLastPort) {
         return "Only COM1 to COM9 can be used.";
     }
     close();

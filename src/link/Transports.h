@@ -34,6 +34,9 @@ public:
 /// RS-232 over the serial communications control.
 class SerialTransport : public Transport {
 public:
+    static constexpr int kFirstPort = 1; ///< "COM1"
+    static constexpr int kLastPort = 9;
+
     explicit SerialTransport(SerialControl& control)
         : control_(control) {}
 
@@ -41,8 +44,8 @@ public:
     bool send(std::string_view packet) override;
     void receive(const Feed& feed, const Awaiting& awaiting) override;
     void close() override;
-    /// Opens port 1..9 with `baud`,N,8,1; any other port is refused without touching the control. Empty on
-    /// success, else the reason.
+    /// Opens port kFirstPort..kLastPort with `baud`,N,8,1; any other port is refused without touching the
+    /// control. Empty on success, else the reason.
     std::string open(int port, std::int32_t baud);
     [[nodiscard]] SerialControl& control() { return control_; }
 

@@ -1,0 +1,85 @@
+// Packets, check characters, and the parser on its own.
+#include "../../fuzz/LinkChecks.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace drx9 {
+namespace {
+
+TEST(Packets, AreFramedByteForByte) {
+    EXPECT_EQ(commandPacket("@"), "\x21\x23\x40\x4F\x37");
+    EXPECT_EQ(commandPacket("J"), "\x21\x23\x4A\x4F\x38");
+    EXPECT_EQ(Comm_CRCText("#@"), "\x4F\x37");
+    const std::string film = commandPacket(filmCommand(99) + "?");
+    EXPECT_EQ(film.substr(0, 5), "!%A\x93?");
+    const std::uint8_t noLength[] = {'!', 0, 'A', 1, 1};
+    EXPECT_EQ(Comm_CRC(noLength), (CrcBytes{0, 0}));
+    const std::uint8_t packet[] = {0x21, 0x23, 0x40, 0, 0};
+    EXPECT_EQ(Comm_CRC(packet), (CrcBytes{0x4F, 0x37}));
+    for (int length = 0; length <= 221; ++length) {
+        for (const char check :
+             Comm_CRCText(std::string(static_cast<std::size_t>(length), static_cast<char>(length)))) {
+            EXPECT_GE(static_cast<unsigned char>(check), 34);
+            EXPECT_LE(static_cast<unsigned char>(check), 161);
+        }
+    }
+}
+
+TEST(FrameParser, TheTextStopsGrowing) {
+    FrameParser parser;
+    for (const char c : "!\x01" + std::string(5000, 'x')) {
+        parser.push(static_cast<std::uint8_t>(c));
+    }
+    EXPECT_EQ(parser.Text().size(), FrameParser::kTextLimit);
+    EXPECT_EQ(parser.Bytes().size(), std::size_t{'x'} - 31);
+}
+
+TEST(FrameParser, AByteBehindAPacketTakesTheLastSlot) {
+    FrameParser parser;
+    std::string packet = replyPacket('A', "12");
+    packet.insert(packet.size() - 1, "x"); // a wrong byte before the last one
+    std::vector<bool> checks;
+    for (const char c : packet) {
+        if (const auto reply = parser.push(static_cast<std::uint8_t>(c))) {
+            checks.push_back(reply->crcOk);
+        }
+    }
+    EXPECT_EQ(checks, (std::vector<bool>{false, true}));
+}
+
+TEST(FrameParser, SurvivesAnyBytes) {
+    std::mt19937 random(17);
+    for (int round = 0; round < 2000; ++round) {
+        std::string bytes(random() % 700, ' ');
+        for (char& c : bytes) {
+            c = static_cast<char>(random() % 4 == 0 ? random() % 256 : 33 + random() % 16);
+        }
+        checkReplyStream(bytes);
+        checkReplies(bytes);
+    }
+}
+
+TEST(FuzzSeeds, Hold) {
+    const std::filesystem::path corpus = std::filesystem::path(DRX9_SOURCE_DIR) / "fuzz" / "corpus";
+    const struct {
+        const char* target;
+        void (*check)(std::string_view);
+    } targets[] = {{"link_parser", checkReplyStream}, {"link_replies", checkReplies}};
+    for (const auto& [target, check] : targets) {
+        int seeds = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(corpus / target)) {
+            std::ifstream in(entry.path(), std::ios::binary);
+            check(std::string(std::istreambuf_iterator<char>(in), {}));
+            ++seeds;
+        }
+        EXPECT_GE(seeds, 5) << target;
+    }
+}
+
+} // namespace
+} // namespace drx9

@@ -155,6 +155,16 @@ void BM_TcpProgram(benchmark::State& state) {
     pump.processPending();
 }
 
+/// A turn of the event loop with nothing to do: what each further look at the events adds to an exchange.
+void BM_ProcessPending(benchmark::State& state) {
+    pin(false);
+    QtClock clock;
+    QtEventPump pump(clock);
+    for (auto _ : state)
+        pump.processPending();
+}
+
+BENCHMARK(BM_ProcessPending);
 BENCHMARK(BM_TcpBare)->UseRealTime()->Repetitions(15);
 BENCHMARK(BM_TcpProgram)->UseRealTime()->Repetitions(15);
 

@@ -1,6 +1,7 @@
 #include "platform/qt/QtEventPump.h"
 
 #include <QAbstractEventDispatcher>
+#include <QCoreApplication>
 #include <QScopeGuard>
 
 #include <algorithm>
@@ -11,6 +12,8 @@
 namespace drx9 {
 
 namespace {
+
+constexpr double kFresh = 0.0005; ///< s
 
 QAbstractEventDispatcher& dispatcher() {
     return *QAbstractEventDispatcher::instance();
@@ -27,15 +30,25 @@ QtEventPump::QtEventPump(const Clock& clock)
 }
 
 void QtEventPump::processPending() {
-    dispatcher().processEvents(QEventLoop::AllEvents);
+    if (clock_.monotonic() - lastTurn_ < kFresh)
+        QCoreApplication::sendPostedEvents();
+    else
+        turn(QEventLoop::AllEvents);
     finishSleeps();
+}
+
+void QtEventPump::turn(QEventLoop::ProcessEventsFlags flags) {
+    dispatcher().processEvents(flags);
+    lastTurn_ = clock_.monotonic();
 }
 
 void QtEventPump::sleepUntil(double deadline) {
     if (std::exchange(wokenEarly_, false))
         return;
-    if (clock_.monotonic() >= deadline)
-        return processPending();
+    if (clock_.monotonic() >= deadline) {
+        turn(QEventLoop::AllEvents);
+        return finishSleeps();
+    }
     armTimer(deadline);
     Sleep sleep{deadline, false, sleep_};
     sleep_ = &sleep;
@@ -43,7 +56,7 @@ void QtEventPump::sleepUntil(double deadline) {
         sleep_ = sleep.outer;
         finishSleeps();
     });
-    dispatcher().processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    turn(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
 }
 
 void QtEventPump::wake() {

@@ -39,10 +39,15 @@ public:
     [[nodiscard]] const std::string& failure() const { return failure_; }
 
 private:
-    bool openLink(Messages messages);
-    bool openSerial(Messages messages);
+    class Attempt;
+
+    bool openLink();
+    bool openSerial();
     bool openUsb();
-    void tell(Messages messages, const std::string& text);
+    bool openSocket();
+    bool instrumentAnswers();
+    void lost();
+    void tell(Messages messages, const std::string& text, MessageIcon icon, bool systemModal);
 
     Link& link_;
     LinkSettings& settings_;
@@ -55,6 +60,8 @@ private:
     std::vector<std::string> serials_;
     std::int32_t index_ = 0;
     std::string failure_;
+    std::string refusal_; ///< what the serial port's box says; empty when nothing is to be shown
+    bool opening_ = false;
     bool lossTold_ = false;
 };
 

@@ -1,0 +1,219 @@
+#include "link/Discovery.h"
+
+#include "util/Numbers.h"
+#include "util/Text.h"
+
+#include <string_view>
+
+namespace drx9 {
+
+namespace {
+constexpr const char* kTitle = "DRX9 Comm";
+constexpr const char* kNotFound = "Instrument not found.";
+constexpr const char* kProduct = "83F5"; // tells the instrument's bridge from others of its family
+constexpr int kSerialNumber = 0;         // options of SI_GetProductString
+constexpr int kProductId = 4;
+
+/// A procedure's name with the error handler, as long as it runs.
+class Registered {
+public:
+    Registered(CErrHandler& errors, const std::string& name)
+        : errors_(errors) {
+        errors_.Push(name);
+    }
+    ~Registered() { errors_.Pop(); }
+    Registered(const Registered&) = delete;
+    Registered& operator=(const Registered&) = delete;
+
+private:
+    CErrHandler& errors_;
+};
+
+std::string productText(UsbBridge& bridge, std::uint32_t index, int option) {
+    std::string text;
+    return bridge.SI_GetProductString(index, text, option) == 0 ? text : std::string();
+}
+
+/// Opens and closes device `index`; false when another program holds it.
+bool canOpen(UsbBridge& bridge, std::uint32_t index) {
+    std::int32_t handle = 0;
+    if (bridge.SI_Open(index, handle) != 0) {
+        return false;
+    }
+    bridge.SI_Close(handle);
+    return true;
+}
+} // namespace
+
+/// Holds off everything else while a link is opened, and leaves "lost" behind when an event handler's
+/// exception ends the attempt.
+class Discovery::Attempt {
+public:
+    explicit Attempt(Discovery& discovery)
+        : discovery_(discovery)
+        , scope_(discovery.actions_) {
+        discovery_.opening_ = true;
+        discovery_.failure_.clear();
+        discovery_.link_.setCommStatus(comm::kBusy);
+    }
+    ~Attempt() {
+        discovery_.opening_ = false;
+        if (discovery_.link_.CommStatus() == comm::kBusy) {
+            discovery_.lost();
+        }
+    }
+    Attempt(const Attempt&) = delete;
+    Attempt& operator=(const Attempt&) = delete;
+
+private:
+    Discovery& discovery_;
+    ActionQueue::Scope scope_;
+};
+
+Discovery::Discovery(Link& link, LinkSettings& settings, Transports& transports, EventPump& pump,
+                     const Clock& clock, ActionQueue& actions, MessageBoxes& boxes, CErrHandler& errors)
+    : link_(link)
+    , settings_(settings)
+    , transports_(transports)
+    , pump_(pump)
+    , clock_(clock)
+    , actions_(actions)
+    , boxes_(boxes)
+    , errors_(errors) {}
+
+bool Discovery::Comm_Open(Messages messages) {
+    if (opening_ || link_.exchanging()) {
+        return link_.CommOK(); // from an event handler: the attempt or exchange on the stack goes on
+    }
+    const Attempt attempt(*this);
+    transports_.closeAll();
+    const bool open = openLink();
+    // A command given while there was no open link is not kept for whoever answers now.
+    link_.dropPending();
+    if (!open) {
+        lost();
+        if (!refusal_.empty()) {
+            tell(messages, refusal_, MessageIcon::Information, false);
+        }
+        return false;
+    }
+    if (!instrumentAnswers()) {
+        lost();
+        tell(messages, kNotFound, MessageIcon::None, true);
+        return false;
+    }
+    boxes_.closeNonBlocking();
+    lossTold_ = false;
+    return true;
+}
+
+bool Discovery::openLink() {
+    refusal_.clear();
+    switch (settings_.CommType) {
+    case 1:
+        return openUsb();
+    case 2:
+        return openSocket();
+    default:
+        return openSerial();
+    }
+}
+
+bool Discovery::openSerial() {
+    const int port = settings_.Port;
+    const std::string reason = transports_.serial.open(port, settings_.Baud);
+    if (reason.empty()) {
+        return true;
+    }
+    failure_ = "Comm Port " + std::to_string(port) + " not available.";
+    const bool tried = port >= SerialTransport::kFirstPort && port <= SerialTransport::kLastPort;
+    refusal_ = tried ? failure_ + "\n" + reason : std::string();
+    failure_ += " " + reason;
+    return false;
+}
+
+bool Discovery::openUsb() {
+    bool found = Comm_FindUSBDRX9(settings_.USBSerNum);
+    if (!found && USBCount() == 1) {
+        settings_.USBSerNum = serials_.front();
+        found = Comm_FindUSBDRX9(settings_.USBSerNum);
+    }
+    if (found && transports_.usb.open(index_)) {
+        return true;
+    }
+    if (found) {
+        failure_ = "The USB device with serial number " + settings_.USBSerNum + " cannot be opened.";
+    } else {
+        failure_ = serials_.empty() ? "No DRX-9 found on USB."
+                                    : "No DRX-9 with serial number " + settings_.USBSerNum + " among the " +
+                                          std::to_string(USBCount()) + " found on USB.";
+    }
+    return false;
+}
+
+bool Discovery::openSocket() {
+    if (transports_.socket.open(settings_.EAddress, settings_.EPort, pump_, clock_)) {
+        return true;
+    }
+    const std::string reason = transports_.socket.control().reason();
+    failure_ = "No connection to " + settings_.EAddress + " port " + settings_.EPort + ": " +
+               (reason.empty() ? std::string("no answer within 1 s") : reason);
+    transports_.socket.close(); // a connection that comes later is not wanted
+    return false;
+}
+
+bool Discovery::instrumentAnswers() {
+    link_.setCommStatus(comm::kOk);
+    link_.Comm_Send("@");
+    if (link_.outcome() != comm::kOk) {
+        failure_ = std::string(kNotFound) + " (" + commStatusText(link_.outcome()) + ")";
+        transports_.usb.close(); // after a failure no device stays open
+        return false;
+    }
+    const std::string type = link_.Comm_Send("J");
+    link_.setInstrumentType(type.empty() ? std::int16_t{0} : toInt16(Val(type.substr(type.size() - 1))));
+    link_.setCommOK(true);
+    link_.setCommStatus(comm::kOk);
+    return true;
+}
+
+void Discovery::lost() {
+    link_.setCommStatus(comm::kLost);
+    link_.setCommOK(false);
+    link_.setInstrumentType(0);
+}
+
+void Discovery::tell(Messages messages, const std::string& text, MessageIcon icon, bool systemModal) {
+    if (messages == Messages::Blocking) {
+        boxes_.closeNonBlocking();
+        boxes_.show(text, kTitle, icon, systemModal);
+    } else if (!lossTold_) {
+        lossTold_ = true;
+        boxes_.showNonBlocking(text, kTitle, icon);
+    }
+}
+
+bool Discovery::Comm_FindUSBDRX9(const std::string& serialNumber) {
+    const Registered registered(errors_, "Comm_FindUSBDRX9");
+    transports_.usb.close();
+    serials_.clear();
+    UsbBridge& bridge = transports_.usb.bridge();
+    std::uint32_t devices = 0;
+    if (bridge.SI_GetNumDevices(devices) != 0) {
+        return false;
+    }
+    bool found = false;
+    for (std::uint32_t i = 0; i < devices && USBCount() < kMaxUsbDevices; ++i) {
+        if (!equalNoCase(productText(bridge, i, kProductId), kProduct) || !canOpen(bridge, i)) {
+            continue;
+        }
+        serials_.push_back(productText(bridge, i, kSerialNumber));
+        if (equalNoCase(serials_.back(), serialNumber)) {
+            index_ = static_cast<std::int32_t>(i);
+            found = true;
+        }
+    }
+    return found;
+}
+
+} // namespace drx9

@@ -1,0 +1,249 @@
+// Finding the instrument and connecting.
+#include "fakes/MemoryFilePort.h"
+#include "link/Discovery.h"
+#include "link/LinkBench.h"
+
+#include <gtest/gtest.h>
+
+namespace drx9 {
+namespace {
+
+using Messages = Discovery::Messages;
+constexpr const char* kNotFound = "Instrument not found.";
+
+class DiscoveryTest : public testing::Test {
+protected:
+    DiscoveryTest() {
+        for (FakeWire* wire : {&bench.serial.wire, &bench.usb.wire, &bench.socket.wire}) {
+            answer(*wire, good("DRX-9 Ver 5.01"), good("type 3"));
+        }
+    }
+    static void answer(FakeWire& wire, const std::string& version, const std::string& type) {
+        wire.setAnswerer([=](const std::string& command) { return command == "@" ? version : type; });
+    }
+    void expectLost() {
+        EXPECT_EQ(link.CommStatus(), comm::kLost);
+        EXPECT_FALSE(link.CommOK());
+        EXPECT_EQ(link.InstrumentType(), 0);
+        EXPECT_NE(discovery.failure(), "");
+        EXPECT_TRUE(bench.usb.handles().empty());
+    }
+    void expectOnLine(int type) {
+        EXPECT_EQ(link.CommStatus(), comm::kOk);
+        EXPECT_TRUE(link.CommOK());
+        EXPECT_EQ(link.InstrumentType(), type);
+        EXPECT_EQ(discovery.failure(), "");
+        EXPECT_EQ(bench.wire().commands(), (std::vector<std::string>{"@", "J"}));
+    }
+    double seconds(const std::function<void()>& operation) {
+        const double start = bench.clock.monotonic();
+        operation();
+        return bench.clock.monotonic() - start;
+    }
+
+    LinkBench bench;
+    Link& link = bench.link;
+    MemoryFilePort files;
+    NumberLocale locale;
+    CErrHandler errors{CErrHandlerParts{files, bench.boxes, bench.clock, locale, {}, {}}};
+    Discovery discovery{link,        bench.settings, bench.transports, bench.pump,
+                        bench.clock, bench.actions,  bench.boxes,      errors};
+};
+
+TEST_F(DiscoveryTest, OpensEachLinkAndClosesTheOthers) {
+    for (const std::int16_t type : std::initializer_list<std::int16_t>{0, 1, 2, 7}) {
+        SCOPED_TRACE(type);
+        bench.use(type);
+        bench.settings.Baud = 9600;
+        bench.wire().forget();
+        bench.serial.wire.forget();
+        if (type == 7) {
+            bench.settings.CommType = 0; // an unknown link counts as RS-232
+        }
+        EXPECT_TRUE(discovery.Comm_Open());
+        expectOnLine(3);
+        EXPECT_EQ(link.Comm_VersionText(), "5.01");
+        EXPECT_EQ(bench.transports.serial.isOpen(), bench.settings.CommType == 0);
+        EXPECT_EQ(bench.transports.usb.isOpen(), type == 1);
+        EXPECT_EQ(bench.transports.socket.isOpen(), type == 2);
+    }
+    EXPECT_EQ(bench.serial.settings, "9600,N,8,1");
+    EXPECT_EQ(bench.usb.baud, 115200U);
+    EXPECT_EQ(bench.socket.host, "192.168.1.200");
+    EXPECT_EQ(bench.socket.port, 2101);
+}
+
+TEST_F(DiscoveryTest, TheTypeIsTheLastCharacterAndMayBeMissing) {
+    const struct {
+        std::string packet;
+        int type;
+    } cases[] = {{good("12"), 2}, {good("x"), 0}, {good(""), 0}, {replyPacket('C', ""), 0}, {"", 0}};
+    for (const auto& c : cases) {
+        answer(bench.serial.wire, good("DRX-9 Ver 4.08"), c.packet);
+        bench.serial.wire.forget();
+        EXPECT_TRUE(discovery.Comm_Open());
+        expectOnLine(c.type);
+    }
+}
+
+TEST_F(DiscoveryTest, NoAnswerIsSaidInASystemModalBox) {
+    for (const std::string& packet : {std::string(), replyPacket('B', ""), std::string("!!!!")}) {
+        for (const std::int16_t type : std::initializer_list<std::int16_t>{0, 1, 2}) {
+            bench.settings.CommType = type;
+            answer(bench.wire(), packet, good("3"));
+            bench.boxes.expectShow(kNotFound, [this] {
+                expectLost();
+                EXPECT_TRUE(bench.actions.busy());
+                EXPECT_FALSE(discovery.Comm_Open()) << "from an event handler under the box";
+            });
+            EXPECT_FALSE(discovery.Comm_Open());
+            EXPECT_TRUE(bench.boxes.shown().back().systemModal);
+            EXPECT_EQ(bench.boxes.shown().back().title, "DRX9 Comm");
+            EXPECT_FALSE(bench.actions.busy());
+        }
+    }
+}
+
+TEST_F(DiscoveryTest, SerialPortsThatCannotBeUsed) {
+    for (const std::int16_t port : std::initializer_list<std::int16_t>{0, 10, -1}) {
+        bench.settings.Port = port;
+        EXPECT_FALSE(discovery.Comm_Open());
+        expectLost();
+        EXPECT_EQ(bench.serial.calls, 0) << port;
+    }
+    bench.settings.Port = 3;
+    bench.serial.refusal = "In use by another program.";
+    bench.boxes.expectShow("Comm Port 3 not available.\nIn use by another program.");
+    EXPECT_FALSE(discovery.Comm_Open());
+    expectLost();
+    EXPECT_EQ(bench.boxes.shown().back().icon, MessageIcon::Information);
+    EXPECT_EQ(bench.serial.commPort, 3);
+}
+
+TEST_F(DiscoveryTest, UsbBridges) {
+    using Devices = std::vector<FakeUsb::Device>;
+    using Texts = std::vector<std::string>;
+    const Devices ten(10, {"83F5", "x"});
+    const struct {
+        const char* what;
+        Devices devices;
+        bool found;
+        std::string serial; ///< the setting afterwards; before it is "ab12"
+        Texts listed;
+    } cases[] = {
+        {"none", {}, false, "ab12", {}},
+        {"its own", {{"EA60", "ab12"}, {"83F5", "AB12"}}, true, "ab12", {"AB12"}},
+        {"lower case", {{"83f5", "ab12"}}, true, "ab12", {"ab12"}},
+        {"a single other one is adopted", {{"83F5", "77"}, {"EA60", "9"}}, true, "77", {"77"}},
+        {"two others", {{"83F5", "77"}, {"83F5", "78"}}, false, "ab12", {"77", "78"}},
+        {"held by another program", {{"83F5", "ab12", false}}, false, "ab12", {}},
+        {"its own among others",
+         {{"83F5", "77"}, {"83F5", "ab12"}, {"83F5", "78"}},
+         true,
+         "ab12",
+         {"77", "ab12", "78"}},
+        {"more than eight", ten, false, "ab12", Texts(8, "x")},
+    };
+    bench.settings.CommType = 1;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        bench.settings.USBSerNum = "ab12";
+        bench.usb.devices = c.devices;
+        bench.usb.wire.forget();
+        EXPECT_EQ(discovery.Comm_Open(), c.found);
+        EXPECT_EQ(bench.settings.USBSerNum, c.serial);
+        EXPECT_EQ(discovery.USBSerialList(), c.listed);
+        c.found ? expectOnLine(3) : expectLost();
+        if (c.found) {
+            ASSERT_EQ(bench.usb.handles().size(), 1U);
+            EXPECT_EQ(bench.usb.handles().begin()->second, static_cast<std::uint32_t>(discovery.USBIndex()));
+        }
+    }
+    discovery.Comm_FindUSBDRX9("x");
+    EXPECT_TRUE(bench.usb.handles().empty()) << "a search leaves every device closed";
+}
+
+TEST_F(DiscoveryTest, TheUsbSearchIsKnownToTheErrorHandler) {
+    struct Watched : FakeUsb {
+        using FakeUsb::FakeUsb;
+        int SI_GetNumDevices(std::uint32_t& count) override {
+            errors->HandleError({});
+            count = 0;
+            return kFailure;
+        }
+        CErrHandler* errors = nullptr;
+    } usb{bench.pump};
+    usb.errors = &errors;
+    Transports transports{SerialTransport(bench.serial), UsbTransport(usb), SocketTransport(bench.socket)};
+    Discovery other(link, bench.settings, transports, bench.pump, bench.clock, bench.actions, bench.boxes,
+                    errors);
+    EXPECT_FALSE(other.Comm_FindUSBDRX9("0"));
+    EXPECT_EQ(errors.currentProcedure(), "Comm_FindUSBDRX9");
+    EXPECT_EQ(errors.stackPointer(), 0);
+}
+
+TEST_F(DiscoveryTest, TheEthernetWaitEndsWithItsReason) {
+    bench.settings.CommType = 2;
+    const struct {
+        double delay;
+        std::string refusal;
+        double lasts;
+    } cases[] = {{0, "", 0},    {0.4, "", 0.4}, {0, "refused", 0}, {0.3, "refused", 0.3},
+                 {-1, "", 1.0}, {1.5, "", 1.0}};
+    for (const auto& c : cases) {
+        bench.socket.connectDelay = c.delay;
+        bench.socket.refusal = c.refusal;
+        bench.socket.wire.forget();
+        bool open = false;
+        EXPECT_NEAR(seconds([&] { open = discovery.Comm_Open(); }), c.lasts, 1e-9);
+        EXPECT_EQ(open, c.refusal.empty() && c.lasts < 1);
+        open ? expectOnLine(3) : expectLost();
+        bench.pump.runFor(2);
+        EXPECT_EQ(bench.socket.state() == SocketControl::kConnected, open) << "a late connection is not kept";
+    }
+}
+
+TEST_F(DiscoveryTest, ALossIsToldOnceWithoutBlocking) {
+    const auto silent = [this] { answer(bench.serial.wire, "", ""); };
+    const auto alive = [this] { answer(bench.serial.wire, good("DRX-9 Ver 5.01"), good("3")); };
+    for (int loss = 0; loss < 2; ++loss) {
+        silent();
+        bench.boxes.expectNonBlocking(kNotFound);
+        for (int attempt = 0; attempt < 3; ++attempt) {
+            EXPECT_FALSE(discovery.Comm_Open(Messages::NonBlocking));
+        }
+        EXPECT_EQ(bench.boxes.nonBlockingText(), kNotFound);
+        alive();
+        EXPECT_TRUE(discovery.Comm_Open(Messages::NonBlocking));
+        EXPECT_EQ(bench.boxes.nonBlockingText(), "");
+    }
+}
+
+TEST_F(DiscoveryTest, WhateverRunsInItsWaitsChangesNothing) {
+    bench.settings.CommType = 2;
+    bench.socket.connectDelay = 0.2;
+    bench.socket.wire.setAnswerer(
+        [](const std::string& command) { return good(command == "@" ? "DRX-9 Ver 5.01" : "3"); }, 0.1);
+    discovery.Comm_Open();
+    const int pumps = bench.pump.pumps();
+    for (int n = 1; n <= pumps; ++n) {
+        SCOPED_TRACE(n);
+        bench.socket.wire.forget();
+        const int connects = bench.socket.connects;
+        bool ran = false;
+        bench.pump.atPump(n, [&] {
+            ran = true;
+            discovery.Comm_Open();
+            if (link.CommStatus() == comm::kBusy && !link.exchanging()) {
+                EXPECT_EQ(link.Comm_Send("T"), "") << "no link is open yet: dropped";
+            }
+        });
+        EXPECT_TRUE(discovery.Comm_Open());
+        EXPECT_TRUE(ran);
+        EXPECT_EQ(bench.socket.connects, connects + 1);
+        expectOnLine(3);
+    }
+}
+
+} // namespace
+} // namespace drx9

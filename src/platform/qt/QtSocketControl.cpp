@@ -19,7 +19,8 @@ QtSocketControl::QtSocketControl(EventPump& pump)
     : pump_(pump) {}
 
 QtSocketControl::~QtSocketControl() {
-    drop();
+    if (socket_)
+        socket_->disconnect(this);
 }
 
 void QtSocketControl::setRemote(const std::string& host, int port) {

@@ -1,0 +1,180 @@
+#include "platform/qt/QtSerialControl.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStringList>
+
+#include <algorithm>
+
+namespace drx9 {
+
+namespace {
+
+constexpr std::size_t kInputBuffer = 2048;
+
+} // namespace
+
+bool applySettings(QSerialPort& port, const std::string& settings) {
+    const QStringList fields = QString::fromStdString(settings).toUpper().remove(' ').split(',');
+    if (fields.size() != 4)
+        return false;
+    const QString parities = "NEOSM";
+    const QSerialPort::Parity parity[] = {QSerialPort::NoParity, QSerialPort::EvenParity,
+                                          QSerialPort::OddParity, QSerialPort::SpaceParity,
+                                          QSerialPort::MarkParity};
+    const qsizetype kind = fields[1].size() == 1 ? parities.indexOf(fields[1]) : -1;
+    const int stop = fields[3] == "1" ? QSerialPort::OneStop : fields[3] == "2" ? QSerialPort::TwoStop : 0;
+    const int data = fields[2].toInt();
+    return kind >= 0 && stop != 0 && data >= 5 && data <= 8 && port.setBaudRate(fields[0].toInt()) &&
+           port.setParity(parity[kind]) && port.setDataBits(static_cast<QSerialPort::DataBits>(data)) &&
+           port.setStopBits(static_cast<QSerialPort::StopBits>(stop)) &&
+           port.setFlowControl(QSerialPort::NoFlowControl);
+}
+
+bool isFault(QSerialPort::SerialPortError error) {
+    switch (error) {
+    case QSerialPort::NoError:
+    case QSerialPort::NotOpenError:
+    case QSerialPort::TimeoutError:
+    case QSerialPort::UnknownError:
+    case QSerialPort::UnsupportedOperationError:
+        return false;
+    default:
+        return true;
+    }
+}
+
+std::string whyNotOpen(const QSerialPort& port, const std::string& device) {
+    const QFileInfo node(QString::fromStdString(device));
+    if (port.error() != QSerialPort::PermissionError && port.error() != QSerialPort::DeviceNotFoundError)
+        return device + ": " + port.errorString().toStdString();
+    const bool windows = !node.isAbsolute(); // "COM3" is no path, and denied there means in use
+    return refusalText({.device = device,
+                        .exists = port.error() != QSerialPort::DeviceNotFoundError,
+                        .permitted = windows || (node.isReadable() && node.isWritable()),
+                        .group = node.group().toStdString(),
+                        .user = QFileInfo(QDir::homePath()).owner().toStdString(),
+                        .error = port.errorString().toStdString()});
+}
+
+QtSerialControl::QtSerialControl(EventPump& pump, std::string programFolder)
+    : pump_(pump)
+    , programFolder_(std::move(programFolder)) {
+#ifndef Q_OS_WIN
+    list_.update(presentSerialDevices());
+#endif
+}
+
+QtSerialControl::~QtSerialControl() {
+    if (port_)
+        port_->disconnect(this);
+}
+
+std::string QtSerialControl::deviceName(int port) const {
+    const std::string name = "COM" + std::to_string(port);
+#ifdef Q_OS_WIN
+    return name;
+#else
+    const QFileInfo link(QString::fromStdString(programFolder_ + "/" + name));
+    if (link.isSymLink())
+        return link.symLinkTarget().toStdString();
+    list_.update(presentSerialDevices());
+    return list_.device(port);
+#endif
+}
+
+std::string QtSerialControl::open() {
+    close();
+    const std::string device = deviceName(number_);
+    if (device.empty())
+        return "There is no serial device for COM" + std::to_string(number_) + ".";
+    auto port = std::make_unique<QSerialPort>(QString::fromStdString(device));
+    if (!applySettings(*port, settings_))
+        return "Not the settings of a serial port: " + settings_;
+    port->setReadBufferSize(kInputBuffer);
+    if (!port->open(QIODevice::ReadWrite))
+        return whyNotOpen(*port, device);
+    // A pseudo-terminal has no such lines; what it answers is of no account.
+    port->setDataTerminalReady(false);
+    port->setRequestToSend(false);
+    port->clearError();
+    QObject::connect(port.get(), &QSerialPort::readyRead, this, &QtSerialControl::receive);
+    QObject::connect(port.get(), &QSerialPort::errorOccurred, this, &QtSerialControl::errorOccurred);
+    port_ = std::move(port);
+    return {};
+}
+
+void QtSerialControl::close() {
+    drop();
+    faulted_ = false;
+    received_.clear();
+    taken_ = 0;
+}
+
+/// Leaves in the port what the input buffer does not hold.
+void QtSerialControl::receive() {
+    char chunk[kInputBuffer];
+    const std::size_t room = kInputBuffer - std::min(kInputBuffer, received_.size() - taken_);
+    const qint64 count = room == 0 ? 0 : port_->read(chunk, static_cast<qint64>(room));
+    if (count > 0) {
+        received_.erase(0, taken_);
+        taken_ = 0;
+        received_.append(chunk, static_cast<std::size_t>(count));
+    }
+    pump_.wake();
+}
+
+/// Runs inside a signal of the port, which must outlive it: it is closed from the event loop.
+void QtSerialControl::errorOccurred(QSerialPort::SerialPortError error) {
+    if (faulted_ || !isFault(error))
+        return;
+    faulted_ = true;
+    received_.clear();
+    taken_ = 0;
+    const auto dropIt = [this, port = port_.get()] {
+        if (port == port_.get()) // not opened anew meanwhile
+            drop();
+    };
+    QMetaObject::invokeMethod(port_.get(), dropIt, Qt::QueuedConnection);
+    pump_.wake();
+}
+
+void QtSerialControl::drop() {
+    if (!port_)
+        return;
+    port_->disconnect(this);
+    port_->close();
+    port_.release()->deleteLater();
+}
+
+std::size_t QtSerialControl::inBufferCount() {
+    if (isOpen() && received_.size() == taken_ && port_->bytesAvailable() > 0)
+        receive();
+    return isOpen() ? received_.size() - taken_ : 0;
+}
+
+/// Reading is what makes a port go on that stopped because its buffer was full; clear() alone would not.
+void QtSerialControl::discardInput() {
+    if (!isOpen())
+        return;
+    received_.clear();
+    taken_ = 0;
+    if (port_->bytesAvailable() > 0)
+        port_->readAll();
+    port_->clear(QSerialPort::Input);
+}
+
+std::uint8_t QtSerialControl::input() {
+    return inBufferCount() == 0 ? std::uint8_t{0} : static_cast<std::uint8_t>(received_[taken_++]);
+}
+
+/// The first flush() sends; the second one sees that all is gone and so spares a turn of the event loop.
+void QtSerialControl::output(std::string_view bytes) {
+    if (!isOpen())
+        return;
+    port_->write(bytes.data(), static_cast<qint64>(bytes.size()));
+    port_->flush();
+    port_->flush();
+}
+
+} // namespace drx9

@@ -1,0 +1,112 @@
+#include "platform/qt/SerialPortList.h"
+
+#include <QFileInfo>
+#include <QSerialPortInfo>
+
+#include <algorithm>
+#include <tuple>
+
+namespace drx9 {
+
+namespace {
+
+std::string nameOf(const std::string& path) {
+    return path.substr(path.find_last_of('/') + 1);
+}
+
+/// Sorting key: kind, length of the name (so that 10 comes after 9), name.
+std::tuple<int, std::size_t, std::string> orderOf(const SerialDevice& device) {
+    const std::string name = nameOf(device.path);
+    int kind = 3;
+    if (name.starts_with("ttyUSB"))
+        kind = 1;
+    else if (name.starts_with("ttyACM"))
+        kind = 2;
+    else if (name.starts_with("ttyS"))
+        kind = 0;
+    return {kind, name.size(), name};
+}
+
+std::string claimOf(const SerialDevice& device) {
+    return device.model + "/" + device.serial;
+}
+
+} // namespace
+
+void SerialPortList::update(std::vector<SerialDevice> present) {
+    std::sort(present.begin(), present.end(),
+              [](const SerialDevice& a, const SerialDevice& b) { return orderOf(a) < orderOf(b); });
+    markTwins(present);
+    for (Slot& slot : slots_)
+        slot.present = false;
+    for (const SerialDevice& device : present) {
+        Slot& slot = slotOf(device);
+        slot.device = device;
+        slot.present = true;
+    }
+}
+
+void SerialPortList::markTwins(const std::vector<SerialDevice>& present) {
+    for (const SerialDevice& device : present) {
+        const auto same = [&](const SerialDevice& other) { return claimOf(other) == claimOf(device); };
+        if (std::count_if(present.begin(), present.end(), same) > 1)
+            twins_.push_back(claimOf(device));
+    }
+    std::sort(twins_.begin(), twins_.end());
+    twins_.erase(std::unique(twins_.begin(), twins_.end()), twins_.end());
+    for (Slot& slot : slots_)
+        slot.twin = std::binary_search(twins_.begin(), twins_.end(), claimOf(slot.device));
+}
+
+SerialPortList::Slot& SerialPortList::slotOf(const SerialDevice& device) {
+    const auto known = std::find_if(slots_.begin(), slots_.end(), [&](const Slot& slot) {
+        if (slot.present || claimOf(slot.device) != claimOf(device))
+            return false;
+        return (!device.serial.empty() && !slot.twin) || slot.device.place == device.place;
+    });
+    if (known != slots_.end())
+        return *known;
+    const bool twin = std::binary_search(twins_.begin(), twins_.end(), claimOf(device));
+    return slots_.emplace_back(Slot{device, true, twin});
+}
+
+std::string SerialPortList::device(int port) const {
+    if (port < 1 || port > static_cast<int>(slots_.size()))
+        return {};
+    const Slot& slot = slots_[static_cast<std::size_t>(port) - 1];
+    return slot.present ? slot.device.path : std::string();
+}
+
+std::vector<SerialDevice> presentSerialDevices() {
+    std::vector<SerialDevice> devices;
+    for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts()) {
+        // On macOS each device has two names; "tty." waits for a carrier that nobody raises.
+        if (info.portName().startsWith("tty."))
+            continue;
+        SerialDevice device;
+        device.path = info.systemLocation().toStdString();
+        if (info.hasVendorIdentifier())
+            device.model = QString::asprintf("%04x:%04x", info.vendorIdentifier(), info.productIdentifier())
+                               .toStdString();
+        device.serial = info.serialNumber().toStdString();
+        // The link into the device tree ends in the port's own name, which changes; its folder is the plug.
+        const QString node = QFileInfo("/sys/class/tty/" + info.portName() + "/device").canonicalFilePath();
+        device.place =
+            (node.isEmpty() || device.model.empty()) ? device.path : QFileInfo(node).path().toStdString();
+        devices.push_back(device);
+    }
+    return devices;
+}
+
+std::string refusalText(const SerialRefusal& refusal) {
+    if (!refusal.exists)
+        return refusal.device + " is not there: is the adapter plugged in?";
+    if (refusal.permitted)
+        return refusal.device + " is in use by another program.";
+    if (refusal.group.empty() || refusal.user.empty())
+        return refusal.device + ": " + refusal.error;
+    return refusal.device + " belongs to group " + refusal.group + ": sudo usermod -a -G " + refusal.group +
+           " " + refusal.user + ", then log in again.";
+}
+
+} // namespace drx9

@@ -3,6 +3,7 @@
 #include "../../fuzz/ini_file.h"
 #include "fakes/FaultyFilePort.h"
 #include "fakes/MemoryFilePort.h"
+#include "util/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -31,26 +32,19 @@ protected:
 
 TEST_F(cFileTest, FindsValuesAsTheyAreWritten) {
     const struct {
-        const char* bytes;
-        const char* value; ///< of key K in section S
+        const char *bytes, *value; ///< of key K in section S
     } cases[] = {
-        {"[S]\r\nK=1\r\n", "1"},
-        {"[s]\nk=1", "1"},
+        {"[s]\r\nk=1=2\r\n", "1=2"},
         {"  [ S ] tail\n\t K \t=\t a b \t\r\n", "a b"},
         {"[S]\nK=\" a \"\n", " a "},
-        {"[S]\nK=' a '\n", " a "},
         {"[S]\nK=\"a'\n", "\"a'"},
-        {"[S]\nK=\"\n", "\""},
         {"[S]\nK=1\nK=2\n[S]\nK=3\n", "1"}, // the first one counts
         {"[S]\n[T]\n[S]\nK=2\n", "none"},   // also among sections
         {"[S]\n;K=1\n ; K=2\nK=3 ; no comment\n", "3 ; no comment"},
         {"[S]\nK\nK=2\n", "2"},
         {"K=1\n[S]\n", "none"},
-        {"[T\n[S]\nK=1\n", "1"},
         {"[S]\n[T\nK=1\n", "1"}, // "[" without "]" opens nothing
         {"[S]\nK=\n", "none"},
-        {"[S]\nK=\"\"\n", "none"},
-        {"[S]\nK=a=b,c\n", "a=b,c"},
         {"\xEF\xBB\xBF[S]\nK=\xC3\xA4\n", "\xC3\xA4"},
         {"[S]\nK=\xE4\n", "\xC3\xA4"},                    // Windows-1252
         {"[S]\nK=\xC3\xA4\n;\xE4\n", "\xC3\x83\xC2\xA4"}, // one byte that is no UTF-8: none of it is
@@ -65,20 +59,15 @@ TEST_F(cFileTest, FindsValuesAsTheyAreWritten) {
 
 TEST_F(cFileTest, WritesChangeNothingElse) {
     const struct {
-        const char* before;
-        const char* value;
-        const char* after;
+        const char *before, *value, *after;
     } cases[] = {
         {"", "1", "[S]\r\nK=1\r\n"},
         {"[S]\nK=1\nL=2\n", "9", "[S]\nK=9\nL=2\n"},
         {"[S]\n  k = \"1\" \nK=2\n", "9", "[S]\n  k = 9 \nK=2\n"},
         {"[S]\nK= ' 1'\n", " 1", "[S]\nK= ' 1'\n"}, // reads the same already
-        {"[S]\nK=\n", "9", "[S]\nK=9\n"},
         {"[S]\nK=1", "9", "[S]\nK=9"},
-        {"[S]\nK=1\n", "", "[S]\nK=\n"},
         {"; top\r\n[S]\r\nL=1\r\n; end\r\n\r\n[T]\r\nK=0\r\n", "9",
          "; top\r\n[S]\r\nL=1\r\n; end\r\nK=9\r\n\r\n[T]\r\nK=0\r\n"},
-        {"[S]", "9", "[S]\r\nK=9\r\n"},
         {"[T]\nK=0", "9", "[T]\nK=0\n[S]\nK=9\n"},
         {"[T]\nK=0\n\n", "9", "[T]\nK=0\n\n[S]\nK=9\n"},
         {"[S]\nL=1\r\n", "9", "[S]\nL=1\r\nK=9\n"}, // ends as the first line does
@@ -96,11 +85,11 @@ TEST_F(cFileTest, WritesChangeNothingElse) {
 }
 
 TEST_F(cFileTest, EveryOperationOfTheClass) {
-    const std::string longValue(300, 'x');
-    hold("[S]\nOne=1.5e1x\nComma=2,5\nInt=-7up\nHex=0x1F\nBig=65537\nWord=up\nYes=yEs\nOn=On\nBit=1\nTwo="
-         "2\nT=T\n"
-         "Empty=\nList=a,b,,d\nLong=" +
-         longValue + "\nWide=" + std::string(300, '\xE4') + "\n");
+    ini.setFileName(kPath);
+    EXPECT_EQ(ini.WriteIniStr("S", "K", "1"), 0) << "a missing file has no name";
+    hold("[S]\nOne=1.5e1x\nComma=2,5\nInt=-7up\nHex=0x1F\nBig=65537\nWord=up\nYes=yEs\nOn=On\nBit=1\n"
+         "Two=2\nT=T\nEmpty=\nList=a,b,,d\nWide=" +
+         std::string(300, '\xE4') + "\n");
     EXPECT_EQ(ini.ReadIniSingle("S", "One", 3), 15);
     EXPECT_EQ(ini.ReadIniSingle("S", "Comma", 3), 2);
     EXPECT_EQ(ini.ReadIniSingle("S", "Empty", 0.1F), 0.1F);
@@ -110,8 +99,7 @@ TEST_F(cFileTest, EveryOperationOfTheClass) {
 
     const struct {
         const char* key;
-        std::int16_t value;
-        std::int32_t result;
+        int value, result;
     } ints[] = {{"Int", -7, -7}, {"Hex", 31, 31},   {"Big", 1, 65537}, {"Word", 0, 0},
                 {"One", 1, 1},   {"Missing", 5, 5}, {"Empty", 5, 5}};
     for (const auto& c : ints) {
@@ -119,9 +107,8 @@ TEST_F(cFileTest, EveryOperationOfTheClass) {
         EXPECT_EQ(ini.lastResult(), c.result) << c.key;
     }
     for (const char* key : {"Yes", "On", "Bit", "Two", "T", "Empty", "Missing"}) {
-        EXPECT_EQ(ini.ReadIniBool("S", key, "FALSE"),
-                  std::string("Yes On Bit").find(key) != std::string::npos)
-            << key;
+        const bool yes = std::string("Yes On Bit").find(key) != std::string::npos;
+        EXPECT_EQ(ini.ReadIniBool("S", key, "FALSE"), yes) << key;
         EXPECT_EQ(ini.ReadIniBool("S", key, "TRUE"), key[0] != 'T') << key;
     }
     const char* fields[] = {"a,b,,d", "a", "b", "", "d", ""};
@@ -129,35 +116,21 @@ TEST_F(cFileTest, EveryOperationOfTheClass) {
         EXPECT_EQ(ini.ReadIniStr("S", "List", "x", field), fields[field]);
     }
     EXPECT_EQ(ini.ReadIniStr("S", "Missing", "p,q", 2), "q");
-    EXPECT_EQ(ini.ReadIniStr("S", "Missing", "  ", 0), "  ");
-    EXPECT_EQ(read("S", "Long"), longValue.substr(0, 253));
+    EXPECT_EQ(ansiFromUtf8(read("S", "Wide")), std::string(253, '\xE4'));
     EXPECT_EQ(ini.lastResult(), 253);
-    EXPECT_EQ(read("S", "Wide").size(), 2U * 253);
 
     hold("[S]\nA=1\n; x\n[T]\nA=2\n[S]\nA=3\n");
     EXPECT_EQ(ini.ClearIniSection("s"), 1);
     EXPECT_EQ(files.text(kPath), "[T]\nA=2\n[S]\nA=3\n");
-    EXPECT_EQ(ini.ClearIniSection("none"), 1);
-}
-
-TEST_F(cFileTest, FileNameIsEmptyWhenTheFileIsMissing) {
-    ini.setFileName(kPath);
-    EXPECT_EQ(ini.FileName(), "");
-    EXPECT_EQ(read("S", "K"), "none");
-    EXPECT_EQ(ini.WriteIniStr("S", "K", "1"), 0);
-    EXPECT_EQ(ini.lastResult(), 0);
-    EXPECT_FALSE(files.exists(kPath));
 }
 
 TEST_F(cFileTest, GroupedWritesReplaceTheFileOnce) {
     hold("[S]\nK=1\n");
     ASSERT_TRUE(ini.beginWrites(kPath));
     ini.WriteIniStr("S", "K", "2");
-    ini.WriteIniStr("S", "L", "3");
-    EXPECT_EQ(read("S", "L"), "3");
-    EXPECT_EQ(files.text(kPath), "[S]\nK=1\n");
+    EXPECT_EQ(read("S", "K"), "2");
     EXPECT_TRUE(ini.commitWrites());
-    EXPECT_EQ(files.text(kPath), "[S]\nK=2\nL=3\n");
+    EXPECT_EQ(files.text(kPath), "[S]\nK=2\n");
     const auto& steps = faulty.steps();
     EXPECT_EQ(std::count(steps.begin(), steps.end(), FileStep::Rename), 1);
 
@@ -172,27 +145,22 @@ TEST_F(cFileTest, AFailedWriteLeavesTheFileAndSaysWhy) {
         hold("[S]\nK=1\n");
         faulty.failKind(step);
         EXPECT_EQ(ini.WriteIniStr("S", "K", "2"), 0);
-        EXPECT_EQ(ini.lastResult(), 0);
         EXPECT_NE(ini.writeFailure(), "");
         EXPECT_EQ(files.text(kPath), "[S]\nK=1\n");
         EXPECT_EQ(files.list("/data").size(), 1U);
         faulty.heal();
-        EXPECT_EQ(ini.WriteIniStr("S", "K", "2"), 1);
-        EXPECT_EQ(ini.writeFailure(), "");
     }
 }
 
 TEST(IniText, HoldsForEverySeed) {
-    int seeds = 0;
     for (const auto& file : std::filesystem::directory_iterator(DRX9_SOURCE_DIR "/fuzz/corpus/ini_file")) {
         std::ifstream in(file.path(), std::ios::binary);
+        ASSERT_TRUE(in);
         const std::string bytes{std::istreambuf_iterator<char>(in), {}};
         for (std::size_t length = 0; length <= bytes.size(); ++length) { // cut at every byte, too
             checkIniFile(std::string_view(bytes).substr(0, length));
         }
-        ++seeds;
     }
-    EXPECT_GE(seeds, 14);
 }
 
 } // namespace

@@ -1,0 +1,194 @@
+#include "jet/Database.h"
+
+#include "jet/NewDatabase.h"
+
+namespace drx9::jet {
+
+Table& SharedFile::table(const std::string& name) {
+    if (version_ != store_.version()) {
+        tables_.clear();
+        pages_.clear();
+        version_ = store_.version();
+    }
+    auto page = pages_.find(name);
+    if (page == pages_.end()) {
+        page = pages_.emplace(name, Catalog(store_).find(name).page).first;
+    }
+    auto& entry = tables_[page->second];
+    if (!entry) {
+        entry = std::make_unique<Table>(store_, page->second);
+    }
+    return *entry;
+}
+
+// ---- TableDef ----
+
+std::vector<Index> TableDef::Indexes() const {
+    return file_->guarded([this] {
+        const Definition& definition = file_->table(name_).definition();
+        std::vector<Index> indexes;
+        for (const auto& logical : definition.logicalIndexes) {
+            const RealIndex& real = definition.realIndexes[logical.real];
+            Index index{logical.name, {}, logical.primary, real.isUnique()};
+            for (const auto& part : real.columns) {
+                index.Fields.push_back(definition.columns[definition.positionOf(part.number)].name);
+            }
+            indexes.push_back(std::move(index));
+        }
+        return indexes;
+    });
+}
+
+std::vector<Field> TableDef::Fields() const {
+    return file_->guarded([this] {
+        std::vector<Field> fields;
+        const std::size_t width = file_->store().layout().generation == Generation::Jet4 ? 2 : 1;
+        for (const auto& column : file_->table(name_).definition().columns) {
+            fields.push_back({column.name, column.type,
+                              column.type == ColumnType::Text ? column.length / width : column.length});
+        }
+        return fields;
+    });
+}
+
+std::size_t TableDef::RecordCount() const {
+    return file_->guarded([this] { return std::size_t{file_->table(name_).rowCount()}; });
+}
+
+void TableDef::Append(const Field& field) {
+    file_->changed(name_, [&](Table& table) {
+        ColumnSpec spec;
+        spec.name = field.Name;
+        spec.type = field.Type;
+        spec.size = field.Size;
+        addColumn(file_->store(), table.definition().page(), spec);
+    });
+}
+
+// ---- Database ----
+
+Database::~Database() {
+    Close();
+}
+
+void Database::Close() {
+    for (; transactions_ > 0; --transactions_) {
+        file_->store().rollback();
+    }
+    file_.reset();
+}
+
+const std::shared_ptr<SharedFile>& Database::file() const {
+    if (!file_) {
+        throw JetError(Fault::Rejected, "the database is closed");
+    }
+    return file_;
+}
+
+std::vector<std::string> Database::TableNames() const {
+    return file()->guarded([this] {
+        std::vector<std::string> names;
+        for (const auto& entry : Catalog(file_->store()).tables()) {
+            if (entry.user && !entry.link) {
+                names.push_back(entry.name);
+            }
+        }
+        return names;
+    });
+}
+
+TableDef Database::TableDefs(const std::string& name) const {
+    file()->guarded([&] { file_->table(name); });
+    return {file_, name};
+}
+
+void Database::Execute(const std::string& text) {
+    const Query query = file()->guarded([&] { return parseQuery(text); });
+    if (query.kind != Query::Kind::DropIndex) {
+        file_->guarded([] { rejected("a SELECT is opened as a recordset, not executed"); });
+    }
+    file_->changed(query.table,
+                   [&](Table& table) { dropIndex(file_->store(), table.definition().page(), query.index); });
+}
+
+std::unique_ptr<Recordset> Database::OpenRecordset(const std::string& source) const {
+    if (!looksLikeQuery(source)) {
+        return OpenRecordset(source, {});
+    }
+    const Query query = file()->guarded([&] { return parseQuery(source); });
+    return OpenRecordset(query.table, query.criteria);
+}
+
+std::unique_ptr<Recordset> Database::OpenRecordset(const std::string& table,
+                                                   const std::vector<Criterion>& criteria) const {
+    return std::make_unique<Recordset>(file(), table, criteria);
+}
+
+void Database::CreateTable(const TableSpec& spec, DateTime created) {
+    file()->guarded([&] {
+        Change change(file_->store());
+        jet::createTable(file_->store(), spec, created);
+        change.commit();
+    });
+}
+
+void Database::BeginTrans() {
+    file()->store().begin();
+    ++transactions_;
+}
+
+void Database::CommitTrans() {
+    file()->guarded([this] {
+        if (transactions_ == 0) {
+            rejected("CommitTrans without BeginTrans");
+        }
+        --transactions_;
+        file_->store().release();
+    });
+}
+
+void Database::Rollback() {
+    file()->guarded([this] {
+        if (transactions_ == 0) {
+            rejected("Rollback without BeginTrans");
+        }
+        --transactions_;
+        file_->store().rollback();
+    });
+}
+
+// ---- DBEngine ----
+
+std::unique_ptr<Database> DBEngine::OpenDatabase(const std::string& path) {
+    auto& known = open_[files_.resolveLinks(path)];
+    auto file = known.lock();
+    if (!file || (file->store().depth() == 0 && file->store().changedOnDisk())) {
+        try {
+            file = std::make_shared<SharedFile>(PageStore::open(files_, path));
+        } catch (JetError& error) {
+            error.nameFile(path);
+            throw;
+        }
+        known = file;
+    }
+    return std::make_unique<Database>(std::move(file));
+}
+
+std::unique_ptr<Database> DBEngine::CreateDatabase(const std::string& path, Generation generation,
+                                                   const std::vector<TableSpec>& tables, DateTime created) {
+    try {
+        PageStore store = PageStore::create(files_, path, generation);
+        Change change(store);
+        writeEmptyDatabase(store, created);
+        for (const auto& table : tables) {
+            createTable(store, table, created);
+        }
+        change.commit();
+    } catch (JetError& error) {
+        error.nameFile(path);
+        throw;
+    }
+    return OpenDatabase(path);
+}
+
+} // namespace drx9::jet

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "jet/Catalog.h"
+
+#include <map>
+#include <memory>
+#include <string>
+
+namespace drx9::jet {
+
+/// One file's pages and parsed tables, shared by all who have it open in this process. Names the file in
+/// every failure.
+class SharedFile {
+public:
+    explicit SharedFile(PageStore store)
+        : store_(std::move(store)) {}
+    SharedFile(const SharedFile&) = delete;
+    SharedFile& operator=(const SharedFile&) = delete;
+
+    [[nodiscard]] PageStore& store() { return store_; }
+    [[nodiscard]] const PageStore& store() const { return store_; }
+    /// The table by name; valid until its definition changes or a change is taken back.
+    Table& table(const std::string& name);
+
+    /// Runs `work` with failures named after the file.
+    template<class Work>
+    auto guarded(const Work& work) const {
+        try {
+            return work();
+        } catch (JetError& error) {
+            error.nameFile(store_.path());
+            throw;
+        }
+    }
+
+    /// Runs `work` on a table as one change: a commit of its own unless a transaction is open. The engine's
+    /// own tables are refused.
+    template<class Work>
+    auto changed(const std::string& name, const Work& work) {
+        return guarded([&] {
+            Change change(store_);
+            Table& subject = table(name);
+            if (!subject.definition().userTable) {
+                rejected("the table \"" + name + "\" belongs to the engine");
+            }
+            if constexpr (std::is_void_v<decltype(work(subject))>) {
+                work(subject);
+                change.commit();
+            } else {
+                const auto result = work(subject);
+                change.commit();
+                return result;
+            }
+        });
+    }
+
+private:
+    PageStore store_;
+    std::map<PageNo, std::unique_ptr<Table>> tables_;
+    std::map<std::string, PageNo> pages_;
+    std::uint64_t version_ = 0;
+};
+
+} // namespace drx9::jet

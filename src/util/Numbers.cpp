@@ -254,6 +254,47 @@ std::string shortest(double value, char separator, bool leadingZero) {
     return positional(decimal, decimals, separator, leadingZero);
 }
 
+/// A number scaled by a power of ten and rounded, where that is beyond doubt: small, and not so near a half
+/// that the 15-digit text could lie on its other side. Most readings are such numbers, and this is the short
+/// way for them.
+std::optional<std::uint32_t> roundedPlainly(double value, int decimals) {
+    constexpr std::array<double, 4> scales = {1, 10, 100, 1000};
+    constexpr double limit = 1e9;
+    constexpr double doubt = 1e-4; // the text differs by less than limit * 5E-15
+    if (decimals < 0 || decimals >= static_cast<int>(scales.size())) {
+        return std::nullopt;
+    }
+    const double scaled = std::fabs(value) * scales[static_cast<std::size_t>(decimals)];
+    if (!(scaled < limit)) {
+        return std::nullopt;
+    }
+    const auto whole = static_cast<std::uint32_t>(scaled);
+    const double rest = scaled - whole;
+    if (std::fabs(rest - 0.5) < doubt) {
+        return std::nullopt;
+    }
+    return whole + (rest > 0.5 ? 1 : 0);
+}
+
+/// `number` divided by 10^decimals.
+std::string shifted(std::uint32_t number, bool negative, int decimals, char separator, bool leadingZero) {
+    std::array<char, 16> text{};
+    char* at = text.data() + text.size();
+    for (int place = 0; place < decimals; ++place, number /= 10) {
+        *--at = static_cast<char>('0' + number % 10);
+    }
+    if (decimals > 0) {
+        *--at = separator;
+    }
+    for (bool first = leadingZero; first || number > 0; first = false, number /= 10) {
+        *--at = static_cast<char>('0' + number % 10);
+    }
+    if (negative) {
+        *--at = '-';
+    }
+    return {at, text.data() + text.size()};
+}
+
 } // namespace
 
 double Val(std::string_view text) {
@@ -303,6 +344,9 @@ std::string generalNumber(double value, const NumberLocale& locale) {
 }
 
 std::string fixedNumber(double value, int decimals, const NumberLocale& locale, bool leadingZero) {
+    if (const auto rounded = roundedPlainly(value, decimals)) {
+        return shifted(*rounded, value < 0 && *rounded > 0, decimals, locale.decimal, leadingZero);
+    }
     Decimal decimal = toDecimal(value);
     roundDigits(decimal, decimal.point + decimals);
     return positional(decimal, decimals, locale.decimal, leadingZero);

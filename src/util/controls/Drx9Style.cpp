@@ -85,13 +85,18 @@ void paintCheck(QPainter& painter, const QStyleOption& option, const Theme& them
     const bool on = option.state & (QStyle::State_On | QStyle::State_NoChange);
     const bool enabled = option.state.testFlag(QStyle::State_Enabled);
     const QColor border = !enabled ? theme.disabled : on ? theme.accent : theme.line;
-    paintBox(painter, option.rect, on && enabled ? theme.accent : enabled ? theme.base : theme.ground, border, 1, 3);
+    paintBox(painter, option.rect,
+             on && enabled ? theme.accent
+             : enabled     ? theme.base
+                           : theme.ground,
+             border, 1, 3);
     if (!on) {
         return;
     }
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(enabled ? theme.accentText : theme.disabled, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(
+        QPen(enabled ? theme.accentText : theme.disabled, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     const QPointF o = option.rect.topLeft();
     const QPointF tick[3] = {o + QPointF(4, 8.5), o + QPointF(7, 11.5), o + QPointF(12, 5)};
     painter.drawPolyline(tick, 3);
@@ -118,9 +123,8 @@ void paintRadio(QPainter& painter, const QStyleOption& option, const Theme& them
 
 void paintProgressBar(QPainter& painter, const QStyleOptionProgressBar& bar, const Theme& theme) {
     paintBox(painter, bar.rect, theme.base, theme.line, 1, kRadius);
-    const double share = bar.maximum > bar.minimum
-                             ? double(bar.progress - bar.minimum) / (bar.maximum - bar.minimum)
-                             : 0;
+    const double share =
+        bar.maximum > bar.minimum ? double(bar.progress - bar.minimum) / (bar.maximum - bar.minimum) : 0;
     if (share <= 0) {
         return;
     }
@@ -135,8 +139,8 @@ void paintProgressBar(QPainter& painter, const QStyleOptionProgressBar& bar, con
     painter.restore();
 }
 
-void paintSpinBox(const QStyle& style, const QStyleOptionSpinBox& box, QPainter& painter, const QWidget* widget,
-                  const Theme& theme) {
+void paintSpinBox(const QStyle& style, const QStyleOptionSpinBox& box, QPainter& painter,
+                  const QWidget* widget, const Theme& theme) {
     paintInputFrame(painter, box.rect, box, theme);
     const QRect up = style.subControlRect(QStyle::CC_SpinBox, &box, QStyle::SC_SpinBoxUp, widget);
     const QRect down = style.subControlRect(QStyle::CC_SpinBox, &box, QStyle::SC_SpinBoxDown, widget);
@@ -145,7 +149,8 @@ void paintSpinBox(const QStyle& style, const QStyleOptionSpinBox& box, QPainter&
     }
     painter.fillRect(QRect(up.left(), box.rect.top() + 4, 1, box.rect.height() - 8), theme.hair);
     const bool enabled = box.state.testFlag(QStyle::State_Enabled);
-    const auto arrow = [&](const QRect& rect, QAbstractSpinBox::StepEnabledFlag step, QStyle::SubControl part) {
+    const auto arrow = [&](const QRect& rect, QAbstractSpinBox::StepEnabledFlag step,
+                           QStyle::SubControl part) {
         const bool live = enabled && box.stepEnabled.testFlag(step);
         if (live && box.activeSubControls == part && box.state.testFlag(QStyle::State_Sunken)) {
             painter.fillRect(rect.adjusted(1, 0, 0, 0), theme.hair);
@@ -181,8 +186,8 @@ void paintComboBox(const QStyleOptionComboBox& combo, QPainter& painter, const T
     paintChevron(painter, arrow, false, enabled ? theme.muted : theme.disabled);
 }
 
-void paintGroupBox(const QStyle& style, const QStyleOptionGroupBox& box, QPainter& painter, const QWidget* widget,
-                   const Theme& theme) {
+void paintGroupBox(const QStyle& style, const QStyleOptionGroupBox& box, QPainter& painter,
+                   const QWidget* widget, const Theme& theme) {
     const QRect frame = style.subControlRect(QStyle::CC_GroupBox, &box, QStyle::SC_GroupBoxFrame, widget);
     paintBox(painter, frame, Qt::NoBrush, theme.hair, 1, kGroupRadius);
     if (box.text.isEmpty()) {
@@ -264,8 +269,8 @@ void Drx9Style::drawControl(ControlElement element, const QStyleOption* option, 
             const bool open = item->state.testFlag(State_Selected);
             painter->fillRect(item->rect, open ? item->palette.highlight() : item->palette.window());
             const int flags = Qt::AlignCenter | Qt::TextShowMnemonic | Qt::TextDontClip | Qt::TextSingleLine;
-            drawItemText(painter, item->rect, flags, item->palette, item->state.testFlag(State_Enabled), item->text,
-                         open ? QPalette::HighlightedText : QPalette::WindowText);
+            drawItemText(painter, item->rect, flags, item->palette, item->state.testFlag(State_Enabled),
+                         item->text, open ? QPalette::HighlightedText : QPalette::WindowText);
         }
         return;
     default:
@@ -273,10 +278,11 @@ void Drx9Style::drawControl(ControlElement element, const QStyleOption* option, 
     }
 }
 
-void Drx9Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
-                                   const QWidget* widget) const {
+void Drx9Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                   QPainter* painter, const QWidget* widget) const {
     const Theme theme = Theme::of(option->palette);
-    if (const auto* spin = qstyleoption_cast<const QStyleOptionSpinBox*>(option); spin && control == CC_SpinBox) {
+    if (const auto* spin = qstyleoption_cast<const QStyleOptionSpinBox*>(option);
+        spin && control == CC_SpinBox) {
         paintSpinBox(*this, *spin, *painter, widget, theme);
     } else if (const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option);
                combo && control == CC_ComboBox) {
@@ -291,7 +297,8 @@ void Drx9Style::drawComplexControl(ComplexControl control, const QStyleOptionCom
 
 QRect Drx9Style::subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
                                 const QWidget* widget) const {
-    if (const auto* spin = qstyleoption_cast<const QStyleOptionSpinBox*>(option); spin && control == CC_SpinBox) {
+    if (const auto* spin = qstyleoption_cast<const QStyleOptionSpinBox*>(option);
+        spin && control == CC_SpinBox) {
         return visualRect(spin->direction, spin->rect, spinBoxPart(*spin, part));
     }
     if (const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option);

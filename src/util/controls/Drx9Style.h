@@ -4,9 +4,9 @@
 
 namespace drx9 {
 
-/// Fusion under flat faces: 1 px borders with enough contrast in light and dark, radius 4, a 2 px accent border on
-/// focus, square checks and round radios of 16, chevrons for arrows, group titles above their frames. The same on
-/// every platform.
+/// Fusion under flat faces: 1 px borders with enough contrast in light and dark, radius 4, a 2 px accent
+/// border on focus, square checks and round radios of 16, chevrons for arrows, group titles above their
+/// frames. The same on every platform.
 class Drx9Style : public QProxyStyle {
     Q_OBJECT
 public:
@@ -20,7 +20,8 @@ public:
                             const QWidget* widget) const override;
     QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
                          const QWidget* widget) const override;
-    QRect subElementRect(SubElement element, const QStyleOption* option, const QWidget* widget) const override;
+    QRect subElementRect(SubElement element, const QStyleOption* option,
+                         const QWidget* widget) const override;
     QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                            const QWidget* widget) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;

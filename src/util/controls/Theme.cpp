@@ -69,7 +69,9 @@ Theme darkTheme() {
 }
 
 double luminance(const QColor& color) {
-    const auto linear = [](double v) { return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
+    const auto linear = [](double v) {
+        return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+    };
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
@@ -83,8 +85,8 @@ bool isDark(const QPalette& palette) {
     return luminance(palette.color(QPalette::Window)) < luminance(palette.color(QPalette::WindowText));
 }
 
-/// A desktop palette whose text stands at 19:1 or more is a high-contrast one, but for the plain black on near-white
-/// that every desktop's ordinary light palette has.
+/// A desktop palette whose text stands at 19:1 or more is a high-contrast one, but for the plain black on
+/// near-white that every desktop's ordinary light palette has.
 bool isHighContrast(const QPalette& palette) {
     const QColor window = palette.color(QPalette::Window);
     const QColor text = palette.color(QPalette::WindowText);
@@ -109,7 +111,8 @@ Theme themeFromForeign(const QPalette& palette) {
 bool desktopWantsDark(const QPalette& desktop) {
 #ifdef Q_OS_WIN
     const QSettings personalize(
-        QStringLiteral("HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize"),
+        QStringLiteral(
+            "HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize"),
         QSettings::NativeFormat);
     return personalize.value(QStringLiteral("AppsUseLightTheme"), isDark(desktop) ? 0 : 1).toInt() == 0;
 #else
@@ -149,7 +152,9 @@ Theme Theme::of(const QPalette& palette) {
 
 QPalette Theme::palette() const {
     QPalette result;
-    const auto set = [&result](QPalette::ColorRole role, const QColor& color) { result.setColor(role, color); };
+    const auto set = [&result](QPalette::ColorRole role, const QColor& color) {
+        result.setColor(role, color);
+    };
     set(QPalette::Window, ground);
     set(QPalette::Base, base);
     set(QPalette::AlternateBase, ground);
@@ -163,7 +168,7 @@ QPalette Theme::palette() const {
     set(QPalette::ToolTipBase, base);
     set(QPalette::ToolTipText, text);
     set(QPalette::Link, accent);
-    set(QPalette::LinkVisited, accent);
+    set(kMutedRole, muted);
     set(QPalette::BrightText, alarm);
     setEnabledAndDisabled(result, QPalette::WindowText, text, disabled);
     setEnabledAndDisabled(result, QPalette::Text, text, disabled);

@@ -10,8 +10,8 @@ class QPainter;
 
 namespace drx9 {
 
-/// The program's colours by role. Which set holds is told by a palette: ours carry `ground` as their window colour,
-/// any other palette (high contrast) keeps its own colours, from which the roles are drawn.
+/// The program's colours by role. Which set holds is told by a palette: ours carry `ground` as their window
+/// colour, any other palette (high contrast) keeps its own colours, from which the roles are drawn.
 struct Theme {
     QColor ground;     ///< windows
     QColor base;       ///< input faces
@@ -42,8 +42,11 @@ struct Theme {
     [[nodiscard]] QPalette palette() const;
 };
 
-/// Gives the application its style, font size and colours after the desktop's palette. Called once before the first
-/// window, and by followDesktop() again.
+/// Palette role that carries `muted`: no link of the program is ever shown as visited.
+inline constexpr QPalette::ColorRole kMutedRole = QPalette::LinkVisited;
+
+/// Gives the application its style, font size and colours after the desktop's palette. Called once before the
+/// first window, and by followDesktop() again.
 void applyDesktopTheme(QApplication& application);
 /// Takes the colours anew after the desktop's have changed.
 void followDesktop(QApplication& application);

@@ -1,0 +1,90 @@
+#include "util/controls/MarkLabel.h"
+
+#include "util/controls/Theme.h"
+
+#include <QAccessible>
+#include <QEvent>
+#include <QPainter>
+
+namespace drx9 {
+
+namespace {
+constexpr int kMark = 14;
+constexpr int kGap = 6;
+constexpr int kSeparatorRoom = 12;
+} // namespace
+
+MarkLabel::MarkLabel(QWidget* parent)
+    : QWidget(parent) {
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    setForegroundRole(QPalette::WindowText);
+}
+
+void MarkLabel::say(const QString& text, Tone tone) {
+    if (text_ == text && tone_ == tone) {
+        return;
+    }
+    const QSize before = sizeHint();
+    text_ = text;
+    tone_ = tone;
+    setAccessibleName(text);
+    if (sizeHint() != before) {
+        updateGeometry();
+    }
+    update();
+}
+
+void MarkLabel::setReserve(int width) {
+    reserve_ = width;
+    updateGeometry();
+}
+
+void MarkLabel::setTextPixels(int pixels, bool bold) {
+    setFont(fontOfSize(font(), pixels, bold));
+}
+
+void MarkLabel::setSeparator(bool on) {
+    separator_ = on;
+    updateGeometry();
+}
+
+int MarkLabel::markWidth() const {
+    return tone_ == Tone::Plain || text_.isEmpty() ? 0 : kMark + kGap;
+}
+
+QSize MarkLabel::sizeHint() const {
+    const int wanted = text_.isEmpty() ? 0 : markWidth() + fontMetrics().horizontalAdvance(text_) + 1;
+    return {std::max(reserve_, wanted) + (separator_ ? kSeparatorRoom : 0), fontMetrics().height()};
+}
+
+QSize MarkLabel::minimumSizeHint() const {
+    return {reserve_, fontMetrics().height()};
+}
+
+void MarkLabel::paintEvent(QPaintEvent*) {
+    const Theme theme = Theme::of(palette());
+    QPainter painter(this);
+    const QColor color = tone_ == Tone::Warn ? theme.warn : tone_ == Tone::Alarm ? theme.alarm : theme.muted;
+    if (separator_) {
+        painter.fillRect(QRect(width() - 1, 0, 1, height()), theme.hair);
+    }
+    if (text_.isEmpty()) {
+        return;
+    }
+    if (tone_ != Tone::Plain) {
+        paintWarningMark(painter, QRectF(0, (height() - kMark + 1) / 2, kMark, kMark - 1), color);
+    }
+    painter.setPen(color);
+    const int room = width() - markWidth() - (separator_ ? kSeparatorRoom : 0);
+    const QString fitting = fontMetrics().elidedText(text_, Qt::ElideMiddle, room + 1);
+    painter.drawText(QRect(markWidth(), 0, room + 2, height()), Qt::AlignLeft | Qt::AlignVCenter, fitting);
+}
+
+void MarkLabel::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange) {
+        updateGeometry();
+    }
+}
+
+} // namespace drx9

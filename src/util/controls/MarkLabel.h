@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QWidget>
+
+namespace drx9 {
+
+/// A word with a warning triangle before it. Takes the room of `reserve` characters whether it says something
+/// or not, so that nothing beside it moves.
+class MarkLabel : public QWidget {
+    Q_OBJECT
+public:
+    enum class Tone { Plain, Warn, Alarm }; ///< Plain has no triangle
+
+    explicit MarkLabel(QWidget* parent = nullptr);
+
+    void say(const QString& text, Tone tone);
+    [[nodiscard]] const QString& text() const { return text_; }
+    [[nodiscard]] Tone tone() const { return tone_; }
+    /// Width kept for the widest text; 0 lets the width follow the text.
+    void setReserve(int width);
+    void setTextPixels(int pixels, bool bold);
+    /// A hair line at the right edge, as between the fields of a status bar.
+    void setSeparator(bool on);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    [[nodiscard]] int markWidth() const;
+
+    QString text_;
+    Tone tone_ = Tone::Plain;
+    int reserve_ = 0;
+    bool separator_ = false;
+};
+
+} // namespace drx9

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QLineEdit>
+
+namespace drx9 {
+
+/// One of the big numbers: read-only, frameless, right-aligned on a fixed column so that the last digit's ink
+/// ends on the column's edge, its base line at a fixed height. Its text can be selected, copied and read
+/// aloud. A digit is never cut: a text that is too wide takes the next smaller size.
+class Readout : public QLineEdit {
+    Q_OBJECT
+public:
+    enum class Look {
+        Live,
+        Stale,
+        Kept
+    }; ///< Stale is grey and slanted, Kept (a former run's) grey and upright
+
+    explicit Readout(QWidget* parent = nullptr);
+
+    /// Largest size of the digits and the distance of the base line from the bottom edge, in pixels.
+    void setSize(int pixels, int baseline);
+    void setLook(Look look);
+    /// Sets the text only when it differs, lest a selection is lost. "OFF" is shown smaller and grey.
+    void showText(const QString& text);
+
+    /// A font whose digits are all of one width.
+    static QFont digitFont(const QFont& base);
+    /// Width of a column that holds the text at a size.
+    static int columnWidth(const QFont& font, int pixels, const QString& text);
+
+signals:
+    /// An arrow key asks for the next readout (+1) or the one before (-1).
+    void walk(int direction);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void fit();
+    void colour();
+    [[nodiscard]] int fittingSize() const;
+
+    int pixels_ = 28;
+    int baseline_ = 8;
+    int shownPixels_ = 0;
+    Look look_ = Look::Live;
+    bool colouring_ = false;
+};
+
+} // namespace drx9

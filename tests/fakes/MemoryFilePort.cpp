@@ -2,12 +2,21 @@
 
 #include "util/Paths.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace drx9 {
 namespace {
 
 constexpr int kMaxLinkHops = 40;
+
+/// A path as the maps hold it: joinPath() puts "\\" between on Windows.
+std::string key(std::string path) {
+#ifdef _WIN32
+    std::replace(path.begin(), path.end(), '\\', '/');
+#endif
+    return path;
+}
 
 FileStatus noSuchFile() {
     return FileStatus::failure("No such file or directory", true);
@@ -67,8 +76,8 @@ MemoryFilePort::File& MemoryFilePort::put(const std::string& path, std::string_v
 }
 
 void MemoryFilePort::link(const std::string& path, const std::string& target) {
-    addFoldersOf(path);
-    links_[path] = target;
+    addFoldersOf(key(path));
+    links_[key(path)] = target;
 }
 
 std::string MemoryFilePort::text(const std::string& path) const {
@@ -86,7 +95,7 @@ MemoryFilePort::File* MemoryFilePort::find(const std::string& path) {
 }
 
 bool MemoryFilePort::exists(const std::string& path) const {
-    return find(path) != nullptr || folders_.count(path) != 0;
+    return find(path) != nullptr || folders_.count(key(path)) != 0;
 }
 
 std::optional<std::uint64_t> MemoryFilePort::size(const std::string& path) const {
@@ -106,18 +115,17 @@ bool MemoryFilePort::writable(const std::string& path) const {
 }
 
 bool MemoryFilePort::folderWritable(const std::string& folder) const {
-    return folders_.count(folder) != 0 && protectedFolders_.count(folder) == 0;
+    return folders_.count(key(folder)) != 0 && protectedFolders_.count(key(folder)) == 0;
 }
 
 std::string MemoryFilePort::resolveLinks(const std::string& path) const {
-    std::string current_ = path;
+    std::string current_ = key(path);
     for (int hop = 0; hop < kMaxLinkHops; ++hop) {
         const auto found = links_.find(current_);
         if (found == links_.end()) {
             return current_;
         }
-        current_ =
-            isAbsolutePath(found->second) ? found->second : joinPath(folderOf(current_), found->second);
+        current_ = isAbsolutePath(found->second) ? found->second : folderOf(current_) + "/" + found->second;
     }
     return path;
 }
@@ -125,7 +133,7 @@ std::string MemoryFilePort::resolveLinks(const std::string& path) const {
 FileStatus MemoryFilePort::read(const std::string& path, std::string& bytes) const {
     const File* file = find(path);
     if (!file) {
-        return folders_.count(path) ? FileStatus::failure("Is a directory") : noSuchFile();
+        return folders_.count(key(path)) ? FileStatus::failure("Is a directory") : noSuchFile();
     }
     bytes = file->bytes;
     return {};
@@ -133,10 +141,10 @@ FileStatus MemoryFilePort::read(const std::string& path, std::string& bytes) con
 
 FileStatus MemoryFilePort::creatable(const std::string& path) const {
     const std::string folder = folderOf(path);
-    if (folders_.count(path)) {
+    if (folders_.count(key(path))) {
         return FileStatus::failure("Is a directory");
     }
-    if (!folders_.count(folder)) {
+    if (!folders_.count(key(folder))) {
         return noSuchFile();
     }
     return folderWritable(folder) ? FileStatus() : FileStatus::failure("Permission denied");
@@ -160,14 +168,15 @@ FileStatus MemoryFilePort::append(const std::string& path, std::string_view byte
 }
 
 FileStatus MemoryFilePort::remove(const std::string& path) {
-    if (!files_.count(path) && !links_.count(path)) {
+    const std::string name = key(path);
+    if (!files_.count(name) && !links_.count(name)) {
         return noSuchFile();
     }
     if (!folderWritable(folderOf(path))) {
         return FileStatus::failure("Permission denied");
     }
-    files_.erase(path);
-    links_.erase(path);
+    files_.erase(name);
+    links_.erase(name);
     return {};
 }
 
@@ -175,14 +184,14 @@ FileStatus MemoryFilePort::makeFolder(const std::string& path) {
     if (find(path)) {
         return FileStatus::failure("File exists");
     }
-    addFoldersOf(joinPath(path, "x"));
+    addFoldersOf(key(path) + "/x");
     return {};
 }
 
 std::vector<std::string> MemoryFilePort::list(const std::string& folder) const {
     std::set<std::string> names;
     const auto add = [&](const std::string& path) {
-        if (path != "/" && folderOf(path) == folder) {
+        if (path != "/" && folderOf(path) == key(folder)) {
             names.insert(bareName(path));
         }
     };
@@ -208,16 +217,16 @@ std::unique_ptr<OutputFile> MemoryFilePort::create(const std::string& path, cons
         return nullptr;
     }
     const File* model = like.empty() ? nullptr : find(like);
-    File& file = add(path);
+    File& file = add(key(path));
     if (model) {
         file.mode = model->mode;
         file.owner = model->owner;
     }
-    return std::make_unique<Output>(files_[path], changes_);
+    return std::make_unique<Output>(files_[key(path)], changes_);
 }
 
 FileStatus MemoryFilePort::rename(const std::string& from, const std::string& to) {
-    const auto found = files_.find(from);
+    const auto found = files_.find(key(from));
     if (found == files_.end()) {
         return noSuchFile();
     }
@@ -226,13 +235,13 @@ FileStatus MemoryFilePort::rename(const std::string& from, const std::string& to
     }
     const std::shared_ptr<File> file = found->second;
     files_.erase(found);
-    links_.erase(to);
-    files_[to] = file;
+    links_.erase(key(to));
+    files_[key(to)] = file;
     return {};
 }
 
 FileStatus MemoryFilePort::flushFolder(const std::string& folder) {
-    return folders_.count(folder) ? FileStatus() : noSuchFile();
+    return folders_.count(key(folder)) ? FileStatus() : noSuchFile();
 }
 
 } // namespace drx9

@@ -113,6 +113,20 @@ TEST_F(QtSocketControlTest, APeerThatGoesEndsTheConnectionAndWakesTheWait) {
     }
 }
 
+/// What has arrived while the event loop did not run can be dropped before the next packet.
+TEST_F(QtSocketControlTest, SeesALateReplyThatNoEventHasToldYet) {
+    QTcpSocket* peer = connectPeer();
+    socket.sendData("P1");
+    EXPECT_EQ(socket.bytesReceived(), 0u);
+    peer->write("late");
+    peer->flush();
+    EXPECT_EQ(socket.bytesReceived(), 4u);
+    EXPECT_EQ(socket.getData(), "late");
+    peer->write("next");
+    ASSERT_TRUE(wait([&] { return socket.bytesReceived() == 4; }));
+    EXPECT_EQ(socket.getData(), "next");
+}
+
 TEST_F(QtSocketControlTest, AFloodIsBoundedAndGoesOnWhenFetched) {
     QTcpSocket* peer = connectPeer();
     const QByteArray flood(3'000'000, 'x');

@@ -40,7 +40,10 @@ void QtSocketControl::connect() {
     // The instrument stands in the local network: a proxy for the web is no way to it.
     socket_->setProxy(QNetworkProxy::NoProxy);
     QObject::connect(socket_.get(), &QTcpSocket::connected, this, &QtSocketControl::connected);
-    QObject::connect(socket_.get(), &QTcpSocket::readyRead, this, &QtSocketControl::receive);
+    QObject::connect(socket_.get(), &QTcpSocket::readyRead, this, [this] {
+        receive();
+        pump_.wake();
+    });
     QObject::connect(socket_.get(), &QTcpSocket::errorOccurred, this,
                      [this] { failed(socket_->errorString().toStdString()); });
     QObject::connect(socket_.get(), &QTcpSocket::disconnected, this, [this] { failed("Connection closed"); });
@@ -95,15 +98,21 @@ void QtSocketControl::receive() {
     }
     if (count < 0)
         failed(socket_->errorString().toStdString());
-    pump_.wake();
 }
 
 void QtSocketControl::sendData(std::string_view bytes) {
-    if (state_ == kConnected && socket_->write(bytes.data(), static_cast<qint64>(bytes.size())) < 0)
+    if (state_ != kConnected)
+        return;
+    justSent_ = true;
+    if (socket_->write(bytes.data(), static_cast<qint64>(bytes.size())) < 0)
         failed(socket_->errorString().toStdString());
 }
 
+/// Asks the system for what the event loop has not told yet: a late reply that is to be dropped may be there.
+/// Not right after a packet, when nothing can have come.
 std::size_t QtSocketControl::bytesReceived() {
+    if (!std::exchange(justSent_, false) && received_.empty() && state_ == kConnected)
+        receive();
     return received_.size();
 }
 
@@ -118,6 +127,7 @@ void QtSocketControl::close() {
     drop();
     state_ = kClosed;
     received_.clear();
+    justSent_ = false;
     reason_.clear();
 }
 

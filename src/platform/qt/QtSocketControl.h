@@ -40,7 +40,8 @@ private:
     int port_ = 0;
     int state_ = 0;
     std::string reason_;
-    std::string received_; ///< arrived and not fetched
+    std::string received_;  ///< arrived and not fetched
+    bool justSent_ = false; ///< nobody has looked for bytes since the last packet went out
     std::unique_ptr<QTcpSocket>
         socket_; ///< null when closed; stands until the pump runs next after a failure
 };

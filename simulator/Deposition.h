@@ -60,7 +60,7 @@ private:
     const Crystal& crystal(int sensor) const { return crystals_[static_cast<std::size_t>(sensor - 1)]; }
     Crystal& crystal(int sensor) { return crystals_[static_cast<std::size_t>(sensor - 1)]; }
     double envelope(double now) const;
-    double grown(const Crystal& crystal, double now) const;
+    double grown(const Crystal& one, double now) const;
     void settle(double now);
 
     std::array<Crystal, kMaxSensors> crystals_;

@@ -19,7 +19,7 @@ public:
     virtual void badPacket(std::string_view name, double now) = 0;
 };
 
-constexpr double kNever = std::numeric_limits<double>::infinity();
+constexpr double kNever = std::numeric_limits<double>::max();
 
 /// One connection: bytes in, bytes out with the time at which each may leave. With a baud rate a byte takes
 /// ten bits of it in each direction, and replies leave in handfuls as from a UART's buffer; without one

@@ -20,7 +20,7 @@ public:
 
     bool highRateResolution() const { return values_[3] != 0; }
     /// Per cent; `sensor` is 1 to 6.
-    double crystalTooling(int sensor) const { return values_[static_cast<std::size_t>(sensor + 4)]; }
+    double crystalTooling(int sensor) const { return values_[static_cast<std::size_t>(sensor) + 4]; }
     /// Rates and thicknesses count the other way round.
     bool etchMode() const { return values_[17] != 0; }
 

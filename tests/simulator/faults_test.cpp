@@ -23,14 +23,11 @@ TEST(Faults, ListIsReadOrRefusedAsAWhole) {
         {"lose=5,lose=x", 0, "lose=x"},
         {"lose=0%", 0, "lose=0%"},
         {"lose=101%", 0, "lose=101%"},
-        {"lose=5:6", 0, "lose=5:6"},
         {"late=7:-1s", 0, "late=7:-1s"},
         {"late=7:1h", 0, "late=7:1h"},
-        {"late=7:1s:2s", 0, "late=7:1s:2s"},
         {"cut=2:0", 0, "cut=2:0"},
         {"refuse", 0, "refuse"},
         {"refuse=L1:BB", 0, "refuse=L1:BB"},
-        {"crystal=20s", 0, "crystal=20s"},
         {"crystal7=20s", 0, "crystal7=20s"},
         {"crystal3=20s:in", 0, "crystal3=20s:in"},
         {"lose,,cut", 0, "\"\""},
@@ -46,28 +43,29 @@ TEST(Faults, ListIsReadOrRefusedAsAWhole) {
     }
 }
 
-/// What became of a reply, seen from the other end.
+int differingBits(const std::string& one, const std::string& other) {
+    int bits = 0;
+    for (std::size_t i = 0; i < one.size() * 8; ++i) {
+        bits += ((one[i / 8] ^ other[i / 8]) >> (i % 8)) & 1;
+    }
+    return bits;
+}
+
+/// What became of a reply, seen from the other end; "good" also when zeros or noise happen to be none.
 std::string seen(const std::string& bytes, const std::string& good) {
     std::string squeezed = bytes;
     std::erase(squeezed, '\0');
-    if (bytes == good) {
-        return "good";
-    }
-    if (bytes.empty()) {
-        return "nothing";
+    if (bytes == good || bytes.empty()) {
+        return bytes.empty() ? "nothing" : "good";
     }
     if (squeezed == good) {
         return "zeros";
     }
+    if (bytes.size() == good.size()) {
+        return differingBits(bytes, good) == 1 ? "bit" : "bits";
+    }
     if (good.starts_with(bytes)) {
         return "cut";
-    }
-    if (bytes.size() == good.size()) {
-        int bits = 0;
-        for (std::size_t i = 0; i < good.size() * 8; ++i) {
-            bits += ((bytes[i / 8] ^ good[i / 8]) >> (i % 8)) & 1;
-        }
-        return std::to_string(bits) + " bit";
     }
     if (bytes.starts_with(good)) {
         return bytes.size() == good.size() + 1 ? "stray" : "tail";
@@ -79,24 +77,22 @@ TEST(Faults, EachFallsOnEveryNthReply) {
     struct {
         const char* list;
         const char* struck;
-    } const cases[] = {{"lose=3", "nothing"},  {"cut=3", "cut"},        {"cut=3:4", "cut"},
-                       {"corrupt=3", "1 bit"}, {"noise=3", "noise"},    {"stray=3", "stray"},
-                       {"zeros=3", "zeros"},   {"silent=0s", "nothing"}};
+    } const cases[] = {{"lose=3", "nothing"}, {"cut=3", "cut"},        {"cut=3:4", "cut"},
+                       {"corrupt=3", "bit"},  {"noise=3", "noise"},    {"stray=3", "stray"},
+                       {"zeros=3", "zeros"},  {"silent=0s", "nothing"}};
     const std::string good = replyPacket('A', "0");
     for (const auto& one : cases) {
         Bench bench(withFaults(one.list));
-        const bool always = std::string_view(one.list).starts_with("silent");
+        const std::string list = one.list;
+        int struck = 0;
         for (int i = 1; i <= 60; ++i) {
             const std::string bytes = bench.raw("U?");
-            const std::string what = seen(bytes, good);
-            const bool zeroless =
-                what == "good" && std::string_view(one.struck) == "zeros"; // chance put none in
-            EXPECT_TRUE(zeroless || what == (always || i % 3 == 0 ? one.struck : "good"))
-                << one.list << i << what;
-            if (std::string_view(one.list) == "cut=3:4" && i % 3 == 0) {
-                EXPECT_EQ(bytes.size(), 4U);
-            }
+            const bool due = i % 3 == 0 || list == "silent=0s";
+            EXPECT_TRUE(!due || list != "cut=3:4" || bytes.size() == 4);
+            EXPECT_TRUE(due || bytes == good) << list << " at " << i;
+            struck += due && seen(bytes, good) == one.struck ? 1 : 0;
         }
+        EXPECT_GE(struck, list == "zeros=3" ? 18 : 20) << list; // now and then chance puts no zeros in
     }
 }
 

@@ -30,7 +30,7 @@ constexpr int kPatience = 3000; // ms
 
 /// What comes on `descriptor` until `enough` says so; with "<end>" behind it if the other side ended first.
 template<class Enough>
-std::string readUntil(int descriptor, Enough enough) {
+std::string readUntil(int descriptor, Enough enough, std::size_t atOnce = 512) {
     std::string bytes;
     while (!enough(bytes)) {
         pollfd polled{descriptor, POLLIN, 0};
@@ -38,7 +38,7 @@ std::string readUntil(int descriptor, Enough enough) {
             return bytes + "<nothing>";
         }
         std::array<char, 512> buffer{};
-        const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
+        const ssize_t count = ::read(descriptor, buffer.data(), atOnce);
         if (count <= 0) {
             return bytes + "<end>";
         }
@@ -98,23 +98,15 @@ public:
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
-    std::string line() {
-        std::string text = readUntil(out_, [this](const std::string& bytes) {
-            pending_ += bytes.substr(seen_);
-            seen_ = bytes.size();
-            return pending_.find('\n') != std::string::npos;
-        });
-        seen_ = 0;
-        const std::size_t end = pending_.find('\n');
-        if (end == std::string::npos) {
-            return text;
-        }
-        text = pending_.substr(0, end);
-        pending_.erase(0, end + 1);
+    /// The next line that it says.
+    std::string line() const {
+        std::string text = readUntil(
+            out_, [](const std::string& bytes) { return bytes.ends_with('\n'); }, 1);
+        text.pop_back();
         return text;
     }
 
-    std::string tell(const std::string& command) {
+    std::string tell(const std::string& command) const {
         const std::string text = command + "\n";
         EXPECT_EQ(::write(in_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
         return line();
@@ -144,35 +136,45 @@ private:
     pid_t pid_ = -1;
     int in_ = -1;
     int out_ = -1;
-    std::string pending_;
-    std::size_t seen_ = 0;
 };
 
+/// One end of a link, closed with it.
 class Client {
 public:
-    explicit Client(const std::string& announced) // "tcp 127.0.0.1:PORT"
-        : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        address.sin_port =
-            htons(static_cast<std::uint16_t>(std::atoi(announced.substr(announced.rfind(':') + 1).c_str())));
-        connected = ::connect(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
-    }
-    ~Client() { ::close(socket_); }
+    explicit Client(int descriptor)
+        : descriptor_(descriptor) {}
+    ~Client() { ::close(descriptor_); }
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
 
-    std::string ask(std::string_view command) { return exchange(socket_, command); }
-    std::string untilEnd() {
-        return readUntil(socket_, [](const std::string&) { return false; });
+    bool connected() const { return descriptor_ >= 0; }
+    std::string ask(std::string_view command) const { return exchange(descriptor_, command); }
+    std::string untilEnd() const {
+        return readUntil(descriptor_, [](const std::string&) { return false; });
     }
 
-    bool connected = false;
-
 private:
-    int socket_;
+    int descriptor_;
 };
+
+/// `announced` is "tcp 127.0.0.1:PORT".
+Client tcpClient(const std::string& announced) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port =
+        htons(static_cast<std::uint16_t>(std::stoi(announced.substr(announced.rfind(':') + 1))));
+    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+    if (::connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+        ::close(socket);
+        return Client(-1);
+    }
+    return Client(socket);
+}
+
+Client terminal(const std::filesystem::path& path) {
+    return Client(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+}
 
 std::filesystem::path freshPath(const char* name) {
     const auto path = std::filesystem::temp_directory_path() / (name + std::to_string(::getpid()));
@@ -185,43 +187,30 @@ TEST(Program, ServesOneTcpClientAfterAnother) {
     const std::string announced = program.line();
     ASSERT_TRUE(announced.starts_with("tcp 127.0.0.1:")) << announced;
     {
-        Client first(announced);
+        const Client first = tcpClient(announced);
         EXPECT_EQ(first.ask("@"), "ADRX-9 Ver 4.08");
         EXPECT_EQ(first.ask("U1"), "A");
-        Client newest(announced);
+        const Client newest = tcpClient(announced);
         EXPECT_EQ(newest.ask("U?"), "A1");
         EXPECT_EQ(first.untilEnd(), "<end>") << "the newest client wins";
     }
-    Client again(announced);
+    const Client again = tcpClient(announced);
     EXPECT_EQ(again.ask("J"), "ASENSORS 6");
     EXPECT_EQ(program.tell("faults lose=1"), "ok faults lose=1");
     EXPECT_EQ(program.tell("faults none"), "ok faults none");
     EXPECT_EQ(program.tell("drop"), "ok drop");
     EXPECT_EQ(again.untilEnd(), "<end>");
-    EXPECT_EQ(Client(announced).ask("J"), "ASENSORS 6");
+    EXPECT_EQ(tcpClient(announced).ask("J"), "ASENSORS 6");
     EXPECT_EQ(program.tell("count J"), "ok count J 2");
     EXPECT_EQ(program.tell("unplug"), "ok unplug");
-    EXPECT_FALSE(Client(announced).connected);
+    EXPECT_FALSE(tcpClient(announced).connected());
     EXPECT_EQ(program.tell("plug"), announced) << "the same port again";
     EXPECT_EQ(program.line(), "ok plug");
     program.closeInput();
-    EXPECT_EQ(Client(announced).ask("U?"), "A1") << "the instrument outlives its input and its cable";
+    EXPECT_EQ(tcpClient(announced).ask("U?"), "A1") << "the instrument outlives its input and its cable";
     EXPECT_TRUE(program.runs());
     EXPECT_EQ(program.end(SIGTERM), 0);
 }
-
-class Terminal {
-public:
-    explicit Terminal(const std::filesystem::path& path)
-        : descriptor_(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)) {}
-    ~Terminal() { ::close(descriptor_); }
-    Terminal(const Terminal&) = delete;
-    Terminal& operator=(const Terminal&) = delete;
-    std::string ask(std::string_view command) { return exchange(descriptor_, command); }
-
-private:
-    int descriptor_;
-};
 
 TEST(Program, ServesAPseudoTerminalBesideTcp) {
     const std::filesystem::path link = freshPath("drx9sim-pty");
@@ -230,18 +219,18 @@ TEST(Program, ServesAPseudoTerminalBesideTcp) {
     const std::string pty = program.line();
     ASSERT_EQ(pty, "pty " + std::filesystem::read_symlink(link).string());
     for (int visit = 0; visit < 3; ++visit) { // opened and closed again and again
-        Terminal terminal(link);
-        EXPECT_EQ(terminal.ask("@"), "ADRX-9 Ver 4.12");
-        EXPECT_EQ(terminal.ask(visit == 1 ? "U1" : "S"), "A");
+        const Client visitor = terminal(link);
+        EXPECT_EQ(visitor.ask("@"), "ADRX-9 Ver 4.12");
+        EXPECT_EQ(visitor.ask(visit == 1 ? "U1" : "S"), "A");
     }
-    EXPECT_EQ(Client(tcp).ask("U?"), "A1") << "one instrument behind both";
+    EXPECT_EQ(tcpClient(tcp).ask("U?"), "A1") << "one instrument behind both";
     {
-        Terminal cut(link);
+        const Client cut = terminal(link);
         EXPECT_EQ(cut.ask("U?"), "A1");
         EXPECT_EQ(program.tell("drop").substr(0, 4), "pty ");
         EXPECT_EQ(program.line(), "ok drop");
         EXPECT_EQ(cut.ask("U?"), "<end>") << "hung up";
-        EXPECT_EQ(Terminal(link).ask("U?"), "A1") << "and back under the same link";
+        EXPECT_EQ(terminal(link).ask("U?"), "A1") << "and back under the same link";
     }
     EXPECT_EQ(program.end(SIGINT), 0);
     EXPECT_FALSE(std::filesystem::is_symlink(link));
@@ -249,7 +238,7 @@ TEST(Program, ServesAPseudoTerminalBesideTcp) {
 
 TEST(Program, KeepsTheRealPaceOfALine) {
     Program program({"--tcp", "0", "--baud", "1200"});
-    Client client(program.line());
+    const Client client = tcpClient(program.line());
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(client.ask("@"), "ADRX-9 Ver 4.12");
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
@@ -341,13 +330,10 @@ TEST(UsbBridge, CarriesTheInstrument) {
     EXPECT_EQ(unwrapped(reply), "ADRX-9 Ver 4.12");
 
     EXPECT_EQ(write(), 0); // a reply that nobody wants is flushed away
-    std::uint32_t waiting = 0;
     std::uint32_t state = 0;
-    for (int i = 0; i < kPatience && waiting < reply.size(); ++i) {
-        EXPECT_EQ(CALL(SI_CheckRXQueue, handle, &waiting, &state), 0);
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    for (count = 0; count < reply.size(); std::this_thread::yield()) {
+        ASSERT_EQ(CALL(SI_CheckRXQueue, handle, &count, &state), 0);
     }
-    EXPECT_EQ(waiting, reply.size());
     EXPECT_EQ(CALL(SI_FlushBuffers, handle, '\1', '\1'), 0);
     EXPECT_EQ(read(), 0);
     EXPECT_EQ(count, 0U);

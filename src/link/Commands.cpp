@@ -131,17 +131,25 @@ void Commands::Comm_SelectFilm(int film) {
     link_.Comm_Send("D" + std::to_string(film));
 }
 
-bool Commands::Comm_GetFilm(int number, FilmRecord& film) {
+bool Commands::Comm_GetFilm(int number, FilmRecord& film, Messages messages) {
     if (link_.CommStatus() != comm::kOk) {
-        boxes_.show("Get Film Error: Busy", kTitle, MessageIcon::None);
+        tell(messages, "Get Film Error: Busy");
         return true;
     }
     const std::string reply = link_.Comm_Send(filmCommand(number) + "?");
     if (parseFilmReply(reply, number, film)) {
         return false;
     }
-    boxes_.show("Get Film Error: " + utf8FromAnsi(reply), kTitle, MessageIcon::None);
+    tell(messages, "Get Film Error: " + utf8FromAnsi(reply));
     return true;
+}
+
+void Commands::tell(Messages messages, const std::string& text) {
+    if (messages == Messages::Blocking) {
+        boxes_.show(text, kTitle, MessageIcon::None);
+    } else {
+        boxes_.showNonBlocking(text, kTitle, MessageIcon::None);
+    }
 }
 
 void Commands::Comm_SetFilm(int number, const FilmRecord& film) {

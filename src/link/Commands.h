@@ -45,7 +45,7 @@ public:
 
     /// "A" c "?" into `film`. True on failure, after showing "Get Film Error: ..." itself; `film` is then
     /// unchanged.
-    bool Comm_GetFilm(int number, FilmRecord& film);
+    bool Comm_GetFilm(int number, FilmRecord& film, Messages messages = Messages::Blocking);
     /// "A" c fields; the outcome is CommStatus.
     void Comm_SetFilm(int number, const FilmRecord& film);
 
@@ -59,6 +59,7 @@ private:
     class Reading;
 
     std::uint16_t statusOnly(const std::string& command);
+    void tell(Messages messages, const std::string& text);
 
     Link& link_;
     MessageBoxes& boxes_;

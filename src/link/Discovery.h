@@ -15,11 +15,9 @@ class Discovery {
 public:
     static constexpr int kMaxUsbDevices = 8;
 
-    /// How the messages of a failed connection are shown.
-    enum class Messages {
-        Blocking,    ///< start-up and the Find button
-        NonBlocking, ///< reconnecting in a run: one box per loss, closed by success
-    };
+    /// Blocking at start-up and for the Find button; reconnecting shows one non-blocking box per loss, closed by
+    /// success.
+    using Messages = drx9::Messages;
 
     Discovery(Link& link, LinkSettings& settings, Transports& transports, EventPump& pump, const Clock& clock,
               ActionQueue& actions, MessageBoxes& boxes, CErrHandler& errors);

@@ -145,7 +145,7 @@ void Monitor::readFilms() {
     for (int i = 1; i <= count && !closing_; ++i) {
         parts_.progress.setProgress(percent(i, count));
         FilmRecord film;
-        if (parts_.commands.Comm_GetFilm(i, film)) {
+        if (parts_.commands.Comm_GetFilm(i, film, Messages::NonBlocking)) {
             noteExchange("A");
             break;
         }

@@ -24,7 +24,7 @@ bool livingAnswer(std::uint16_t status) {
 } // namespace
 
 void Monitor::tmrUpdate_Timer() {
-    if (parts_.actions.busy() || parts_.actions.waiting()) {
+    if (parts_.actions.busy() || parts_.actions.waiting() || runMode_ == kExiting) {
         return;
     }
     const ActionQueue::Scope scope(parts_.actions);

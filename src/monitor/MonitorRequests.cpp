@@ -34,7 +34,7 @@ void Monitor::takeFilmRequest() {
     }
     currentFilm_ = number;
     FilmRecord film;
-    if (!parts_.commands.Comm_GetFilm(number, film)) {
+    if (!parts_.commands.Comm_GetFilm(number, film, Messages::NonBlocking)) {
         parts_.films[static_cast<std::size_t>(number)] = film;
     }
     noteExchange("A");

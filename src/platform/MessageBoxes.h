@@ -6,7 +6,14 @@ namespace drx9 {
 
 enum class MessageIcon { None, Information, Question, Exclamation, Critical };
 
-/// Message boxes over the window that is active. The blocking ones run the event loop until answered. Texts are UTF-8.
+/// How an operation that runs by itself or by hand tells of a failure.
+enum class Messages {
+    Blocking,    ///< the operator asked for it and waits
+    NonBlocking, ///< unattended: polling, logging and reconnecting must go on behind the box
+};
+
+/// Message boxes over the window that is active. The blocking ones run the event loop until answered. Texts
+/// are UTF-8.
 class MessageBoxes {
 public:
     virtual ~MessageBoxes() = default;

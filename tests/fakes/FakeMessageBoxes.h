@@ -34,6 +34,8 @@ public:
     void expectYesNo(const std::string& text, bool yes, Meanwhile meanwhile = {});
     void expectOkCancel(const std::string& text, bool ok, Meanwhile meanwhile = {});
     void expectNonBlocking(const std::string& text);
+    /// Boxes that begin so may come at any time, any number of them; they are answered No or Cancel.
+    void allow(const std::string& beginning) { allowed_.push_back(beginning); }
 
     /// Every box that came so far, in order.
     [[nodiscard]] const std::vector<Box>& shown() const { return shown_; }
@@ -58,6 +60,7 @@ private:
     bool come(Box box);
 
     std::deque<Expected> expected_;
+    std::vector<std::string> allowed_;
     std::vector<Box> shown_;
     std::string nonBlocking_;
 };

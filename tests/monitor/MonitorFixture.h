@@ -1,0 +1,183 @@
+#pragma once
+
+#include "fakes/FakeClock.h"
+#include "fakes/FakeEventPump.h"
+#include "fakes/FakeLinks.h"
+#include "fakes/FakeMessageBoxes.h"
+#include "fakes/MemoryFilePort.h"
+#include "link/Crc.h"
+#include "monitor/Monitor.h"
+#include "monitor/cFile.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace drx9 {
+
+/// What happened, in order, told by the fakes below; wire commands appear as themselves.
+using EventList = std::vector<std::string>;
+
+/// A graph that remembers what it was given.
+class FakeGraph : public Graph {
+public:
+    struct Point {
+        double x;
+        double y;
+        bool operator==(const Point&) const = default;
+    };
+
+    FakeGraph(int seriesCount, EventList& events)
+        : events_(events) {
+        series.resize(static_cast<std::size_t>(seriesCount));
+    }
+
+    void Init() override { setXwide(300); }
+    void ReInit() override {
+        events_.emplace_back("ReInit");
+        setXMin(0);
+        series[0].clear();
+    }
+    [[nodiscard]] float YMin() const override { return yMin_; }
+    void setYMin(float value) override { yMin_ = value; }
+    [[nodiscard]] float YMax() const override { return yMax_; }
+    void setYMax(float value) override { yMax_ = value; }
+    [[nodiscard]] float XMin() const override { return xMin_; }
+    void setXMin(float value) override { xMin_ = value; }
+    [[nodiscard]] float Xwide() const override { return xWide_; }
+    void setXwide(float value) override { xWide_ = value; }
+    [[nodiscard]] float shownYMin() const override { return shownMin; }
+    [[nodiscard]] float shownYMax() const override { return shownMax; }
+    [[nodiscard]] int seriesCount() const override { return static_cast<int>(series.size()); }
+    void setLastPoint(int s, int last) override {
+        series[static_cast<std::size_t>(s - 1)].resize(static_cast<std::size_t>(last));
+    }
+    void append(int s, double x, double y) override {
+        series[static_cast<std::size_t>(s - 1)].push_back({x, y});
+    }
+    void appendGap() override { ++gaps; }
+    void redraw() override { ++redraws; }
+
+    std::vector<std::vector<Point>> series;
+    int gaps = 0;
+    int redraws = 0;
+    float shownMin = 0;
+    float shownMax = 20;
+
+private:
+    EventList& events_;
+    float yMin_ = 0;
+    float yMax_ = 0;
+    float xMin_ = 0;
+    float xWide_ = 0;
+};
+
+struct FakeTicker : Ticker {
+    bool on = false;
+    EventList* events = nullptr;
+    void start() override {
+        on = true;
+        events->emplace_back("timer on");
+    }
+    void stop() override { on = false; }
+    [[nodiscard]] bool running() const override { return on; }
+};
+
+struct FakeProgress : Progress {
+    std::vector<int> percents;
+    std::vector<std::string> texts;
+    bool shown = false;
+    EventPump* pump = nullptr;
+    void ProgressShow(const std::string& text, ProgressOwner) override {
+        texts.push_back(text);
+        shown = true;
+        pump->processPending();
+    }
+    void setProgress(std::int16_t percent) override { percents.push_back(percent); }
+    void ProgressHide() override { shown = false; }
+};
+
+struct FakeSleepInhibitor : SleepInhibitor {
+    int held = 0;
+    void hold(const std::string&) override { ++held; }
+    void release() override { --held; }
+};
+
+struct FakeWindow : MonitorWindow {
+    EventList* events = nullptr;
+    EventPump* pump = nullptr;
+    std::vector<bool> hourglass;
+    void showWindow() override {
+        events->emplace_back("window");
+        pump->processPending();
+    }
+    void setHourglass(bool on) override { hourglass.push_back(on); }
+    void changed() override {}
+    void closeOtherWindows() override { events->emplace_back("windows closed"); }
+};
+
+/// The whole program without windows, on a fake Ethernet instrument of `sensors` sensors whose frequencies
+/// move.
+class MonitorFixture : public testing::Test {
+protected:
+    explicit MonitorFixture(std::int16_t commType = 2);
+
+    /// Brings the program up on line and carries out the first film selection; forgets what happened so far.
+    void bringUp();
+    void tick() { monitor->tmrUpdate_Timer(); }
+    /// One tick's commands without those of the reading ("P1" ... "O").
+    std::vector<std::string> requestsOfTick();
+    [[nodiscard]] std::string logText() const;
+    /// What the instrument answers; overridden by `special`.
+    std::string answer(const std::string& command);
+
+    EventList events;
+    FakeClock clock;
+    FakeEventPump pump{clock};
+    FakeMessageBoxes boxes;
+    FakeSerial serial{pump};
+    FakeSocket socket{pump};
+    FakeUsb usb{pump};
+    MemoryFilePort files;
+    Paths paths{"/app", "/app"};
+    NumberLocale locale;
+    Settings settings;
+    Films films;
+    ActionQueue actions{pump};
+    Transports transports{SerialTransport(serial), UsbTransport(usb), SocketTransport(socket)};
+    Link link{settings.link, transports, pump, clock, actions};
+    Commands commands{link, boxes, clock};
+    std::unique_ptr<CErrHandler> errors;
+    std::unique_ptr<Discovery> discovery;
+    std::unique_ptr<DataLog> log;
+    Readouts readouts{locale, settings.system};
+    FakeTicker ticker;
+    PollTimer timer{ticker};
+    FakeGraph averageRate{1, events}, rates{6, events}, averageThickness{1, events}, thicknesses{6, events};
+    FakeProgress progress;
+    FakeSleepInhibitor sleep;
+    FakeWindow window;
+    std::unique_ptr<Monitor> monitor;
+    int saves = 0;
+
+    // The instrument.
+    int sensors = 2;
+    int shutter = 0;
+    bool frozen = false; ///< frequencies stand still
+    bool silent = false; ///< answers nothing
+    std::string version = "DRX-9 Ver 4.08";
+    double thickness = 1.25;
+    double rate = 2;
+    std::map<std::string, std::string> special; ///< raw answers by command; an empty one is silence
+
+    std::map<std::string, std::function<void()>> onCommand; ///< runs when the instrument gets the command
+
+private:
+    double frequency_ = 5900000;
+};
+
+} // namespace drx9

@@ -1,0 +1,331 @@
+#include "monitor/MonitorFixture.h"
+
+#include <algorithm>
+
+namespace drx9 {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+class MonitorTest : public MonitorFixture {};
+
+/// Position of the first event that begins with `text`; the number of events when there is none.
+std::size_t position(const EventList& events, const std::string& text) {
+    const auto found = std::find_if(events.begin(), events.end(),
+                                    [&](const std::string& event) { return event.rfind(text, 0) == 0; });
+    return static_cast<std::size_t>(found - events.begin());
+}
+
+// ---- start-up
+
+TEST_F(MonitorTest, StartsInTheGivenOrder) {
+    ASSERT_TRUE(monitor->Form_Load());
+    const EventList expected = {"window", "@",   "J",   "A1?", "A2?", "A3?", "A4?",     "A5?",
+                                "A6?",    "A7?", "A8?", "A9?", "B?",  "C?",  "timer on"};
+    EXPECT_EQ(events, expected);
+    EXPECT_EQ(monitor->title(), "DRX9 Comm - [Ver. 4.08]");
+    EXPECT_EQ(progress.percents, (std::vector<int>{11, 22, 33, 44, 56, 67, 78, 89, 100}));
+    EXPECT_EQ(progress.texts, Texts{"Reading DRX-9 Films"});
+    EXPECT_EQ(monitor->filmNames().size(), 9U);
+    EXPECT_EQ(monitor->filmIndex(), 0);
+    EXPECT_EQ(settings.system.FreqMax, 6.0);
+    EXPECT_EQ(window.hourglass, (std::vector<bool>{true, false}));
+    // The first film counts as a selection: the list and the instrument agree after the first tick.
+    EXPECT_EQ(requestsOfTick(), (Texts{"D1", "A1?", "U?"}));
+}
+
+TEST_F(MonitorTest, ComesUpOffLine) {
+    socket.refusal = "Connection refused";
+    ASSERT_TRUE(monitor->Form_Load());
+    EXPECT_EQ(monitor->title(), "DRX9 Comm - [Off Line]");
+    EXPECT_FALSE(monitor->controlsVisible());
+    EXPECT_TRUE(monitor->commMenuEnabled());
+    EXPECT_FALSE(ticker.on);
+    tick();
+    EXPECT_TRUE(socket.wire.commands().empty()) << "never on line: nothing is opened again";
+}
+
+TEST_F(MonitorTest, ListEndsAtAFilmThatCannotBeRead) {
+    special["A4?"] = replyPacket('A', "short");
+    boxes.expectNonBlocking("Get Film Error: short");
+    ASSERT_TRUE(monitor->Form_Load());
+    EXPECT_EQ(monitor->filmNames(), (Texts{"FILM_1", "FILM_2", "FILM_3"}));
+    EXPECT_EQ(progress.percents.back(), 44);
+    EXPECT_FALSE(progress.shown);
+}
+
+// ---- requests
+
+struct RequestCase {
+    const char* name;
+    int shutter;       ///< state of the instrument's shutter before
+    bool running;      ///< a run is in progress
+    Texts clicks;      ///< "start", "zero", "shutter", "film3"
+    Texts commands;    ///< of the tick that carries them out, the reading left out
+    std::int16_t mode; ///< afterwards
+    std::string shutterCaption;
+};
+
+class RequestTest : public MonitorFixture, public testing::WithParamInterface<RequestCase> {};
+
+TEST_P(RequestTest, SendsItsCommandsInOrder) {
+    const RequestCase& c = GetParam();
+    shutter = c.shutter;
+    bringUp();
+    if (c.running) {
+        monitor->cmdStartStop_Click();
+        tick();
+    }
+    for (const std::string& click : c.clicks) {
+        click == "start"     ? monitor->cmdStartStop_Click()
+        : click == "zero"    ? monitor->cmdZero_Click()
+        : click == "shutter" ? monitor->cmdShutter_Click()
+                             : monitor->cboFilms_Click(2);
+    }
+    EXPECT_EQ(requestsOfTick(), c.commands);
+    EXPECT_EQ(monitor->RunMode(), c.mode);
+    EXPECT_EQ(monitor->shutterCaption(), c.shutterCaption);
+    EXPECT_EQ(monitor->startStopCaption(), c.mode == kRunning ? "STOP" : "START");
+    EXPECT_EQ(monitor->locked(), c.mode == kRunning);
+    EXPECT_EQ(sleep.held, c.mode == kRunning ? 1 : 0);
+}
+
+const Texts kRefresh = {"U?", "A1?", "A2?", "A3?", "A4?", "A5?", "A6?", "A7?", "A8?", "A9?", "B?", "C?"};
+
+INSTANTIATE_TEST_SUITE_P(
+    Requests, RequestTest,
+    testing::Values(
+        RequestCase{"nothing", 0, false, {}, {"U?"}, kIdle, "Open Shutter"},
+        RequestCase{"start", 0, false, {"start"}, {"U?", "T", "T"}, kRunning, "Open Shutter"},
+        RequestCase{
+            "twice_is_once", 0, false, {"start", "start"}, {"U?", "T", "T"}, kRunning, "Open Shutter"},
+        RequestCase{"stop", 0, true, {"start"}, kRefresh, kIdle, "Open Shutter"},
+        RequestCase{"zero", 0, false, {"zero"}, {"S", "T", "T", "U?"}, kIdle, "Open Shutter"},
+        RequestCase{
+            "shutter_starts_a_run", 0, false, {"shutter"}, {"U1", "U?", "T", "T"}, kRunning, "Close Shutter"},
+        RequestCase{"shutter_closes_in_a_run", 1, true, {"shutter"}, {"U0", "U?"}, kRunning, "Open Shutter"},
+        RequestCase{"shutter_opens_in_a_run", 0, true, {"shutter"}, {"U1", "U?"}, kRunning, "Close Shutter"},
+        RequestCase{"third_film", 0, false, {"film3"}, {"D3", "A3?", "U?"}, kIdle, "Open Shutter"},
+        RequestCase{"all_at_once",
+                    0,
+                    false,
+                    {"shutter", "zero", "film3"},
+                    {"D3", "A3?", "S", "T", "T", "U1", "U?", "T", "T"},
+                    kRunning,
+                    "Close Shutter"}),
+    [](const auto& given) { return std::string(given.param.name); });
+
+TEST_F(MonitorTest, FailedShutterQueryReadsClosedAndUnknown) {
+    bringUp();
+    special["U?"] = ""; // the status 1 that the query then returns must not read as open
+    tick();
+    EXPECT_EQ(monitor->shutterState(), Monitor::kShutterUnknown);
+    EXPECT_EQ(monitor->shutterCaption(), "Open Shutter");
+    special["U?"] = replyPacket('B', ""); // a refusal keeps the link
+    tick();                               // opens the link again
+    tick();
+    monitor->cmdShutter_Click();
+    EXPECT_EQ(requestsOfTick().front(), "U0") << "unknown is not 0: the request closes";
+}
+
+TEST_F(MonitorTest, RememberedFilmIsKeptThroughARefreshWithoutARequest) {
+    bringUp();
+    monitor->cboFilms_Click(2);
+    tick();
+    monitor->setRunMode(kIdle);
+    EXPECT_EQ(monitor->filmIndex(), 2);
+    EXPECT_EQ(requestsOfTick(), Texts{"U?"});
+    EXPECT_EQ(monitor->currentFilmName(), "FILM_3  ");
+}
+
+// ---- a run and its log
+
+TEST_F(MonitorTest, RunStartsWithZeroThenLogAndEndsWithLogThenRefresh) {
+    bringUp();
+    monitor->cmdStartStop_Click();
+    tick();
+    EXPECT_EQ(logText(), "Start:   Date: 5/17/2024   Time: 10:30:00   Film: FILM_1  \r\n\r\n"
+                         "Time\tAvgThk\tAvgRate\tThk1\tRate1\tFreq1\tThk2...\r\n\r\n");
+    EXPECT_LT(position(events, "ReInit"), position(events, "T"));
+    const std::string started = logText();
+    events.clear();
+    clock.advance(2);
+    tick();
+    EXPECT_EQ(logText().substr(started.size()).substr(0, 5), "2.02\t");
+    int refreshes = 0;
+    onCommand["A1?"] = [&] {
+        ++refreshes;
+        EXPECT_NE(logText().find("\r\nEnd:     Date: "), std::string::npos) << "before the refresh";
+        EXPECT_EQ(monitor->RunMode(), kIdle);
+        tick(); // never inside the change
+    };
+    monitor->cmdStartStop_Click();
+    tick();
+    EXPECT_EQ(refreshes, 1);
+}
+
+TEST_F(MonitorTest, ClosingInARunSavesFirstAndEndsTheLog) {
+    bringUp();
+    monitor->cmdStartStop_Click();
+    tick();
+    events.clear();
+    monitor->Form_QueryUnload();
+    EXPECT_EQ(events, (EventList{"settings saved", "windows closed"}));
+    EXPECT_EQ(monitor->RunMode(), kExiting);
+    EXPECT_NE(logText().find("\r\nEnd:     Date: "), std::string::npos);
+    EXPECT_FALSE(ticker.on);
+    EXPECT_FALSE(monitor->Form_Load()) << "exiting";
+}
+
+TEST_F(MonitorTest, UnchangedFrequenciesAfterZeroSendEightCommandsAndKeepTheOldThickness) {
+    sensors = 6;
+    bringUp();
+    frozen = true;
+    tick();
+    const double before = monitor->readings().thickness[0];
+    thickness = 0;
+    monitor->cmdZero_Click();
+    tick();
+    socket.wire.forget();
+    tick();
+    EXPECT_EQ(socket.wire.commands(), (Texts{"P1", "P2", "P3", "P4", "P5", "P6", "M", "O", "U?"}));
+    EXPECT_EQ(monitor->readings().thickness[0], before);
+    EXPECT_EQ(monitor->readings().averageThickness, 0);
+}
+
+TEST_F(MonitorTest, ChartsFollowTheStoreOverItsWrap) {
+    bringUp();
+    monitor->cmdStartStop_Click();
+    tick();
+    const int kReadings = 1203;
+    averageRate.shownMax = 42; // changed on the chart by hand
+    for (int i = 0; i < kReadings; ++i) {
+        clock.advance(1);
+        rate = i;
+        tick();
+    }
+    const auto& points = averageRate.series[0];
+    EXPECT_EQ(points.size(), static_cast<std::size_t>(kReadings) - 1)
+        << "the newest point is drawn a reading later";
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        ASSERT_GT(points[i].x, points[i - 1].x) << i;
+        ASSERT_EQ(points[i].y, points[i - 1].y + 1) << i;
+    }
+    EXPECT_EQ(rates.series[1].size(), points.size());
+    EXPECT_EQ(rates.series[2].size(), 0U) << "two sensors";
+    EXPECT_EQ(averageRate.YMax(), 42);
+    EXPECT_GE(averageRate.XMin() + averageRate.Xwide(), points.back().x);
+    EXPECT_LT(averageRate.XMin() + averageRate.Xwide(), points.back().x + 75);
+}
+
+// ---- the lost link
+
+struct StatusCase {
+    const char* name;
+    std::uint16_t status;
+    std::int16_t mode;
+    bool polls;
+    bool reconnects;
+};
+
+TEST_F(MonitorTest, LinkStatusDecidesWhatATickDoes) {
+    const StatusCase cases[] = {
+        {"ok", 0, kIdle, true, false},
+        {"timeout", 1, kIdle, false, true},
+        {"no data", 2, kIdle, false, true},
+        {"not ready", 3, kIdle, true, false},
+        {"bad data", 5, kIdle, true, false},
+        {"checksum", 7, kIdle, true, false},
+        {"port", 8, kIdle, false, true},
+        {"busy", 9, kIdle, false, false},
+        {"lost", 10, kIdle, false, true},
+        {"lost at start", 10, kStarting, false, false},
+        {"lost in a run", 10, kRunning, false, true},
+    };
+    bringUp();
+    for (const StatusCase& c : cases) {
+        monitor->setRunMode(c.mode);
+        clock.advance(10);
+        socket.wire.forget();
+        const int connects = socket.connects;
+        link.setCommStatus(c.status);
+        tick();
+        const auto& sent = socket.wire.commands();
+        EXPECT_EQ(std::count(sent.begin(), sent.end(), "P1"), c.polls ? 1 : 0) << c.name;
+        EXPECT_EQ(socket.connects - connects, c.reconnects ? 1 : 0) << c.name;
+        EXPECT_EQ(link.CommStatus(), c.status == 9 ? 9 : c.mode == kStarting ? c.status : 0) << c.name;
+        link.setCommStatus(0);
+    }
+}
+
+TEST_F(MonitorTest, FourRefusedTicksReconnect) {
+    bringUp();
+    special["U?"] = replyPacket('D', "");
+    const int connects = socket.connects;
+    for (int i = 1; i <= 5; ++i) {
+        tick();
+        EXPECT_EQ(socket.connects - connects, i == 5 ? 1 : 0) << i;
+    }
+}
+
+TEST_F(MonitorTest, RunGoesOnOverALossWithAGapAndOneBox) {
+    bringUp();
+    monitor->cmdStartStop_Click();
+    for (int i = 0; i < 4; ++i) {
+        clock.advance(0.25);
+        tick();
+    }
+    const std::size_t drawn = averageRate.series[0].size();
+    silent = true;
+    socket.drop();
+    socket.refusal = "Connection refused";
+    const double lost = clock.monotonic();
+    const int connects = socket.connects;
+    while (clock.monotonic() < lost + 20) {
+        clock.advance(0.25);
+        tick();
+    }
+    EXPECT_GE(socket.connects - connects, 8);
+    EXPECT_LE(socket.connects - connects, 12);
+    EXPECT_EQ(averageRate.series[0].size(), drawn) << "nothing was read";
+    EXPECT_TRUE(monitor->reconnecting());
+    EXPECT_TRUE(monitor->stale(clock.monotonic()));
+    monitor->cmdShutter_Click();
+    silent = false;
+    socket.refusal.clear();
+    version = "DRX-9 Ver 4.12";
+    const double back = clock.monotonic();
+    while (monitor->stale(clock.monotonic()) && clock.monotonic() < back + 5) {
+        clock.advance(0.25);
+        tick();
+    }
+    EXPECT_LE(clock.monotonic() - back, 2.3);
+    EXPECT_EQ(monitor->RunMode(), kRunning);
+    EXPECT_EQ(shutter, 1) << "the request waited";
+    EXPECT_NE(monitor->notice().find("DRX-9 Ver 4.12"), std::string::npos);
+    clock.advance(0.25);
+    tick();
+    EXPECT_EQ(averageRate.gaps, 1);
+}
+
+TEST_F(MonitorTest, IdleProgramRefreshesItselfAfterALoss) {
+    bringUp();
+    silent = true;
+    boxes.expectNonBlocking("Instrument not found.");
+    tick(); // two time-outs: the reading fails, without a box
+    EXPECT_EQ(link.CommStatus(), 1);
+    EXPECT_EQ(socket.wire.commands(), (Texts{"P1", "L1"}));
+    tick();
+    EXPECT_FALSE(link.CommOK());
+    EXPECT_EQ(boxes.nonBlockingText(), "Instrument not found.");
+    silent = false;
+    clock.advance(2);
+    socket.wire.forget();
+    tick();
+    EXPECT_EQ(boxes.nonBlockingText(), "");
+    EXPECT_EQ(socket.wire.commands()[2], "A1?") << "the window is refreshed";
+    EXPECT_FALSE(monitor->reconnecting());
+}
+
+} // namespace
+} // namespace drx9

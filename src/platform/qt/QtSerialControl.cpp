@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QStringList>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -11,6 +12,8 @@ namespace drx9 {
 namespace {
 
 constexpr std::size_t kInputBuffer = 2048;
+constexpr int kFirstLook = 500;  // ms after the start, if nobody asks before
+constexpr int kLookAgain = 1000; // ms
 
 } // namespace
 
@@ -61,7 +64,8 @@ QtSerialControl::QtSerialControl(EventPump& pump, std::string programFolder)
     : pump_(pump)
     , programFolder_(std::move(programFolder)) {
 #ifndef Q_OS_WIN
-    list_.update(presentSerialDevices());
+    // Looking takes some ten milliseconds: not before the first window is painted.
+    QTimer::singleShot(kFirstLook, this, [this] { lookForDevices(); });
 #endif
 }
 
@@ -78,9 +82,16 @@ std::string QtSerialControl::deviceName(int port) const {
     const QFileInfo link(QString::fromStdString(programFolder_ + "/" + name));
     if (link.isSymLink())
         return link.symLinkTarget().toStdString();
-    list_.update(presentSerialDevices());
+    lookForDevices();
     return list_.device(port);
 #endif
+}
+
+void QtSerialControl::lookForDevices() const {
+    if (lookedAt_.isValid() && lookedAt_.elapsed() < kLookAgain)
+        return;
+    list_.update(presentSerialDevices());
+    lookedAt_.start();
 }
 
 std::string QtSerialControl::open() {

@@ -4,6 +4,7 @@
 #include "platform/LinkPorts.h"
 #include "platform/qt/SerialPortList.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QSerialPort>
 
@@ -12,9 +13,9 @@
 
 namespace drx9 {
 
-/// The serial communications control over a QSerialPort. "COMn" is the port of that name on Windows;
-/// elsewhere what the symbolic link COMn in the program's folder points to, else the n-th device of a
-/// SerialPortList that is fixed when this object is made.
+/// The serial communications control over a QSerialPort. "COMn" is the port of that name on Windows; elsewhere
+/// what the symbolic link COMn in the program's folder points to, else the n-th device of a SerialPortList,
+/// whose order is fixed by the first look, half a second after this object is made at the latest.
 class QtSerialControl : public QObject, public SerialControl {
 public:
     QtSerialControl(EventPump& pump, std::string programFolder);
@@ -32,13 +33,15 @@ public:
     [[nodiscard]] std::string deviceName(int port) const override;
 
 private:
+    void lookForDevices() const;
     void receive();
     void errorOccurred(QSerialPort::SerialPortError error);
     void drop();
 
     EventPump& pump_;
     std::string programFolder_;
-    mutable SerialPortList list_; ///< brought up to date whenever it is asked
+    mutable SerialPortList list_;    ///< brought up to date when it is asked, at most once a second
+    mutable QElapsedTimer lookedAt_; ///< when that was
     int number_ = 1;
     std::string settings_ = "19200,N,8,1";
     std::unique_ptr<QSerialPort> port_; ///< null when closed; stands until the pump runs next after a fault

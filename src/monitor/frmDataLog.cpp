@@ -1,0 +1,289 @@
+#include "monitor/frmDataLog.h"
+
+#include "util/DisplayFormats.h"
+#include "util/controls/MarkLabel.h"
+#include "util/controls/Theme.h"
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalBlocker>
+#include <QSpinBox>
+
+namespace drx9 {
+
+namespace {
+constexpr int kSpinnerWidth = 84;
+constexpr int kButtonWidth = 92;
+constexpr int kWidth = 372; ///< of the contents
+constexpr int kStateMs = 500;
+
+/// Shows at least a number of digits, so that minutes and seconds keep two.
+class DigitSpinBox : public QSpinBox {
+public:
+    DigitSpinBox(int digits, QWidget* parent)
+        : QSpinBox(parent)
+        , digits_(digits) {}
+
+protected:
+    [[nodiscard]] QString textFromValue(int value) const override {
+        return QStringLiteral("%1").arg(value, digits_, 10, QLatin1Char('0'));
+    }
+
+private:
+    int digits_;
+};
+
+QLabel* headingLabel(const char* text, QWidget* parent) {
+    auto* label = new QLabel(QString::fromLatin1(text), parent);
+    label->setForegroundRole(kMutedRole);
+    return label;
+}
+} // namespace
+
+frmDataLog::frmDataLog(const DataLogWindowParts& parts, QWidget* owner)
+    : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint)
+    , parts_(parts)
+    , span_(parts.settings) {
+    setObjectName(QStringLiteral("frmDataLog"));
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(16, 16, 16, 16);
+    column->setSpacing(20);
+    column->setSizeConstraint(QLayout::SetFixedSize);
+    column->addWidget(buildFile());
+    column->addWidget(buildSpan());
+    column->addLayout(buildBottom());
+    showSettings();
+    setWindowTitle(QString::fromStdString("Data Log - [ " + bareName(parts.settings.File) + " ]"));
+    loading_ = false;
+    stateTimer_.setInterval(kStateMs);
+    connect(&stateTimer_, &QTimer::timeout, this, &frmDataLog::showState);
+    stateTimer_.start();
+}
+
+QGroupBox* frmDataLog::buildFile() {
+    auto* group = new QGroupBox(QStringLiteral("Log File"), this);
+    group->setObjectName(QStringLiteral("fraLog"));
+    auto* grid = new QGridLayout(group);
+    grid->setContentsMargins(12, 12, 12, 12);
+    grid->setVerticalSpacing(8);
+    struct Mode {
+        int index;
+        const char* caption;
+        const char* toolTip;
+    };
+    const std::array<Mode, 3> modes{
+        {{kLogOverwrite, "Overwrite", "Overwrite the log file at start of each run."},
+         {kLogAppend, "Append", "Append each run to the log file."},
+         {kLogNone, "None", "Do not log data."}}};
+    for (int row = 0; row < 3; ++row) {
+        const Mode& mode = modes[static_cast<std::size_t>(row)];
+        auto* button = new QRadioButton(QString::fromLatin1(mode.caption), group);
+        button->setObjectName(QStringLiteral("optLog_%1").arg(mode.index));
+        button->setToolTip(QString::fromLatin1(mode.toolTip));
+        button->setMinimumHeight(28);
+        connect(button, &QRadioButton::clicked, this, [this, index = mode.index] { optLog_Click(index); });
+        grid->addWidget(button, row, 0, Qt::AlignLeft);
+        optLog_[static_cast<std::size_t>(mode.index)] = button;
+    }
+    cmdNew_ = new QPushButton(QStringLiteral("&New"), group);
+    cmdView_ = new QPushButton(QStringLiteral("View"), group);
+    cmdNew_->setObjectName(QStringLiteral("cmdNew"));
+    cmdNew_->setToolTip(QStringLiteral("Open a new log file."));
+    cmdView_->setObjectName(QStringLiteral("cmdView"));
+    cmdView_->setToolTip(QStringLiteral("View the log file."));
+    int row = 0;
+    for (QPushButton* button : {cmdNew_, cmdView_}) {
+        button->setAutoDefault(false);
+        button->setFixedWidth(kButtonWidth);
+        grid->addWidget(button, row++, 1, Qt::AlignRight);
+    }
+    path_ = new QLineEdit(group);
+    path_->setObjectName(QStringLiteral("txtLogFile"));
+    path_->setReadOnly(true);
+    path_->setAccessibleName(QStringLiteral("Log File"));
+    grid->addWidget(path_, 3, 0, 1, 2);
+    connect(cmdNew_, &QPushButton::clicked, this, &frmDataLog::cmdNew_Click);
+    connect(cmdView_, &QPushButton::clicked, this, &frmDataLog::cmdView_Click);
+    return group;
+}
+
+QSpinBox* frmDataLog::spinner(const char* name, const char* accessible, int most, int digits) {
+    auto* box = new DigitSpinBox(digits, this);
+    box->setObjectName(QString::fromLatin1(name));
+    box->setAccessibleName(QString::fromLatin1(accessible));
+    box->setRange(0, most);
+    box->setKeyboardTracking(false);
+    box->setAlignment(Qt::AlignRight);
+    box->setFixedWidth(kSpinnerWidth);
+    box->setMinimumHeight(30);
+    return box;
+}
+
+QGroupBox* frmDataLog::buildSpan() {
+    auto* group = new QGroupBox(QStringLiteral("Logged Span of the Run"), this);
+    start_ = {spinner("spnStartHour", "Start, hours", DataLogSpan::kMostHours, 1),
+              spinner("spnStartMin", "Start, minutes", 59, 2),
+              spinner("spnStartSec", "Start, seconds", 59, 2)};
+    end_ = {spinner("spnEndHour", "End, hours", DataLogSpan::kMostHours, 1),
+            spinner("spnEndMin", "End, minutes", 59, 2), spinner("spnEndSec", "End, seconds", 59, 2)};
+    interval_ = {nullptr, spinner("spnIntMin", "Interval, minutes", DataLogSpan::kMostIntervalMinutes, 2),
+                 spinner("spnIntSec", "Interval, seconds", 59, 2)};
+    auto* grid = new QGridLayout(group);
+    grid->setContentsMargins(12, 12, 12, 12);
+    grid->setHorizontalSpacing(8);
+    grid->setVerticalSpacing(8);
+    grid->setColumnStretch(0, 1);
+    grid->addWidget(headingLabel("Hour", group), 0, 1);
+    grid->addWidget(headingLabel("Min.", group), 0, 2);
+    grid->addWidget(headingLabel("Sec.", group), 0, 3);
+    const auto addRow = [&](int row, const char* caption, const Spinners& spinners,
+                            void (frmDataLog::*change)()) {
+        auto* label = new QLabel(QString::fromLatin1(caption), group);
+        label->setBuddy(spinners.hours != nullptr ? spinners.hours : spinners.minutes);
+        grid->addWidget(label, row, 0);
+        int column = 1;
+        for (QSpinBox* box : {spinners.hours, spinners.minutes, spinners.seconds}) {
+            if (box != nullptr) {
+                grid->addWidget(box, row, column);
+                connect(box, &QSpinBox::valueChanged, this, change);
+            }
+            ++column;
+        }
+    };
+    addRow(1, "&Start", start_, &frmDataLog::spnStart_Change);
+    addRow(2, "&End", end_, &frmDataLog::spnEnd_Change);
+    addRow(3, "&Interval", interval_, &frmDataLog::spnInt_Change);
+    return group;
+}
+
+QLayout* frmDataLog::buildBottom() {
+    auto* row = new QHBoxLayout;
+    state_ = new MarkLabel(this);
+    state_->setObjectName(QStringLiteral("lblState"));
+    state_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    cmdForm_ = new QPushButton(QStringLiteral("&Close"), this);
+    cmdForm_->setObjectName(QStringLiteral("cmdForm"));
+    cmdForm_->setAutoDefault(false);
+    cmdForm_->setFixedWidth(kButtonWidth);
+    connect(cmdForm_, &QPushButton::clicked, this, &QDialog::close);
+    row->addWidget(state_, 1);
+    row->addWidget(cmdForm_);
+    state_->setMinimumWidth(kWidth - kButtonWidth - 8);
+    return row;
+}
+
+void frmDataLog::showSettings() {
+    const std::size_t mode = parts_.settings.Type >= kLogNone && parts_.settings.Type <= kLogAppend
+                                 ? static_cast<std::size_t>(parts_.settings.Type)
+                                 : std::size_t{kLogNone};
+    optLog_[mode]->setChecked(true);
+    fill(start_, span_.start());
+    fill(end_, span_.end());
+    fill(interval_, span_.interval());
+    showFile();
+    showState();
+    optLog_[mode]->setFocus();
+}
+
+void frmDataLog::fill(const Spinners& spinners, const SpanFields& fields) {
+    const auto set = [](QSpinBox* box, std::int32_t value) {
+        if (box != nullptr) {
+            const QSignalBlocker blocker(box);
+            box->setValue(value);
+        }
+    };
+    set(spinners.hours, fields.hours);
+    set(spinners.minutes, fields.minutes);
+    set(spinners.seconds, fields.seconds);
+}
+
+SpanFields frmDataLog::fieldsOf(const Spinners& spinners) const {
+    return {spinners.hours != nullptr ? spinners.hours->value() : 0, spinners.minutes->value(),
+            spinners.seconds->value()};
+}
+
+void frmDataLog::showFile() {
+    const QString path = QString::fromStdString(parts_.log.fullPath());
+    if (path_->text() != path) {
+        path_->setText(path);
+        path_->setCursorPosition(0);
+        path_->setToolTip(path);
+    }
+}
+
+void frmDataLog::showState() {
+    showFile();
+    cmdView_->setEnabled(parts_.files.exists(parts_.log.fullPath()));
+    const DataLog& log = parts_.log;
+    if (!log.lastError().empty()) {
+        state_->say(QString::fromStdString("Not written: " + log.lastError()), MarkLabel::Tone::Alarm);
+        return;
+    }
+    std::string text = "No line written yet";
+    if (log.lastLineTime()) {
+        text = "Run " + std::to_string(log.runNumber()) + ": " + std::to_string(log.linesWritten()) +
+               (log.linesWritten() == 1 ? " line" : " lines") + ", last " +
+               timeOfDayText(*log.lastLineTime());
+    }
+    state_->say(QString::fromStdString(text), MarkLabel::Tone::Plain);
+}
+
+void frmDataLog::optLog_Click(int index) {
+    parts_.settings.Type = static_cast<std::int16_t>(index);
+    emit settingsChanged();
+}
+
+void frmDataLog::spnStart_Change() {
+    if (!loading_ && span_.setStart(fieldsOf(start_))) {
+        fill(end_, span_.end());
+    }
+    emit settingsChanged();
+}
+
+void frmDataLog::spnEnd_Change() {
+    if (!loading_ && span_.setEnd(fieldsOf(end_))) {
+        fill(start_, span_.start());
+    }
+    emit settingsChanged();
+}
+
+void frmDataLog::spnInt_Change() {
+    const SpanFields fields = fieldsOf(interval_);
+    span_.setInterval(fields.minutes, fields.seconds);
+    emit settingsChanged();
+}
+
+void frmDataLog::cmdNew_Click() {
+    FileDialogRequest request;
+    request.title = "New Log File";
+    request.defaultExtension = "txt";
+    request.filter = "Data Files (*.txt)|*.txt";
+    request.fileName = parts_.settings.File;
+    if (!request.fileName.empty() && request.fileName.find('.') == std::string::npos) {
+        request.fileName += ".xls"; // kept
+    }
+    const std::string chosen = parts_.dialogs.saveFile(request);
+    if (chosen.empty()) {
+        return;
+    }
+    parts_.settings.File = chosen;
+    const std::string bracket = "[" + bareName(chosen) + "]";
+    setWindowTitle(QString::fromStdString("DRX-9 Comm - " + bracket)); // kept: replaced at once
+    setWindowTitle(QString::fromStdString("Data Log - " + bracket));
+    showState();
+    emit settingsChanged();
+}
+
+void frmDataLog::cmdView_Click() {
+    const std::string reason = parts_.shell.openDocument(parts_.log.fullPath());
+    if (!reason.empty()) {
+        parts_.boxes.show(reason, "Data Log", MessageIcon::Exclamation);
+    }
+}
+
+} // namespace drx9

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "monitor/DataLog.h"
+#include "monitor/DataLogSpan.h"
+#include "monitor/Settings.h"
+#include "platform/Desktop.h"
+#include "platform/FilePort.h"
+#include "platform/MessageBoxes.h"
+
+#include <QDialog>
+#include <QTimer>
+
+#include <array>
+
+class QGroupBox;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+class QSpinBox;
+
+namespace drx9 {
+
+class MarkLabel;
+
+struct DataLogWindowParts {
+    DataLogSettings& settings;
+    const DataLog& log;
+    const FilePort& files;
+    FileDialogs& dialogs;
+    Shell& shell;
+    MessageBoxes& boxes;
+};
+
+/// The data log window: file, mode, logged span of the run and interval. Every change takes effect at once.
+class frmDataLog : public QDialog {
+    Q_OBJECT
+public:
+    frmDataLog(const DataLogWindowParts& parts, QWidget* owner);
+
+signals:
+    void settingsChanged();
+
+private:
+    /// Hour, minute and second spinners; the interval has no hours.
+    struct Spinners {
+        QSpinBox* hours = nullptr;
+        QSpinBox* minutes = nullptr;
+        QSpinBox* seconds = nullptr;
+    };
+
+    QGroupBox* buildFile();
+    QGroupBox* buildSpan();
+    QLayout* buildBottom();
+    QSpinBox* spinner(const char* name, const char* accessible, int most, int digits);
+    void showSettings();
+    void fill(const Spinners& spinners, const SpanFields& fields);
+    [[nodiscard]] SpanFields fieldsOf(const Spinners& spinners) const;
+    void showFile();
+    void showState();
+
+    void optLog_Click(int index);
+    void spnStart_Change();
+    void spnEnd_Change();
+    void spnInt_Change();
+    void cmdNew_Click();
+    void cmdView_Click();
+
+    DataLogWindowParts parts_;
+    DataLogSpan span_;
+    bool loading_ = true;
+    std::array<QRadioButton*, 3> optLog_{}; ///< by log mode
+    QPushButton* cmdNew_ = nullptr;
+    QPushButton* cmdView_ = nullptr;
+    QPushButton* cmdForm_ = nullptr;
+    QLineEdit* path_ = nullptr;
+    Spinners start_;
+    Spinners end_;
+    Spinners interval_;
+    MarkLabel* state_ = nullptr;
+    QTimer stateTimer_;
+};
+
+} // namespace drx9

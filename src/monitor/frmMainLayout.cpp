@@ -284,7 +284,7 @@ void frmMain::buildStatusBar() {
         field->setSeparator(separator);
         return field;
     };
-    staLink_ = add("staLink", true);
+    staLink_ = add("staLink", false);
     staReply_ = add("staReply", true);
     staRun_ = add("staRun", true);
     staShutter_ = add("staShutter", true);

@@ -10,8 +10,8 @@ namespace drx9 {
 namespace {
 constexpr int kLeft = 14;
 constexpr int kRight = 36;
-constexpr int kTop = 8;
-constexpr int kLine = 22;
+constexpr int kTop = 6;
+constexpr int kLine = 21;
 constexpr int kSwatch = 21;
 constexpr int kSwatchGap = 7;
 constexpr int kEntryGap = 15;

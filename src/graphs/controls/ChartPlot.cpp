@@ -6,15 +6,15 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <memory>
 
 namespace drx9 {
 
 namespace {
-constexpr int kTopMargin = 8;
+constexpr int kTopMargin = 12;
 constexpr int kRightMargin = 36; ///< keeps the last time label whole
 constexpr int kBottomMargin = 50;
 constexpr int kLeftMargin = 56;
+constexpr int kTitleOffset = 27;
 constexpr double kSensorLine = 1.5;
 constexpr double kAverageLine = 2;
 const QString kXTitle = QStringLiteral("Elapsed Time ()");
@@ -30,15 +30,12 @@ ChartPlot::ChartPlot(int seriesCount, double ySpacing, int decimals, QWidget* pa
     setFocusPolicy(Qt::NoFocus);
     setPlottingHint(QCP::phFastPolylines, true);
     setPlottingHint(QCP::phCacheLabels, true);
-    layer(QStringLiteral("overlay"))->setMode(QCPLayer::lmLogical); // one picture instead of two
+    // The library keeps pictures of its own for each replot; we paint the window directly.
+    connect(this, &QCustomPlot::afterReplot, this, [this] { mPaintBuffers.clear(); });
     setUpAxes(ySpacing);
     for (int i = 0; i < seriesCount; ++i) {
-        QCPGraph* graph = addGraph();
-        graph->setAdaptiveSampling(true);
-        graph->setSelectable(QCP::stNone);
-        series_.push_back({graph, false, 0});
+        series_.push_back({new ChartCurve(xAxis, yAxis), false, 0}); // owned by the plot
     }
-    connect(this, &QCustomPlot::afterReplot, this, &ChartPlot::noteDrawn);
     setMouseTracking(true);
 }
 
@@ -138,63 +135,44 @@ void ChartPlot::breakCurves() {
 }
 
 void ChartPlot::redrawAll() {
-    pictureStale_ = true;
-    if (isVisible()) {
-        replot(rpQueuedReplot);
-    }
+    marksStale_ = true;
+    update();
 }
 
-void ChartPlot::noteDrawn() {
-    pictureStale_ = false;
-    for (Series& series : series_) {
-        series.drawn = series.graph->dataCount();
-    }
+void ChartPlot::showMarks() {
+    marksStale_ = false;
     shownMarks_ = endMarks();
 }
 
 void ChartPlot::drawAppended() {
     if (!isVisible()) {
-        pictureStale_ = true;
         return;
     }
-    if (pictureStale_ || mPaintBuffers.size() != 1) {
-        redrawAll();
+    if (marksStale_) {
+        update();
         return;
     }
     QRectF touched;
-    {
-        const auto buffer = mPaintBuffers.first();
-        const std::unique_ptr<QCPPainter> painter(buffer->startPainting());
-        painter->setClipRect(axisRect()->rect());
-        painter->setAntialiasing(true);
-        for (Series& series : series_) {
-            touched |= drawNewLines(*painter, series);
-        }
-        painter->end();
-        buffer->donePainting();
+    for (Series& series : series_) {
+        touched |= newLinesRect(series);
     }
     QRegion dirty(endMarksRect(shownMarks_));
-    shownMarks_ = endMarks();
+    showMarks();
     dirty += endMarksRect(shownMarks_);
     dirty += touched.toAlignedRect().adjusted(-2, -2, 2, 2);
     update(dirty);
 }
 
-QRectF ChartPlot::drawNewLines(QCPPainter& painter, Series& series) {
+QRectF ChartPlot::newLinesRect(Series& series) const {
     const auto points = series.graph->data();
     const int count = points->size();
     QRectF touched;
-    if (series.graph->visible()) {
-        painter.setPen(series.graph->pen());
-        for (int i = std::max(1, series.drawn); i < count; ++i) {
-            const auto to = points->constBegin() + i;
-            const auto from = to - 1;
-            if (std::isnan(from->value) || std::isnan(to->value) || !xAxis->range().contains(to->key)) {
-                continue;
-            }
+    for (int i = std::max(1, series.drawn); i < count && series.graph->visible(); ++i) {
+        const auto to = points->constBegin() + i;
+        const auto from = to - 1;
+        if (!std::isnan(from->value) && !std::isnan(to->value) && xAxis->range().contains(to->key)) {
             const QPointF a(xAxis->coordToPixel(from->key), yAxis->coordToPixel(from->value));
             const QPointF b(xAxis->coordToPixel(to->key), yAxis->coordToPixel(to->value));
-            painter.drawLine(QLineF(a, b));
             touched |= QRectF(a, b).normalized().adjusted(-1, -1, 1, 1);
         }
     }
@@ -218,23 +196,36 @@ void ChartPlot::setYRange(double lower, double upper) {
     }
 }
 
-void ChartPlot::showEvent(QShowEvent* event) {
-    QCustomPlot::showEvent(event);
+void ChartPlot::resizeEvent(QResizeEvent*) {
+    setViewport(rect());
     redrawAll();
 }
 
 void ChartPlot::hideEvent(QHideEvent* event) {
     QCustomPlot::hideEvent(event);
     tracer_.reset();
-    mPaintBuffers.clear();
-    pictureStale_ = true;
 }
 
 void ChartPlot::paintEvent(QPaintEvent* event) {
-    QCustomPlot::paintEvent(event);
-    QPainter painter(this);
-    if (event->rect().bottom() > axisRect()->bottom()) {
-        const QRect title(0, height() - kBottomMargin / 2 - 2, width() - kRightMargin, kBottomMargin / 2);
+    QCPPainter painter(this);
+    const QRect dirty = event->rect();
+    painter.fillRect(dirty, groundColor_);
+    for (const Series& series : series_) {
+        series.graph->setStrip(dirty.left() - 3, dirty.right() + 3);
+    }
+    draw(&painter);
+    painter.setClipping(false);
+    if (marksStale_) {
+        for (Series& series : series_) {
+            series.drawn = series.graph->dataCount();
+        }
+        showMarks();
+    }
+    painter.setAntialiasing(false);
+    if (dirty.bottom() > axisRect()->bottom()) {
+        const QRect title(0, axisRect()->bottom() + kTitleOffset, width() - kRightMargin,
+                          kBottomMargin - kTitleOffset);
+        painter.setFont(font());
         painter.setPen(mutedColor_);
         painter.drawText(title, Qt::AlignRight | Qt::AlignTop, kXTitle);
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <qcustomplot.h>
+#include "graphs/controls/ChartCurve.h"
 
 #include <optional>
 #include <vector>
@@ -12,10 +12,8 @@ struct Theme;
 /// The drawing of a strip chart: axes, grid, curves with a dot and a number at their ends, tracer, and what
 /// the mouse does to the view. Time in elapsed seconds.
 ///
-/// The whole run is kept. A new point costs only its own line: it is drawn into the picture that stands, and
-/// just the touched strip of the window is repainted; everything else that changes the picture asks for a
-/// full one, at most once a turn of the event loop and none while hidden, when the picture's memory is given
-/// back.
+/// The whole run is kept. There is no picture in memory beside the window's own: painting draws just the
+/// dirty strip, so a new point costs the repaint of its own line, and a hidden chart costs nothing.
 class ChartPlot : public QCustomPlot {
     Q_OBJECT
 public:
@@ -40,7 +38,7 @@ public:
     void applyTheme(const Theme& theme);
     void setXRange(double lower, double upper);
     void setYRange(double lower, double upper);
-    /// Draws the whole picture anew, later and once.
+    /// Paints the whole chart anew, later and once.
     void redrawAll();
 
     // View by keys.
@@ -63,14 +61,14 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void leaveEvent(QEvent* event) override;
-    void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
 private:
     struct Series {
-        QCPGraph* graph = nullptr;
+        ChartCurve* graph = nullptr;
         bool broken = false;
-        int drawn = 0; ///< points that stand in the picture
+        int drawn = 0; ///< points that were asked to be painted
     };
     struct EndMark {
         QPointF dot;
@@ -84,8 +82,8 @@ private:
     };
 
     void setUpAxes(double ySpacing);
-    QRectF drawNewLines(QCPPainter& painter, Series& series);
-    void noteDrawn();
+    [[nodiscard]] QRectF newLinesRect(Series& series) const;
+    void showMarks();
     [[nodiscard]] std::vector<EndMark> endMarks() const;
     [[nodiscard]] QRect endMarksRect(const std::vector<EndMark>& marks) const;
     void paintEndMarks(QPainter& painter) const;
@@ -104,7 +102,7 @@ private:
     QCPRange dragX_;
     QCPRange dragY_;
     bool dragging_ = false;
-    bool pictureStale_ = true;
+    bool marksStale_ = true;
     QColor textColor_;
     QColor lineColor_;
     QColor mutedColor_;

@@ -346,7 +346,7 @@ QSize Drx9Style::sizeFromContents(ContentsType type, const QStyleOption* option,
         }
         return result;
     case CT_MenuBarItem:
-        return {size.width() + 12, size.height() + 4};
+        return {size.width() + 8, size.height() + 4};
     default:
         return result;
     }
@@ -364,7 +364,7 @@ int Drx9Style::pixelMetric(PixelMetric metric, const QStyleOption* option, const
         return 0;
     case PM_MenuBarVMargin:
     case PM_MenuBarHMargin:
-        return metric == PM_MenuBarHMargin ? 4 : 0;
+        return metric == PM_MenuBarHMargin ? 2 : 0;
     case PM_LayoutHorizontalSpacing:
     case PM_LayoutVerticalSpacing:
         return 8;

@@ -11,7 +11,7 @@ namespace drx9 {
 namespace {
 constexpr int kMark = 14;
 constexpr int kGap = 6;
-constexpr int kSeparatorRoom = 12;
+constexpr int kSeparatorRoom = 12; ///< right of the hair line
 } // namespace
 
 MarkLabel::MarkLabel(QWidget* parent)
@@ -54,7 +54,7 @@ int MarkLabel::markWidth() const {
 
 QSize MarkLabel::sizeHint() const {
     const int wanted = text_.isEmpty() ? 0 : markWidth() + fontMetrics().horizontalAdvance(text_) + 1;
-    return {std::max(reserve_, wanted) + (separator_ ? kSeparatorRoom : 0), fontMetrics().height()};
+    return {std::max(reserve_, wanted) + (separator_ ? kSeparatorRoom + 1 : 0), fontMetrics().height()};
 }
 
 QSize MarkLabel::minimumSizeHint() const {
@@ -66,7 +66,8 @@ void MarkLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const QColor color = tone_ == Tone::Warn ? theme.warn : tone_ == Tone::Alarm ? theme.alarm : theme.muted;
     if (separator_) {
-        painter.fillRect(QRect(width() - 1, 0, 1, height()), theme.hair);
+        painter.fillRect(QRect(0, 0, 1, height()), theme.hair);
+        painter.translate(kSeparatorRoom + 1, 0);
     }
     if (text_.isEmpty()) {
         return;
@@ -75,7 +76,7 @@ void MarkLabel::paintEvent(QPaintEvent*) {
         paintWarningMark(painter, QRectF(0, (height() - kMark + 1) / 2, kMark, kMark - 1), color);
     }
     painter.setPen(color);
-    const int room = width() - markWidth() - (separator_ ? kSeparatorRoom : 0);
+    const int room = width() - markWidth() - (separator_ ? kSeparatorRoom + 1 : 0);
     const QString fitting = fontMetrics().elidedText(text_, Qt::ElideMiddle, room + 1);
     painter.drawText(QRect(markWidth(), 0, room + 2, height()), Qt::AlignLeft | Qt::AlignVCenter, fitting);
 }

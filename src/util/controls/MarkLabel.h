@@ -19,7 +19,7 @@ public:
     /// Width kept for the widest text; 0 lets the width follow the text.
     void setReserve(int width);
     void setTextPixels(int pixels, bool bold);
-    /// A hair line at the right edge, as between the fields of a status bar.
+    /// A hair line at the left edge, as between the fields of a status bar.
     void setSeparator(bool on);
 
     [[nodiscard]] QSize sizeHint() const override;

@@ -1,0 +1,284 @@
+// The main window on a scripted instrument: what it shows in each state, and what its controls do.
+#include "ui/UiFixture.h"
+
+#include "monitor/frmDataLog.h"
+#include "util/controls/Gauge.h"
+#include "util/controls/NoticePlate.h"
+#include "util/controls/Readout.h"
+#include "util/controls/StartStopButton.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSet>
+
+namespace drx9 {
+namespace {
+
+class MainWindow : public UiFixture {};
+
+TEST_F(MainWindow, CaptionsNamesAndToolTipsAreTheProgramsOwn) {
+    struct Item {
+        const char* name;
+        const char* caption;
+    };
+    const Item items[] = {{"mnuFileLog", "&Data Log"},
+                          {"mnuFileExit", "E&xit"},
+                          {"mnuSetupFilms", "&Films"},
+                          {"mnuSetupSystem", "&System"},
+                          {"mnuSetupComm", "&Communcations"},
+                          {"mnuSetupGraphs", "&Graph"},
+                          {"mnuGraphAvgRate", "&Average Rate Graph"},
+                          {"mnuGraphChanRate", "&Sensor Rates Graph"},
+                          {"mnuGraphAvgThk", "A&verage Thickness Graph"},
+                          {"mnuGraphChanThk", "Se&nsor Thickness Graph"},
+                          {"mnuSensorRate", "Sensor &Rates Display"},
+                          {"mnuSensorThick", "Sensor &Thickness Display"},
+                          {"mnuSensorFreq", "Sensor &Frequency Display"},
+                          {"mnuHelpHelp", "&Help"},
+                          {"mnuHelpAbout", "&About"}};
+    QSet<QString> keys;
+    for (const Item& item : items) {
+        const QAction* action = find<QAction>(item.name);
+        EXPECT_EQ(action->text().toStdString(), item.caption);
+        EXPECT_TRUE(action->shortcut().isEmpty() || !keys.contains(action->shortcut().toString()))
+            << item.name;
+        keys.insert(action->shortcut().toString());
+    }
+    const Item toolTips[] = {{"cmdStartStop", "Start/Stop graphing."},
+                             {"cmdShutter", "Open/Close DRX-9 shutter & start graphing."},
+                             {"cmdZero", "Zero DRX-9 thickness."},
+                             {"cboFilms", "Set DRX-9 film."},
+                             {"TxtData_1", "Average rate of active sensors."},
+                             {"TxtData_2", "Average thickness of active sensors."},
+                             {"TxtData_3", "Rate of this sensor."},
+                             {"TxtData_8", "Rate of this sensor."},
+                             {"TxtData_9", "Final thickness setpoint."},
+                             {"TxtData_11", "Estimtaed time to final thickness."}};
+    for (const Item& item : toolTips) {
+        EXPECT_EQ(find<QWidget>(item.name)->toolTip().toStdString(), item.caption) << item.name;
+    }
+    EXPECT_EQ(textOf("LblData_3"), "Rate 1");
+}
+
+TEST_F(MainWindow, ShowsTheInstrumentAfterStartUp) {
+    bringUp();
+    tick();
+    EXPECT_EQ(window->windowTitle().toStdString(), "DRX9 Comm - [Ver. 4.08]");
+    EXPECT_EQ(find<QComboBox>("cboFilms")->count(), 9);
+    const std::pair<const char*, const char*> texts[] = {
+        {"TxtData_1", "2.00"},  {"TxtData_2", "1.250"}, {"TxtData_3", "2.00"},        {"TxtData_5", "OFF"},
+        {"TxtData_9", "6.000"}, {"TxtData_10", ""},     {"LblData_3", "Rate 1 (A/s)"}};
+    for (const auto& [name, text] : texts) {
+        EXPECT_EQ(textOf(name), text) << name;
+    }
+    EXPECT_EQ(find<QWidget>("TxtData_3")->accessibleName().toStdString(), "Rate 1 (A/s)");
+    EXPECT_FALSE(find<QWidget>("lblNotFound")->isVisible());
+    EXPECT_TRUE(find<QWidget>("oc2AvgRate")->isVisible());
+}
+
+TEST_F(MainWindow, HidesTheRunControlsOffLine) {
+    silent = true;
+    boxes.allow("Instrument not found");
+    monitor->Form_Load();
+    EXPECT_EQ(window->windowTitle().toStdString(), "DRX9 Comm - [Off Line]");
+    for (const char* name : {"cmdStartStop", "cmdZero", "cmdShutter", "cboFilms", "lblFilm"}) {
+        EXPECT_FALSE(find<QWidget>(name)->isVisible()) << name;
+    }
+    EXPECT_TRUE(find<QWidget>("lblNotFound")->isVisible());
+    EXPECT_EQ(textOf("TxtData_1"), "");
+    EXPECT_TRUE(find<QAction>("mnuSetupComm")->isEnabled());
+    QTest::keyClick(window.get(), Qt::Key_F9, Qt::ShiftModifier); // dead while hidden
+    EXPECT_FALSE(monitor->requests().startStop);
+}
+
+TEST_F(MainWindow, ButtonsRaiseRequestsAndStayDownUntilTheyAreCarriedOut) {
+    bringUp();
+    struct Press {
+        const char* name;
+        Qt::Key key;
+        bool Monitor::Requests::*flag;
+    };
+    const Press presses[] = {{"cmdZero", Qt::Key_F7, &Monitor::Requests::zero},
+                             {"cmdShutter", Qt::Key_F8, &Monitor::Requests::shutter},
+                             {"cmdStartStop", Qt::Key_F9, &Monitor::Requests::startStop}};
+    for (const Press& press : presses) {
+        for (const bool byKey : {false, true}) {
+            auto* button = find<QPushButton>(press.name);
+            if (byKey) {
+                window->activateWindow();
+                QTest::keyClick(window.get(), press.key, Qt::ShiftModifier);
+            } else {
+                click(press.name);
+            }
+            EXPECT_TRUE(monitor->requests().*press.flag) << press.name << byKey;
+            EXPECT_TRUE(button->isDown()) << press.name << byKey;
+            tick();
+            EXPECT_FALSE(button->isDown()) << press.name << byKey;
+        }
+    }
+}
+
+TEST_F(MainWindow, OnlyTheOperatorsChoiceOfAFilmIsARequest) {
+    bringUp();
+    EXPECT_FALSE(monitor->requests().film);
+    QTest::keyClick(find<QComboBox>("cboFilms"), Qt::Key_Down);
+    EXPECT_TRUE(monitor->requests().film);
+    EXPECT_EQ(requestsOfTick().front(), "D2");
+}
+
+TEST_F(MainWindow, ARunLocksSetupAndTurnsTheButtonRed) {
+    bringUp();
+    click("cmdStartStop");
+    tick();
+    tick();
+    EXPECT_EQ(textOf("cmdStartStop"), "STOP");
+    for (const char* name :
+         {"mnuFileLog", "mnuSetupFilms", "mnuSetupSystem", "mnuSetupComm", "mnuHelpAbout"}) {
+        EXPECT_FALSE(find<QAction>(name)->isEnabled()) << name;
+    }
+    EXPECT_FALSE(find<QComboBox>("cboFilms")->isEnabled());
+    const QImage face = find<QWidget>("cmdStartStop")->grab().toImage();
+    const double scale = face.devicePixelRatio();
+    const QPoint corner(static_cast<int>(20 * scale), static_cast<int>(15 * scale));
+    EXPECT_EQ(face.pixelColor(corner), QColor(255, 0, 0));
+    click("cmdStartStop");
+    tick();
+    EXPECT_EQ(textOf("cmdStartStop"), "START");
+    EXPECT_EQ(find<QWidget>("cmdStartStop")->grab().toImage().pixelColor(corner), QColor(0, 255, 0));
+}
+
+TEST_F(MainWindow, OldReadingsTurnSlantedThenDated) {
+    bringUp();
+    tick();
+    const auto slanted = [this](const char* name) { return find<QWidget>(name)->font().italic(); };
+    EXPECT_FALSE(slanted("TxtData_1"));
+    silent = true;
+    clock.advance(0.8);
+    window->changed();
+    EXPECT_TRUE(slanted("TxtData_1"));
+    EXPECT_FALSE(slanted("TxtData_9"));
+    EXPECT_EQ(find<NoticePlate>("lblNotice")->text(), QString());
+    clock.advance(13);
+    window->changed();
+    EXPECT_EQ(find<NoticePlate>("lblNotice")->text().toStdString(), "No reply for 13 s. Trying again.");
+    EXPECT_NE(charts.chart(1).note().toStdString().find("No readings since"), std::string::npos);
+    silent = false;
+    tick(); // reconnects where the link had been given up
+    tick();
+    EXPECT_FALSE(slanted("TxtData_1"));
+    EXPECT_EQ(find<NoticePlate>("lblNotice")->text(), QString());
+}
+
+TEST_F(MainWindow, OneFailedExchangeMarksItsOwnField) {
+    special["L2"] = replyPacket('D', "");
+    bringUp();
+    tick();
+    EXPECT_FALSE(find<QWidget>("TxtData_3")->font().italic());
+    EXPECT_TRUE(find<QWidget>("TxtData_4")->font().italic());
+}
+
+TEST_F(MainWindow, ViewItemsFollowWhatIsShownNotTheClick) {
+    bringUp();
+    choose("mnuGraphChanThk");
+    choose("mnuSensorFreq");
+    EXPECT_TRUE(find<QWidget>("oc2ChanThick")->isVisible());
+    EXPECT_FALSE(find<QWidget>("oc2AvgRate")->isVisible());
+    EXPECT_EQ(textOf("LblData_3"), "Freq 1 (Hz)");
+    choose("mnuSensorFreq"); // already checked: stays so
+    EXPECT_TRUE(find<QAction>("mnuSensorFreq")->isChecked());
+    EXPECT_FALSE(find<QAction>("mnuSensorRate")->isChecked());
+    {
+        const ActionQueue::Scope exchange(actions);
+        choose("mnuGraphAvgRate");
+        EXPECT_FALSE(find<QAction>("mnuGraphAvgRate")->isChecked()) << "in mid-exchange it waits";
+    }
+    pump.runPosted();
+    EXPECT_TRUE(find<QAction>("mnuGraphAvgRate")->isChecked());
+}
+
+TEST_F(MainWindow, ClosingWaitsForTheExchangeInHand) {
+    bringUp();
+    {
+        const ActionQueue::Scope exchange(actions);
+        window->close();
+        window->close(); // impatient
+        EXPECT_TRUE(window->isVisible());
+        EXPECT_EQ(saves, 0);
+    }
+    pump.runPosted();
+    EXPECT_EQ(saves, 1);
+    EXPECT_EQ(monitor->RunMode(), kExiting);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(MainWindow, ItemsOfLaterWindowsSaySo) {
+    bringUp();
+    for (const char* name :
+         {"mnuSetupFilms", "mnuSetupSystem", "mnuSetupComm", "mnuSetupGraphs", "mnuHelpHelp"}) {
+        boxes.expectShow("Not in this build.");
+        choose(name);
+        EXPECT_TRUE(boxes.allCame()) << name;
+    }
+}
+
+TEST_F(MainWindow, StepsFollowTheSizeWithoutFlicker) {
+    struct Case {
+        QSize size;
+        frmMain::Step step;
+        int primary; ///< pixels of the average rate
+    };
+    const Case cases[] = {{{940, 540}, frmMain::Step::S, 56},   {{1199, 900}, frmMain::Step::S, 56},
+                          {{1200, 720}, frmMain::Step::M, 72},  {{1190, 720}, frmMain::Step::M, 72},
+                          {{1183, 720}, frmMain::Step::S, 56},  {{1720, 900}, frmMain::Step::L, 104},
+                          {{1720, 884}, frmMain::Step::L, 104}, {{1720, 883}, frmMain::Step::M, 72}};
+    bringUp();
+    tick();
+    for (const Case& c : cases) {
+        window->resize(c.size);
+        EXPECT_EQ(window->size(), c.size);
+        EXPECT_EQ(window->step(), c.step) << c.size.width() << " x " << c.size.height();
+        EXPECT_EQ(find<QWidget>("TxtData_1")->font().pixelSize(), c.primary);
+    }
+}
+
+TEST_F(MainWindow, ADigitIsNeverCut) {
+    const char* texts[] = {"9.99", "999.99", "-9.999", "6000000.0", "123456789.12"};
+    for (const QSize size : {QSize(940, 540), QSize(1280, 800), QSize(1720, 900)}) {
+        window->resize(size);
+        for (const char* text : texts) {
+            for (const char* name : {"TxtData_1", "TxtData_2", "TxtData_3", "TxtData_9"}) {
+                auto* readout = find<Readout>(name);
+                readout->showText(QString::fromLatin1(text));
+                EXPECT_LE(QFontMetrics(readout->font()).horizontalAdvance(readout->text()), readout->width())
+                    << name << " " << text;
+            }
+        }
+    }
+}
+
+TEST_F(MainWindow, TabAndArrowsReachEverything) {
+    bringUp();
+    tick();
+    window->activateWindow();
+    find<QWidget>("cboFilms")->setFocus();
+    for (const char* next :
+         {"cmdZero", "cmdShutter", "cmdStartStop", "TxtData_1", "oc2AvgRate", "cboFilms"}) {
+        key(Qt::Key_Tab);
+        ASSERT_NE(QApplication::focusWidget(), nullptr);
+        EXPECT_EQ(QApplication::focusWidget()->objectName().toStdString(), next);
+    }
+    find<QWidget>("TxtData_1")->setFocus();
+    for (const char* next : {"TxtData_2", "TxtData_9", "TxtData_10", "TxtData_11", "TxtData_3"}) {
+        key(Qt::Key_Right);
+        EXPECT_EQ(QApplication::focusWidget()->objectName().toStdString(), next);
+    }
+    for (const char* next : {"oc2AvgRate", "cboFilms", "TxtData_1"}) {
+        key(Qt::Key_F6);
+        EXPECT_EQ(QApplication::focusWidget()->objectName().toStdString(), next);
+    }
+}
+
+} // namespace
+} // namespace drx9

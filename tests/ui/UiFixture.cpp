@@ -1,0 +1,2 @@
+// The monitor's fixture serves the windows too.
+#include "monitor/MonitorFixture.cpp"

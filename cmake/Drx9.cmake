@@ -7,6 +7,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   # Clang's -Wshadow and g++'s agree but for captured lambda names; -Wconversion adds sign conversions only in g++'s C mode.
   target_compile_options(drx9_flags INTERFACE -Wno-sign-conversion)
 endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # g++ 12 warns of overlapping copies inside std::string's own operator+ (GCC bug 105651), and of uninitialised
+  # values inside an empty std::optional (GCC bug 80635).
+  target_compile_options(drx9_flags INTERFACE -Wno-restrict -Wno-maybe-uninitialized)
+endif()
 if(DRX9_SANITIZE)
   target_compile_options(drx9_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
                                               -fno-omit-frame-pointer)

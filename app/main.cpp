@@ -1,0 +1,32 @@
+#include "app/Program.h"
+#include "platform/DataFolder.h"
+#include "platform/os/OsFilePort.h"
+#include "platform/qt/LocaleFromSystem.h"
+#include "platform/qt/SingleInstance.h"
+#include "util/controls/Theme.h"
+
+#include <QApplication>
+#include <QStandardPaths>
+
+using namespace drx9;
+
+int main(int argc, char* argv[]) {
+    QApplication application(argc, argv);
+    QApplication::setApplicationName("DRX9 Comm");
+    QApplication::setApplicationVersion(DRX9_VERSION);
+    applyDesktopTheme(application);
+
+    const std::unique_ptr<FilePort> files = makeOsFilePort();
+    const Paths paths = chooseDataFolder(
+        *files, QApplication::applicationDirPath().toStdString(),
+        QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation).toStdString());
+    const SingleInstance instance(paths.dataFolder);
+    if (!instance.isFirst()) {
+        QtMessageBoxes().show("DRX9 Comm is already running with the files in " + paths.dataFolder + ".",
+                              "DRX9 Comm", MessageIcon::Information);
+        return 1;
+    }
+    Program program(*files, paths, localeFromSystem());
+    program.start();
+    return QApplication::exec();
+}

@@ -4,6 +4,7 @@
 #include "monitor/frmDataLog.h"
 #include "util/controls/Readout.h"
 #include "util/controls/StartStopButton.h"
+#include "util/frmAbout.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -93,8 +94,7 @@ void frmMain::buildViewMenu() {
     for (std::size_t i = 0; i < sensors.size(); ++i) {
         const auto item = static_cast<std::int16_t>(i + 1);
         sensorItems_[i] = addItem(view, sensors[i].name, sensors[i].caption, viewKey(item + 4), [this, item] {
-            readouts_.sensorItemClicked(item);
-            changed();
+            monitor_.sensorItemClicked(item);
         });
         sensorItems_[i]->setCheckable(true);
     }
@@ -135,7 +135,9 @@ void frmMain::showHelp() {
 }
 
 void frmMain::showAbout() {
-    notInThisBuild();
+    auto* about = new frmAbout(this);
+    about->setAttribute(Qt::WA_DeleteOnClose);
+    about->show();
 }
 
 void frmMain::addKey(const QKeySequence& key, std::function<void()> action) {

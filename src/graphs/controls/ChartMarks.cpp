@@ -15,6 +15,7 @@ constexpr int kNumberOffset = 15;
 constexpr int kNumberWidth = 12;
 constexpr int kNumberPixels = 13;
 constexpr double kLeaderGap = 6;
+constexpr double kEdgeReach = 4;
 constexpr double kTracerReach = 60;
 constexpr double kWheelZoom = 0.85;
 
@@ -47,6 +48,8 @@ std::vector<double> spread(const std::vector<double>& sorted, double step) {
 } // namespace
 
 std::vector<ChartPlot::EndMark> ChartPlot::endMarks() const {
+    // A value that ripples about the axis's end keeps its mark.
+    const QRectF reach = QRectF(axisRect()->rect()).adjusted(-1, -kEdgeReach, 1, kEdgeReach);
     std::vector<EndMark> marks;
     for (std::size_t i = 0; i < series_.size(); ++i) {
         const QCPGraph* graph = series_[i].graph;
@@ -54,11 +57,10 @@ std::vector<ChartPlot::EndMark> ChartPlot::endMarks() const {
             continue;
         }
         const auto last = graph->data()->constEnd() - 1;
-        if (!xAxis->range().contains(last->key) || !yAxis->range().contains(last->value)) {
-            continue;
+        const QPointF dot(xAxis->coordToPixel(last->key), yAxis->coordToPixel(last->value));
+        if (xAxis->range().contains(last->key) && reach.contains(dot)) {
+            marks.push_back({dot, 0, static_cast<int>(i)});
         }
-        marks.push_back(
-            {{xAxis->coordToPixel(last->key), yAxis->coordToPixel(last->value)}, 0, static_cast<int>(i)});
     }
     std::sort(marks.begin(), marks.end(),
               [](const EndMark& a, const EndMark& b) { return a.dot.y() < b.dot.y(); });

@@ -325,6 +325,10 @@ QRect Drx9Style::subElementRect(SubElement element, const QStyleOption* option, 
     if (element == SE_ProgressBarContents || element == SE_ProgressBarGroove) {
         return option->rect;
     }
+    if (element == SE_LineEditContents) {
+        const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+        return frame != nullptr && frame->lineWidth > 0 ? option->rect.adjusted(6, 2, -6, -2) : option->rect;
+    }
     return QProxyStyle::subElementRect(element, option, widget);
 }
 
@@ -381,6 +385,7 @@ int Drx9Style::pixelMetric(PixelMetric metric, const QStyleOption* option, const
 int Drx9Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                          QStyleHintReturn* data) const {
     switch (hint) {
+    case SH_DialogButtonBox_ButtonsHaveIcons:
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
         return 0;

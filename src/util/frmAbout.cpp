@@ -1,0 +1,81 @@
+#include "util/frmAbout.h"
+
+#include "util/controls/Theme.h"
+
+#include <QDate>
+#include <QCoreApplication>
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+#include <QSysInfo>
+#include <QTextBrowser>
+#include <QVBoxLayout>
+
+namespace drx9 {
+
+namespace {
+constexpr int kWidth = 452;
+constexpr int kLicenceHeight = 96;
+
+/// The day this was built, as the compiler gives it ("Nov  5 2026").
+QString buildDate() {
+    const QString compiled = QString::fromLatin1(__DATE__).simplified();
+    const QDate date = QLocale::c().toDate(compiled, QStringLiteral("MMM d yyyy"));
+    return QLocale().toString(date, QLocale::LongFormat);
+}
+
+QString licences() {
+    return QStringLiteral(
+        "<p>DRX9 Comm is free software under the GNU General Public License, version 3 or later. It "
+        "comes without any warranty.</p>"
+        "<p>It uses Qt (LGPL version 3) and QCustomPlot (GPL version 3 or later).</p>");
+}
+
+QString systemInfo() {
+    return QStringLiteral("<p>%1<br>%2, kernel %3 %4<br>Qt %5</p>")
+        .arg(QSysInfo::prettyProductName(), QSysInfo::currentCpuArchitecture(), QSysInfo::kernelType(),
+             QSysInfo::kernelVersion(), QString::fromLatin1(qVersion()));
+}
+} // namespace
+
+frmAbout::frmAbout(QWidget* owner)
+    : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
+    setObjectName(QStringLiteral("frmAbout"));
+    setWindowTitle(QStringLiteral("About DRX9 Comm"));
+    auto* name = new QLabel(QStringLiteral("DRX9 Comm"), this);
+    name->setFont(fontOfSize(font(), 20, true));
+    auto* version = new QLabel(
+        QStringLiteral("Version %1, %2").arg(QCoreApplication::applicationVersion(), buildDate()), this);
+    version->setForegroundRole(kMutedRole);
+    auto* text = new QTextBrowser(this);
+    text->setHtml(licences());
+    text->setAccessibleName(QStringLiteral("Licences"));
+    text->setFixedHeight(kLicenceHeight);
+    auto* info = new QPushButton(QStringLiteral("System Info..."), this);
+    auto* ok = new QPushButton(QStringLiteral("OK"), this);
+    info->setObjectName(QStringLiteral("cmdSysInfo"));
+    ok->setObjectName(QStringLiteral("cmdOK"));
+    info->setAutoDefault(false);
+    ok->setDefault(true);
+    connect(info, &QPushButton::clicked, text, [text] { text->setHtml(systemInfo()); });
+    connect(ok, &QPushButton::clicked, this, &QDialog::close);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(info);
+    buttons->addStretch(1);
+    buttons->addWidget(ok);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(16, 16, 16, 16);
+    column->setSpacing(8);
+    column->setSizeConstraint(QLayout::SetFixedSize);
+    column->addWidget(name);
+    column->addWidget(version);
+    column->addWidget(text);
+    column->addLayout(buttons);
+    text->setMinimumWidth(kWidth - 32);
+    ok->setFocus();
+}
+
+} // namespace drx9

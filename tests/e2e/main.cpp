@@ -1,0 +1,19 @@
+// The tests run inside the application's event loop, as the program does.
+#include "util/controls/Theme.h"
+
+#include <QApplication>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    testing::InitGoogleTest(&argc, argv);
+    QApplication app(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    drx9::applyDesktopTheme(app);
+    QTimer::singleShot(0, &app, [] { QApplication::exit(RUN_ALL_TESTS()); });
+    return QApplication::exec();
+}

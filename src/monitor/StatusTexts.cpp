@@ -106,7 +106,8 @@ StatusFacts statusFacts(Monitor& monitor, double now) {
     facts.replyAge = now - parts.link.lastReplyTime();
     facts.pauseReason = parts.timer.holdReason();
     facts.link = parts.settings.link;
-    facts.lastExchange = monitor.lastExchange();
+    facts.lastExchange =
+        facts.controlsVisible ? monitor.lastExchange() : commStatusText(parts.link.CommStatus());
     facts.instrumentNotice = monitor.notice();
     facts.lastReading = monitor.lastGoodReadingTime();
     facts.runStart = monitor.runStart();
@@ -186,7 +187,7 @@ StatusText staLink(const StatusFacts& facts) {
 }
 
 StatusText staReply(const StatusFacts& facts) {
-    if (!facts.started) {
+    if (!facts.started || facts.lastExchange.empty()) {
         return {};
     }
     return {"Last exchange: " + facts.lastExchange, facts.lastExchange};

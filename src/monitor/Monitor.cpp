@@ -186,6 +186,15 @@ void Monitor::cboFilms_Click(int index) {
     changed();
 }
 
+void Monitor::sensorItemClicked(std::int16_t item) {
+    parts_.readouts.sensorItemClicked(item);
+    if (hasReading()) {
+        refreshReadouts();
+    } else {
+        changed();
+    }
+}
+
 std::string Monitor::shutterCaption() const {
     return shutterState_ > 0 ? "Close Shutter" : "Open Shutter";
 }

@@ -99,6 +99,9 @@ public:
     /// `index` is the chosen entry of the film list, from 0.
     void cboFilms_Click(int index);
     [[nodiscard]] const Requests& requests() const { return requests_; }
+    /// The view menu's sensor items, 1 rate, 2 thickness, 3 frequency: the fields change with their labels,
+    /// also while nothing is read.
+    void sensorItemClicked(std::int16_t item);
 
     // What the window shows.
 

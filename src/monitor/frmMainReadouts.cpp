@@ -81,7 +81,8 @@ void frmMain::showRunControls() {
     setDownIfDiffers(cmdStartStop_, requests.startStop, shownRequests_.startStop);
     if (shownMode_ != monitor_.RunMode()) {
         shownMode_ = monitor_.RunMode();
-        if (running && (cboFilms_->hasFocus() || focusWidget() == nullptr)) {
+        // The film list is locked now; not hasFocus(), which is false while another window is active.
+        if (running && (focusWidget() == cboFilms_ || focusWidget() == nullptr)) {
             cmdStartStop_->setFocus();
         }
     }

@@ -70,13 +70,13 @@ TEST_F(CommandsTest, AFailedExchangeCountsAsZeroAndTwoTimeOutsEndTheReading) {
     read();
     packets["P1"] = replyPacket('B', "");
     packets["O"] = good("1") + "x";
-    packets["L1"] = "";
-    EXPECT_EQ(read(), Commands::ReadResult::Done) << "one time-out alone does not end it";
-    EXPECT_EQ(readings.frequency[0] + readings.rate[0] + readings.averageThickness, 0);
+    packets["L1"] = packets["M"] = "";
+    EXPECT_EQ(read(), Commands::ReadResult::Done) << "two time-outs with answers between do not end it";
+    EXPECT_EQ(readings.frequency[0] + readings.rate[0] + readings.averageRate + readings.averageThickness, 0);
     EXPECT_EQ(readings.thickness[0], 0.25);
     EXPECT_EQ(commands.readFailure(), "O: Checksum Error");
     std::bitset<kValueCount> marks;
-    marks.set(valueIndex(Value::Frequency, 0)).set(valueIndex(Value::Rate, 0));
+    marks.set(valueIndex(Value::Frequency)).set(valueIndex(Value::Rate)).set(valueIndex(Value::AverageRate));
     EXPECT_EQ(readings.failed, marks.set(valueIndex(Value::AverageThickness)));
 
     bench.link.setCommStatus(comm::kOk);
@@ -171,7 +171,7 @@ TEST_F(CommandsTest, FilmReplies) {
     FilmRecord film;
     packets["A5?"] = good("Al  2   2.7  100   1.08 1  .5  60  3 99");
     packets["A6?"] = good("ALUMIN__x");
-    packets["A7?"] = good("\xE9short");
+    packets["A7?"] = good("\xE9shorter");
     packets["A8?"] = replyPacket('E', "");
     EXPECT_FALSE(commands.Comm_GetFilm(5, film));
     EXPECT_EQ(film.FilmName, "Al  2   ");
@@ -179,7 +179,7 @@ TEST_F(CommandsTest, FilmReplies) {
     EXPECT_EQ(film.SensorAvg, 3);
     EXPECT_FALSE(commands.Comm_GetFilm(6, film));
     EXPECT_EQ(film.Density, 0);
-    bench.boxes.expectShow("Get Film Error: \xC3\xA9short");
+    bench.boxes.expectShow("Get Film Error: \xC3\xA9shorter");
     bench.boxes.expectShow("Get Film Error: ");
     EXPECT_TRUE(commands.Comm_GetFilm(7, film));
     EXPECT_TRUE(commands.Comm_GetFilm(8, film));

@@ -66,7 +66,7 @@ std::vector<Case> replyCases() {
         {"noise before", "A#4" + reply, "0 1.25"},
         {"a new start within", "!(A9.9" + reply, "0 1.25"},
         {"length bytes passed over shift the data", passedOver, "0 (A1.25"},
-        {"length of noise", "!\x05\x41\x42" + reply, "0 1.25"},
+        {"a length of noise ends the packet", "!\x05" + reply.substr(1), "1 "},
         {"silence", "", "1 "},
         {"cut", reply.substr(0, reply.size() - 1), "1 "},
         {"shortest packet, then a good one", "!\"x" + reply, "7 ", "0 1.25"},
@@ -176,6 +176,15 @@ TEST_P(EachLink, ACommandGivenInAWaitGoesNext) {
     EXPECT_EQ(link.outcome(), comm::kOk) << "of the first one";
     EXPECT_EQ(bench.wire().commands(), (std::vector<std::string>{"P1", "D5"}));
     EXPECT_FALSE(bench.actions.busy());
+}
+
+TEST_P(EachLink, AStatusSetInAWaitLetsNoSecondCommandIn) {
+    bench.pump.atPump(2, [this] {
+        link.setCommStatus(comm::kOk);
+        link.Comm_Send("T");
+        EXPECT_EQ(bench.wire().commands(), std::vector<std::string>{"P1"});
+    });
+    EXPECT_EQ(exchanged(bench), "1 ") << "of T, sent when the exchange was over";
 }
 
 TEST_P(EachLink, AnExceptionLeavesNoBusyBehind) {

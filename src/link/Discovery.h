@@ -15,8 +15,8 @@ class Discovery {
 public:
     static constexpr int kMaxUsbDevices = 8;
 
-    /// Blocking at start-up and for the Find button; reconnecting shows one non-blocking box per loss, closed by
-    /// success.
+    /// Blocking at start-up and for the Find button; reconnecting shows one non-blocking box per loss, closed
+    /// by success.
     using Messages = drx9::Messages;
 
     Discovery(Link& link, LinkSettings& settings, Transports& transports, EventPump& pump, const Clock& clock,

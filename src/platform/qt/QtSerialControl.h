@@ -13,9 +13,10 @@
 
 namespace drx9 {
 
-/// The serial communications control over a QSerialPort. "COMn" is the port of that name on Windows; elsewhere
-/// what the symbolic link COMn in the program's folder points to, else the n-th device of a SerialPortList,
-/// whose order is fixed by the first look, half a second after this object is made at the latest.
+/// The serial communications control over a QSerialPort. "COMn" is the port of that name on Windows;
+/// elsewhere what the symbolic link COMn in the program's folder points to, else the n-th device of a
+/// SerialPortList, whose order is fixed by the first look, half a second after this object is made at the
+/// latest.
 class QtSerialControl : public QObject, public SerialControl {
 public:
     QtSerialControl(EventPump& pump, std::string programFolder);

@@ -118,8 +118,10 @@ std::size_t QtSocketControl::bytesReceived() {
 
 std::string QtSocketControl::getData() {
     std::string bytes = std::exchange(received_, {});
-    if (bytes.size() >= kMostWaiting && state_ == kConnected)
+    if (bytes.size() >= kMostWaiting && state_ == kConnected) {
         receive();
+        pump_.wake(); // no event of the socket will tell of these
+    }
     return bytes;
 }
 

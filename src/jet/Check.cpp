@@ -3,7 +3,6 @@
 #include "jet/Catalog.h"
 
 #include <algorithm>
-#include <map>
 #include <set>
 
 namespace drx9::jet {
@@ -11,6 +10,7 @@ namespace drx9::jet {
 namespace {
 
 constexpr std::size_t kMostFaults = 200;
+constexpr std::size_t kMostTreeFaults = 10;
 
 std::string pageName(PageNo page) {
     return "page " + std::to_string(page);
@@ -45,8 +45,9 @@ private:
     struct TableCheck {
         const CatalogEntry& entry;
         const Table& table;
-        std::map<RowId, Record> rows;
+        std::vector<RowId> rows; ///< in order
         std::set<PageNo> pages;
+        std::size_t budget; ///< for long values
     };
 
     template<class Work>
@@ -117,7 +118,7 @@ private:
             claim(entry.name, page, "definition");
         }
         ++result_.tables;
-        TableCheck check{entry, table, {}, {}};
+        TableCheck check{entry, table, {}, {}, store_.image().size()};
         checkDataPages(check);
         checkLongValuePages(check);
         checkRows(check);
@@ -193,7 +194,8 @@ private:
                                !reached.insert(readPointer(Bytes(slot.bytes), 0)).second) {
                         fault(check.entry.name, rowName(id) + " leads to the bytes of another row");
                     } else if (slot.kind != SlotKind::Deleted) {
-                        guarded(check.entry.name, [&] { check.rows.emplace(id, check.table.read(id)); });
+                        guarded(check.entry.name, [&] { checkValues(check, id); });
+                        check.rows.push_back(id);
                     }
                 }
             });
@@ -203,168 +205,163 @@ private:
                 fault(check.entry.name, "no row leads to the moved " + rowName(id));
             }
         }
-        checkValues(check);
     }
 
-    void checkValues(const TableCheck& check) {
-        const auto& columns = check.table.definition().columns;
-        std::size_t budget = store_.image().size();
-        for (const auto& [id, record] : check.rows) {
-            for (std::size_t i = 0; i < columns.size(); ++i) {
-                try {
-                    if (const auto bytes = record.stored(i, budget)) {
-                        decodeValue(store_.text(), columns[i], *bytes);
-                    }
-                } catch (const JetError& error) {
-                    fault(check.entry.name,
-                          rowName(id) + ", column \"" + columns[i].name + "\": " + error.reason());
-                    budget = 0; // no second long read of a damaged file
-                }
+    void checkValues(TableCheck& check, RowId id) {
+        const Definition& definition = check.table.definition();
+        const RowReader row = check.table.reader(id);
+        for (std::size_t i = 0; i < definition.columns.size(); ++i) {
+            try {
+                valueOf(store_, definition, row, i, check.budget);
+            } catch (const JetError& error) {
+                fault(check.entry.name,
+                      rowName(id) + ", column \"" + definition.columns[i].name + "\": " + error.reason());
+                check.budget = 0; // no second long read of a damaged file
             }
         }
     }
 
     // ---- Indexes ----
 
+    /// A walk over one tree, entry by entry: a page's entries may be a hundred times as long as the page.
     struct TreeCheck {
+        const TableCheck& table;
+        const RealIndex& index;
         std::set<PageNo> pages;
-        std::vector<PageNo> leaves; ///< from left to right as the nodes have them
-        std::vector<std::string> entries;
+        PageNo lastLeaf = 0;
+        PageNo linkedLeaf = 0;  ///< what the last leaf calls the next one
+        std::string last;       ///< entry
+        std::vector<bool> seen; ///< by position in TableCheck::rows
+        std::size_t budget = 0;
+        std::size_t faults = 0;
+        bool unkeyed = false;
     };
+
+    /// False when a tree has so many faults that the rest is not worth looking at.
+    bool treeFault(TreeCheck& tree, const std::string& what) {
+        fault(tree.table.entry.name, "index \"" + tree.index.name + "\": " + what);
+        return ++tree.faults < kMostTreeFaults;
+    }
 
     void checkIndex(const TableCheck& check, const RealIndex& index) {
         ++result_.indexes;
-        const std::string name = "index \"" + index.name + "\": ";
         claimMap(check.entry.name, index.map);
-        TreeCheck tree;
-        checkNode(check, index, index.root, std::nullopt, tree);
-        checkLeafChain(check, index, tree);
+        TreeCheck tree{
+            check, index, {}, 0, 0, {}, std::vector<bool>(check.rows.size()), store_.image().size(),
+            0,     false};
+        checkNode(tree, index.root, std::nullopt, std::nullopt);
+        if (tree.linkedLeaf != 0) {
+            treeFault(tree, "its last leaf has a next one");
+        }
         const auto mapped = UsageMap(store_, index.map).pages();
         if (std::set<PageNo>(mapped.begin(), mapped.end()) != tree.pages) {
-            fault(check.entry.name, name + "its map does not hold exactly the pages of its tree");
+            treeFault(tree, "its map does not hold exactly the pages of its tree");
         }
-        for (std::size_t i = 1; i < tree.entries.size(); ++i) {
-            if (tree.entries[i - 1] >= tree.entries[i]) {
-                fault(check.entry.name, name + "its entries are out of order");
-                break;
-            }
-        }
-        checkEntries(check, index, tree);
+        checkMissing(tree);
+        result_.unkeyed += tree.unkeyed ? 1 : 0;
     }
 
     /// Claims and reads a page and what hangs below it. Entries must not lie above `limit`, the separator
     /// that led here.
-    void checkNode(const TableCheck& check, const RealIndex& index, PageNo number,
-                   const std::optional<std::string>& limit, TreeCheck& tree,
-                   std::optional<std::size_t> height = std::nullopt) {
-        const std::string name = "index \"" + index.name + "\": ";
-        if (!claim(check.entry.name, number, name + "tree")) {
+    void checkNode(TreeCheck& tree, PageNo number, const std::optional<std::string>& limit,
+                   std::optional<std::size_t> height) {
+        if (tree.faults >= kMostTreeFaults ||
+            !claim(tree.table.entry.name, number, "index \"" + tree.index.name + "\"")) {
             return;
         }
         tree.pages.insert(number);
         const IndexPage page = readIndexPage(store_, number);
-        if (page.owner != check.table.definition().page()) {
-            fault(check.entry.name, name + pageName(number) + " names another owner");
+        if (page.owner != tree.table.table.definition().page()) {
+            treeFault(tree, pageName(number) + " names another owner");
         }
         if (page.statedFree != page.actualFree) {
-            fault(check.entry.name, name + pageName(number) + " has a wrong free count");
+            treeFault(tree, pageName(number) + " has a wrong free count");
         }
         // Some writers leave the height 0 on nodes.
         if ((page.leaf && page.height != 0) || (height && page.height != 0 && page.height != *height)) {
-            fault(check.entry.name, name + pageName(number) + " has a wrong height");
+            treeFault(tree, pageName(number) + " has a wrong height");
         }
         if (page.leaf) {
-            if (limit && !page.entries.empty() && page.entries.back() > *limit) {
-                fault(check.entry.name, name + pageName(number) + " has entries beyond its node's");
+            checkLeaf(tree, number, page);
+            if (limit && page.count() > 0 && page.back() != *limit) {
+                treeFault(tree, "the node above " + pageName(number) + " does not repeat its last entry");
             }
-            tree.leaves.push_back(number);
-            tree.entries.insert(tree.entries.end(), page.entries.begin(), page.entries.end());
             return;
         }
         const auto below = page.height > 0 ? std::optional<std::size_t>(page.height - 1) : std::nullopt;
-        for (const auto& entry : page.entries) {
-            const std::string separator(nodeSeparator(entry));
-            const std::size_t before = tree.entries.size();
-            checkNode(check, index, nodeChild(entry), separator, tree, below);
-            if (tree.entries.size() > before && tree.entries.back() != separator) {
-                fault(check.entry.name, name + pageName(number) + " does not repeat the last entry below it");
-            }
+        for (std::size_t i = 0; i < page.count(); ++i) {
+            checkNode(tree, nodeChild(page.entry(i)), std::string(nodeSeparator(page.entry(i))), below);
         }
-        checkNode(check, index, page.tail, limit, tree, below);
+        checkNode(tree, page.tail, limit, below);
     }
 
-    void checkLeafChain(const TableCheck& check, const RealIndex& index, const TreeCheck& tree) {
-        for (std::size_t i = 0; i < tree.leaves.size(); ++i) {
-            const IndexPage page = readIndexPage(store_, tree.leaves[i]);
-            const PageNo previous = i > 0 ? tree.leaves[i - 1] : 0;
-            const PageNo next = i + 1 < tree.leaves.size() ? tree.leaves[i + 1] : 0;
-            if (page.previous != previous || page.next != next) {
-                fault(check.entry.name, "index \"" + index.name + "\": its leaves are not linked in order");
+    void checkLeaf(TreeCheck& tree, PageNo number, const IndexPage& page) {
+        if (page.previous != tree.lastLeaf || (tree.lastLeaf != 0 && tree.linkedLeaf != number)) {
+            treeFault(tree, "its leaves are not linked in order at " + pageName(number));
+        }
+        tree.lastLeaf = number;
+        tree.linkedLeaf = page.next;
+        for (std::size_t i = 0; i < page.count(); ++i) {
+            if (!checkEntry(tree, page.entry(i))) {
+                return;
             }
+            tree.last = page.entry(i);
         }
     }
 
-    /// The key that an index should have for a row; nothing for a row that is left out.
-    std::optional<std::string> expectedKey(const TableCheck& check, const RealIndex& index,
-                                           const Record& record) {
-        const IndexKey key = check.table.key(index, record);
-        if (key.hasNull && index.isRequired() && check.entry.user) {
-            fault(check.entry.name, "index \"" + index.name + "\": a row has no value for it");
+    bool checkEntry(TreeCheck& tree, std::string_view entry) {
+        const auto& rows = tree.table.rows;
+        const RowId id = entryRow(entry);
+        const auto at = std::lower_bound(rows.begin(), rows.end(), id);
+        if (!tree.last.empty() && tree.last >= entry && !treeFault(tree, "its entries are out of order")) {
+            return false;
         }
-        return key.allNull && index.ignoresNulls() ? std::nullopt : std::optional(key.bytes);
+        if (at == rows.end() || *at != id) {
+            return treeFault(tree, "it refers to " + rowName(id) + ", which does not exist");
+        }
+        const auto position = static_cast<std::size_t>(at - rows.begin());
+        if (tree.seen[position]) {
+            return treeFault(tree, "it has " + rowName(id) + " twice");
+        }
+        tree.seen[position] = true;
+        const auto key = keyOf(tree, id);
+        if (key && key->bytes != entryKey(entry)) {
+            return treeFault(tree, "it has another key for " + rowName(id) + " than the row's values give");
+        }
+        if (key && key->allNull && tree.index.ignoresNulls()) {
+            return treeFault(tree, "it should not have " + rowName(id));
+        }
+        const bool twice =
+            tree.index.isUnique() && !tree.last.empty() && entryKey(tree.last) == entryKey(entry);
+        return !twice || !key || key->hasNull || treeFault(tree, "it has a value twice that must be unique");
     }
 
-    void checkEntries(const TableCheck& check, const RealIndex& index, const TreeCheck& tree) {
-        const std::string name = "index \"" + index.name + "\": ";
-        std::map<RowId, std::string> keys;
-        for (const auto& entry : tree.entries) {
-            const RowId row = entryRow(entry);
-            if (check.rows.count(row) == 0) {
-                fault(check.entry.name, name + "it refers to " + rowName(row) + ", which does not exist");
-            } else if (!keys.emplace(row, entryKey(entry)).second) {
-                fault(check.entry.name, name + "it has " + rowName(row) + " twice");
+    /// The key that a row should have; nothing when it cannot be computed.
+    std::optional<IndexKey> keyOf(TreeCheck& tree, RowId id) {
+        try {
+            IndexKey key = tree.table.table.key(tree.index, tree.table.table.reader(id), tree.budget);
+            if (key.hasNull && tree.index.isRequired() && tree.table.entry.user) {
+                treeFault(tree, rowName(id) + " has no value for it");
             }
-        }
-        bool unkeyed = false;
-        for (const auto& [id, record] : check.rows) {
-            const auto entry = keys.find(id);
-            try {
-                const auto expected = expectedKey(check, index, record);
-                if (expected.has_value() != (entry != keys.end())) {
-                    fault(check.entry.name,
-                          name + (expected ? "it lacks " : "it should not have ") + rowName(id));
-                } else if (expected && entry->second != *expected) {
-                    fault(check.entry.name,
-                          name + "it has another key for " + rowName(id) + " than the row's values give");
-                }
-            } catch (const JetError& error) {
-                if (error.fault() != Fault::NoSortKey) {
-                    throw;
-                }
-                unkeyed = true;
-                if (entry == keys.end() && !index.ignoresNulls()) {
-                    fault(check.entry.name, name + "it lacks " + rowName(id));
-                }
+            return key;
+        } catch (const JetError& error) {
+            if (error.fault() != Fault::NoSortKey) {
+                throw;
             }
+            tree.unkeyed = true;
+            return std::nullopt;
         }
-        result_.unkeyed += unkeyed ? 1 : 0;
-        checkUnique(check, index, tree);
     }
 
-    void checkUnique(const TableCheck& check, const RealIndex& index, const TreeCheck& tree) {
-        for (std::size_t i = 1; index.isUnique() && i < tree.entries.size(); ++i) {
-            if (entryKey(tree.entries[i - 1]) != entryKey(tree.entries[i])) {
+    void checkMissing(TreeCheck& tree) {
+        for (std::size_t i = 0; i < tree.seen.size(); ++i) {
+            if (tree.seen[i]) {
                 continue;
             }
-            const auto row = check.rows.find(entryRow(tree.entries[i]));
-            const bool hasNull =
-                row != check.rows.end() &&
-                std::any_of(index.columns.begin(), index.columns.end(), [&](const IndexColumn& part) {
-                    return !row->second.fields()[check.table.definition().positionOf(part.number)];
-                });
-            if (!hasNull) {
-                fault(check.entry.name,
-                      "index \"" + index.name + "\": it has a value twice that must be unique");
+            const auto key = keyOf(tree, tree.table.rows[i]);
+            const bool leftOut = tree.index.ignoresNulls() && (!key || key->allNull);
+            if (!leftOut && !treeFault(tree, "it lacks " + rowName(tree.table.rows[i]))) {
+                return;
             }
         }
     }

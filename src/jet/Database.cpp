@@ -7,18 +7,18 @@ namespace drx9::jet {
 Table& SharedFile::table(const std::string& name) {
     if (version_ != store_.version()) {
         tables_.clear();
-        pages_.clear();
+        entries_.clear();
         version_ = store_.version();
     }
-    auto page = pages_.find(name);
-    if (page == pages_.end()) {
-        page = pages_.emplace(name, Catalog(store_).find(name).page).first;
+    auto entry = entries_.find(name);
+    if (entry == entries_.end()) {
+        entry = entries_.emplace(name, Catalog(store_).find(name)).first;
     }
-    auto& entry = tables_[page->second];
-    if (!entry) {
-        entry = std::make_unique<Table>(store_, page->second);
+    auto& parsed = tables_[entry->second.page];
+    if (!parsed) {
+        parsed = std::make_unique<Table>(store_, entry->second.page);
     }
-    return *entry;
+    return *parsed;
 }
 
 // ---- TableDef ----
@@ -159,17 +159,29 @@ void Database::Rollback() {
 
 // ---- DBEngine ----
 
+/// The store in which the file is open already, under this or another spelling of its path.
+std::shared_ptr<SharedFile> DBEngine::openFile(const std::string& path) {
+    std::erase_if(open_, [](const std::weak_ptr<SharedFile>& file) { return file.expired(); });
+    for (const auto& known : open_) {
+        auto file = known.lock();
+        const PageStore& store = file->store();
+        if (store.isFile(path) && (store.depth() > 0 || !store.changedOnDisk())) {
+            return file;
+        }
+    }
+    return nullptr;
+}
+
 std::unique_ptr<Database> DBEngine::OpenDatabase(const std::string& path) {
-    auto& known = open_[files_.resolveLinks(path)];
-    auto file = known.lock();
-    if (!file || (file->store().depth() == 0 && file->store().changedOnDisk())) {
+    auto file = openFile(path);
+    if (!file) {
         try {
             file = std::make_shared<SharedFile>(PageStore::open(files_, path));
         } catch (JetError& error) {
             error.nameFile(path);
             throw;
         }
-        known = file;
+        open_.push_back(file);
     }
     return std::make_unique<Database>(std::move(file));
 }

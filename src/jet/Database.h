@@ -5,7 +5,6 @@
 #include "jet/Schema.h"
 #include "jet/SharedFile.h"
 
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -108,8 +107,10 @@ public:
                                              const std::vector<TableSpec>& tables, DateTime created);
 
 private:
+    std::shared_ptr<SharedFile> openFile(const std::string& path);
+
     FilePort& files_;
-    std::map<std::string, std::weak_ptr<SharedFile>> open_;
+    std::vector<std::weak_ptr<SharedFile>> open_;
 };
 
 } // namespace drx9::jet

@@ -8,18 +8,12 @@ namespace {
 
 constexpr std::size_t kChildSize = 4;
 constexpr std::size_t kDeepest = 16;
+constexpr std::size_t kMostCompression =
+    40; ///< by shared prefixes; keeps a hostile file from filling the memory
 
 /// A page of more than one is filled to three quarters, so that the next inserts find room.
 std::size_t fillTarget(const Layout& layout) {
     return (layout.pageSize - layout.entriesAt) / 4 * 3;
-}
-
-std::size_t bytesOf(const std::vector<std::string>& entries) {
-    std::size_t bytes = 0;
-    for (const auto& entry : entries) {
-        bytes += entry.size();
-    }
-    return bytes;
 }
 
 bool fits(const Layout& layout, std::size_t bytes) {
@@ -38,9 +32,9 @@ void writeIndexPage(PageStore& store, PageNo number, const IndexPage& content) {
     page.u8(layout.heightAt, static_cast<std::uint32_t>(content.height));
     std::string bitmap(layout.entriesAt - layout.bitmapAt, '\0');
     std::size_t used = 0;
-    for (const auto& entry : content.entries) {
-        page.bytes(layout.entriesAt + used, entry);
-        used += entry.size();
+    for (std::size_t i = 0; i < content.count(); ++i) {
+        page.bytes(layout.entriesAt + used, content.entry(i));
+        used += content.entry(i).size();
         auto& byte = bitmap[used / 8];
         byte = static_cast<char>(static_cast<unsigned char>(byte) | 1u << used % 8);
     }
@@ -49,31 +43,28 @@ void writeIndexPage(PageStore& store, PageNo number, const IndexPage& content) {
 }
 
 /// Cuts the entries of one level into pages, from left to right.
-std::vector<std::vector<std::string>> cutIntoPages(const Layout& layout,
-                                                   const std::vector<std::string>& entries) {
-    std::vector<std::vector<std::string>> pages(1);
-    if (fits(layout, bytesOf(entries))) {
-        pages.front() = entries;
-        return pages;
-    }
-    std::size_t used = 0;
+std::vector<IndexPage> cutIntoPages(const Layout& layout, const std::vector<std::string>& entries) {
+    std::size_t bytes = 0;
     for (const auto& entry : entries) {
-        if (used + entry.size() > fillTarget(layout) && used > 0) {
+        bytes += entry.size();
+    }
+    const std::size_t most = fits(layout, bytes) ? bytes : fillTarget(layout);
+    std::vector<IndexPage> pages(1);
+    for (const auto& entry : entries) {
+        if (pages.back().size() + entry.size() > most && pages.back().count() > 0) {
             pages.emplace_back();
-            used = 0;
         }
-        pages.back().push_back(entry);
-        used += entry.size();
+        pages.back().append(entry);
     }
     // A node must not be left with a tail alone.
-    if (auto& last = pages.back(); last.size() == 1) {
-        auto& previous = pages[pages.size() - 2];
-        if (fits(layout, bytesOf(previous) + last.front().size())) {
-            previous.push_back(last.front());
+    if (pages.size() > 1 && pages.back().count() == 1) {
+        IndexPage& previous = pages[pages.size() - 2];
+        if (fits(layout, previous.size() + pages.back().size())) {
+            previous.append(pages.back().entry(0));
             pages.pop_back();
         } else {
-            last.insert(last.begin(), previous.back());
-            previous.pop_back();
+            pages.back().insert(0, previous.back());
+            previous.erase(previous.count() - 1);
         }
     }
     return pages;
@@ -106,6 +97,44 @@ PageNo nodeChild(std::string_view entry) {
     return Bytes(entry).bigEndian(entry.size() - kChildSize, kChildSize);
 }
 
+std::size_t IndexPage::lowerBound(std::string_view wanted) const {
+    std::size_t low = 0;
+    for (std::size_t high = count(); low < high;) {
+        const std::size_t middle = (low + high) / 2;
+        const auto probe = leaf ? entry(middle) : nodeSeparator(entry(middle));
+        if (probe < wanted) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    return low;
+}
+
+void IndexPage::append(std::string_view prefix, std::string_view rest) {
+    bytes_ += prefix;
+    bytes_ += rest;
+    ends_.push_back(bytes_.size());
+}
+
+void IndexPage::insert(std::size_t position, std::string_view added) {
+    const std::size_t start = position == 0 ? 0 : ends_[position - 1];
+    bytes_.insert(start, added);
+    ends_.insert(ends_.begin() + static_cast<std::ptrdiff_t>(position), start);
+    for (std::size_t i = position; i < ends_.size(); ++i) {
+        ends_[i] += added.size();
+    }
+}
+
+void IndexPage::erase(std::size_t position) {
+    const std::size_t length = entry(position).size();
+    bytes_.erase(ends_[position] - length, length);
+    ends_.erase(ends_.begin() + static_cast<std::ptrdiff_t>(position));
+    for (std::size_t i = position; i < ends_.size(); ++i) {
+        ends_[i] -= length;
+    }
+}
+
 IndexPage readIndexPage(const PageStore& store, PageNo number) {
     const Layout& layout = store.layout();
     const Bytes page = store.page(number);
@@ -123,23 +152,27 @@ IndexPage readIndexPage(const PageStore& store, PageNo number) {
     content.statedFree = page.u16(kFreeBytesAt);
     const std::size_t prefixSize = page.number(layout.prefixAt, layout.prefixWidth);
     const std::size_t shortest = kRowPointerSize + (content.leaf ? 0 : kChildSize);
+    if (prefixSize > kLongestEntry) {
+        damaged("an index entry on page " + std::to_string(number) + " is too long");
+    }
+    const auto bitmap = page.part(layout.bitmapAt, layout.entriesAt - layout.bitmapAt);
     std::string prefix;
     std::size_t start = 0;
-    for (std::size_t i = 0; i < layout.entriesAt - layout.bitmapAt; ++i) {
-        const unsigned bits = page.u8(layout.bitmapAt + i);
+    for (std::size_t i = 0; i < bitmap.size(); ++i) {
+        const unsigned bits = static_cast<unsigned char>(bitmap[i]);
         for (unsigned bit = 0; bits >> bit != 0; ++bit) {
             const std::size_t end = 8 * i + bit;
             if ((bits >> bit & 1) == 0) {
                 continue;
             }
-            std::string entry = prefix + std::string(page.part(layout.entriesAt + start, end - start));
-            if (entry.size() < shortest) {
+            const auto bytes = page.part(layout.entriesAt + start, end - start);
+            content.append(prefix, bytes);
+            if (content.back().size() < shortest) {
                 damaged("an index entry on page " + std::to_string(number) + " is too short");
             }
             if (start == 0) {
-                prefix = Bytes(entry).part(0, prefixSize);
+                prefix = Bytes(bytes).part(0, prefixSize);
             }
-            content.entries.push_back(std::move(entry));
             start = end;
         }
     }
@@ -157,23 +190,21 @@ PageNo IndexTree::leafFor(std::string_view entry) const {
         if (page.leaf) {
             return number;
         }
-        const auto at = std::lower_bound(
-            page.entries.begin(), page.entries.end(), entry,
-            [](const std::string& node, std::string_view wanted) { return nodeSeparator(node) < wanted; });
-        number = at == page.entries.end() ? page.tail : nodeChild(*at);
+        const std::size_t at = page.lowerBound(entry);
+        number = at == page.count() ? page.tail : nodeChild(page.entry(at));
     }
     damaged("an index has no leaves");
 }
 
-void IndexTree::walk(const std::function<bool(const std::string& entry)>& visitor) const {
+void IndexTree::walk(const std::function<bool(std::string_view entry)>& visitor) const {
     std::size_t visited = 0;
     for (PageNo number = firstLeaf(); number != 0;) {
         const IndexPage page = readIndexPage(store_, number);
         if (!page.leaf || ++visited > store_.pageCount()) {
             damaged("the leaves of an index have no end");
         }
-        for (const auto& entry : page.entries) {
-            if (!visitor(entry)) {
+        for (std::size_t i = 0; i < page.count(); ++i) {
+            if (!visitor(page.entry(i))) {
                 return;
             }
         }
@@ -183,7 +214,7 @@ void IndexTree::walk(const std::function<bool(const std::string& entry)>& visito
 
 std::vector<RowId> IndexTree::rows() const {
     std::vector<RowId> rows;
-    walk([&](const std::string& entry) {
+    walk([&](std::string_view entry) {
         rows.push_back(entryRow(entry));
         return true;
     });
@@ -192,8 +223,13 @@ std::vector<RowId> IndexTree::rows() const {
 
 std::vector<std::string> IndexTree::allEntries() const {
     std::vector<std::string> entries;
-    walk([&](const std::string& entry) {
-        entries.push_back(entry);
+    std::size_t bytes = 0;
+    walk([&](std::string_view entry) {
+        bytes += entry.size();
+        if (bytes / kMostCompression > store_.image().size()) {
+            damaged("an index is larger than it can be");
+        }
+        entries.emplace_back(entry);
         return true;
     });
     return entries;
@@ -205,9 +241,8 @@ bool IndexTree::containsKey(const std::string& key) const {
     std::size_t visited = 0;
     for (PageNo number = leafFor(lowest); number != 0;) {
         const IndexPage page = readIndexPage(store_, number);
-        const auto at = std::lower_bound(page.entries.begin(), page.entries.end(), lowest);
-        if (at != page.entries.end()) {
-            return entryKey(*at) == key;
+        if (const std::size_t at = page.lowerBound(lowest); at < page.count()) {
+            return entryKey(page.entry(at)) == key;
         }
         number = page.leaf && ++visited < store_.pageCount() ? page.next : 0;
     }
@@ -226,8 +261,8 @@ IndexPage IndexTree::ownPage(PageNo number) const {
 void IndexTree::insert(const std::string& entry) {
     const PageNo number = leafFor(entry);
     IndexPage page = ownPage(number);
-    page.entries.insert(std::upper_bound(page.entries.begin(), page.entries.end(), entry), entry);
-    if (fits(store_.layout(), bytesOf(page.entries))) {
+    page.insert(page.lowerBound(entry), entry);
+    if (fits(store_.layout(), page.size())) {
         writeIndexPage(store_, number, page);
         return;
     }
@@ -240,11 +275,11 @@ bool IndexTree::eraseNear(RowId row, const std::string& key) {
     const std::string entry = indexEntry(key, row);
     const PageNo number = leafFor(entry);
     const IndexPage page = readIndexPage(store_, number);
-    const auto at = std::lower_bound(page.entries.begin(), page.entries.end(), entry);
-    if (at == page.entries.end() || *at != entry) {
+    const std::size_t at = page.lowerBound(entry);
+    if (at == page.count() || page.entry(at) != entry) {
         return false;
     }
-    eraseAt(number, static_cast<std::size_t>(at - page.entries.begin()));
+    eraseAt(number, at);
     return true;
 }
 
@@ -255,8 +290,8 @@ void IndexTree::erase(RowId row, const std::optional<std::string>& key) {
     std::size_t visited = 0;
     for (PageNo number = firstLeaf(); number != 0 && visited++ <= store_.pageCount();) {
         const IndexPage page = readIndexPage(store_, number);
-        for (std::size_t i = 0; i < page.entries.size(); ++i) {
-            if (entryRow(page.entries[i]) == row) {
+        for (std::size_t i = 0; i < page.count(); ++i) {
+            if (entryRow(page.entry(i)) == row) {
                 eraseAt(number, i);
                 return;
             }
@@ -268,11 +303,11 @@ void IndexTree::erase(RowId row, const std::optional<std::string>& key) {
 
 void IndexTree::eraseAt(PageNo leaf, std::size_t position) {
     IndexPage page = ownPage(leaf);
-    const bool last = position + 1 == page.entries.size();
-    const std::string entry = page.entries[position];
-    page.entries.erase(page.entries.begin() + static_cast<std::ptrdiff_t>(position));
-    const bool fitsWithoutPrefix = fits(store_.layout(), bytesOf(page.entries));
-    if (leaf == root_ || (!last && fitsWithoutPrefix)) {
+    const bool last = position + 1 == page.count();
+    const std::string entry(page.entry(position));
+    page.erase(position);
+    const bool fitsWithoutPrefix = fits(store_.layout(), page.size());
+    if (fitsWithoutPrefix && (leaf == root_ || !last)) {
         writeIndexPage(store_, leaf, page);
         return;
     }
@@ -317,28 +352,27 @@ void IndexTree::layOut(const std::vector<std::string>& entries) {
 
     std::vector<std::string> level = entries;
     for (std::size_t height = 0;; ++height) {
-        const auto pages = cutIntoPages(layout, level);
+        auto pages = cutIntoPages(layout, level);
         std::vector<PageNo> numbers;
         for (std::size_t i = 0; i < pages.size(); ++i) {
             numbers.push_back(pages.size() == 1 ? root_ : takePage());
         }
         level.clear();
         for (std::size_t i = 0; i < pages.size(); ++i) {
-            IndexPage page;
+            IndexPage& page = pages[i];
             page.leaf = height == 0;
             page.owner = definitionPage_;
             page.previous = i > 0 ? numbers[i - 1] : 0;
             page.next = i + 1 < pages.size() ? numbers[i + 1] : 0;
             page.height = height;
-            page.entries = pages[i];
-            // What the level below left as the entry of a node's last child becomes its tail.
-            const std::string lastEntry = page.entries.empty() ? std::string() : page.entries.back();
+            const std::string last(page.count() > 0 ? page.back() : std::string_view());
             if (!page.leaf) {
-                page.tail = nodeChild(lastEntry);
-                page.entries.pop_back();
+                // The last child has no entry: it is the tail.
+                page.tail = nodeChild(last);
+                page.erase(page.count() - 1);
             }
             writeIndexPage(store_, numbers[i], page);
-            std::string parent = page.leaf ? lastEntry : std::string(nodeSeparator(lastEntry));
+            std::string parent(page.leaf ? std::string_view(last) : nodeSeparator(last));
             appendBigEndian(parent, kChildSize, numbers[i]);
             level.push_back(std::move(parent));
         }

@@ -10,13 +10,34 @@
 namespace drx9::jet {
 
 /// One page of an index tree, taken apart; entries are joined with the prefix they share on the page.
-struct IndexPage {
+class IndexPage {
+public:
     bool leaf = true;
     std::uint32_t owner = 0;
     PageNo previous = 0, next = 0, tail = 0;
     std::size_t height = 0;
     std::size_t statedFree = 0, actualFree = 0;
-    std::vector<std::string> entries; ///< leaf: key, row pointer; node: the same and 4 bytes child
+
+    [[nodiscard]] std::size_t count() const { return ends_.size(); }
+    /// All entries' bytes together.
+    [[nodiscard]] std::size_t size() const { return bytes_.size(); }
+    /// Leaf: key, row pointer; node: the same and 4 bytes child. Valid until the page changes.
+    [[nodiscard]] std::string_view entry(std::size_t position) const {
+        const std::size_t start = position == 0 ? 0 : ends_[position - 1];
+        return std::string_view(bytes_).substr(start, ends_[position] - start);
+    }
+    [[nodiscard]] std::string_view back() const { return entry(count() - 1); }
+    /// Position of the first entry that is not below `wanted`, in a node without regard to the child; count()
+    /// if none.
+    [[nodiscard]] std::size_t lowerBound(std::string_view wanted) const;
+    void insert(std::size_t position, std::string_view added);
+    void append(std::string_view prefix, std::string_view rest);
+    void append(std::string_view entry) { append({}, entry); }
+    void erase(std::size_t position);
+
+private:
+    std::string bytes_;
+    std::vector<std::size_t> ends_;
 };
 
 /// Throws JetError(Damaged) for a page that is no index page or contradicts itself.
@@ -42,7 +63,7 @@ public:
         , map_(store, map) {}
 
     /// Visits all entries in order until the visitor returns false.
-    void walk(const std::function<bool(const std::string& entry)>& visitor) const;
+    void walk(const std::function<bool(std::string_view entry)>& visitor) const;
     /// The rows in key order.
     [[nodiscard]] std::vector<RowId> rows() const;
     [[nodiscard]] bool containsKey(const std::string& key) const;

@@ -99,6 +99,9 @@ PageStore::PageStore(FilePort& files, std::string path)
 PageStore PageStore::open(FilePort& files, const std::string& path) {
     PageStore store(files, path);
     store.identity_ = files.identity(store.path_);
+    if (store.identity_ && store.identity_->size > kJet4.largestFile) {
+        cannotOpen("it is larger than an Access database can be");
+    }
     const auto status = files.read(store.path_, store.image_);
     if (!status.ok()) {
         cannotOpen(status.notFound() ? "there is no such file" : "it cannot be read: " + status.reason());
@@ -129,9 +132,6 @@ void PageStore::adoptHeader() {
     layout_ = &layoutByVersion(start);
     if (image_.size() < 3 * layout_->pageSize) {
         cannotOpen("it is cut short");
-    }
-    if (image_.size() > layout_->largestFile) {
-        cannotOpen("it is larger than an Access database can be");
     }
     image_.resize(image_.size() / layout_->pageSize * layout_->pageSize);
     std::string plain = image_.substr(0, layout_->pageSize);
@@ -251,32 +251,29 @@ void PageStore::restore(Undo& undo) {
 /// Saves the image, or takes the outermost change back and throws. The replace may fail after its rename
 /// (flush of the folder): then the new file stands, and so does the image.
 void PageStore::save() {
-    std::string reason = readOnlyReason();
-    Fault fault = Fault::ReadOnly;
-    if (reason.empty()) {
-        fault = Fault::NotSaved;
-        const auto status = replaceFile(*files_, path_, image_, [this] {
-            return changedOnDisk() ? FileStatus::failure("another program changed the file meanwhile")
-                                   : FileStatus();
-        });
-        reason = status.reason();
+    if (const auto reason = readOnlyReason(); !reason.empty()) {
+        rollback();
+        throw JetError(Fault::ReadOnly, "the change was not saved: " + reason);
     }
-    if (reason.empty()) {
+    bool renaming = false;
+    const auto status = replaceFile(*files_, path_, image_, [&] {
+        renaming = !changedOnDisk();
+        return renaming ? FileStatus() : FileStatus::failure("another program changed the file meanwhile");
+    });
+    const bool stands = status.ok() || (renaming && changedOnDisk());
+    if (stands) {
         identity_ = files_->identity(path_);
+    }
+    if (status.ok()) {
         return;
     }
-    if (fault == Fault::NotSaved && diskHoldsImage()) {
-        identity_ = files_->identity(path_);
+    if (stands) {
         undo_.clear();
-        throw JetError(fault, "the change is in the file but may not outlast a power failure: " + reason);
+        throw JetError(Fault::NotSaved,
+                       "the change is in the file but may not outlast a power failure: " + status.reason());
     }
     rollback();
-    throw JetError(fault, "the change was not saved: " + reason);
-}
-
-bool PageStore::diskHoldsImage() const {
-    std::string bytes;
-    return changedOnDisk() && files_->read(path_, bytes).ok() && bytes == image_;
+    throw JetError(Fault::NotSaved, "the change was not saved: " + status.reason());
 }
 
 std::string PageStore::readOnlyReason() const {
@@ -284,10 +281,17 @@ std::string PageStore::readOnlyReason() const {
         return "the file is read-only";
     }
     const auto slash = path_.find_last_of("/\\");
-    if (slash != std::string::npos && !files_->folderWritable(path_.substr(0, slash + 1))) {
+    if (slash != std::string::npos &&
+        !files_->folderWritable(path_.substr(0, std::max<std::size_t>(slash, 1)))) {
         return "its folder is read-only";
     }
     return lockReason(*files_, path_);
+}
+
+bool PageStore::isFile(const std::string& path) const {
+    const auto other = files_->identity(path);
+    return files_->resolveLinks(path) == path_ || (other && identity_ && other->device == identity_->device &&
+                                                   other->node == identity_->node && other->node != 0);
 }
 
 bool PageStore::changedOnDisk() const {

@@ -69,6 +69,8 @@ public:
     [[nodiscard]] std::string readOnlyReason() const;
     /// True when the file on the disk is no longer the one this store was read from.
     [[nodiscard]] bool changedOnDisk() const;
+    /// True when `path` leads to this store's file.
+    [[nodiscard]] bool isFile(const std::string& path) const;
 
 private:
     struct Undo {
@@ -79,7 +81,6 @@ private:
     PageStore(FilePort& files, std::string path);
     void adoptHeader();
     void save();
-    [[nodiscard]] bool diskHoldsImage() const;
     void restore(Undo& undo);
 
     FilePort* files_;

@@ -40,8 +40,8 @@ public:
         return guarded([&] {
             Change change(store_);
             Table& subject = table(name);
-            if (!subject.definition().userTable) {
-                rejected("the table \"" + name + "\" belongs to the engine");
+            if (!subject.definition().userTable || !entries_.at(name).user) {
+                rejected("the table \"" + name + "\" is not the user's");
             }
             if constexpr (std::is_void_v<decltype(work(subject))>) {
                 work(subject);
@@ -57,7 +57,7 @@ public:
 private:
     PageStore store_;
     std::map<PageNo, std::unique_ptr<Table>> tables_;
-    std::map<std::string, PageNo> pages_;
+    std::map<std::string, CatalogEntry> entries_;
     std::uint64_t version_ = 0;
 };
 

@@ -40,6 +40,19 @@ std::optional<std::string> Record::stored(std::size_t position, std::size_t& bud
     return field;
 }
 
+std::optional<std::string> storedIn(const PageStore& store, const Definition& definition,
+                                    const RowReader& row, std::size_t position, std::size_t& budget) {
+    const Column& column = definition.columns[position];
+    if (column.isBoolean()) {
+        return std::string(1, row.bit(column) ? '\1' : '\0');
+    }
+    const auto field = row.field(column);
+    if (!field) {
+        return std::nullopt;
+    }
+    return column.isLong() ? readLongValue(store, *field, budget) : std::string(*field);
+}
+
 Value valueOf(const PageStore& store, const Definition& definition, const RowReader& row,
               std::size_t position, std::size_t& budget) {
     const Column& column = definition.columns[position];
@@ -102,9 +115,12 @@ bool Table::contains(RowId id) const {
            (page.slot(id.row).kind == SlotKind::Row || page.slot(id.row).kind == SlotKind::Stub);
 }
 
+RowReader Table::reader(RowId id) const {
+    return {store_.layout(), definition_, rowBytes(store_, body(id))};
+}
+
 Record Table::read(RowId id) const {
-    return {store_, definition_,
-            RowReader(store_.layout(), definition_, rowBytes(store_, body(id))).fields()};
+    return {store_, definition_, reader(id).fields()};
 }
 
 std::size_t Table::fixedArea() const {
@@ -121,6 +137,11 @@ std::size_t Table::fixedArea() const {
 IndexKey Table::key(const RealIndex& index, const Record& record) const {
     return rowKey(store_.text(), definition_, index,
                   [&](std::size_t position) { return record.stored(position); });
+}
+
+IndexKey Table::key(const RealIndex& index, const RowReader& row, std::size_t& budget) const {
+    return rowKey(store_.text(), definition_, index,
+                  [&](std::size_t position) { return storedIn(store_, definition_, row, position, budget); });
 }
 
 void Table::requireKnownColumns(const std::vector<Assignment>& values) const {
@@ -190,19 +211,22 @@ RowId Table::insert(const std::vector<Assignment>& values) {
 void Table::update(RowId id, const std::vector<Assignment>& values) {
     requireKnownColumns(values);
     const RowId at = body(id);
-    const RowReader reader(store_.layout(), definition_, rowBytes(store_, at));
-    const Record old(store_, definition_, reader.fields());
-    const std::size_t fixedArea = reader.fixedArea();
+    const RowReader row = reader(id);
+    const Record old(store_, definition_, row.fields());
+    const std::size_t oldFixedArea = row.fixedArea();
+    const std::size_t oldSize = rowBytes(store_, at).size();
     // Keys of the old row are taken first: its long values may be given back below.
     std::vector<KeyChange> oldKeys = keysOf(old);
     Fields fields = old.fields();
     assign(fields, values, old.fields());
-    const std::string bytes = encodeRow(store_.layout(), definition_, fields, fixedArea);
+    const std::string bytes = encodeRow(store_.layout(), definition_, fields, oldFixedArea);
     const Record changed(store_, definition_, std::move(fields));
     const auto keys = keysToAdd(changed, &old, oldKeys);
     checkRelations(&old, &changed);
     if (!setRow(store_, at, bytes, at == id ? SlotKind::Row : SlotKind::Body)) {
         moveBody(id, at, bytes);
+    } else if (bytes.size() < oldSize) {
+        UsageMap(store_, definition_.freeMap).add(at.page);
     }
     removeKeys(id, oldKeys);
     addKeys(id, keys);

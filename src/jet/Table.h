@@ -37,6 +37,10 @@ private:
     Fields fields_;
 };
 
+/// The stored bytes at a column position straight from a row, for memo and OLE the value itself; a boolean is
+/// one byte.
+std::optional<std::string> storedIn(const PageStore& store, const Definition& definition,
+                                    const RowReader& row, std::size_t position, std::size_t& budget);
 /// The value at a column position straight from a row's bytes, for scans; `budget` as for readLongValue.
 Value valueOf(const PageStore& store, const Definition& definition, const RowReader& row,
               std::size_t position, std::size_t& budget);
@@ -74,6 +78,10 @@ public:
         return {store_, definition_.page(), index.root, index.map};
     }
     [[nodiscard]] IndexKey key(const RealIndex& index, const Record& record) const;
+    /// The same straight from the row; `budget` as for readLongValue.
+    [[nodiscard]] IndexKey key(const RealIndex& index, const RowReader& row, std::size_t& budget) const;
+    /// A row's bytes, to be taken apart; valid until something is stored.
+    [[nodiscard]] RowReader reader(RowId id) const;
     /// Bytes of the fixed part that a new row must have: dropped columns leave holes that existing rows show.
     [[nodiscard]] std::size_t fixedArea() const;
 

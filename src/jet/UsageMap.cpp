@@ -229,7 +229,7 @@ void UsageMap::clear() {
 PageNo allocatePage(PageStore& store) {
     UsageMap global(store, kGlobalMap);
     const auto free = global.lowest();
-    if (free && *free <= kCatalogPage) {
+    if (free && *free <= kGlobalMapPage) {
         damaged("its list of free pages holds the first pages");
     }
     if (free && *free <= store.pageCount()) {

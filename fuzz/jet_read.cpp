@@ -1,0 +1,6 @@
+#include "JetFuzz.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    drx9::fuzz::readAll({reinterpret_cast<const char*>(data), size});
+    return 0;
+}

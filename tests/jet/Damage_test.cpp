@@ -1,0 +1,131 @@
+#include "../../fuzz/JetFuzz.h"
+#include "JetTestSupport.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace drx9::jet {
+namespace {
+
+std::string soundFile(Generation generation) {
+    MemoryFilePort files;
+    files.put("/data/x", "");
+    DBEngine engine(files);
+    const auto database = engine.CreateDatabase(kPath, generation, {}, kCreated);
+    Model model(*database, 7);
+    model.createTable("Table 1");
+    database->BeginTrans();
+    for (int i = 0; i < 60; ++i) {
+        model.step();
+    }
+    database->CommitTrans();
+    return files.text(kPath);
+}
+
+TEST(Refusal, SaysWhichFileAndWhy) {
+    const std::string sound = soundFile(Generation::Jet4);
+    const auto with = [&](std::size_t at, const std::string& bytes) {
+        std::string file = sound;
+        return file.replace(at, bytes.size(), bytes);
+    };
+    struct Case {
+        std::string bytes;
+        const char* reason;
+    };
+    const Case cases[] = {
+        {"", "not an Access database"},
+        {"MZ" + std::string(5000, '\0'), "not an Access database"},
+        {sound.substr(0, 5000), "cut short"},
+        {with(0x14, "\2"), "Access 2007"},
+        {with(4, "Standard ACE DB"), "not known"},
+        {with(4, "MSISAM Database"), "Microsoft Money"},
+        {with(0x3E, "\x55"), "encrypted"},
+        {with(0x42, "\x01"), "password"},
+    };
+    MemoryFilePort files;
+    for (const auto& each : cases) {
+        files.put(kPath, each.bytes);
+        DBEngine engine(files);
+        const auto message = failure([&] { (void)engine.OpenDatabase(kPath); });
+        EXPECT_EQ(message.find(std::string(kPath) + ": "), 0u) << message;
+        EXPECT_NE(message.find(each.reason), std::string::npos) << message;
+    }
+    DBEngine engine(files);
+    EXPECT_NE(failure([&] { (void)engine.OpenDatabase("/data/none.mdb"); }).find("no such file"),
+              std::string::npos);
+    EXPECT_NE(failure([&] {
+                  (void)engine.CreateDatabase(kPath, Generation::Jet4, {}, kCreated);
+              }).find("exists already"),
+              std::string::npos);
+}
+
+/// Damaged files end in JetError or are read as far as they go; they are never changed, and changes of a file
+/// without faults leave it without faults.
+TEST(Damage, EndsInOneExceptionType) {
+    for (const auto generation : kBoth) {
+        const std::string sound = soundFile(generation);
+        const std::size_t page = layoutOf(generation).pageSize;
+        for (std::size_t cut = 0; cut < sound.size(); cut += 5 * page) {
+            fuzz::readAll(std::string_view(sound).substr(0, cut));
+            fuzz::changeAndCheck(std::string_view(sound).substr(0, cut + page / 3));
+        }
+        std::mt19937 random(11);
+        for (int round = 0; round < 40; ++round) {
+            std::string bad = sound;
+            for (auto flips = random() % 8 + 1; flips > 0; --flips) {
+                // Half of the flips near a page's start, where its counts and pointers are.
+                const std::size_t at = random() % 2 == 0
+                                           ? random() % bad.size()
+                                           : random() % (bad.size() / page) * page + random() % 80;
+                bad[at] = static_cast<char>(bad[at] ^ 1 << random() % 8);
+            }
+            fuzz::readAll(bad);
+            fuzz::changeAndCheck(bad);
+        }
+    }
+}
+
+/// What a check must not overlook, one fault at a time.
+TEST(Damage, IsFoundByTheCheck) {
+    const std::string sound = soundFile(Generation::Jet4);
+    const std::size_t page = kJet4.pageSize;
+    std::size_t found = 0;
+    std::size_t tried = 0;
+    for (std::size_t number = 2; number < sound.size() / page; ++number) {
+        const auto type = static_cast<PageType>(sound[number * page]);
+        if (type != PageType::Data && type != PageType::IndexLeaf && type != PageType::IndexNode) {
+            continue;
+        }
+        for (const std::size_t at : {kFreeBytesAt, kOwnerAt}) {
+            std::string bad = sound;
+            bad[number * page + at] = static_cast<char>(bad[number * page + at] ^ 1);
+            MemoryFilePort files;
+            files.put(kPath, bad);
+            ++tried;
+            found += faultsOf(files).empty() ? 0 : 1;
+        }
+    }
+    EXPECT_GT(tried, 20u);
+    // Map pages and free ones are not looked at.
+    EXPECT_GT(found, tried / 2);
+}
+
+/// The fuzzers' seeds, and every input that once did harm.
+TEST(Damage, ReplaysTheFuzzCorpus) {
+    std::size_t files = 0;
+    for (const char* target : {"jet_read", "jet_change"}) {
+        for (const auto& entry :
+             std::filesystem::directory_iterator(DRX9_SOURCE_DIR "/fuzz/corpus/" + std::string(target))) {
+            std::ifstream file(entry.path(), std::ios::binary);
+            const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+            SCOPED_TRACE(entry.path().string());
+            fuzz::readAll(bytes);
+            fuzz::changeAndCheck(bytes);
+            ++files;
+        }
+    }
+    EXPECT_GE(files, 2u);
+}
+
+} // namespace
+} // namespace drx9::jet

@@ -1,0 +1,249 @@
+#include "JetTestSupport.h"
+
+namespace drx9::jet {
+namespace {
+
+class Objects : public testing::TestWithParam<Generation> {
+protected:
+    void SetUp() override {
+        files.put("/data/x", "");
+        makeOldLibrary(files, GetParam(), {"Zinc-2", "alu", "Co-op", "coo", "Very long film name"});
+    }
+    MemoryFilePort files;
+    DBEngine engine{files};
+};
+INSTANTIATE_TEST_SUITE_P(Both, Objects, testing::ValuesIn(kBoth));
+
+/// The conversion of an old library: the rows stay where they are and take the films in the order of the old
+/// index.
+TEST_P(Objects, ConvertAnOldLibrary) {
+    const auto database = engine.OpenDatabase(kPath);
+    ASSERT_EQ(database->TableDefs("Film").Indexes().size(), 1u);
+    std::vector<std::pair<std::string, Value>> films;
+    {
+        const auto set = database->OpenRecordset("Film");
+        set->Index(database->TableDefs("film").Indexes().front().Name);
+        for (set->MoveFirst(); !set->Eof(); set->MoveNext()) {
+            films.emplace_back(std::get<std::string>(set->Value("FilmName")), set->Value("Tooling"));
+        }
+    }
+    ASSERT_EQ(films.size(), 5u);
+    EXPECT_EQ(films.front().first, "alu");
+
+    database->BeginTrans();
+    database->Execute("DROP INDEX PRIMARYKEY ON FILM");
+    database->TableDefs("Film").Append(TableDef::CreateField("FilmNum", ColumnType::Integer));
+    const auto set = database->OpenRecordset("Film");
+    set->MoveFirst();
+    for (std::size_t i = 0; i < films.size(); ++i) {
+        set->AddNew();
+        set->SetValue("FilmName", std::string("dropped"));
+        set->Edit();
+        set->SetValue("FilmNum", static_cast<std::int64_t>(i + 1));
+        set->SetValue("FilmName", films[i].first.substr(0, 8));
+        set->SetValue("Tooling", films[i].second);
+        set->Update();
+        set->MoveNext();
+    }
+    EXPECT_TRUE(set->Eof());
+    database->CommitTrans();
+
+    EXPECT_EQ(faultsOf(files), "");
+    DBEngine fresh(files);
+    const auto converted = fresh.OpenDatabase(kPath);
+    EXPECT_TRUE(converted->TableDefs("Film").Indexes().empty());
+    const auto rows = converted->OpenRecordset("SELECT * FROM Film");
+    ASSERT_EQ(rows->RecordCount(), 5u);
+    for (std::int64_t i = 1; !rows->Eof(); rows->MoveNext(), ++i) {
+        EXPECT_EQ(rows->Value("FilmNum"), Value(i));
+        EXPECT_EQ(rows->Value("FilmName"), Value(films[static_cast<std::size_t>(i - 1)].first.substr(0, 8)));
+    }
+}
+
+TEST_P(Objects, FindRowsByQuery) {
+    const auto database = engine.OpenDatabase(kPath);
+    const auto set = database->OpenRecordset("Material");
+    for (const double density : {2.7, 19.3}) {
+        set->AddNew();
+        set->SetValue("Material", density < 3 ? std::string("Aluminum") : std::string("O'Gold"));
+        set->SetValue("Density", density);
+        set->SetValue("ZFactor", 1.08);
+        set->Update();
+    }
+    struct Case {
+        const char* query;
+        long position;
+    };
+    const Case cases[] = {
+        {"SELECT * FROM Material WHERE Density=2.7AND ZFactor=1.08", 0},
+        {"SELECT * FROM Material WHERE Density=2.7AND ZFactor=1.0", -1},
+        {"SELECT * From material WHERE MATERIAL ='aluminum  '", 0},
+        {"SELECT * FROM Material Where Material='O''gold'", 0},
+        {"SELECT * FROM Material Where Material='Ω'", -1},
+        {"SELECT * FROM Film WHERE FilmName='ALU'", 0},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(database->OpenRecordset(each.query)->AbsolutePosition(), each.position) << each.query;
+    }
+    for (const char* bad : {"SELECT * FROM Film WHERE Tooling='x'", "SELECT * FROM Film WHERE FilmName=1",
+                            "SELECT * FROM Nothing", "SELECT * FROM Film WHERE Nothing=1", "Nothing"}) {
+        EXPECT_EQ(failure([&] { (void)database->OpenRecordset(bad); }).find(kPath), 0u) << bad;
+    }
+}
+
+TEST_P(Objects, ShareOneStorePerFile) {
+    const auto one = engine.OpenDatabase(kPath);
+    const auto other = engine.OpenDatabase(kPath);
+    const auto set = one->OpenRecordset("Film");
+    const auto reader = other->OpenRecordset("Film");
+    set->Edit();
+    set->SetValue("Tooling", 42.0);
+    set->Update();
+    EXPECT_EQ(reader->Value("Tooling"), Value(42.0));
+    set->Delete();
+    EXPECT_EQ(set->AbsolutePosition(), -1);
+    EXPECT_NE(failure([&] { (void)reader->Value("Tooling"); }).find("has been deleted"), std::string::npos);
+    reader->Requery();
+    EXPECT_EQ(reader->RecordCount(), 4u);
+
+    one->BeginTrans();
+    set->MoveFirst();
+    set->Delete();
+    EXPECT_EQ(other->OpenRecordset("Film")->RecordCount(), 3u);
+    one->Rollback();
+    EXPECT_EQ(other->OpenRecordset("Film")->RecordCount(), 4u);
+    EXPECT_EQ(faultsOf(files), "");
+}
+
+TEST_P(Objects, RefuseAndLeaveNothingBehind) {
+    const auto database = engine.OpenDatabase(kPath);
+    const std::string before = files.text(kPath);
+    const auto rows = rowsOf(*database, "Film");
+    const auto set = database->OpenRecordset("Film");
+    const auto add = [&](const char* field, const Value& value) {
+        return failure([&] {
+            set->AddNew();
+            set->SetValue(field, value);
+            set->Update();
+        });
+    };
+    EXPECT_NE(add("FilmName", std::string("ALU ")).find("takes it only once"), std::string::npos);
+    EXPECT_NE(add("Tooling", 1.0).find("does not take an empty value"), std::string::npos);
+    EXPECT_NE(add("FilmName", std::string(21, 'x')).find("longer than the column"), std::string::npos);
+    EXPECT_NE(add("FilmName", std::string("Ω")), "");
+    EXPECT_NE(add("Nothing", Null{}), "");
+    EXPECT_NE(failure([&] { database->Execute("DROP INDEX Other ON Film"); }), "");
+    EXPECT_NE(failure([&] { database->TableDefs("Film").Append({"tooling", ColumnType::Long, 0}); }), "");
+    EXPECT_NE(failure([&] { database->CreateTable(everythingTable("FILM"), kCreated); }), "");
+    const auto system = database->OpenRecordset("MSysObjects");
+    EXPECT_NE(failure([&] { system->Delete(); }).find("is not the user's"), std::string::npos);
+    EXPECT_EQ(files.text(kPath), before);
+    EXPECT_EQ(rowsOf(*database, "Film"), rows);
+}
+
+TEST_P(Objects, HonourOtherPrograms) {
+    const auto database = engine.OpenDatabase(kPath);
+    const auto set = database->OpenRecordset("Film");
+    const auto change = [&] {
+        return failure([&] {
+            set->Edit();
+            set->SetValue("Tooling", 1.0);
+            set->Update();
+        });
+    };
+    std::string lock(64, '\0');
+    lock.replace(0, 5, "LAB-3");
+    lock.replace(32, 5, "Admin");
+    files.put("/data/test.ldb", lock);
+    EXPECT_EQ(database->ReadOnlyReason(), "in use by user Admin on computer LAB-3");
+    EXPECT_NE(change().find("in use by user Admin on computer LAB-3"), std::string::npos);
+    files.remove("/data/test.ldb");
+    files.put(kPath, files.text(kPath) + std::string(4096, '\0'));
+    EXPECT_NE(change().find("another program changed the file"), std::string::npos);
+    set->CancelUpdate();
+    EXPECT_NE(set->Value("Tooling"), Value(1.0));
+    // Opened again it is read anew.
+    const auto fresh = engine.OpenDatabase(kPath)->OpenRecordset("Film");
+    fresh->Edit();
+    fresh->SetValue("Tooling", 2.0);
+    fresh->Update();
+    files.find(kPath)->writeProtected = true;
+    fresh->Edit();
+    EXPECT_NE(failure([&] { fresh->Update(); }), "");
+}
+
+/// Rows that outgrow their page keep their place; freed pages are used again.
+TEST_P(Objects, MoveRowsAndReuseSpace) {
+    const auto database = engine.OpenDatabase(kPath);
+    TableSpec spec{"T", {}, {{.name = "P", .columns = {{"A", true}}, .primary = true}}};
+    spec.columns.push_back(column("A", ColumnType::Long));
+    for (const char* name : {"B", "C", "D"}) {
+        spec.columns.push_back(column(name, ColumnType::Text, 255));
+    }
+    database->CreateTable(spec, kCreated);
+    const auto set = database->OpenRecordset("T");
+    const auto fill = [&](std::int64_t first, std::int64_t last) {
+        database->BeginTrans();
+        for (std::int64_t i = first; i <= last; ++i) {
+            set->AddNew();
+            set->SetValue("A", i);
+            set->Update();
+        }
+        database->CommitTrans();
+    };
+    fill(1, 300);
+    database->BeginTrans();
+    for (set->MoveFirst(); !set->Eof(); set->MoveNext()) {
+        set->Edit();
+        set->SetValue("B", std::string(250, 'b'));
+        set->SetValue("C", std::string(200, 'c'));
+        set->Update();
+    }
+    database->CommitTrans();
+    EXPECT_EQ(faultsOf(files), "");
+    const auto inOrder = database->OpenRecordset("T");
+    EXPECT_EQ(inOrder->Value("A"), Value(std::int64_t{1}));
+    const auto size = files.size(kPath);
+    for (int round = 0; round < 3; ++round) {
+        database->BeginTrans();
+        for (auto all = database->OpenRecordset("T"); !all->Eof();) {
+            all->Delete();
+            all->MoveNext();
+        }
+        database->CommitTrans();
+        EXPECT_EQ(database->TableDefs("T").RecordCount(), 0u);
+        fill(1, 300);
+        EXPECT_EQ(faultsOf(files), "");
+    }
+    EXPECT_EQ(files.size(kPath), size);
+}
+
+/// Beyond 512 or 1024 pages every map must grow; indexes get nodes over nodes.
+TEST_P(Objects, GrowBeyondTheFirstMaps) {
+    const auto database = engine.OpenDatabase(kPath);
+    TableSpec spec{"Big",
+                   {},
+                   {{.name = "ByText", .columns = {{"T", true}}},
+                    {.name = "P", .columns = {{"A", true}}, .primary = true}}};
+    spec.columns = {column("A", ColumnType::Long), column("T", ColumnType::Text, 200),
+                    column("B", ColumnType::Binary, 250)};
+    database->CreateTable(spec, kCreated);
+    database->BeginTrans();
+    const auto set = database->OpenRecordset("Big");
+    for (std::int64_t i = 0; i < 3500; ++i) {
+        set->AddNew();
+        set->SetValue("A", (i * 7919) % 3500);
+        set->SetValue("T", std::string(190, static_cast<char>('a' + i % 26)) + std::to_string(i));
+        set->SetValue("B", Binary{std::string(240, 'b')});
+        set->Update();
+    }
+    database->CommitTrans();
+    EXPECT_GT(*files.size(kPath), 1024u * 2048u);
+    EXPECT_EQ(faultsOf(files), "");
+    EXPECT_EQ(database->TableDefs("Big").RecordCount(), 3500u);
+    database->Execute("DROP INDEX ByText ON Big");
+    EXPECT_EQ(faultsOf(files), "");
+}
+
+} // namespace
+} // namespace drx9::jet

@@ -1,0 +1,113 @@
+#include "JetTestSupport.h"
+#include "platform/os/OsFilePort.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace drx9::jet {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Outcome {
+    int code = -1;
+    std::string out; ///< standard output and error
+};
+
+class Mdbtool : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!fs::exists(DRX9_BIN_DIR "/mdbtool")) {
+            GTEST_SKIP() << "mdbtool is not built";
+        }
+        folder_ =
+            fs::temp_directory_path() / ("drx9-mdbtool-" + std::to_string(makeOsFilePort()->processId()));
+        fs::create_directories(folder_);
+    }
+    void TearDown() override {
+        if (!folder_.empty()) {
+            fs::remove_all(folder_);
+        }
+    }
+    Outcome run(const std::string& arguments, const std::string& input = {}) {
+        const std::string in = folder_ / "in.txt";
+        std::ofstream(in, std::ios::binary) << input;
+        FILE* pipe = popen(
+            ("cd " + folder_.string() + " && " DRX9_BIN_DIR "/mdbtool " + arguments + " < " + in + " 2>&1")
+                .c_str(),
+            "r");
+        Outcome outcome;
+        char block[4096];
+        for (std::size_t n = 0; (n = fread(block, 1, sizeof block, pipe)) > 0;) {
+            outcome.out.append(block, n);
+        }
+        outcome.code = pclose(pipe) / 256;
+        return outcome;
+    }
+    std::string bytes() const {
+        std::ifstream file(folder_ / "a.mdb", std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    fs::path folder_;
+};
+
+TEST_F(Mdbtool, MakesChangesAndPrintsALibrary) {
+    for (const char* generation : {"", " --jet3"}) {
+        fs::remove(folder_ / "a.mdb");
+        ASSERT_EQ(run(std::string("new a.mdb") + generation).code, 0);
+        EXPECT_EQ(run("tables a.mdb").out, "Film\nMaterial\n");
+        EXPECT_EQ(run("new a.mdb").code, 2);
+        const Outcome applied =
+            run("apply a.mdb", "insert\tFilm\tFilmNum=1\tFilmName=a\\tb\\\\\\r\\n\tTooling=99.9\tMaterial=\n"
+                               "insert\tFilm\tFilmNum=2\tFilmName=c d \tTooling\tTimeSet=1e-7\r\n\n"
+                               "add-column\tFilm\tWhen\tdate\nadd-column\tFilm\tPrice\tcurrency\n"
+                               "add-column\tFilm\tNote\tmemo\nadd-column\tFilm\tOk\tboolean\n"
+                               "update\tFilm\tFilmName=C D\t--\tWhen=2004-02-29 12:34:56\tPrice=-12.5\tOk=1\n"
+                               "update\tFilm\tMaterial\t--\tMaterial=Gold\n"
+                               "insert\tFilm\tFilmNum=3\ndelete\tFilm\tFilmNum=3\n");
+        EXPECT_EQ(applied.out, "");
+        EXPECT_EQ(applied.code, 0);
+        EXPECT_EQ(run("dump a.mdb Film").out,
+                  "FilmNum\tFilmName\tMaterial\tTooling\tEndThick\tThickSet\tTimeSet\tSensorAvg\tWhen\tPrice"
+                  "\tNote\tOk\n"
+                  "1\ta\\tb\\\\\\r\\n\t\t99.9\t\t\t\t\t\t\t\t0\n"
+                  "2\tc d \tGold\t\t\t\t1e-07\t\t2004-02-29 12:34:56\t-12.5\t\t1\n");
+        EXPECT_EQ(run("check a.mdb").out.substr(0, 2), "ok");
+    }
+}
+
+TEST_F(Mdbtool, RefusesWholeScripts) {
+    ASSERT_EQ(run("new a.mdb --jet3").code, 0);
+    ASSERT_EQ(run("apply a.mdb", "insert\tMaterial\tMaterial=Gold\n").code, 0);
+    const std::string before = bytes();
+    for (const char* bad :
+         {"insert\tFilm\tFilmName=123456789012345678901", "insert\tFilm\tFilmNum=32768",
+          "insert\tFilm\tFilmNum=1x", "insert\tFilm\tFilmName=Ω", "insert\tNothing\tA=1",
+          "insert\tFilm\tNothing=1", "drop-index\tFilm\tNothing", "add-column\tFilm\tFILMNUM\tlong",
+          "add-column\tFilm\tX\ttext(256)", "add-column\tFilm\tX\tnumber", "delete\tFilm",
+          "update\tFilm\tFilmNum=1\tFilmNum=2", "insert\tFilm\tFilmName=\\x", "insert\tMSysObjects\tId=1",
+          "nothing", "insert\tFilm\tTooling=", "insert\tFilm\tTooling=1e999"}) {
+        const Outcome outcome = run("apply a.mdb", std::string("insert\tFilm\tFilmNum=7\n") + bad +
+                                                       "\ninsert\tFilm\tFilmNum=8\n");
+        EXPECT_EQ(outcome.code, 1) << bad;
+        EXPECT_EQ(outcome.out.find("line 2: "), 0u) << outcome.out;
+        EXPECT_EQ(bytes(), before) << bad;
+    }
+    EXPECT_EQ(run("dump a.mdb Nothing").code, 1);
+    EXPECT_EQ(run("dump none.mdb Film").code, 2);
+    std::ofstream(folder_ / "a.ldb", std::ios::binary)
+        << std::string("LAB-3") + std::string(27, '\0') + "Admin" + std::string(27, '\0');
+    const Outcome held = run("apply a.mdb", "insert\tFilm\tFilmNum=1\n");
+    EXPECT_EQ(held.code, 2);
+    EXPECT_NE(held.out.find("LAB-3"), std::string::npos);
+    EXPECT_EQ(run("dump a.mdb Material").code, 0);
+    std::string damaged = before;
+    damaged[2048 * 2 + 4] = 2; // the catalog's definition chained to itself
+    std::ofstream(folder_ / "a.mdb", std::ios::binary) << damaged;
+    EXPECT_EQ(run("check a.mdb").code, 1);
+    EXPECT_EQ(run("tables a.mdb").code, 2);
+}
+
+} // namespace
+} // namespace drx9::jet

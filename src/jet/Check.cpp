@@ -88,6 +88,9 @@ private:
         for (const PageNo page : map.bitmapPages()) {
             claim(where, page, "map bits");
         }
+        if (record.page != kGlobalMapPage && map.reachesBeyondEnd()) {
+            fault(where, "a map holds pages beyond the end of the file");
+        }
     }
 
     void checkGlobalMap() {

@@ -83,6 +83,15 @@ std::vector<PageNo> UsageMap::pages() const {
     return pages;
 }
 
+bool UsageMap::reachesBeyondEnd() const {
+    bool beyond = false;
+    visit([&](PageNo page) {
+        beyond = page >= store_.pageCount();
+        return !beyond;
+    });
+    return beyond;
+}
+
 std::optional<PageNo> UsageMap::lowest() const {
     std::optional<PageNo> first;
     visit([&](PageNo page) {

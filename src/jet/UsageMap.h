@@ -20,6 +20,8 @@ public:
     [[nodiscard]] bool contains(PageNo page) const;
     /// The lowest page in the set, also one beyond the file's end.
     [[nodiscard]] std::optional<PageNo> lowest() const;
+    /// True when it holds a page that the file does not have: only the global map may.
+    [[nodiscard]] bool reachesBeyondEnd() const;
     /// Bitmap pages that the record names and the file has.
     [[nodiscard]] std::vector<PageNo> bitmapPages() const;
 

@@ -70,16 +70,17 @@ std::vector<std::string> comparable(const std::string& dump, const std::vector<s
             if (lines.empty()) {
                 skipped.push_back(std::find(skip.begin(), skip.end(), cell) != skip.end());
             }
+            // Bytes in hexadecimal, which may look like a number too.
+            if (cell.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos) {
+                std::transform(cell.begin(), cell.end(), cell.begin(),
+                               [](char c) { return c >= 'A' ? static_cast<char>(c | 0x20) : c; });
+            }
             char* end = nullptr;
             const double number = std::strtod(cell.c_str(), &end);
             const bool numeric = !cell.empty() && *end == '\0' &&
                                  cell.find_first_not_of("0123456789.-+e") == std::string::npos;
             char text[40];
             std::snprintf(text, sizeof text, "%.14g", number);
-            if (cell.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos) {
-                std::transform(cell.begin(), cell.end(), cell.begin(),
-                               [](char c) { return c >= 'A' ? static_cast<char>(c | 0x20) : c; });
-            }
             line += at < skipped.size() && skipped[at] ? "" : numeric ? text : cell;
             line += '\t';
         }

@@ -127,7 +127,7 @@ bool Discovery::openSerial() {
     }
     failure_ = "Comm Port " + std::to_string(port) + " not available.";
     const bool tried = port >= SerialTransport::kFirstPort && port <= SerialTransport::kLastPort;
-    refusal_ = tried ? failure_ + "\n" + reason : std::string();
+    refusal_ = tried ? failure_ : std::string(); // the port's reason is for the status bar
     failure_ += " " + reason;
     return false;
 }

@@ -152,7 +152,8 @@ void Link::applyReply(const FrameParser::Reply& reply) {
 }
 
 int Link::sensorCount() const {
-    return instrumentType_ < 1 ? kMaxSensors : std::min<int>(instrumentType_, kMaxSensors);
+    const std::int16_t type = ok_ ? instrumentType_ : knownType_;
+    return type < 1 ? kMaxSensors : std::min<int>(type, kMaxSensors);
 }
 
 std::string Link::Comm_VersionText() const {

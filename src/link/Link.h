@@ -60,7 +60,10 @@ public:
 
     /// Numeric value of the last character of the reply to "J"; 0 when unknown.
     [[nodiscard]] std::int16_t InstrumentType() const { return instrumentType_; }
-    void setInstrumentType(std::int16_t type) { instrumentType_ = type; }
+    void setInstrumentType(std::int16_t type) {
+        instrumentType_ = type;
+        knownType_ = type > 0 ? type : knownType_;
+    }
 
     /// Sensors that are read and shown: InstrumentType, at most 6; unknown (0) counts as 6.
     [[nodiscard]] int sensorCount() const;
@@ -106,6 +109,7 @@ private:
     std::string reply_;
     std::string version_;
     std::int16_t instrumentType_ = 0;
+    std::int16_t knownType_ = 0; ///< last one above 0
     double lastReplyTime_ = -1;
 };
 

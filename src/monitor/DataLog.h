@@ -34,6 +34,8 @@ public:
     void InitDataLog();
     void startBlock(std::string_view filmName);
     void endBlock(std::string_view filmName);
+    /// The run is over, whether it was logged to its end or not.
+    void runEnded() { open_ = false; }
     /// Writes a line if one is due. `elapsed` is the reading's run time in s, rounded to 0.001; `sensorCount`
     /// 0..6.
     void UpdateDataLog(const Readings& readings, double elapsed, int sensorCount);

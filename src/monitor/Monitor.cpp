@@ -37,7 +37,7 @@ bool Monitor::Form_Load() {
     window_->setHourglass(true);
     window_->showWindow();
     setRunMode(kStarting);
-    commMenuForced_ = !parts_.discovery.Comm_Open();
+    parts_.discovery.Comm_Open(); // a failure leaves the communications menu enabled, as modes 0 and 1 do
     setRunMode(kIdle);
     window_->setHourglass(false);
     return true;
@@ -57,6 +57,7 @@ void Monitor::setRunMode(std::int16_t mode) {
         if (parts_.settings.log.Type != kLogNone) {
             parts_.log.endBlock(currentFilmName());
         }
+        parts_.log.runEnded();
         parts_.sleep.release();
     }
     runMode_ = mode;
@@ -119,9 +120,14 @@ void Monitor::InitForm() {
     controlsVisible_ = onLine;
     started_ = true;
     filmNames_.clear();
+    const int asked =
+        requests_.film ? filmIndex_ : -1; // a choice that waits for the link outlives the refresh
     filmIndex_ = -1;
     if (!onLine) {
         title_ = "DRX9 Comm - [Off Line]";
+        if (!parts_.discovery.failure().empty()) {
+            lastExchange_ = parts_.discovery.failure();
+        }
         changed();
         return;
     }
@@ -130,12 +136,16 @@ void Monitor::InitForm() {
     title_ = "DRX9 Comm - [Ver. " + utf8FromAnsi(trimmed(parts_.link.Comm_VersionText())) + "]";
     changed();
     readFilms();
-    selectFilmAfterRefresh();
+    selectFilmAfterRefresh(asked);
     if (!closing_) {
         systemKnown_ = parts_.commands.Comm_GetSystem(parts_.settings.system);
         noteExchange("C?");
     }
     publishExchange();
+    // A record that one exchange could not read is told by systemKnown(). Whether the link lives the next
+    // reading finds out: left as it is, the status would open the link again, refresh again, and never come
+    // to a reading.
+    parts_.link.setCommStatus(comm::kOk);
     changed();
 }
 
@@ -156,9 +166,14 @@ void Monitor::readFilms() {
     parts_.progress.ProgressHide();
 }
 
-void Monitor::selectFilmAfterRefresh() {
+void Monitor::selectFilmAfterRefresh(int asked) {
     const int listed = static_cast<int>(filmNames_.size());
-    if (currentFilm_ >= 1 && currentFilm_ <= listed) {
+    if (filmIndex_ >= 0) {
+        return; // chosen while the list was being read
+    }
+    if (asked >= 0 && asked < listed) {
+        filmIndex_ = asked;
+    } else if (currentFilm_ >= 1 && currentFilm_ <= listed) {
         filmIndex_ = currentFilm_ - 1;
     } else if (listed > 0) {
         cboFilms_Click(0); // counts as a selection, so that list and instrument agree

@@ -109,13 +109,15 @@ public:
     [[nodiscard]] bool controlsVisible() const { return controlsVisible_; } ///< on line at the last refresh
     [[nodiscard]] bool started() const { return started_; }                 ///< the first refresh is done
     [[nodiscard]] bool locked() const { return locked_; }                   ///< setup menus and film list
-    [[nodiscard]] bool commMenuEnabled() const { return !locked_ || commMenuForced_; }
+    [[nodiscard]] bool commMenuEnabled() const { return !locked_; }
     [[nodiscard]] const std::vector<std::string>& filmNames() const { return filmNames_; } ///< UTF-8
     [[nodiscard]] int filmIndex() const { return filmIndex_; }                             ///< -1 none
     [[nodiscard]] std::int16_t shutterState() const { return shutterState_; }
     [[nodiscard]] std::string shutterCaption() const;
     [[nodiscard]] std::string startStopCaption() const;
     [[nodiscard]] const Readings& readings() const { return readings_; }
+    /// The film last selected on the instrument; null when there is none yet.
+    [[nodiscard]] const FilmRecord* currentFilm() const;
     /// Name of the instrument's current film, 8 characters (bytes); blanks when there is none.
     [[nodiscard]] std::string currentFilmName() const;
 
@@ -158,7 +160,7 @@ private:
     void takeStartStopRequest();
     void startRun();
     void readFilms();
-    void selectFilmAfterRefresh();
+    void selectFilmAfterRefresh(int asked);
     void enterMode(std::int16_t mode);
     [[nodiscard]] bool linkFine();
     [[nodiscard]] bool readyToPoll();
@@ -166,7 +168,7 @@ private:
     void noteReading(Commands::ReadResult result);
     void noteExchange(const char* command);
     void publishExchange();
-    [[nodiscard]] const FilmRecord* currentFilm() const;
+    void keepRequestFailure(const char* command);
     void refreshReadouts();
     void changed();
 
@@ -184,7 +186,6 @@ private:
     bool controlsVisible_ = false;
     bool started_ = false;
     bool locked_ = false;
-    bool commMenuForced_ = false;
     bool closing_ = false;
     bool wasOnLine_ = false;
     bool reconnecting_ = false;
@@ -199,7 +200,10 @@ private:
     LocalTime lastGoodTime_;
     LocalTime runStart_;
     std::string versionAtLoss_;
-    std::string failure_; ///< last failed exchange of the tick or refresh in hand
+    std::string
+        requestFailure_; ///< failed exchange of a request; stands for a while, or the bar would flash it
+    double requestFailureUntil_ = -1; ///< monotonic
+    std::string failure_;             ///< last failed exchange of the tick or refresh in hand
     std::string lastExchange_ = "OK";
     std::string notice_;
 };

@@ -12,6 +12,8 @@ namespace {
 /// of the instrument's return, the exchanges of the attempt included. Half a tick off, lest timer jitter skip
 /// one.
 constexpr double kReconnectInterval = 7 * 0.25 - 0.125;
+/// How long (s) the status bar goes on saying which request's exchange failed.
+constexpr double kFailureStands = 10;
 /// Ticks in a row that found the last exchange refused before the link is opened anew.
 constexpr int kRefusalsBeforeReconnect = 4;
 /// A pause longer than this between two readings is no usual interval (a dialog, a lost link).
@@ -83,7 +85,7 @@ void Monitor::reconnect() {
         changed();
     }
     if (!parts_.discovery.Comm_Open(Discovery::Messages::NonBlocking)) {
-        lastExchange_ = commStatusText(parts_.link.CommStatus());
+        lastExchange_ = parts_.discovery.failure();
         return;
     }
     reconnecting_ = false;
@@ -135,14 +137,24 @@ void Monitor::noteReading(Commands::ReadResult result) {
 }
 
 void Monitor::noteExchange(const char* command) {
-    const std::string text = commStatusText(parts_.link.CommStatus());
+    // The exchange's own outcome: the status may be that of a command that was kept for after it.
+    const std::string text = commStatusText(parts_.link.outcome());
     if (!text.empty()) {
         failure_ = std::string(command) + ": " + text;
     }
 }
 
+void Monitor::keepRequestFailure(const char* command) {
+    noteExchange(command);
+    if (parts_.link.outcome() != comm::kOk) {
+        requestFailure_ = failure_;
+        requestFailureUntil_ = parts_.clock.monotonic() + kFailureStands;
+    }
+}
+
 void Monitor::publishExchange() {
-    lastExchange_ = failure_.empty() ? "OK" : failure_;
+    const bool stands = parts_.clock.monotonic() < requestFailureUntil_;
+    lastExchange_ = stands ? requestFailure_ : failure_.empty() ? "OK" : failure_;
 }
 
 void Monitor::refreshReadouts() {

@@ -27,8 +27,8 @@ void Monitor::takeFilmRequest() {
     }
     const int number = filmIndex_ + 1;
     parts_.commands.Comm_SelectFilm(number);
-    noteExchange("D");
-    if (parts_.link.CommStatus() == comm::kTimeout) {
+    keepRequestFailure("D");
+    if (parts_.link.outcome() == comm::kTimeout) {
         requests_.film = true; // unknown whether it arrived: again when the link is back
         return;
     }
@@ -46,7 +46,11 @@ void Monitor::takeZeroRequest() {
         return;
     }
     parts_.commands.Comm_ZeroThickness();
-    noteExchange("S");
+    keepRequestFailure("S");
+    if (parts_.link.outcome() == comm::kTimeout) {
+        requests_.zero = true; // nothing arrived, or nobody knows: again when the link is back
+        return;
+    }
     parts_.commands.Comm_ZeroTime(); // ZeroAll sends it once more: kept
     noteExchange("T");
     ZeroAll();
@@ -64,13 +68,13 @@ void Monitor::takeShutterRequest() {
     } else {
         parts_.commands.Comm_SetUnit(0); // also after a failed query: -999 is not 0
     }
-    noteExchange("U");
+    keepRequestFailure("U");
 }
 
 void Monitor::queryShutter() {
     const std::int16_t answer = parts_.commands.Comm_GetUnit();
     // The wrapper returns the status on failure, and 1 would read as open: the status decides.
-    shutterState_ = parts_.link.CommStatus() == comm::kOk ? answer : kShutterUnknown;
+    shutterState_ = parts_.link.outcome() == comm::kOk ? answer : kShutterUnknown;
     noteExchange("U?");
     changed();
 }

@@ -2,7 +2,8 @@
 
 namespace drx9 {
 
-/// What the monitor needs of the main window. The window pulls what it shows from the monitor after changed().
+/// What the monitor needs of the main window. The window pulls what it shows from the monitor after
+/// changed().
 class MonitorWindow {
 public:
     virtual ~MonitorWindow() = default;

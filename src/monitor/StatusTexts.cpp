@@ -156,7 +156,7 @@ Notice gravestNotice(const StatusFacts& facts) {
         const std::string text = "No reply for " + ageText(facts.replyAge);
         return {NoReply, text + ". Trying again.", text};
     }
-    if (!facts.logError.empty()) {
+    if (!facts.logError.empty() && facts.log.Type != kLogNone) {
         return {Log, "Log not written: " + facts.logError, "Log not written"};
     }
     if (!facts.pauseReason.empty() && facts.controlsVisible) {
@@ -224,6 +224,9 @@ StatusText staShutter(const StatusFacts& facts) {
 StatusText staMode(const StatusFacts& facts) {
     if (!facts.instrumentNotice.empty()) {
         return {facts.instrumentNotice, "Another instrument", StatusText::Tone::Warn};
+    }
+    if (facts.controlsVisible && facts.started && !facts.systemKnown && facts.hasReading) {
+        return {"System parameters not read", "No parameters", StatusText::Tone::Warn};
     }
     std::string list;
     if (facts.systemKnown && facts.simulate) {

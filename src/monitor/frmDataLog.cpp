@@ -1,5 +1,7 @@
 #include "monitor/frmDataLog.h"
 
+#include "util/Paths.h"
+
 #include "util/DisplayFormats.h"
 #include "util/controls/MarkLabel.h"
 #include "util/controls/Theme.h"
@@ -9,6 +11,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
@@ -258,7 +261,26 @@ void frmDataLog::spnInt_Change() {
     emit settingsChanged();
 }
 
+// Both open windows of their own: in mid-exchange they wait, or the run would stand still behind them.
+
 void frmDataLog::cmdNew_Click() {
+    parts_.actions.runWhenIdle([self = QPointer<frmDataLog>(this)] {
+        if (self != nullptr) {
+            self->chooseFile();
+        }
+    });
+}
+
+void frmDataLog::cmdView_Click() {
+    parts_.actions.runWhenIdle([self = QPointer<frmDataLog>(this)] {
+        if (self != nullptr) {
+            self->viewFile();
+        }
+    });
+}
+
+void frmDataLog::chooseFile() {
+    const QPointer<frmDataLog> self(this);
     FileDialogRequest request;
     request.title = "New Log File";
     request.defaultExtension = "txt";
@@ -267,8 +289,11 @@ void frmDataLog::cmdNew_Click() {
     if (!request.fileName.empty() && request.fileName.find('.') == std::string::npos) {
         request.fileName += ".xls"; // kept
     }
+    if (!isAbsolutePath(request.fileName)) {
+        request.initialFolder = folderOf(parts_.log.fullPath());
+    }
     const std::string chosen = parts_.dialogs.saveFile(request);
-    if (chosen.empty()) {
+    if (chosen.empty() || self == nullptr) {
         return;
     }
     parts_.settings.File = chosen;
@@ -279,7 +304,7 @@ void frmDataLog::cmdNew_Click() {
     emit settingsChanged();
 }
 
-void frmDataLog::cmdView_Click() {
+void frmDataLog::viewFile() {
     const std::string reason = parts_.shell.openDocument(parts_.log.fullPath());
     if (!reason.empty()) {
         parts_.boxes.show(reason, "Data Log", MessageIcon::Exclamation);

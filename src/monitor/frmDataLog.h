@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/ActionQueue.h"
 #include "monitor/DataLog.h"
 #include "monitor/DataLogSpan.h"
 #include "monitor/Settings.h"
@@ -29,6 +30,7 @@ struct DataLogWindowParts {
     FileDialogs& dialogs;
     Shell& shell;
     MessageBoxes& boxes;
+    ActionQueue& actions;
 };
 
 /// The data log window: file, mode, logged span of the run and interval. Every change takes effect at once.
@@ -64,6 +66,8 @@ private:
     void spnInt_Change();
     void cmdNew_Click();
     void cmdView_Click();
+    void chooseFile();
+    void viewFile();
 
     DataLogWindowParts parts_;
     DataLogSpan span_;

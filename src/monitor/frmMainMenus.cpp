@@ -93,9 +93,8 @@ void frmMain::buildViewMenu() {
     addSeparator(view, "mnuGraphSep1");
     for (std::size_t i = 0; i < sensors.size(); ++i) {
         const auto item = static_cast<std::int16_t>(i + 1);
-        sensorItems_[i] = addItem(view, sensors[i].name, sensors[i].caption, viewKey(item + 4), [this, item] {
-            monitor_.sensorItemClicked(item);
-        });
+        sensorItems_[i] = addItem(view, sensors[i].name, sensors[i].caption, viewKey(item + 4),
+                                  [this, item] { monitor_.sensorItemClicked(item); });
         sensorItems_[i]->setCheckable(true);
     }
 }
@@ -114,8 +113,9 @@ void frmMain::notInThisBuild() {
 void frmMain::showDataLog() {
     if (dataLog_ == nullptr) {
         const MonitorParts& parts = monitor_.parts();
-        dataLog_ = new frmDataLog(
-            {parts.settings.log, parts.log, parts_.files, parts_.dialogs, parts_.shell, parts_.boxes}, this);
+        dataLog_ = new frmDataLog({parts.settings.log, parts.log, parts_.files, parts_.dialogs, parts_.shell,
+                                   parts_.boxes, parts.actions},
+                                  this);
         dataLog_->setAttribute(Qt::WA_DeleteOnClose);
         connect(dataLog_, &frmDataLog::settingsChanged, this, &frmMain::beat);
     }

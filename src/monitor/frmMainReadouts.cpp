@@ -137,11 +137,11 @@ QString frmMain::crystalExplanation(int sensor) const {
 }
 
 double frmMain::gaugeShare() const {
-    const int film = monitor_.filmIndex() + 1;
-    if (film < 1 || !monitor_.hasReading()) {
+    const FilmRecord* film = monitor_.currentFilm();
+    if (film == nullptr || !monitor_.hasReading()) {
         return 0;
     }
-    const double final = monitor_.parts().films[static_cast<std::size_t>(film)].EndThick;
+    const double final = film->EndThick;
     return final > 0 ? monitor_.readings().averageThickness / final : 0;
 }
 

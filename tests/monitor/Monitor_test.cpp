@@ -138,6 +138,36 @@ TEST_F(MonitorTest, RememberedFilmIsKeptThroughARefreshWithoutARequest) {
     EXPECT_EQ(monitor->currentFilmName(), "FILM_3  ");
 }
 
+TEST_F(MonitorTest, ARecordThatIsNeverAnsweredDoesNotKeepTheProgramFromPolling) {
+    special["C?"] = "";
+    bringUp();
+    for (int i = 0; i < 4; ++i) {
+        clock.advance(2);
+        tick();
+    }
+    EXPECT_FALSE(monitor->systemKnown());
+    EXPECT_FALSE(monitor->stale(clock.monotonic()));
+    EXPECT_EQ(socket.connects, 1);
+}
+
+TEST_F(MonitorTest, AFilmChoiceOutlivesALossAndARefresh) {
+    bringUp();
+    special["D3"] = "";
+    monitor->cboFilms_Click(2);
+    tick();
+    EXPECT_TRUE(monitor->requests().film);
+    EXPECT_NE(monitor->lastExchange().find("D: Timeout"), std::string::npos);
+    special.erase("D3");
+    clock.advance(2);
+    tick(); // opens the link and refreshes the window
+    EXPECT_EQ(monitor->filmIndex(), 2);
+    EXPECT_EQ(requestsOfTick(), (Texts{"D3", "A3?", "U?"}));
+    onCommand["A6?"] = [this] { monitor->cboFilms_Click(1); }; // chosen while the list is read
+    monitor->setRunMode(kIdle);
+    EXPECT_EQ(monitor->filmIndex(), 1);
+    EXPECT_EQ(requestsOfTick().front(), "D2");
+}
+
 // ---- a run and its log
 
 TEST_F(MonitorTest, RunStartsWithZeroThenLogAndEndsWithLogThenRefresh) {

@@ -16,7 +16,7 @@ protected:
         settings.log.Start = 3725;
         settings.log.End = 7384;
         settings.log.Interval = 61;
-        dialog = new frmDataLog({settings.log, *log, files, dialogs, shell, boxes}, window.get());
+        dialog = new frmDataLog({settings.log, *log, files, dialogs, shell, boxes, actions}, window.get());
         dialog->show();
     }
     int value(const char* name) { return find<QSpinBox>(name)->value(); }

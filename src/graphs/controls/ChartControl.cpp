@@ -73,7 +73,7 @@ void ChartControl::ReInit() {
     setXMin(0);
     setXwide(Xwide());
     setLastPoint(1, 0);
-    follow();
+    followX(); // Y stays as the operator has it
 }
 
 void ChartControl::setYMin(float value) {
@@ -143,17 +143,21 @@ void ChartControl::pauseFollowing() {
     showNote();
 }
 
-void ChartControl::follow() {
+void ChartControl::followX() {
     following_ = true;
     axisXMin_ = xMin_;
     axisXMax_ = axisXMin_ + xWide_;
     applyX();
+    showNote();
+}
+
+void ChartControl::follow() {
+    followX();
     if (homeYMin_ < homeYMax_) {
         yMin_ = homeYMin_;
         yMax_ = homeYMax_;
         plot_->setYRange(yMin_, yMax_);
     }
-    showNote();
 }
 
 void ChartControl::setSensorCount(int count) {

@@ -78,6 +78,7 @@ protected:
 
 private:
     void pauseFollowing();
+    void followX();
     void applyX();
     void applyTheme();
     void showSeries();

@@ -4,16 +4,16 @@
 
 namespace drx9 {
 
-/// One strip chart as the acquisition cycle works it: time axis in elapsed seconds, rates in Å/s, thickness in kÅ.
-/// Series are numbered from 1.
+/// One strip chart as the acquisition cycle works it: time axis in elapsed seconds, rates in Å/s, thickness
+/// in kÅ. Series are numbered from 1.
 class Graph {
 public:
     virtual ~Graph() = default;
 
     /// First-time set-up: design look, empty series.
     virtual void Init() = 0;
-    /// Restarts the time window at zero for a new run: XMin = 0, Xwide re-applied, series 1 emptied. The other
-    /// series keep their points until the first setLastPoint() (kept).
+    /// Restarts the time window at zero for a new run: XMin = 0, Xwide re-applied, series 1 emptied. The
+    /// other series keep their points until the first setLastPoint() (kept).
     virtual void ReInit() = 0;
 
     [[nodiscard]] virtual float YMin() const = 0;
@@ -26,7 +26,8 @@ public:
     /// The X axis's maximum becomes its current minimum plus the value.
     virtual void setXwide(float value) = 0;
 
-    /// Y axis as the chart shows it now; differs from YMin/YMax after the operator changed it on the chart itself.
+    /// Y axis as the chart shows it now; differs from YMin/YMax after the operator changed it on the chart
+    /// itself.
     [[nodiscard]] virtual float shownYMin() const = 0;
     [[nodiscard]] virtual float shownYMax() const = 0;
 

@@ -34,13 +34,14 @@ struct Settings {
 
 inline constexpr const char* kUploadDatabase = "UploadData.mdb";
 
-/// Sets the file's name to Monitor.ini in the data folder and reads every key; a missing or empty one gives its
-/// default, text that is no number the default too.
+/// Sets the file's name to Monitor.ini in the data folder and reads every key; a missing or empty one gives
+/// its default, text that is no number the default too.
 void LoadSettings(Settings& settings, cFile& file, const FilePort& files, const Paths& paths,
                   const NumberLocale& locale);
 
-/// Writes every key in one atomic replace; creates the file when it is missing. DBFile/Name is skipped when it is
-/// "UploadData.mdb" or resolves to that file in the data folder. False when the file could not be written.
+/// Writes every key in one atomic replace; creates the file when it is missing. DBFile/Name is skipped when
+/// it is "UploadData.mdb" or resolves to that file in the data folder. False when the file could not be
+/// written.
 bool SaveSettings(const Settings& settings, cFile& file, FilePort& files, const Paths& paths,
                   const NumberLocale& locale);
 

@@ -9,8 +9,8 @@
 
 namespace drx9 {
 
-/// Outcome of one file operation: empty when it succeeded, else a reason for people ("No space left on device").
-/// Never throws; the caller names the file.
+/// Outcome of one file operation: empty when it succeeded, else a reason for people ("No space left on
+/// device"). Never throws; the caller names the file.
 class FileStatus {
 public:
     FileStatus() = default;
@@ -31,7 +31,8 @@ private:
     bool notFound_ = false;
 };
 
-/// What tells one state of a file from another: compare two to see whether somebody wrote or replaced the file.
+/// What tells one state of a file from another: compare two to see whether somebody wrote or replaced the
+/// file.
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t node = 0;
@@ -52,11 +53,11 @@ public:
     virtual FileStatus close() = 0;
 };
 
-/// The operating system's files. Paths are UTF-8; both separators are accepted on Windows, "/" elsewhere. Relative
-/// paths are the caller's mistake: callers resolve against the data folder first.
+/// The operating system's files. Paths are UTF-8; both separators are accepted on Windows, "/" elsewhere.
+/// Relative paths are the caller's mistake: callers resolve against the data folder first.
 ///
-/// No operation throws. Everything that saves goes through replaceFile() of AtomicReplace.h, which is built on the
-/// primitives here, so that a test can fail each step on its own.
+/// No operation throws. Everything that saves goes through replaceFile() of AtomicReplace.h, which is built
+/// on the primitives here, so that a test can fail each step on its own.
 class FilePort {
 public:
     virtual ~FilePort() = default;
@@ -74,9 +75,9 @@ public:
 
     /// Reads the whole file into `bytes`; on failure `bytes` is left as it was.
     virtual FileStatus read(const std::string& path, std::string& bytes) const = 0;
-    /// Opens (creating it when missing), writes the bytes at the end and closes: nothing is kept open, so a crash
-    /// loses nothing that was reported as written. On failure nothing of the bytes is left in the file (a partly
-    /// written tail is cut off again).
+    /// Opens (creating it when missing), writes the bytes at the end and closes: nothing is kept open, so a
+    /// crash loses nothing that was reported as written. On failure nothing of the bytes is left in the file
+    /// (a partly written tail is cut off again).
     virtual FileStatus append(const std::string& path, std::string_view bytes) = 0;
     virtual FileStatus remove(const std::string& path) = 0;
     /// Makes the folder and those above it; one that exists already is fine.
@@ -86,8 +87,9 @@ public:
 
     // Steps of an atomic replace.
 
-    /// Creates a new file that must not exist yet. Where `like` names an existing file its mode, and its owner where
-    /// the system allows it, are given to the new one. Null with the reason in `status` on failure.
+    /// Creates a new file that must not exist yet. Where `like` names an existing file its mode, and its
+    /// owner where the system allows it, are given to the new one. Null with the reason in `status` on
+    /// failure.
     virtual std::unique_ptr<OutputFile> create(const std::string& path, const std::string& like,
                                                FileStatus& status) = 0;
     /// Renames over an existing target in one step.

@@ -2,8 +2,8 @@
 
 #include "util/controls/Theme.h"
 
-#include <QDate>
 #include <QCoreApplication>
+#include <QDate>
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QLabel>

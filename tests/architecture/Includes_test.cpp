@@ -70,7 +70,8 @@ std::vector<File> allFiles() {
 }
 
 bool isQtHeader(const std::string& include) {
-    return (include.size() > 1 && include[0] == 'Q' && std::isupper(static_cast<unsigned char>(include[1]))) ||
+    return (include.size() > 1 && include[0] == 'Q' &&
+            std::isupper(static_cast<unsigned char>(include[1]))) ||
            include == "qcustomplot.h" || include.rfind("Qt", 0) == 0;
 }
 
@@ -101,8 +102,9 @@ std::string fault(const File& file, const std::string& include) {
         }
         return include.find("frmMain") != std::string::npos && !topForm
                    ? "a window includes the main window"
-                   : (controls || topForm || target == file.folder || target == "util" ? ""
-                                                                                       : "a window of another subsystem");
+                   : (controls || topForm || target == file.folder || target == "util"
+                          ? ""
+                          : "a window of another subsystem");
     }
     if (target.empty() || target == file.folder || kMayInclude.at(file.folder).count(target) != 0) {
         return "";

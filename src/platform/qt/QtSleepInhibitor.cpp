@@ -128,7 +128,8 @@ QtSleepInhibitor::QtSleepInhibitor()
     : backend_(std::make_unique<Backend>()) {}
 
 QtSleepInhibitor::~QtSleepInhibitor() {
-    release();
+    if (held_)
+        backend_->release();
 }
 
 void QtSleepInhibitor::hold(const std::string& reason) {

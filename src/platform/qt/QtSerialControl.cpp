@@ -65,7 +65,10 @@ QtSerialControl::QtSerialControl(EventPump& pump, std::string programFolder)
     , programFolder_(std::move(programFolder)) {
 #ifndef Q_OS_WIN
     // Looking takes some ten milliseconds: not before the first window is painted.
-    QTimer::singleShot(kFirstLook, this, [this] { lookForDevices(); });
+    QTimer::singleShot(kFirstLook, this, [this] {
+        if (!lookedAt_.isValid())
+            lookForDevices();
+    });
 #endif
 }
 

@@ -191,7 +191,8 @@ void BM_PtyBare(benchmark::State& state) {
 struct Program {
     explicit Program(int commType) {
         settings.CommType = static_cast<std::int16_t>(commType);
-        (void)serial.deviceName(9); // the look for serial devices that otherwise comes later, into the figures
+        (void)serial.deviceName(
+            9); // the look for serial devices that otherwise comes later, into the figures
     }
 
     void exchange(benchmark::State& state) {

@@ -44,6 +44,10 @@ Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale
     ticker_.setTick([this] { monitor_.tmrUpdate_Timer(); });
 }
 
+Program::~Program() {
+    transports_.closeAll();
+}
+
 void Program::start() {
     QTimer::singleShot(0, &window_, [this] {
         if (!monitor_.Form_Load()) {

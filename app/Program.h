@@ -31,6 +31,10 @@ namespace drx9 {
 class Program {
 public:
     Program(FilePort& files, const Paths& paths, const NumberLocale& locale);
+    /// Closes the link: a bridge's library must not be left with an open handle.
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
 
     /// Starts up from the event loop: posts Form_Load.
     void start();

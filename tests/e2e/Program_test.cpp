@@ -38,7 +38,7 @@ protected:
     }
     void build(LinkType link, const QString& faults = "none") {
         const QString path = folder_.path();
-        arguments_ = QStringList{"--quiet", "--speed", "4", "--faults", faults};
+        arguments_ = QStringList{"--quiet", "--speed", "10", "--faults", faults};
         arguments_ +=
             link == kSerial ? QStringList{"--pty", path + "/COM1"} : QStringList{"--tcp", "127.0.0.1:PORT"};
         startSimulator();
@@ -171,12 +171,12 @@ TEST_P(OnEveryLink, ADayAtTheInstrument) {
     EXPECT_EQ(text("cmdShutter"), "Close Shutter");
     EXPECT_FALSE(films().isEnabled());
     EXPECT_TRUE(waitFor([&] {
-        return number("TxtData_1") > 0.1 && number("TxtData_2") > 0.002 && text("TxtData_3") != frequency &&
+        return number("TxtData_1") > 0.1 && number("TxtData_2") > 0.1 && text("TxtData_3") != frequency &&
                number("TxtData_9") > 0 && text("TxtData_10") > "0:00:00" && text("TxtData_11") > "0:00:00";
     }));
 
     click("cmdShutter");
-    EXPECT_TRUE(waitFor([&] { return ask("shutter?") == "0"; }));
+    EXPECT_TRUE(waitFor([&] { return ask("shutter?") == "0" && text("TxtData_1") == "0.00"; }));
     // What has settled at the instrument is what the window shows, to the last digit.
     EXPECT_TRUE(waitFor([&] { return std::abs(number("TxtData_2") - ask("state?").toDouble()) < 0.0006; }));
     click("cmdStartStop");

@@ -82,7 +82,9 @@ void frmMain::showRunControls() {
     if (shownMode_ != monitor_.RunMode()) {
         shownMode_ = monitor_.RunMode();
         // The film list is locked now; not hasFocus(), which is false while another window is active.
-        if (running && (focusWidget() == cboFilms_ || focusWidget() == nullptr)) {
+        // Locking the list, or hiding it at the start, hands the focus to the first readout.
+        const QWidget* focus = focusWidget();
+        if (running && (focus == nullptr || focus == cboFilms_ || focus == TxtData_[Readouts::AverageRate])) {
             cmdStartStop_->setFocus();
         }
     }

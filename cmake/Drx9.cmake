@@ -1,6 +1,11 @@
 # Compile flags shared by everything, and the functions that make our kinds of targets.
 include(CTest)
 
+# Headers that nearly every file of the windows and of their tests reads, compiled once for all: it halves the time.
+# The tidy preset goes without (CMAKE_DISABLE_PRECOMPILE_HEADERS), so that each file still includes what it uses.
+set(DRX9_QT_HEADERS <QApplication> <QDialog> <QLayout> <QMainWindow> <QMenu> <QPainter> <QStyle> <QTimer>
+                    <algorithm> <functional> <memory> <string> <vector>)
+
 add_library(drx9_flags INTERFACE)
 target_compile_options(drx9_flags INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
@@ -60,6 +65,7 @@ function(drx9_qt_library name)
   set_target_properties(${name} PROPERTIES AUTOMOC ON)
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} PUBLIC ${ARG_LIBS} drx9_flags)
+  target_precompile_headers(${name} PRIVATE ${DRX9_QT_HEADERS})
 endfunction()
 
 # drx9_test(FOLDER LIBS targets... [QT]): all tests/FOLDER/*_test.cpp as one program, each case a ctest case.
@@ -82,6 +88,7 @@ function(drx9_test folder)
     # A QApplication of its own stands in such a folder's main.
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
     target_link_libraries(${name} PRIVATE GTest::gtest)
+    target_precompile_headers(${name} PRIVATE <gtest/gtest.h> ${DRX9_QT_HEADERS})
     set(environment ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
   else()
     target_link_libraries(${name} PRIVATE GTest::gtest_main)

@@ -15,7 +15,7 @@ AppInfo appInfo() {
 }
 } // namespace
 
-Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale)
+Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale, const QString& placesFile)
     : paths_(paths)
     , locale_(locale)
     , pump_(clock_)
@@ -33,12 +33,13 @@ Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale
     , log_(files, clock_, locale_, paths_, boxes_, pump_, settings_.log)
     , readouts_(locale_, settings_.system)
     , timer_(ticker_)
+    , places_(placesFile)
     , progress_(pump_)
     , monitor_({settings_, films_, link_, commands_, discovery_, actions_, log_, readouts_, timer_,
                 charts_.graphs(), progress_, sleep_, clock_, pump_,
                 [this, &files] { LoadSettings(settings_, file_, files, paths_, locale_); },
                 [this, &files] { SaveSettings(settings_, file_, files, paths_, locale_); }})
-    , window_({monitor_, charts_, files, paths_, boxes_, dialogs_, shell_, nullptr}) {
+    , window_({monitor_, charts_, files, paths_, boxes_, dialogs_, shell_, nullptr, &places_}) {
     monitor_.setWindow(window_);
     progress_.setOwner(ProgressOwner::MainWindow, &window_);
     ticker_.setTick([this] { monitor_.tmrUpdate_Timer(); });

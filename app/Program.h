@@ -23,6 +23,7 @@
 #include "platform/qt/QtSocketControl.h"
 #include "platform/qt/QtTicker.h"
 #include "platform/qt/QtUsbBridge.h"
+#include "util/controls/WindowPlaces.h"
 
 namespace drx9 {
 
@@ -30,7 +31,8 @@ namespace drx9 {
 /// same program in a folder of their own.
 class Program {
 public:
-    Program(FilePort& files, const Paths& paths, const NumberLocale& locale);
+    /// `placesFile` keeps where windows stand; without one each start puts them anew.
+    Program(FilePort& files, const Paths& paths, const NumberLocale& locale, const QString& placesFile = {});
     /// Closes the link: a bridge's library must not be left with an open handle.
     ~Program();
     Program(const Program&) = delete;
@@ -73,6 +75,7 @@ private:
     PollTimer timer_;
 
     // Windows
+    WindowPlaces places_;
     ChartSet charts_;
     frmStatus progress_;
     Monitor monitor_;

@@ -26,7 +26,9 @@ int main(int argc, char* argv[]) {
                               "DRX9 Comm", MessageIcon::Information);
         return 1;
     }
-    Program program(*files, paths, localeFromSystem());
+    const QString places =
+        QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/windows.ini");
+    Program program(*files, paths, localeFromSystem(), places);
     program.start();
     return QApplication::exec();
 }

@@ -2,6 +2,7 @@
 
 #include "monitor/frmDataLog.h"
 #include "util/controls/Theme.h"
+#include "util/controls/WindowPlaces.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -33,6 +34,9 @@ frmMain::frmMain(const MainWindowParts& parts)
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     resize(kStartSize.boundedTo(screen.size()).expandedTo(kLeastSize));
     move(screen.center() - rect().center());
+    if (parts_.places != nullptr) {
+        parts_.places->follow(*this);
+    }
     chooseStep();
     applyTheme();
     heartbeat_.setInterval(kHeartbeatMs);
@@ -72,6 +76,9 @@ void frmMain::changed() {
     showReadouts();
     showCharts();
     beat();
+    if (heartbeat_.isActive()) {
+        heartbeat_.start(); // anew: it stands in where the monitor has nothing to tell
+    }
 }
 
 void frmMain::closeOtherWindows() {

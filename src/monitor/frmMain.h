@@ -32,8 +32,9 @@ class NoticePlate;
 class Readout;
 class SensorLabel;
 class StartStopButton;
+class WindowPlaces;
 
-/// What the main window works with beside the monitor's own parts. `help` may be null.
+/// What the main window works with beside the monitor's own parts. `help` and `places` may be null.
 struct MainWindowParts {
     Monitor& monitor;
     ChartSet& charts; ///< the window takes the charts into its layout and owns them from then on
@@ -43,6 +44,7 @@ struct MainWindowParts {
     FileDialogs& dialogs;
     Shell& shell;
     HelpViewer* help;
+    WindowPlaces* places = nullptr;
 };
 
 /// The main window: shows what the monitor holds, passes clicks on, opens the other windows. Talks to no

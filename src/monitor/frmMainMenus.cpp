@@ -4,6 +4,7 @@
 #include "monitor/frmDataLog.h"
 #include "util/controls/Readout.h"
 #include "util/controls/StartStopButton.h"
+#include "util/controls/WindowPlaces.h"
 #include "util/frmAbout.h"
 
 #include <QActionGroup>
@@ -118,6 +119,9 @@ void frmMain::showDataLog() {
                                   this);
         dataLog_->setAttribute(Qt::WA_DeleteOnClose);
         connect(dataLog_, &frmDataLog::settingsChanged, this, &frmMain::beat);
+        if (parts_.places != nullptr) {
+            parts_.places->follow(*dataLog_);
+        }
     }
     dataLog_->show();
     dataLog_->raise();

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -39,7 +40,6 @@ ChartControl::ChartControl(const ChartDesign& design, QWidget* parent)
     setObjectName(QString::fromLatin1(design.objectName));
     setAccessibleName(QString::fromLatin1(design.title));
     setFocusPolicy(Qt::StrongFocus);
-    setContextMenuPolicy(Qt::NoContextMenu);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(kRing, kRing, kRing, kRing);
     column->setSpacing(0);
@@ -281,13 +281,47 @@ bool ChartControl::viewKey(int key, Qt::KeyboardModifiers modifiers) {
 
 void ChartControl::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Copy)) {
-        QApplication::clipboard()->setPixmap(grab());
+        copyPicture();
     } else if (event->key() >= Qt::Key_1 && event->key() <= Qt::Key_6 &&
-               event->modifiers() == Qt::NoModifier) {
+               !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))) {
         toggleSeries(event->key() - Qt::Key_1);
     } else if (!viewKey(event->key(), event->modifiers())) {
         QWidget::keyPressEvent(event);
     }
+}
+
+void ChartControl::copyPicture() {
+    QApplication::clipboard()->setPixmap(grab(rect().adjusted(kRing, kRing, -kRing, -kRing)));
+}
+
+/// What the keys do, for those who look for it. The keys stand beside as texts: the chart takes them itself.
+QMenu* ChartControl::buildMenu() {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(QStringLiteral("Follow the run\tHome"), this, &ChartControl::follow);
+    menu->addAction(QStringLiteral("Zoom in\t+"), this, [this] { plot_->zoom(kZoomStep, true); });
+    menu->addAction(QStringLiteral("Zoom out\t-"), this, [this] { plot_->zoom(1 / kZoomStep, true); });
+    menu->addAction(QStringLiteral("Zoom Y in"), this, [this] { plot_->zoom(kZoomStep, false); });
+    menu->addAction(QStringLiteral("Zoom Y out"), this, [this] { plot_->zoom(1 / kZoomStep, false); });
+    if (design_.series > 1) {
+        menu->addSeparator();
+        for (int i = 0; i < std::min(sensors_, design_.series); ++i) {
+            QAction* item = menu->addAction(plot_->graph(i)->name() + QStringLiteral("\t%1").arg(i + 1), this,
+                                            [this, i] { toggleSeries(i); });
+            item->setCheckable(true);
+            item->setChecked(!hidden_[static_cast<std::size_t>(i)]);
+        }
+    }
+    menu->addSeparator();
+    menu->addAction(QStringLiteral("Copy picture\tCtrl+C"), this, &ChartControl::copyPicture);
+    return menu;
+}
+
+/// Not modal: readings go on while the menu is open.
+void ChartControl::contextMenuEvent(QContextMenuEvent* event) {
+    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
+    buildMenu()->popup(byKey ? plot_->mapToGlobal(plot_->axisRect()->topLeft()) : event->globalPos());
+    event->accept();
 }
 
 ChartSet::ChartSet() {

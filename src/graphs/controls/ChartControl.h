@@ -7,6 +7,8 @@
 
 #include <array>
 
+class QMenu;
+
 namespace drx9 {
 
 class ChartHeader;
@@ -67,10 +69,12 @@ public:
 public slots:
     void follow();
     void toggleSeries(int series); ///< from 0
+    void copyPicture();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -84,6 +88,7 @@ private:
     void showSeries();
     void showNote();
     bool viewKey(int key, Qt::KeyboardModifiers modifiers);
+    [[nodiscard]] QMenu* buildMenu();
 
     ChartDesign design_;
     ChartHeader* header_;

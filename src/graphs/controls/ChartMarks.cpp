@@ -188,12 +188,22 @@ std::optional<ChartPlot::Tracer> ChartPlot::nearestPoint(const QPointF& position
     return best;
 }
 
+std::optional<ChartPlot::Tracer> ChartPlot::newestPointInView() const {
+    for (std::size_t i = 0; i < series_.size(); ++i) {
+        const QCPGraph* graph = series_[i].graph;
+        auto at = graph->data()->findEnd(xAxis->range().upper, false);
+        while (graph->visible() && at != graph->data()->constBegin() && (--at)->key >= xAxis->range().lower) {
+            if (!std::isnan(at->value)) {
+                return Tracer{static_cast<int>(i), at->key, at->value};
+            }
+        }
+    }
+    return {};
+}
+
 void ChartPlot::moveTracer(int step) {
     if (!tracer_) {
-        const std::vector<EndMark>& marks = shownMarks_;
-        if (!marks.empty()) {
-            setTracer(nearestPoint(marks.front().dot));
-        }
+        setTracer(newestPointInView());
         return;
     }
     const auto points = series_[static_cast<std::size_t>(tracer_->series)].graph->data();

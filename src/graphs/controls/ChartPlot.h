@@ -91,6 +91,7 @@ private:
     [[nodiscard]] QRect tracerRect() const;
     [[nodiscard]] QString tracerText() const;
     [[nodiscard]] std::optional<Tracer> nearestPoint(const QPointF& position) const;
+    [[nodiscard]] std::optional<Tracer> newestPointInView() const;
     void setTracer(const std::optional<Tracer>& tracer);
     [[nodiscard]] Qt::Orientations orientationsAt(const QPointF& position) const;
     void emitViewChanges(const QCPRange& x, const QCPRange& y);

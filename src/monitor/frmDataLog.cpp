@@ -21,6 +21,7 @@ namespace drx9 {
 
 namespace {
 constexpr int kSpinnerWidth = 84;
+constexpr int kSpinnerRoom = 36; ///< of its arrows and edges
 constexpr int kButtonWidth = 92;
 constexpr int kWidth = 372; ///< of the contents
 constexpr int kStateMs = 500;
@@ -55,7 +56,7 @@ frmDataLog::frmDataLog(const DataLogWindowParts& parts, QWidget* owner)
     setObjectName(QStringLiteral("frmDataLog"));
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(16, 16, 16, 16);
-    column->setSpacing(20);
+    column->setSpacing(12);
     column->setSizeConstraint(QLayout::SetFixedSize);
     column->addWidget(buildFile());
     column->addWidget(buildSpan());
@@ -122,7 +123,8 @@ QSpinBox* frmDataLog::spinner(const char* name, const char* accessible, int most
     box->setRange(0, most);
     box->setKeyboardTracking(false);
     box->setAlignment(Qt::AlignRight);
-    box->setFixedWidth(kSpinnerWidth);
+    const int longest = fontMetrics().horizontalAdvance(QString::number(DataLogSpan::kMostHours));
+    box->setFixedWidth(std::max(kSpinnerWidth, longest + kSpinnerRoom));
     box->setMinimumHeight(30);
     return box;
 }
@@ -166,6 +168,7 @@ QGroupBox* frmDataLog::buildSpan() {
 
 QLayout* frmDataLog::buildBottom() {
     auto* row = new QHBoxLayout;
+    row->setSpacing(8);
     state_ = new MarkLabel(this);
     state_->setObjectName(QStringLiteral("lblState"));
     state_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);

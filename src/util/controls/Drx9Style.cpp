@@ -341,7 +341,8 @@ QSize Drx9Style::sizeFromContents(ContentsType type, const QStyleOption* option,
     case CT_LineEdit:
         return result.expandedTo({0, kLeastHeight});
     case CT_SpinBox:
-        return {size.width() + kSpinButtonWidth + 12, std::max(kLeastHeight, size.height() + 8)};
+        return {size.width() + kSpinButtonWidth + 12,
+                std::max(kLeastHeight, size.height())}; // of its line edit
     case CT_ComboBox:
         return {size.width() + kComboButtonWidth + 12, std::max(kLeastHeight, size.height() + 8)};
     case CT_GroupBox:

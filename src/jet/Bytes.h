@@ -65,8 +65,14 @@ public:
     explicit Patch(std::span<char> bytes)
         : bytes_(bytes) {}
 
+    [[nodiscard]] std::span<char> part(std::size_t at, std::size_t length) const {
+        if (at > bytes_.size() || length > bytes_.size() - at) {
+            damaged("a value reaches beyond its page");
+        }
+        return bytes_.subspan(at, length);
+    }
     void number(std::size_t at, std::size_t width, std::uint32_t value) {
-        const auto place = room(at, width);
+        const auto place = part(at, width);
         for (auto& byte : place) {
             byte = static_cast<char>(value & 0xFF);
             value >>= 8;
@@ -76,25 +82,18 @@ public:
     void u16(std::size_t at, std::uint32_t value) { number(at, 2, value); }
     void u32(std::size_t at, std::uint32_t value) { number(at, 4, value); }
     void bytes(std::size_t at, std::string_view value) {
-        const auto place = room(at, value.size());
+        const auto place = part(at, value.size());
         if (!value.empty()) {
             std::memcpy(place.data(), value.data(), value.size());
         }
     }
     void fill(std::size_t at, std::size_t length, char byte) {
-        for (auto& each : room(at, length)) {
+        for (auto& each : part(at, length)) {
             each = byte;
         }
     }
 
 private:
-    [[nodiscard]] std::span<char> room(std::size_t at, std::size_t length) const {
-        if (at > bytes_.size() || length > bytes_.size() - at) {
-            damaged("a value reaches beyond its page");
-        }
-        return bytes_.subspan(at, length);
-    }
-
     std::span<char> bytes_;
 };
 

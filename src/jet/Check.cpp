@@ -273,11 +273,11 @@ private:
             return;
         }
         tree.pages.insert(number);
-        const IndexPage page = readIndexPage(store_, number);
+        const IndexPage page(store_, number);
         if (page.owner != tree.table.table.definition().page()) {
             treeFault(tree, pageName(number) + " names another owner");
         }
-        if (page.statedFree != page.actualFree) {
+        if (page.statedFreeBytes() != page.freeBytes()) {
             treeFault(tree, pageName(number) + " has a wrong free count");
         }
         // Some writers leave the height 0 on nodes.
@@ -286,14 +286,15 @@ private:
         }
         if (page.leaf) {
             checkLeaf(tree, number, page);
-            if (limit && page.count() > 0 && page.back() != *limit) {
+            if (limit && !page.empty() && page.entry(page.before(page.used())) != *limit) {
                 treeFault(tree, "the node above " + pageName(number) + " does not repeat its last entry");
             }
             return;
         }
         const auto below = page.height > 0 ? std::optional<std::size_t>(page.height - 1) : std::nullopt;
-        for (std::size_t i = 0; i < page.count(); ++i) {
-            checkNode(tree, nodeChild(page.entry(i)), std::string(nodeSeparator(page.entry(i))), below);
+        for (std::size_t at = 0; at < page.used(); at = page.after(at)) {
+            const auto entry = page.entry(at);
+            checkNode(tree, nodeChild(entry), std::string(nodeSeparator(entry)), below);
         }
         checkNode(tree, page.tail, limit, below);
     }
@@ -304,11 +305,12 @@ private:
         }
         tree.lastLeaf = number;
         tree.linkedLeaf = page.next;
-        for (std::size_t i = 0; i < page.count(); ++i) {
-            if (!checkEntry(tree, page.entry(i))) {
+        for (std::size_t at = 0; at < page.used(); at = page.after(at)) {
+            const auto entry = page.entry(at);
+            if (!checkEntry(tree, entry)) {
                 return;
             }
-            tree.last = page.entry(i);
+            tree.last = entry;
         }
     }
 

@@ -96,18 +96,31 @@ void initDataPage(PageStore& store, PageNo number, std::uint32_t owner) {
     page.u32(kOwnerAt, owner);
 }
 
-RowId addRow(PageStore& store, PageNo number, std::string_view bytes, SlotKind kind) {
+PageRoom roomOn(const PageStore& store, PageNo number) {
     const Layout& layout = store.layout();
-    const DataPage old(store, number);
-    const std::size_t row = old.slots().size();
-    const std::size_t listEnd = layout.slotsAt + 2 * row;
-    const std::size_t start = listEnd + old.freeBytes() - bytes.size();
+    const Bytes page = store.page(number, PageType::Data);
+    PageRoom room;
+    room.slots = page.u16(layout.slotCountAt);
+    room.start = layout.slotsAt + 2 * room.slots;
+    room.end = room.slots == 0 ? layout.pageSize : page.u16(room.start - 2) & kSlotOffsetMask;
+    if (room.end < room.start || room.end > layout.pageSize) {
+        damaged("the row list of page " + std::to_string(number) + " is longer than the page");
+    }
+    return room;
+}
+
+RowId addRow(PageStore& store, PageNo number, std::string_view bytes, SlotKind kind) {
+    const PageRoom room = roomOn(store, number);
+    if (!room.takes(bytes.size())) {
+        damaged("a row does not fit its page");
+    }
+    const std::size_t start = room.end - bytes.size();
     Patch page = store.edit(number);
     page.bytes(start, bytes);
-    page.u16(listEnd, static_cast<std::uint32_t>(start | flagsOf(kind)));
-    page.u16(layout.slotCountAt, static_cast<std::uint32_t>(row + 1));
-    page.u16(kFreeBytesAt, static_cast<std::uint32_t>(start - listEnd - 2));
-    return {number, static_cast<std::uint8_t>(row)};
+    page.u16(room.start, static_cast<std::uint32_t>(start | flagsOf(kind)));
+    page.u16(store.layout().slotCountAt, static_cast<std::uint32_t>(room.slots + 1));
+    page.u16(kFreeBytesAt, static_cast<std::uint32_t>(start - room.start - 2));
+    return {number, static_cast<std::uint8_t>(room.slots)};
 }
 
 bool setRow(PageStore& store, RowId id, std::string_view bytes, SlotKind kind) {

@@ -28,12 +28,8 @@ public:
     [[nodiscard]] std::uint32_t owner() const { return page_.u32(kOwnerAt); }
     [[nodiscard]] const std::vector<Slot>& slots() const { return slots_; }
     [[nodiscard]] const Slot& slot(std::size_t row) const;
-    /// Room between the slot list and the lowest row; a new row needs its bytes and two for its slot.
     [[nodiscard]] std::size_t freeBytes() const { return free_; }
     [[nodiscard]] std::size_t statedFreeBytes() const { return page_.u16(kFreeBytesAt); }
-    [[nodiscard]] bool takes(std::size_t rowSize) const {
-        return slots_.size() < kMostSlots && free_ >= rowSize + 2;
-    }
     [[nodiscard]] bool allDeleted() const;
 
 private:
@@ -48,7 +44,18 @@ inline constexpr std::uint32_t kOwnerOfLongValues = 0x4C41564C; ///< "LVAL"
 
 /// Makes the page an empty data page of that owner.
 void initDataPage(PageStore& store, PageNo number, std::uint32_t owner);
-/// Appends a row to a page that takes() it.
+/// The room between a page's slot list and its lowest row, found without a look at the rows.
+struct PageRoom {
+    std::size_t slots = 0;
+    std::size_t start = 0, end = 0; ///< offsets in the page
+    [[nodiscard]] std::size_t bytes() const { return end - start; }
+    /// A new row needs its bytes and two for its slot.
+    [[nodiscard]] bool takes(std::size_t rowSize) const {
+        return slots < kMostSlots && bytes() >= rowSize + 2;
+    }
+};
+PageRoom roomOn(const PageStore& store, PageNo number);
+/// Appends a row to a page that takes it.
 RowId addRow(PageStore& store, PageNo number, std::string_view bytes, SlotKind kind);
 /// Gives a slot other bytes and shifts the page's other rows so that no gap stays. False, with nothing
 /// changed, when the page has no room for them.

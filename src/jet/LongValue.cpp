@@ -1,6 +1,6 @@
 #include "jet/LongValue.h"
 
-#include "jet/UsageMap.h"
+#include "jet/RowSpace.h"
 
 #include <vector>
 
@@ -32,21 +32,8 @@ std::vector<RowId> chainRows(const PageStore& store, RowId first) {
     return rows;
 }
 
-/// Puts a row on one of the column's pages, on a fresh one when none has room.
-RowId placeRow(PageStore& store, const LongValueMaps& maps, std::string_view bytes) {
-    UsageMap free(store, maps.free);
-    for (const PageNo number : free.pages()) {
-        const DataPage page(store, number);
-        if (page.owner() == kOwnerOfLongValues && page.takes(bytes.size())) {
-            return addRow(store, number, bytes, SlotKind::Row);
-        }
-        free.remove(number);
-    }
-    const PageNo number = allocatePage(store);
-    initDataPage(store, number, kOwnerOfLongValues);
-    UsageMap(store, maps.owned).add(number);
-    free.add(number);
-    return addRow(store, number, bytes, SlotKind::Row);
+RowSpace spaceOf(PageStore& store, const LongValueMaps& maps) {
+    return {store, maps.owned, maps.free, kOwnerOfLongValues};
 }
 
 std::string descriptor(std::size_t length, std::uint32_t kind, RowId place) {
@@ -57,32 +44,17 @@ std::string descriptor(std::size_t length, std::uint32_t kind, RowId place) {
     return bytes;
 }
 
-std::string storeChain(PageStore& store, const LongValueMaps& maps, std::string_view value) {
-    const std::size_t part = rowRoom(store.layout()) - kPointerSize;
+std::string storeChain(const Layout& layout, RowSpace space, std::string_view value) {
+    const std::size_t part = rowRoom(layout) - kPointerSize;
     RowId next;
     // From the end, so that each row knows the next one's place.
     for (std::size_t start = (value.size() - 1) / part * part;; start -= part) {
         std::string row;
         append(row, kPointerSize, pointerValue(next));
-        next = placeRow(store, maps, row += value.substr(start, part));
+        next = space.add(row += value.substr(start, part), SlotKind::Row);
         if (start == 0) {
             return descriptor(value.size(), 0, next);
         }
-    }
-}
-
-void freeRow(PageStore& store, const LongValueMaps& maps, RowId id) {
-    UsageMap owned(store, maps.owned);
-    if (!owned.contains(id.page) || DataPage(store, id.page).owner() != kOwnerOfLongValues) {
-        return;
-    }
-    setRow(store, id, {}, SlotKind::Deleted);
-    if (DataPage(store, id.page).allDeleted()) {
-        owned.remove(id.page);
-        UsageMap(store, maps.free).remove(id.page);
-        freePage(store, id.page);
-    } else {
-        UsageMap(store, maps.free).add(id.page);
     }
 }
 
@@ -134,10 +106,11 @@ std::string storeLongValue(PageStore& store, const LongValueMaps* maps, std::str
     if (value.size() > kLengthMask) {
         rejected("the value is too long");
     }
+    RowSpace space = spaceOf(store, *maps);
     if (value.size() <= rowRoom(store.layout())) {
-        return descriptor(value.size(), kOneRow, placeRow(store, *maps, value));
+        return descriptor(value.size(), kOneRow, space.add(value, SlotKind::Row));
     }
-    return storeChain(store, *maps, value);
+    return storeChain(store.layout(), space, value);
 }
 
 void freeLongValue(PageStore& store, const LongValueMaps* maps, std::string_view field) {
@@ -147,11 +120,13 @@ void freeLongValue(PageStore& store, const LongValueMaps* maps, std::string_view
     const Bytes bytes(field);
     const std::uint32_t kind = bytes.u32(0) & kKindMask;
     const RowId first = readPointer(bytes, 4);
-    if (kind == kOneRow) {
-        freeRow(store, *maps, first);
-    } else if (kind == 0) {
-        for (const RowId id : chainRows(store, first)) {
-            freeRow(store, *maps, id);
+    const auto rows = kind == kOneRow ? std::vector{first}
+                      : kind == 0     ? chainRows(store, first)
+                                      : std::vector<RowId>();
+    RowSpace space = spaceOf(store, *maps);
+    for (const RowId id : rows) {
+        if (space.owns(id.page)) {
+            space.drop(id);
         }
     }
 }

@@ -11,7 +11,6 @@ namespace {
 constexpr std::size_t kMostHops = 8;       ///< from a stub to its row; whole files have one
 constexpr std::size_t kDistinctKeysAt = 4; ///< in an index's counters
 constexpr std::size_t kStubSize = 4;
-constexpr std::size_t kHopelessShare = 16; ///< a page with less than this part free leaves the free-space map
 
 std::string stubFor(RowId body) {
     std::string bytes;
@@ -202,7 +201,7 @@ RowId Table::insert(const std::vector<Assignment>& values) {
     std::vector<KeyChange> none;
     const auto keys = keysToAdd(record, nullptr, none);
     checkRelations(nullptr, &record);
-    const RowId id = place(bytes, SlotKind::Row);
+    const RowId id = space().add(bytes, SlotKind::Row);
     addKeys(id, keys);
     patchHead(store_.layout().rowCountAt, rowCount() + 1);
     return id;
@@ -226,7 +225,7 @@ void Table::update(RowId id, const std::vector<Assignment>& values) {
     if (!setRow(store_, at, bytes, at == id ? SlotKind::Row : SlotKind::Body)) {
         moveBody(id, at, bytes);
     } else if (bytes.size() < oldSize) {
-        UsageMap(store_, definition_.freeMap).add(at.page);
+        space().hasRoom(at.page);
     }
     removeKeys(id, oldKeys);
     addKeys(id, keys);
@@ -242,9 +241,9 @@ void Table::erase(RowId id) {
         }
     }
     if (const RowId at = body(id); at != id) {
-        dropSlot(at);
+        space().drop(at);
     }
-    dropSlot(id);
+    space().drop(id);
     patchHead(store_.layout().rowCountAt, rowCount() - std::min(rowCount(), 1u));
 }
 
@@ -253,6 +252,7 @@ void Table::erase(RowId id) {
 std::vector<Table::KeyChange> Table::keysToAdd(const Record& record, const Record* old,
                                                std::vector<KeyChange>& oldKeys) const {
     std::vector<KeyChange> keys;
+    keys.reserve(definition_.realIndexes.size());
     for (const auto& index : definition_.realIndexes) {
         const auto isThis = [&](const KeyChange& change) { return change.index == &index; };
         if (old != nullptr && sameKeyColumns(index, *old, record)) {
@@ -271,10 +271,11 @@ std::vector<Table::KeyChange> Table::keysToAdd(const Record& record, const Recor
             oldKeys.erase(held); // another spelling of the same key
             continue;
         }
-        if (index.isUnique() && !rowsKey.hasNull && tree(index).containsKey(rowsKey.bytes)) {
+        const bool isNew = !tree(index).containsKey(rowsKey.bytes);
+        if (index.isUnique() && !rowsKey.hasNull && !isNew) {
             rejected("the index \"" + index.name + "\" has this value already, and takes it only once");
         }
-        keys.push_back({&index, rowsKey.bytes});
+        keys.push_back({&index, rowsKey.bytes, isNew});
     }
     return keys;
 }
@@ -291,12 +292,12 @@ std::vector<Table::KeyChange> Table::keysOf(const Record& record) const {
             continue;
         }
         try {
-            keys.push_back({&index, key(index, record).bytes});
+            keys.push_back({&index, key(index, record).bytes, false});
         } catch (const JetError& error) {
             if (error.fault() != Fault::NoSortKey) {
                 throw;
             }
-            keys.push_back({&index, std::nullopt}); // found by its row pointer
+            keys.push_back({&index, std::nullopt, false}); // found by its row pointer
         }
     }
     return keys;
@@ -329,11 +330,10 @@ void Table::checkRelations(const Record* old, const Record* changed) const {
 
 void Table::addKeys(RowId id, const std::vector<KeyChange>& keys) {
     for (const auto& change : keys) {
-        IndexTree index = tree(*change.index);
-        if (!index.containsKey(*change.key)) {
+        if (change.isNew) {
             countKey(*change.index);
         }
-        index.insert(indexEntry(*change.key, id));
+        tree(*change.index).insert(indexEntry(*change.key, id));
     }
 }
 
@@ -363,51 +363,19 @@ void Table::patchHead(std::size_t at, std::uint32_t value) {
     }
 }
 
-/// Stores bytes on a page of the free-space map that has room, else on a fresh one.
-RowId Table::place(std::string_view bytes, SlotKind kind) {
-    UsageMap free(store_, definition_.freeMap);
-    for (const PageNo number : free.pages()) {
-        const DataPage page(store_, number);
-        if (!isOwnPage(page)) {
-            damaged("the free-space map names a page of another table");
-        }
-        if (page.takes(bytes.size())) {
-            return addRow(store_, number, bytes, kind);
-        }
-        if (page.slots().size() >= kMostSlots ||
-            page.freeBytes() < store_.layout().pageSize / kHopelessShare) {
-            free.remove(number);
-        }
-    }
-    const PageNo number = allocatePage(store_);
-    initDataPage(store_, number, definition_.page());
-    UsageMap(store_, definition_.ownedMap).add(number);
-    free.add(number);
-    return addRow(store_, number, bytes, kind);
+RowSpace Table::space() const {
+    return {store_, definition_.ownedMap, definition_.freeMap, definition_.page()};
 }
 
 /// Gives a row that outgrew its page a new body elsewhere. Its home slot stays the row's name: it becomes, or
 /// stays, the stub, so the indexes do not notice.
 void Table::moveBody(RowId home, RowId old, const std::string& bytes) {
     if (old != home) {
-        dropSlot(old);
+        space().drop(old);
     }
-    const RowId body = place(bytes, SlotKind::Body);
+    const RowId body = space().add(bytes, SlotKind::Body);
     if (!setRow(store_, home, stubFor(body), SlotKind::Stub)) {
         rejected("the row's page has no room left to move it");
-    }
-}
-
-/// Empties a slot. A page on which nothing is left goes back to the file.
-void Table::dropSlot(RowId id) {
-    setRow(store_, id, {}, SlotKind::Deleted);
-    UsageMap free(store_, definition_.freeMap);
-    if (DataPage(store_, id.page).allDeleted()) {
-        free.remove(id.page);
-        UsageMap(store_, definition_.ownedMap).remove(id.page);
-        freePage(store_, id.page);
-    } else {
-        free.add(id.page);
     }
 }
 

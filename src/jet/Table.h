@@ -4,6 +4,7 @@
 #include "jet/IndexTree.h"
 #include "jet/LongValue.h"
 #include "jet/Row.h"
+#include "jet/RowSpace.h"
 #include "jet/Value.h"
 
 #include <string>
@@ -90,6 +91,7 @@ private:
     struct KeyChange {
         const RealIndex* index;
         std::optional<std::string> key; ///< nothing when it is not known (only for removals)
+        bool isNew = false;             ///< the index had no such key
     };
 
     [[nodiscard]] bool isOwnPage(const DataPage& page) const { return page.owner() == definition_.page(); }
@@ -104,9 +106,8 @@ private:
     void checkRelations(const Record* old, const Record* changed) const;
     void addKeys(RowId id, const std::vector<KeyChange>& keys);
     void removeKeys(RowId id, const std::vector<KeyChange>& keys);
-    RowId place(std::string_view bytes, SlotKind kind);
+    [[nodiscard]] RowSpace space() const;
     void moveBody(RowId home, RowId old, const std::string& bytes);
-    void dropSlot(RowId id);
     void patchHead(std::size_t at, std::uint32_t value);
     void countKey(const RealIndex& index);
 

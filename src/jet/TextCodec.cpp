@@ -210,7 +210,14 @@ std::string TextCodec::encode(std::string_view utf8, bool compress) const {
 }
 
 bool sameName(std::string_view a, std::string_view b) {
-    return folded(a) == folded(b);
+    const auto plain = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    std::size_t same = 0;
+    for (; same < std::min(a.size(), b.size()) && plain(a[same]) && plain(b[same]); ++same) {
+        if (foldCase(static_cast<char16_t>(a[same])) != foldCase(static_cast<char16_t>(b[same]))) {
+            return false;
+        }
+    }
+    return folded(a.substr(same)) == folded(b.substr(same));
 }
 
 bool nameLess(std::string_view a, std::string_view b) {

@@ -265,7 +265,7 @@ void freePage(PageStore& store, PageNo page) {
 
 RowId newMapRecord(PageStore& store, PageNo& mapPage) {
     const std::string bytes(store.layout().mapRecordSize, '\0');
-    if (mapPage == 0 || !DataPage(store, mapPage).takes(bytes.size())) {
+    if (mapPage == 0 || !roomOn(store, mapPage).takes(bytes.size())) {
         mapPage = allocatePage(store);
         initDataPage(store, mapPage, kOwnerOfMaps);
     }

@@ -1,5 +1,7 @@
 #include "JetTestSupport.h"
 
+#include <numeric>
+
 namespace drx9::jet {
 namespace {
 
@@ -242,6 +244,56 @@ TEST_P(Objects, GrowBeyondTheFirstMaps) {
     EXPECT_EQ(faultsOf(files), "");
     EXPECT_EQ(database->TableDefs("Big").RecordCount(), 3500u);
     database->Execute("DROP INDEX ByText ON Big");
+    EXPECT_EQ(faultsOf(files), "");
+}
+
+/// Long keys make trees of three levels; rows leave from either end, and from everywhere.
+TEST_P(Objects, IndexTreesGrowAndShrink) {
+    constexpr std::int64_t kRows = 500;
+    const auto database = engine.OpenDatabase(kPath);
+    TableSpec spec{"Tree",
+                   {column("Id", ColumnType::Long), column("T", ColumnType::Text, 200)},
+                   {{.name = "P", .columns = {{"Id", true}}, .primary = true},
+                    {.name = "Up", .columns = {{"T", true}}},
+                    {.name = "Down", .columns = {{"T", false}}}}};
+    database->CreateTable(spec, kCreated);
+    std::mt19937 random(5);
+    const auto sound = [&](std::size_t rows) {
+        const auto result = checkDatabase(database->shared().store());
+        EXPECT_EQ(result.faults, std::vector<std::string>()) << rows << " rows";
+        EXPECT_EQ(database->TableDefs("Tree").RecordCount(), rows);
+    };
+    for (const char* order : {"forward", "backward", "shuffled"}) {
+        SCOPED_TRACE(order);
+        std::vector<std::int64_t> ids(kRows);
+        std::iota(ids.begin(), ids.end(), 0);
+        database->BeginTrans();
+        for (const bool in : {true, false}) {
+            if (order == std::string("backward")) {
+                std::sort(ids.rbegin(), ids.rend());
+            } else if (order == std::string("shuffled")) {
+                std::shuffle(ids.begin(), ids.end(), random);
+            }
+            const auto set = database->OpenRecordset("Tree");
+            for (std::size_t done = 0; done < ids.size() && !HasFailure(); ++done) {
+                if (in) {
+                    const auto tail = std::to_string(10000 + ids[done]);
+                    set->AddNew();
+                    set->SetValue("Id", ids[done]);
+                    set->SetValue("T", tail + std::string(static_cast<std::size_t>(ids[done] % 180), 'k'));
+                    set->Update();
+                } else {
+                    const auto row = database->OpenRecordset("Tree", {{"Id", Value(ids[done])}});
+                    row->Delete();
+                }
+                if (done % 41 == 0) {
+                    sound(in ? done + 1 : ids.size() - done - 1);
+                }
+            }
+            sound(in ? ids.size() : 0);
+        }
+        database->CommitTrans();
+    }
     EXPECT_EQ(faultsOf(files), "");
 }
 

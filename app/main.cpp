@@ -1,6 +1,7 @@
 #include "app/Program.h"
 #include "platform/DataFolder.h"
 #include "platform/os/OsFilePort.h"
+#include "platform/qt/EventLoopChoice.h"
 #include "platform/qt/LocaleFromSystem.h"
 #include "platform/qt/SingleInstance.h"
 #include "util/controls/Theme.h"
@@ -8,10 +9,14 @@
 #include <QApplication>
 #include <QStandardPaths>
 
+#include <optional>
+
 using namespace drx9;
 
 int main(int argc, char* argv[]) {
+    std::optional<EventLoopChoice> choice(std::in_place);
     QApplication application(argc, argv);
+    choice.reset();
     QApplication::setApplicationName("DRX9 Comm");
     QApplication::setApplicationVersion(DRX9_VERSION);
     applyDesktopTheme(application);

@@ -8,6 +8,7 @@
 #include "link/Crc.h"
 #include "link/Link.h"
 #include "link/Transports.h"
+#include "platform/qt/EventLoopChoice.h"
 #include "platform/qt/QtClock.h"
 #include "platform/qt/QtEventPump.h"
 #include "platform/qt/QtSerialControl.h"
@@ -281,7 +282,7 @@ BENCHMARK(BM_TimeOut)->UseRealTime()->Iterations(3)->Unit(benchmark::kMillisecon
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_NO_GLIB", "1"); // as the program does
+    const EventLoopChoice choice; // as the program does
     QApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

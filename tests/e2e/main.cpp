@@ -1,4 +1,5 @@
 // The tests run inside the application's event loop, as the program does.
+#include "platform/qt/EventLoopChoice.h"
 #include "util/controls/Theme.h"
 
 #include <QApplication>
@@ -11,6 +12,7 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     testing::InitGoogleTest(&argc, argv);
+    const drx9::EventLoopChoice choice; // as the program does
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     drx9::applyDesktopTheme(app);

@@ -4,9 +4,13 @@
 
 #include <QFontDatabase>
 #include <QKeyEvent>
+#include <QPainter>
+#include <QPixmapCache>
+#include <QStyleOptionFrame>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace drx9 {
 
@@ -15,6 +19,11 @@ namespace {
 constexpr std::array<int, 9> kSizes{104, 72, 56, 40, 28, 20, 16, 13, 10};
 constexpr int kLineEditMargin = 2; ///< what a line edit keeps free at each side
 constexpr double kOffShare = 0.7;
+
+/// What slanted ink may reach over a character's cell at either side.
+double slantRoom(const QFontMetricsF& metrics) {
+    return std::ceil(metrics.height() / 5);
+}
 
 bool digitsAreTabular(const QFont& font) {
     const QFontMetricsF metrics(font);
@@ -151,6 +160,52 @@ void Readout::keyPressEvent(QKeyEvent* event) {
 void Readout::resizeEvent(QResizeEvent* event) {
     QLineEdit::resizeEvent(event);
     fit();
+}
+
+void Readout::paintEvent(QPaintEvent* event) {
+    const QString shown = text();
+    if (shown.isEmpty() || hasSelectedText()) {
+        QLineEdit::paintEvent(event);
+        return;
+    }
+    QPainter painter(this);
+    QStyleOptionFrame panel;
+    initStyleOption(&panel);
+    style()->drawPrimitive(QStyle::PE_PanelLineEdit, &panel, &painter, this);
+    const QFontMetricsF metrics(font());
+    const QColor colour = palette().color(QPalette::Text);
+    // Where the line edit would put it: the last digit's ink ends on the right edge.
+    const int bearing = QFontMetrics(font()).rightBearing(QLatin1Char('0'));
+    double x = width() + bearing - metrics.horizontalAdvance(shown);
+    for (const QChar character : shown) {
+        const QPixmap glyph = picture(character, colour);
+        painter.drawPixmap(QPointF(x - slantRoom(metrics), height() - baseline_ - metrics.ascent()), glyph);
+        x += metrics.horizontalAdvance(character);
+    }
+}
+
+/// The character between two rooms for slanted ink, its base line at the ascent.
+QPixmap Readout::picture(QChar character, const QColor& colour) const {
+    const double scale = devicePixelRatioF();
+    const QString key =
+        QStringLiteral("readout %1 %2 %3 %4").arg(character).arg(font().key()).arg(colour.rgba()).arg(scale);
+    QPixmap picture;
+    if (QPixmapCache::find(key, &picture)) {
+        return picture;
+    }
+    const QFontMetricsF metrics(font());
+    const double room = slantRoom(metrics);
+    const QSizeF size(room * 2 + metrics.horizontalAdvance(character), metrics.height());
+    picture = QPixmap((size * scale).toSize());
+    picture.setDevicePixelRatio(scale);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setFont(font());
+    painter.setPen(colour);
+    painter.drawText(QPointF(room, metrics.ascent()), QString(character));
+    painter.end();
+    QPixmapCache::insert(key, picture);
+    return picture;
 }
 
 void Readout::changeEvent(QEvent* event) {

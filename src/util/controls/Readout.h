@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLineEdit>
+#include <QPixmap>
 
 namespace drx9 {
 
@@ -37,8 +38,12 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
+    /// Digits of this size are outlines that the painter fills anew each time, which took more than all else
+    /// in the window together: they are painted from pictures, as long as nothing is selected.
+    void paintEvent(QPaintEvent* event) override;
 
 private:
+    [[nodiscard]] QPixmap picture(QChar character, const QColor& colour) const;
     void fit();
     void colour();
     [[nodiscard]] int fittingSize() const;

@@ -282,6 +282,8 @@ bool ChartControl::viewKey(int key, Qt::KeyboardModifiers modifiers) {
 void ChartControl::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Copy)) {
         copyPicture();
+    } else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
+        openMenu(menuCorner());
     } else if (event->key() >= Qt::Key_1 && event->key() <= Qt::Key_6 &&
                !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))) {
         toggleSeries(event->key() - Qt::Key_1);
@@ -317,10 +319,17 @@ QMenu* ChartControl::buildMenu() {
     return menu;
 }
 
+QPoint ChartControl::menuCorner() const {
+    return plot_->mapToGlobal(plot_->axisRect()->topLeft());
+}
+
 /// Not modal: readings go on while the menu is open.
+void ChartControl::openMenu(const QPoint& corner) {
+    buildMenu()->popup(corner);
+}
+
 void ChartControl::contextMenuEvent(QContextMenuEvent* event) {
-    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
-    buildMenu()->popup(byKey ? plot_->mapToGlobal(plot_->axisRect()->topLeft()) : event->globalPos());
+    openMenu(event->reason() == QContextMenuEvent::Mouse ? event->globalPos() : menuCorner());
     event->accept();
 }
 

@@ -89,6 +89,8 @@ private:
     void showNote();
     bool viewKey(int key, Qt::KeyboardModifiers modifiers);
     [[nodiscard]] QMenu* buildMenu();
+    [[nodiscard]] QPoint menuCorner() const;
+    void openMenu(const QPoint& corner);
 
     ChartDesign design_;
     ChartHeader* header_;

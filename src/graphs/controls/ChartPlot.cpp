@@ -28,6 +28,7 @@ ChartPlot::ChartPlot(int seriesCount, double ySpacing, int decimals, QWidget* pa
     : QCustomPlot(parent)
     , decimals_(decimals) {
     setFocusPolicy(Qt::NoFocus);
+    setAttribute(Qt::WA_NoMousePropagation, false); // the chart opens its menu
     setPlottingHint(QCP::phFastPolylines, true);
     setPlottingHint(QCP::phCacheLabels, true);
     // The library keeps pictures of its own for each replot; we paint the window directly.

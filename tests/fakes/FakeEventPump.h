@@ -6,8 +6,8 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <stdexcept>
 #include <utility>
-#include <vector>
 
 namespace drx9 {
 
@@ -24,45 +24,88 @@ public:
     explicit FakeEventPump(FakeClock& clock)
         : clock_(clock) {}
 
-    void processPending() override;
-    void sleepUntil(double deadline) override;
+    void processPending() override {
+        count();
+        runAll();
+    }
+    void sleepUntil(double deadline) override {
+        count();
+        if (!runAll() && !woken_) {
+            clock_.advanceTo(atTime_.empty() ? deadline : std::min(deadline, atTime_.begin()->first));
+            runAll();
+        }
+        woken_ = false;
+    }
     void wake() override { woken_ = true; }
     void post(Action action) override { posted_.push_back(std::move(action)); }
 
     /// Runs the action at the n-th pump from now; 1 is the next one.
     void atPump(int n, Action action) { atPump_.emplace(pumps_ + n, std::move(action)); }
-    /// Runs the action at each pump from now on, but not inside itself; an empty one ends it.
-    void everyPump(Action action) { every_ = std::move(action); }
     /// Runs the action once the clock has come to `time` (Clock::monotonic), in the first pump after that; a
     /// sleep goes no further than that.
     void atTime(double time, Action action) { atTime_.emplace(time, std::move(action)); }
     /// Runs posted actions until none is left, without counting as a pump.
-    void runPosted();
+    void runPosted() {
+        while (runPostedOnce()) {
+        }
+    }
     /// Sleeps (and runs whatever happens) until the clock has moved by `seconds`.
-    void runFor(double seconds);
+    void runFor(double seconds) {
+        for (const double end = clock_.monotonic() + seconds; clock_.monotonic() < end;) {
+            sleepUntil(end);
+        }
+        runPosted();
+    }
 
     [[nodiscard]] int pumps() const { return pumps_; }
-    /// How long each sleepUntil() was asked to sleep at most, in seconds.
-    [[nodiscard]] const std::vector<double>& sleeps() const { return sleeps_; }
     [[nodiscard]] FakeClock& clock() { return clock_; }
 
 private:
-    void count();
-    bool runScripted();
-    bool runDue();
-    bool runPostedOnce();
+    static constexpr int kSpinLimit = 20000;
+
+    void count() {
+        ++pumps_;
+        idlePumps_ = clock_.monotonic() > lastSeen_ ? 0 : idlePumps_ + 1;
+        lastSeen_ = clock_.monotonic();
+        if (idlePumps_ > kSpinLimit) {
+            throw std::runtime_error("the event pump is called again and again while the clock stands");
+        }
+    }
+    /// Whether anything happened.
+    bool runAll() {
+        const bool scripted = runUpTo(atPump_, pumps_);
+        const bool due = runUpTo(atTime_, clock_.monotonic());
+        return runPostedOnce() || scripted || due;
+    }
+    /// Takes each entry out before it runs: it may pump, and add entries.
+    template<class Key>
+    static bool runUpTo(std::multimap<Key, Action>& entries, Key now) {
+        bool happened = false;
+        while (!entries.empty() && entries.begin()->first <= now) {
+            entries.extract(entries.begin()).mapped()();
+            happened = true;
+        }
+        return happened;
+    }
+    bool runPostedOnce() {
+        const std::size_t waiting = posted_.size();
+        // An action may pump and so run what waits behind it: the queue can be shorter than counted.
+        for (std::size_t i = 0; i < waiting && !posted_.empty(); ++i) {
+            const Action action = std::move(posted_.front());
+            posted_.pop_front();
+            action();
+        }
+        return waiting > 0;
+    }
 
     FakeClock& clock_;
     int pumps_ = 0;
     int idlePumps_ = 0; ///< pumps since the clock last moved
     double lastSeen_ = 0;
     bool woken_ = false;
-    bool inEvery_ = false;
-    Action every_;
     std::multimap<int, Action> atPump_;
     std::multimap<double, Action> atTime_;
     std::deque<Action> posted_;
-    std::vector<double> sleeps_;
 };
 
 } // namespace drx9

@@ -2,9 +2,13 @@
 
 #include "platform/MessageBoxes.h"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace drx9 {
@@ -25,15 +29,22 @@ public:
     using Meanwhile = std::function<void()>;
 
     FakeMessageBoxes() = default;
-    ~FakeMessageBoxes() override;
+    ~FakeMessageBoxes() override {
+        for (const Expected& box : expected_) {
+            ADD_FAILURE() << "expected message box never came: " << box.text;
+        }
+    }
     FakeMessageBoxes(const FakeMessageBoxes&) = delete;
     FakeMessageBoxes& operator=(const FakeMessageBoxes&) = delete;
 
-    // What will come, in this order.
-    void expectShow(const std::string& text, Meanwhile meanwhile = {});
-    void expectYesNo(const std::string& text, bool yes, Meanwhile meanwhile = {});
-    void expectOkCancel(const std::string& text, bool ok, Meanwhile meanwhile = {});
-    void expectNonBlocking(const std::string& text);
+    /// What will come next, behind what is expected already, and its answer.
+    void expect(Kind kind, const std::string& text, bool answer = false, Meanwhile meanwhile = {}) {
+        expected_.push_back({kind, text, answer, std::move(meanwhile)});
+    }
+    void expectShow(const std::string& text, Meanwhile meanwhile = {}) {
+        expect(Kind::Show, text, false, std::move(meanwhile));
+    }
+    void expectNonBlocking(const std::string& text) { expect(Kind::NonBlocking, text); }
     /// Boxes that begin so may come at any time, any number of them; they are answered No or Cancel.
     void allow(const std::string& beginning) { allowed_.push_back(beginning); }
 
@@ -43,10 +54,20 @@ public:
     /// Text of the non-blocking box that stands; empty when none does.
     [[nodiscard]] const std::string& nonBlockingText() const { return nonBlocking_; }
 
-    void show(const std::string& text, const std::string& title, MessageIcon icon, bool systemModal) override;
-    bool askYesNo(const std::string& text, const std::string& title, MessageIcon icon) override;
-    bool askOkCancel(const std::string& text, const std::string& title, MessageIcon icon) override;
-    void showNonBlocking(const std::string& text, const std::string& title, MessageIcon icon) override;
+    void show(const std::string& text, const std::string& title, MessageIcon icon,
+              bool systemModal) override {
+        come({Kind::Show, text, title, icon, systemModal});
+    }
+    bool askYesNo(const std::string& text, const std::string& title, MessageIcon icon) override {
+        return come({Kind::YesNo, text, title, icon, false});
+    }
+    bool askOkCancel(const std::string& text, const std::string& title, MessageIcon icon) override {
+        return come({Kind::OkCancel, text, title, icon, false});
+    }
+    void showNonBlocking(const std::string& text, const std::string& title, MessageIcon icon) override {
+        nonBlocking_ = text;
+        come({Kind::NonBlocking, text, title, icon, false});
+    }
     void closeNonBlocking() override { nonBlocking_.clear(); }
 
 private:
@@ -57,7 +78,24 @@ private:
         Meanwhile meanwhile;
     };
 
-    bool come(Box box);
+    bool come(const Box& box) {
+        shown_.push_back(box);
+        const auto begins = [&](const std::string& beginning) { return box.text.rfind(beginning, 0) == 0; };
+        if (std::any_of(allowed_.begin(), allowed_.end(), begins)) {
+            return false;
+        }
+        if (expected_.empty() || expected_.front().kind != box.kind || expected_.front().text != box.text) {
+            ADD_FAILURE() << "unexpected message box: \"" << box.text << "\" (" << box.title << "), expected "
+                          << (expected_.empty() ? "none" : "\"" + expected_.front().text + "\"");
+            return false;
+        }
+        const Expected next = std::move(expected_.front());
+        expected_.pop_front();
+        if (next.meanwhile) {
+            next.meanwhile();
+        }
+        return next.answer;
+    }
 
     std::deque<Expected> expected_;
     std::vector<std::string> allowed_;

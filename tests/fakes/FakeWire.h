@@ -2,7 +2,6 @@
 
 #include "fakes/FakeEventPump.h"
 
-#include <deque>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -24,39 +23,70 @@ public:
         , wakes_(wakes) {}
 
     /// Answer to the next packet that has none yet, `delay` seconds after it was sent.
-    void answer(std::string bytes, double delay = 0) { script_.push_back({delay, std::move(bytes)}); }
+    void answer(std::string bytes, double delay = 0) { script_.emplace_back(delay, std::move(bytes)); }
     /// Answers all packets for which no answer was queued.
-    void setAnswerer(Answerer answerer, double delay = 0);
+    void setAnswerer(Answerer answerer, double delay = 0) {
+        answerer_ = std::move(answerer);
+        answererDelay_ = delay;
+    }
     /// Bytes that come without having been asked for.
-    void arrive(std::string bytes, double delay = 0);
+    void arrive(std::string bytes, double delay = 0) {
+        if (bytes.empty()) {
+            return;
+        }
+        const double time = pump_.clock().monotonic() + delay;
+        underWay_.emplace(time, std::move(bytes));
+        if (wakes_ && delay > 0) {
+            pump_.atTime(time, [this] { pump_.wake(); });
+        } else if (wakes_) {
+            pump_.wake();
+        }
+    }
 
     /// Texts of the commands that were sent, without frame and check characters.
     [[nodiscard]] const std::vector<std::string>& commands() const { return commands_; }
     /// The same with their frames.
     [[nodiscard]] const std::vector<std::string>& packets() const { return packets_; }
-    void forget();
+    void forget() {
+        commands_.clear();
+        packets_.clear();
+    }
 
     // For the fake ports.
 
-    void sent(std::string_view packet);
-    [[nodiscard]] std::size_t waiting();
-    std::string take(std::size_t most);
-    void discard();
+    void sent(std::string_view packet) {
+        packets_.emplace_back(packet);
+        // Sync and length before the text, two check characters behind it.
+        commands_.emplace_back(packet.size() > 4 ? packet.substr(2, packet.size() - 4) : packet);
+        if (!script_.empty()) {
+            const auto [delay, bytes] = std::move(script_.front());
+            script_.pop_front();
+            arrive(bytes, delay);
+        } else if (answerer_) {
+            arrive(answerer_(commands_.back()), answererDelay_);
+        }
+    }
+    [[nodiscard]] std::size_t waiting() {
+        while (!underWay_.empty() && underWay_.begin()->first <= pump_.clock().monotonic()) {
+            waiting_ += underWay_.extract(underWay_.begin()).mapped();
+        }
+        return waiting_.size();
+    }
+    std::string take(std::size_t most) {
+        const std::size_t count = std::min(most, waiting());
+        std::string bytes = waiting_.substr(0, count);
+        waiting_.erase(0, count);
+        return bytes;
+    }
+    void discard() { take(waiting()); }
 
 private:
-    struct Timed {
-        double time = 0; ///< of arrival; in the script: the delay
-        std::string bytes;
-    };
-
-    void takeArrived();
-
     FakeEventPump& pump_;
     bool wakes_;
     Answerer answerer_;
     double answererDelay_ = 0;
-    std::deque<Timed> script_;
-    std::deque<Timed> underWay_;
+    std::deque<std::pair<double, std::string>> script_; ///< delay and bytes of the next answers
+    std::multimap<double, std::string> underWay_;       ///< by time of arrival
     std::string waiting_;
     std::vector<std::string> commands_;
     std::vector<std::string> packets_;

@@ -123,8 +123,8 @@ TEST_F(DataLogTest, ALargeFileIsOfferedForDeletion) {
         settings.File = "drx9.txt";
         if (c.asks) {
             pump.atPump(1, [&] { files.append(kPath, "yz"); }); // the size is read again after the pump
-            boxes.expectYesNo("Log file size is 1000002. Delete?", c.yes,
-                              [&] { settings.File = "other.txt"; }); // the log window stays open
+            boxes.expect(FakeMessageBoxes::Kind::YesNo, "Log file size is 1000002. Delete?", c.yes,
+                         [&] { settings.File = "other.txt"; }); // the log window stays open
         }
         log.InitDataLog();
         EXPECT_EQ(files.exists(kPath), c.left) << c.size;

@@ -14,10 +14,9 @@ MonitorFixture::MonitorFixture(std::int16_t commType) {
     progress.pump = &pump;
     window.events = &events;
     window.pump = &pump;
-    const auto answerer = [this](const std::string& command) { return answer(command); };
-    serial.wire.setAnswerer(answerer, 0.002);
-    socket.wire.setAnswerer(answerer, 0.002);
-    usb.wire.setAnswerer(answerer, 0.002);
+    for (FakeWire* wire : {&serial.wire, &socket.wire, &usb.wire}) {
+        wire->setAnswerer([this](const std::string& command) { return answer(command); }, 0.002);
+    }
     usb.devices.push_back({"83F5", "0A7C21"});
     errors = std::make_unique<CErrHandler>(CErrHandlerParts{files, boxes, clock, locale, AppInfo{}, paths});
     discovery =
@@ -70,36 +69,25 @@ std::string MonitorFixture::answer(const std::string& command) {
     if (silent) {
         return "";
     }
-    switch (command[0]) {
-    case '@':
-        return replyPacket('A', version);
-    case 'J':
-        return replyPacket('A', "DRX-9 " + std::to_string(sensors));
-    case 'P':
-        frequency_ -= frozen ? 0 : 0.5;
-        return replyPacket('A', std::to_string(frequency_));
-    case 'L':
-    case 'M':
-        return replyPacket('A', std::to_string(rate));
-    case 'N':
-    case 'O':
-        return replyPacket('A', std::to_string(thickness));
-    case 'A':
-        return replyPacket('A', "FILM_" + std::to_string(command[1] - 48) +
-                                    "  2.700 100 1.080 6.000 4.500  125  3");
-    case 'B':
-        return replyPacket('A', " .25 0 0 1 4 100 100 100 100 100 100");
-    case 'C':
-        return replyPacket('A', "5 6 0 10 0 100 0");
-    case 'U':
-        if (command != "U?") {
-            shutter = command[1] - '0';
-            return replyPacket('A', "");
-        }
-        return replyPacket('A', std::to_string(shutter));
-    default:
+    if (command[0] == 'U' && command != "U?") {
+        shutter = command[1] - '0';
         return replyPacket('A', "");
     }
+    frequency_ -= command[0] == 'P' && !frozen ? 0.5 : 0;
+    const std::map<char, std::string> data = {
+        {'@', version},
+        {'J', "DRX-9 " + std::to_string(sensors)},
+        {'P', std::to_string(frequency_)},
+        {'L', std::to_string(rate)},
+        {'M', std::to_string(rate)},
+        {'N', std::to_string(thickness)},
+        {'O', std::to_string(thickness)},
+        {'A', "FILM_" + std::to_string(command[1] - 48) + "  2.700 100 1.080 6.000 4.500  125  3"},
+        {'B', " .25 0 0 1 4 100 100 100 100 100 100"},
+        {'C', "5 6 0 10 0 100 0"},
+        {'U', std::to_string(shutter)}};
+    const auto found = data.find(command[0]);
+    return replyPacket('A', found == data.end() ? "" : found->second);
 }
 
 } // namespace drx9

@@ -32,9 +32,8 @@ public:
     };
 
     FakeGraph(int seriesCount, EventList& events)
-        : events_(events) {
-        series.resize(static_cast<std::size_t>(seriesCount));
-    }
+        : series(static_cast<std::size_t>(seriesCount))
+        , events_(events) {}
 
     void Init() override { setXwide(300); }
     void ReInit() override {
@@ -123,12 +122,16 @@ struct FakeWindow : MonitorWindow {
 /// The whole program without windows, on a fake Ethernet instrument of `sensors` sensors whose frequencies
 /// move.
 class MonitorFixture : public testing::Test {
-protected:
+public:
     explicit MonitorFixture(std::int16_t commType = 2);
 
     /// Brings the program up on line and carries out the first film selection; forgets what happened so far.
     void bringUp();
     void tick() { monitor->tmrUpdate_Timer(); }
+    void tickAfter(double seconds) {
+        clock.advance(seconds);
+        tick();
+    }
     /// One tick's commands without those of the reading ("P1" ... "O").
     std::vector<std::string> requestsOfTick();
     [[nodiscard]] std::string logText() const;

@@ -7,7 +7,14 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-class MonitorTest : public MonitorFixture {};
+class MonitorTest : public MonitorFixture {
+protected:
+    void startRun() {
+        bringUp();
+        monitor->cmdStartStop_Click();
+        tick();
+    }
+};
 
 /// Position of the first event that begins with `text`; the number of events when there is none.
 std::size_t position(const EventList& events, const std::string& text) {
@@ -142,8 +149,7 @@ TEST_F(MonitorTest, ARecordThatIsNeverAnsweredDoesNotKeepTheProgramFromPolling) 
     special["C?"] = "";
     bringUp();
     for (int i = 0; i < 4; ++i) {
-        clock.advance(2);
-        tick();
+        tickAfter(2);
     }
     EXPECT_FALSE(monitor->systemKnown());
     EXPECT_FALSE(monitor->stale(clock.monotonic()));
@@ -158,8 +164,7 @@ TEST_F(MonitorTest, AFilmChoiceOutlivesALossAndARefresh) {
     EXPECT_TRUE(monitor->requests().film);
     EXPECT_NE(monitor->lastExchange().find("D: Timeout"), std::string::npos);
     special.erase("D3");
-    clock.advance(2);
-    tick(); // opens the link and refreshes the window
+    tickAfter(2); // opens the link and refreshes the window
     EXPECT_EQ(monitor->filmIndex(), 2);
     EXPECT_EQ(requestsOfTick(), (Texts{"D3", "A3?", "U?"}));
     onCommand["A6?"] = [this] { monitor->cboFilms_Click(1); }; // chosen while the list is read
@@ -171,16 +176,13 @@ TEST_F(MonitorTest, AFilmChoiceOutlivesALossAndARefresh) {
 // ---- a run and its log
 
 TEST_F(MonitorTest, RunStartsWithZeroThenLogAndEndsWithLogThenRefresh) {
-    bringUp();
-    monitor->cmdStartStop_Click();
-    tick();
+    startRun();
     EXPECT_EQ(logText(), "Start:   Date: 5/17/2024   Time: 10:30:00   Film: FILM_1  \r\n\r\n"
                          "Time\tAvgThk\tAvgRate\tThk1\tRate1\tFreq1\tThk2...\r\n\r\n");
     EXPECT_LT(position(events, "ReInit"), position(events, "T"));
     const std::string started = logText();
     events.clear();
-    clock.advance(2);
-    tick();
+    tickAfter(2);
     EXPECT_EQ(logText().substr(started.size()).substr(0, 5), "2.02\t");
     int refreshes = 0;
     onCommand["A1?"] = [&] {
@@ -195,9 +197,7 @@ TEST_F(MonitorTest, RunStartsWithZeroThenLogAndEndsWithLogThenRefresh) {
 }
 
 TEST_F(MonitorTest, ClosingInARunSavesFirstAndEndsTheLog) {
-    bringUp();
-    monitor->cmdStartStop_Click();
-    tick();
+    startRun();
     events.clear();
     monitor->Form_QueryUnload();
     EXPECT_EQ(events, (EventList{"settings saved", "windows closed"}));
@@ -224,9 +224,7 @@ TEST_F(MonitorTest, UnchangedFrequenciesAfterZeroSendEightCommandsAndKeepTheOldT
 }
 
 TEST_F(MonitorTest, ChartsFollowTheStoreOverItsWrap) {
-    bringUp();
-    monitor->cmdStartStop_Click();
-    tick();
+    startRun();
     const int kReadings = 1203;
     averageRate.shownMax = 42; // changed on the chart by hand
     for (int i = 0; i < kReadings; ++i) {
@@ -250,16 +248,13 @@ TEST_F(MonitorTest, ChartsFollowTheStoreOverItsWrap) {
 
 // ---- the lost link
 
-struct StatusCase {
-    const char* name;
-    std::uint16_t status;
-    std::int16_t mode;
-    bool polls;
-    bool reconnects;
-};
-
 TEST_F(MonitorTest, LinkStatusDecidesWhatATickDoes) {
-    const StatusCase cases[] = {
+    const struct {
+        const char* name;
+        std::uint16_t status;
+        std::int16_t mode;
+        bool polls, reconnects;
+    } cases[] = {
         {"ok", 0, kIdle, true, false},
         {"timeout", 1, kIdle, false, true},
         {"no data", 2, kIdle, false, true},
@@ -273,7 +268,7 @@ TEST_F(MonitorTest, LinkStatusDecidesWhatATickDoes) {
         {"lost in a run", 10, kRunning, false, true},
     };
     bringUp();
-    for (const StatusCase& c : cases) {
+    for (const auto& c : cases) {
         monitor->setRunMode(c.mode);
         clock.advance(10);
         socket.wire.forget();
@@ -302,8 +297,7 @@ TEST_F(MonitorTest, RunGoesOnOverALossWithAGapAndOneBox) {
     bringUp();
     monitor->cmdStartStop_Click();
     for (int i = 0; i < 4; ++i) {
-        clock.advance(0.25);
-        tick();
+        tickAfter(0.25);
     }
     const std::size_t drawn = averageRate.series[0].size();
     silent = true;
@@ -312,8 +306,7 @@ TEST_F(MonitorTest, RunGoesOnOverALossWithAGapAndOneBox) {
     const double lost = clock.monotonic();
     const int connects = socket.connects;
     while (clock.monotonic() < lost + 20) {
-        clock.advance(0.25);
-        tick();
+        tickAfter(0.25);
     }
     EXPECT_GE(socket.connects - connects, 8);
     EXPECT_LE(socket.connects - connects, 12);
@@ -326,15 +319,13 @@ TEST_F(MonitorTest, RunGoesOnOverALossWithAGapAndOneBox) {
     version = "DRX-9 Ver 4.12";
     const double back = clock.monotonic();
     while (monitor->stale(clock.monotonic()) && clock.monotonic() < back + 5) {
-        clock.advance(0.25);
-        tick();
+        tickAfter(0.25);
     }
     EXPECT_LE(clock.monotonic() - back, 2.3);
     EXPECT_EQ(monitor->RunMode(), kRunning);
     EXPECT_EQ(shutter, 1) << "the request waited";
     EXPECT_NE(monitor->notice().find("DRX-9 Ver 4.12"), std::string::npos);
-    clock.advance(0.25);
-    tick();
+    tickAfter(0.25);
     EXPECT_EQ(averageRate.gaps, 1);
 }
 

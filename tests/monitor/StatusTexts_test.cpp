@@ -145,21 +145,9 @@ TEST(StatusTexts, FieldsOfTheBar) {
         {"another instrument",
          [](StatusFacts& f) { f.instrumentNotice = "Another instrument answers now: X"; }, staMode,
          "Another instrument answers now: X", "Another instrument", Tone::Warn},
-    };
-    for (const FieldCase& c : cases) {
-        StatusFacts facts = wellFacts();
-        c.change(facts);
-        const StatusText got = c.field(facts);
-        EXPECT_EQ(got.text, c.text) << c.what;
-        EXPECT_EQ(got.brief, c.brief) << c.what;
-        EXPECT_EQ(got.tone, c.tone) << c.what;
-    }
-}
-
-TEST(StatusTexts, TheLogSaysItsStateAlways) {
-    const FieldCase cases[] = {
-        {"off", [](StatusFacts& f) { f.log.Type = kLogNone; }, staLog, "Log: /runs/drx9.txt, off", "Log off"},
-        {"idle", [](StatusFacts&) {}, staLog, "Log: /runs/drx9.txt (Append), until 0:05:00",
+        {"log off", [](StatusFacts& f) { f.log.Type = kLogNone; }, staLog, "Log: /runs/drx9.txt, off",
+         "Log off"},
+        {"log, idle", [](StatusFacts&) {}, staLog, "Log: /runs/drx9.txt (Append), until 0:05:00",
          "Log: drx9.txt (Append), until 0:05:00"},
         {"overwrite, later start", [](StatusFacts& f) { f.log.Type = kLogOverwrite, f.log.Start = 60; },
          staLog, "Log: /runs/drx9.txt (Overwrite), from 0:01:00 until 0:05:00",
@@ -172,7 +160,7 @@ TEST(StatusTexts, TheLogSaysItsStateAlways) {
          "Log: /runs/drx9.txt (Append), span ended, 418 lines",
          "Log: drx9.txt (Append), span ended, 418 lines"},
         {"one line lost", [](StatusFacts& f) { runLogged(f, 1), f.logLost = 1; }, staLog,
-         "Log: /runs/drx9.txt, 1 line not written", "Log not written, 1 line lost", StatusText::Tone::Alarm},
+         "Log: /runs/drx9.txt, 1 line not written", "Log not written, 1 line lost", Tone::Alarm},
     };
     for (const FieldCase& c : cases) {
         StatusFacts facts = wellFacts();

@@ -21,12 +21,17 @@ public:
         ::grantpt(master);
         ::unlockpt(master);
         path = ::ptsname(master);
-        QFile::link(QString::fromStdString(path), QString::fromStdString(folder() + "/COM1"));
+        leadTo(path);
     }
     ~Pty() { vanish(); }
     Pty(const Pty&) = delete;
     Pty& operator=(const Pty&) = delete;
 
+    /// COM1 is that device from now on.
+    void leadTo(const std::string& device) const {
+        QFile::remove(folder_.filePath("COM1"));
+        QFile::link(QString::fromStdString(device), folder_.filePath("COM1"));
+    }
     std::string folder() const { return folder_.path().toStdString(); }
     bool write(const std::string& bytes) const {
         return ::write(master, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());

@@ -1,6 +1,5 @@
 #include "platform/qt/QtEventPump.h"
 
-#include "platform/qt/QtClock.h"
 #include "platform/qt/QtTicker.h"
 #include "platform_qt/Waiting.h"
 
@@ -17,9 +16,8 @@ using namespace drx9::testing_qt;
 
 namespace {
 
-class QtEventPumpTest : public ::testing::Test {
+class QtEventPumpTest : public WaitingTest {
 protected:
-    double now() const { return clock.monotonic(); }
     /// Seconds that one sleep took.
     double sleep(double seconds) {
         const double start = now();
@@ -40,16 +38,13 @@ protected:
         after(150, [&] { loop.quit(); });
         loop.exec();
     }
-
-    QtClock clock;
-    QtEventPump pump{clock};
 };
 
 TEST_F(QtEventPumpTest, WaitsOutADeadlinePreciselyAndWithoutSpinning) {
     for (const double seconds : {1.0, 0.05, 0.2}) { // an earlier one after a later one, and a later one again
         SCOPED_TRACE(seconds);
         const double deadline = now() + seconds;
-        EXPECT_LT(cpuOfSleeping(pump, clock, seconds), 0.05);
+        EXPECT_LT(cpuOfSleeping(seconds), 0.05);
         EXPECT_LT(now() - deadline, 0.05);
     }
 }
@@ -90,7 +85,7 @@ TEST_F(QtEventPumpTest, RunsPostedActionsInOrderAlsoFromWithin) {
     pump.post([&] { order.push_back(2); });
     pump.post([&] { order.push_back(3); });
     EXPECT_TRUE(order.empty());
-    EXPECT_TRUE(waitFor(pump, clock, [&] { return order.size() == 4; }));
+    EXPECT_TRUE(wait([&] { return order.size() == 4; }));
     EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4}));
 }
 
@@ -103,8 +98,7 @@ TEST_F(QtEventPumpTest, TickerDropsTheBeatsThatATickRunsOver) {
         EXPECT_EQ(depth++, 0) << "a tick inside a tick";
         ticks.push_back(now() - start);
         if (ticks.size() == 1) // runs over the beats at 100 and 150 ms, pumping
-            waitFor(
-                pump, clock, [] { return false; }, 0.125);
+            wait([] { return false; }, 0.125);
         if (ticks.size() == 2) { // the beat starts anew
             ticker.stop();
             ticker.start();
@@ -112,13 +106,12 @@ TEST_F(QtEventPumpTest, TickerDropsTheBeatsThatATickRunsOver) {
         --depth;
     });
     ticker.start();
-    EXPECT_TRUE(waitFor(pump, clock, [&] { return ticks.size() == 3; }));
+    EXPECT_TRUE(wait([&] { return ticks.size() == 3; }));
     ticker.stop();
     ASSERT_EQ(ticks.size(), 3u);
     EXPECT_NEAR(ticks[1], 0.22, 0.03) << "a nested sleep keeps its own deadline, and no beat is made up for";
     EXPECT_NEAR(ticks[2] - ticks[1], 0.07, 0.03);
-    waitFor(
-        pump, clock, [] { return false; }, 0.12);
+    wait([] { return false; }, 0.12);
     EXPECT_EQ(ticks.size(), 3u) << "ticked after stop";
 }
 

@@ -2,8 +2,6 @@
 
 #include "platform/qt/QtSerialControl.h"
 
-#include "platform/qt/QtClock.h"
-#include "platform/qt/QtEventPump.h"
 #include "platform_qt/Pty.h"
 #include "platform_qt/Waiting.h"
 
@@ -19,12 +17,8 @@ using namespace drx9::testing_qt;
 
 namespace {
 
-class QtSerialControlTest : public ::testing::Test {
+class QtSerialControlTest : public WaitingTest {
 protected:
-    template<class Condition>
-    bool wait(Condition condition) {
-        return waitFor(pump, clock, condition);
-    }
     void expectArrives(const std::string& expected) {
         std::string bytes;
         EXPECT_TRUE(wait([&] {
@@ -36,8 +30,6 @@ protected:
         EXPECT_EQ(serial.inBufferCount(), 0u);
     }
 
-    QtClock clock;
-    QtEventPump pump{clock};
     Pty pty;
     QtSerialControl serial{pump, pty.folder()};
 };
@@ -45,9 +37,7 @@ protected:
 TEST_F(QtSerialControlTest, CarriesEveryByteBothWays) {
     EXPECT_EQ(serial.deviceName(1), pty.path);
     ASSERT_EQ(serial.open(), "");
-    std::string all;
-    for (int byte = 0; byte < 256; ++byte)
-        all += static_cast<char>(byte);
+    const std::string all = allBytes();
     serial.output(all);
     EXPECT_EQ(pty.read(), all) << "goes out without a turn of the event loop";
     ASSERT_TRUE(pty.write(all));
@@ -56,31 +46,22 @@ TEST_F(QtSerialControlTest, CarriesEveryByteBothWays) {
 }
 
 TEST_F(QtSerialControlTest, TakesSettingsOpensExclusivelyAndRefusesNonsense) {
-    const struct {
-        const char* settings;
-        speed_t baud; ///< 0: refused
-    } cases[] = {{"19200,N,8,1", B19200},
-                 {"9600,n,8,1", B9600},
-                 {"115200,E,7,2", B115200},
-                 {"", 0},
-                 {"19200,N,8", 0},
-                 {"0,N,8,1", 0},
-                 {"x,N,8,1", 0},
-                 {"19200,Q,8,1", 0},
-                 {"19200,N,9,1", 0},
-                 {"19200,N,8,3", 0},
-                 {"19200,NE,8,1", 0},
-                 {"-5,N,8,1", 0}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.settings);
-        serial.setSettings(c.settings);
-        EXPECT_EQ(serial.open().empty(), c.baud != 0);
-        EXPECT_EQ(serial.isOpen(), c.baud != 0);
-        if (c.baud == 0)
-            continue;
+    for (const char* refused : {"", "19200,N,8", "0,N,8,1", "x,N,8,1", "19200,Q,8,1", "19200,N,9,1",
+                                "19200,N,8,3", "19200,NE,8,1", "-5,N,8,1"}) {
+        serial.setSettings(refused);
+        EXPECT_NE(serial.open(), "") << refused;
+        EXPECT_FALSE(serial.isOpen());
+    }
+    const std::pair<const char*, speed_t> taken[] = {
+        {"19200,N,8,1", B19200}, {"9600,n,8,1", B9600}, {"115200,E,7,2", B115200}};
+    for (const auto& [settings, baud] : taken) {
+        SCOPED_TRACE(settings);
+        serial.setSettings(settings);
+        EXPECT_EQ(serial.open(), "");
+        EXPECT_TRUE(serial.isOpen());
         termios line{};
         ::tcgetattr(pty.master, &line);
-        EXPECT_EQ(::cfgetospeed(&line), c.baud);
+        EXPECT_EQ(::cfgetospeed(&line), baud);
         // The administrator may open it all the same: ask for the mark.
         const int other = ::open(pty.path.c_str(), O_RDWR | O_NOCTTY);
         int exclusive = 0;
@@ -95,7 +76,7 @@ TEST_F(QtSerialControlTest, DiscardsWhatWaitsAndHearsWhatComesAfter) {
         SCOPED_TRACE(stale);
         for (std::size_t sent = 0; sent < stale; sent += 500) {
             pty.write(std::string(std::min<std::size_t>(500, stale - sent), 's'));
-            pump.sleepUntil(clock.monotonic() + 0.01);
+            pump.sleepUntil(now() + 0.01);
         }
         EXPECT_TRUE(wait([&] { return serial.inBufferCount() == std::min<std::size_t>(stale, 2048); }));
         serial.discardInput();
@@ -106,12 +87,10 @@ TEST_F(QtSerialControlTest, DiscardsWhatWaitsAndHearsWhatComesAfter) {
 }
 
 TEST_F(QtSerialControlTest, AVanishedDeviceClosesThePortAndCostsNothing) {
-    const QString link = QString::fromStdString(pty.folder() + "/COM1");
     for (const bool sending : {false, true}) {
         SCOPED_TRACE(sending ? "sending" : "waiting");
         Pty gone;
-        QFile::remove(link);
-        QFile::link(QString::fromStdString(gone.path), link);
+        pty.leadTo(gone.path);
         ASSERT_EQ(serial.open(), "");
         gone.write("half a rep");
         EXPECT_TRUE(wait([&] { return serial.inBufferCount() > 0; }));
@@ -124,13 +103,11 @@ TEST_F(QtSerialControlTest, AVanishedDeviceClosesThePortAndCostsNothing) {
         serial.discardInput();
         serial.output("P1");
         serial.input();
-        EXPECT_TRUE(!sending || cpuOfSleeping(pump, clock, 0.3) < 0.1) << "something is left that fires";
+        EXPECT_TRUE(!sending || cpuOfSleeping(0.3) < 0.1) << "something is left that fires";
         EXPECT_NE(serial.open(), "") << "opened a device that is gone";
-        QFile::remove(link);
-        QFile::link(QString::fromStdString(pty.path), link);
+        pty.leadTo(pty.path);
         ASSERT_EQ(serial.open(), "");
-        waitFor(
-            pump, clock, [] { return false; }, 0.05);
+        wait([] { return false; }, 0.05);
         EXPECT_TRUE(serial.isOpen()) << "the old port's end took the new one along";
         pty.write("here");
         expectArrives("here");

@@ -1,7 +1,5 @@
 #include "platform/qt/QtSocketControl.h"
 
-#include "platform/qt/QtClock.h"
-#include "platform/qt/QtEventPump.h"
 #include "platform_qt/Waiting.h"
 
 #include <QTcpServer>
@@ -13,14 +11,10 @@ using namespace drx9::testing_qt;
 
 namespace {
 
-class QtSocketControlTest : public ::testing::Test {
+class QtSocketControlTest : public WaitingTest {
 protected:
     void SetUp() override { ASSERT_TRUE(server.listen(QHostAddress::LocalHost)); }
 
-    template<class Condition>
-    bool wait(Condition condition) {
-        return waitFor(pump, clock, condition);
-    }
     bool connected() const { return socket.state() == SocketControl::kConnected; }
     /// Connects to the server; the peer's end.
     QTcpSocket* connectPeer() {
@@ -35,8 +29,6 @@ protected:
         EXPECT_EQ(socket.bytesReceived(), 0u);
     }
 
-    QtClock clock;
-    QtEventPump pump{clock};
     QTcpServer server;
     QtSocketControl socket{pump};
     const int closedPort = [] {
@@ -48,9 +40,7 @@ protected:
 
 TEST_F(QtSocketControlTest, CarriesEveryByteBothWays) {
     QTcpSocket* peer = connectPeer();
-    std::string all;
-    for (int byte = 0; byte < 256; ++byte)
-        all += static_cast<char>(byte);
+    const std::string all = allBytes();
     socket.sendData(all);
     EXPECT_EQ(socket.bytesReceived(), 0u);
     ASSERT_TRUE(wait([&] { return peer->bytesAvailable() == 256; }));
@@ -85,8 +75,7 @@ TEST_F(QtSocketControlTest, SaysWhyItDoesNotConnect) {
         EXPECT_EQ(socket.bytesReceived(), 0u);
     }
     connectPeer(); // while the failed one has not been dropped yet
-    waitFor(
-        pump, clock, [] { return false; }, 0.05);
+    wait([] { return false; }, 0.05);
     EXPECT_TRUE(connected()) << "the old one's end took the new one along";
     EXPECT_EQ(socket.reason(), "");
 }
@@ -101,21 +90,21 @@ TEST_F(QtSocketControlTest, APeerThatGoesEndsTheConnectionAndWakesTheWait) {
         EXPECT_TRUE(wait([&] { return !connected(); }));
         EXPECT_FALSE(socket.reason().empty());
         EXPECT_TRUE(reset || socket.getData() == "last words") << "a reply that came before the end counts";
-        EXPECT_LT(cpuOfSleeping(pump, clock, 0.3), 0.1) << "something is left that fires";
+        EXPECT_LT(cpuOfSleeping(0.3), 0.1) << "something is left that fires";
     }
 }
 
 TEST_F(QtSocketControlTest, AFloodIsBoundedAndGoesOnWhenFetched) {
     connectPeer()->write(QByteArray(1'000'000, 'x'));
     std::size_t fetched = 0;
-    const double start = clock.monotonic();
+    const double start = now();
     EXPECT_TRUE(wait([&] {
         EXPECT_LT(socket.bytesReceived(), 70000u);
         if (socket.bytesReceived() > 60000 || fetched + socket.bytesReceived() == 1'000'000)
             fetched += socket.getData().size();
         return fetched == 1'000'000;
     })) << fetched;
-    EXPECT_LT(clock.monotonic() - start, 3) << "slept with bytes waiting";
+    EXPECT_LT(now() - start, 3) << "slept with bytes waiting";
 }
 
 TEST_F(QtSocketControlTest, ANewConnectDropsTheOldOne) {

@@ -3,8 +3,6 @@
 #include "platform/qt/QtUsbBridge.h"
 
 #include "platform/qt/LibraryUsbBridge.h"
-#include "platform/qt/QtClock.h"
-#include "platform/qt/QtEventPump.h"
 #include "platform/qt/SerialUsbBridge.h"
 #include "platform_qt/Pty.h"
 #include "platform_qt/Waiting.h"
@@ -22,19 +20,13 @@ using namespace drx9::testing_qt;
 
 namespace {
 
-/// The bridge's far end: an instrument that is written to and read from, whichever way the bridge is driven.
-struct FarEnd {
-    std::function<void(const std::string&)> send;
-    std::function<std::string()> receive;
-};
-
-class QtUsbBridgeTest : public ::testing::Test {
+class QtUsbBridgeTest : public WaitingTest {
 protected:
     /// Until the condition holds, looking again every 2 ms as a polling link does.
     bool poll(const std::function<bool()>& condition) {
-        const double deadline = clock.monotonic() + 2;
-        while (!condition() && clock.monotonic() < deadline)
-            pump.sleepUntil(clock.monotonic() + 0.002);
+        const double deadline = now() + 2;
+        while (!condition() && now() < deadline)
+            pump.sleepUntil(now() + 0.002);
         return condition();
     }
     void expectRead(UsbBridge& bridge, std::int32_t handle, const std::string& expected) {
@@ -49,8 +41,10 @@ protected:
         EXPECT_EQ(bytes, expected);
     }
 
-    /// A bridge with one device, serial number SN42, through its whole life.
-    void check(UsbBridge& bridge, const FarEnd& instrument) {
+    /// A bridge with one device, serial number SN42, through its whole life. The instrument at its far end
+    /// says what `send` is told, and `receive` is what it got.
+    void check(UsbBridge& bridge, const std::function<void(const std::string&)>& send,
+               const std::function<std::string()>& receive) {
         std::uint32_t count = 0;
         std::string product;
         std::string serial;
@@ -70,12 +64,12 @@ protected:
         EXPECT_EQ(bridge.SI_Write(handle, packet, count), 0);
         EXPECT_EQ(count, packet.size());
         std::string got;
-        EXPECT_TRUE(poll([&] { return (got += instrument.receive()).size() >= packet.size(); }));
+        EXPECT_TRUE(poll([&] { return (got += receive()).size() >= packet.size(); }));
         EXPECT_EQ(got, packet);
-        instrument.send("!*A012.34");
-        expectRead(bridge, handle, "!*A012.34");
-        instrument.send("stale");
-        expectRead(bridge, handle, "stale");
+        for (const char* reply : {"!*A012.34", "stale"}) {
+            send(reply);
+            expectRead(bridge, handle, reply);
+        }
         EXPECT_EQ(bridge.SI_FlushBuffers(handle, 1, 1), 0);
         expectRead(bridge, handle, ""); // returns at once
 
@@ -87,22 +81,20 @@ protected:
         EXPECT_NE(bridge.SI_Write(handle, "P1", count), 0);
         EXPECT_NE(bridge.SI_Read(handle, &byte, 1, count), 0);
     }
-
-    QtClock clock;
-    QtEventPump pump{clock};
 };
 
 TEST_F(QtUsbBridgeTest, BridgeThatShowsAsASerialPort) {
     Pty pty;
     SerialUsbBridge bridge([&] { return std::vector<BridgePort>{{pty.path, "SN42"}}; });
-    check(bridge, {[&](const std::string& bytes) { pty.write(bytes); }, [&] { return pty.read(); }});
+    check(
+        bridge, [&](const std::string& bytes) { pty.write(bytes); }, [&] { return pty.read(); });
 
     std::int32_t handle = 0;
     std::uint32_t written = 0;
     ASSERT_EQ(bridge.SI_Open(0, handle), 0);
     pty.vanish();
     EXPECT_TRUE(poll([&] { return bridge.SI_Write(handle, "P1", written) != 0; }));
-    EXPECT_LT(cpuOfSleeping(pump, clock, 0.3), 0.1) << "something is left that fires";
+    EXPECT_LT(cpuOfSleeping(0.3), 0.1) << "something is left that fires";
     EXPECT_EQ(bridge.SI_Close(handle), 0);
     EXPECT_NE(bridge.SI_Open(0, handle), 0);
     EXPECT_EQ(handle, 0);
@@ -121,8 +113,9 @@ TEST_F(QtUsbBridgeTest, LibraryInTheProgramsFolder) {
             end = server.nextPendingConnection();
         return *end;
     };
-    check(bridge, {[&](const std::string& bytes) { instrument().write(bytes.c_str()); },
-                   [&] { return instrument().readAll().toStdString(); }});
+    check(
+        bridge, [&](const std::string& bytes) { instrument().write(bytes.c_str()); },
+        [&] { return instrument().readAll().toStdString(); });
     qunsetenv("DRX9SIM_USB");
     for (const char* path : {DRX9_SOURCE_DIR "/CMakeLists.txt", "/nowhere/libSiUSBXp.so", "libm.so.6"})
         EXPECT_EQ(LibraryUsbBridge::load(path), nullptr) << path;

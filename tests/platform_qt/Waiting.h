@@ -1,30 +1,45 @@
 #pragma once
 
-#include "platform/Clock.h"
-#include "platform/EventPump.h"
+#include "platform/qt/QtClock.h"
+#include "platform/qt/QtEventPump.h"
+
+#include <gtest/gtest.h>
 
 #include <ctime>
+#include <string>
 
 namespace drx9::testing_qt {
 
-/// Sleeps in the pump until the condition holds; false when it does not within `limit` seconds.
-template<class Condition>
-bool waitFor(EventPump& pump, const Clock& clock, Condition condition, double limit = 5.0) {
-    const double deadline = clock.monotonic() + limit;
-    while (!condition()) {
-        if (clock.monotonic() >= deadline)
-            return false;
-        pump.sleepUntil(deadline);
+/// The real clock and event pump, and ways to wait on them.
+class WaitingTest : public testing::Test {
+protected:
+    [[nodiscard]] double now() const { return clock.monotonic(); }
+    /// Sleeps in the pump until the condition holds; false when it does not within `limit` seconds.
+    template<class Condition>
+    bool wait(Condition condition, double limit = 5.0) {
+        const double deadline = now() + limit;
+        while (!condition() && now() < deadline)
+            pump.sleepUntil(deadline);
+        return condition();
     }
-    return true;
-}
+    /// CPU seconds that sleeping for so long costs: nearly none, all of it where something is left that
+    /// fires.
+    double cpuOfSleeping(double seconds) {
+        const std::clock_t start = std::clock();
+        wait([] { return false; }, seconds);
+        return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    }
 
-/// CPU seconds that sleeping for so long costs: nearly none, all of it where something is left that fires.
-inline double cpuOfSleeping(EventPump& pump, const Clock& clock, double seconds) {
-    const std::clock_t start = std::clock();
-    waitFor(
-        pump, clock, [] { return false; }, seconds);
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    QtClock clock;
+    QtEventPump pump{clock};
+};
+
+/// Each byte once, in order.
+inline std::string allBytes() {
+    std::string all;
+    for (int byte = 0; byte < 256; ++byte)
+        all += static_cast<char>(byte);
+    return all;
 }
 
 } // namespace drx9::testing_qt

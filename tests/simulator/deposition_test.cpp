@@ -6,15 +6,11 @@
 namespace drx9::sim {
 namespace {
 
-SimulatorOptions seeded(std::uint64_t seed) {
-    SimulatorOptions options;
-    options.instrument.seed = seed;
-    return options;
-}
-
 /// All readings every 250 ms of a run of `seconds`, with the shutter opened at once.
 std::vector<std::string> run(std::uint64_t seed, double seconds) {
-    Bench bench(seeded(seed));
+    SimulatorOptions options;
+    options.instrument.seed = seed;
+    Bench bench(options);
     bench.ask("U1");
     std::vector<std::string> readings;
     for (double t = 0; t <= seconds; t += 0.25) {
@@ -30,19 +26,6 @@ TEST(Deposition, IsTheSameForTheSameSeedOnly) {
     EXPECT_NE(run(7, 20), run(8, 20));
 }
 
-TEST(Deposition, DoesNotDependOnHowOftenItIsLookedAt) {
-    Bench seldom;
-    Bench often;
-    for (Bench* bench : {&seldom, &often}) {
-        bench->ask("U1", 1);
-    }
-    for (double t = 1; t < 30; t += 0.01) {
-        often.ask("N3", t);
-    }
-    EXPECT_EQ(seldom.ask("N3", 30), often.ask("N3", 30));
-    EXPECT_EQ(seldom.ask("O", 30), often.ask("O", 30));
-}
-
 TEST(Deposition, RampsToALevelOfTheFilmAndFallsWhenShut) {
     std::set<std::string> levels;
     for (const int film : {1, 2, 3, 50, 99}) {
@@ -50,13 +33,9 @@ TEST(Deposition, RampsToALevelOfTheFilmAndFallsWhenShut) {
         bench.ask("D" + std::to_string(film));
         bench.ask("U1", 10);
         EXPECT_LT(bench.number("M", 10), 0.1);
-        const double half = bench.number("M", 11);
-        EXPECT_GT(half, 2);
-        EXPECT_LT(half, 8);
-        const double level = bench.number("M", 30);
-        EXPECT_GT(level, 7.5) << film;
-        EXPECT_LT(level, 11.5) << film;
-        levels.insert(std::to_string(level));
+        EXPECT_NEAR(bench.number("M", 11), 5, 3) << "half way";
+        EXPECT_NEAR(bench.number("M", 30), 9.5, 2) << film;
+        levels.insert(bench.ask("M", 30));
         bench.ask("U0", 30);
         EXPECT_LT(std::abs(bench.number("M", 33)), 0.1);
     }
@@ -70,8 +49,7 @@ TEST(Deposition, SensorsDifferAndRipple) {
     for (double t = 30; t < 60; t += 0.5) {
         rates.insert(bench.number("L1", t));
     }
-    EXPECT_GT(*rates.rbegin() - *rates.begin(), 0.1);
-    EXPECT_LT(*rates.rbegin() - *rates.begin(), 1.5);
+    EXPECT_NEAR(*rates.rbegin() - *rates.begin(), 0.8, 0.7);
     std::set<std::string> sensors;
     for (const char* sensor : {"L1", "L2", "L3", "L4", "L5", "L6"}) {
         sensors.insert(bench.ask(sensor, 60));
@@ -154,6 +132,7 @@ TEST(Deposition, ZeroAndTimerStartAgain) {
     }
 }
 
+// How often it is looked at makes no difference.
 TEST(Deposition, ShutsAtTheFinalThicknessAtTheRightMoment) {
     Bench seldom;
     Bench often;
@@ -161,14 +140,15 @@ TEST(Deposition, ShutsAtTheFinalThicknessAtTheRightMoment) {
         bench->ask("A1THIN____ 2.700 100 1.080 0.200 0.000  0  63");
         bench->ask("U1", 0);
     }
-    for (double t = 0; t < 100; t += 0.25) {
-        often.ask("M", t);
+    for (double t = 0; t < 100; t += 0.01) {
+        often.ask("N3", t);
     }
     for (Bench* bench : {&seldom, &often}) {
         EXPECT_EQ(bench->ask("U?", 100), "A0");
         EXPECT_NEAR(bench->number("O", 100), 0.203, 0.002); // what is under way still lands
     }
     EXPECT_EQ(seldom.ask("O", 100), often.ask("O", 100));
+    EXPECT_EQ(seldom.ask("N3", 100), often.ask("N3", 100));
     seldom.ask("U1", 100); // opened beyond the end: stays open
     EXPECT_EQ(seldom.ask("U?", 200), "A1");
 }

@@ -7,21 +7,19 @@
 #include <cstdlib>
 #include <filesystem>
 #include <thread>
+#include <tuple>
 
 #include <arpa/inet.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "simulator/Bench.h"
 #include "simulator/UsbBridgeAbi.h"
-
-extern char** environ;
 
 namespace drx9::sim {
 namespace {
@@ -51,21 +49,13 @@ bool isWholeReply(const std::string& bytes) {
     return bytes.size() > 1 && bytes.size() == static_cast<unsigned char>(bytes[1]) - 31U;
 }
 
-/// One exchange over an open socket or terminal; "<end>" when it was closed.
-std::string exchange(int descriptor, std::string_view command) {
-    const std::string packet = commandPacket(command);
-    [[maybe_unused]] const ssize_t written = ::write(descriptor, packet.data(), packet.size());
-    const std::string bytes = readUntil(descriptor, isWholeReply);
-    return bytes.ends_with('>') ? bytes : unwrapped(bytes);
-}
-
 /// A running drx9sim; its standard error is left to the test's.
 class Program {
 public:
     explicit Program(std::vector<std::string> arguments) {
-        std::array<int, 2> in{};
-        std::array<int, 2> out{};
-        EXPECT_EQ(::pipe(in.data()) + ::pipe(out.data()), 0);
+        int in[2];
+        int out[2];
+        EXPECT_EQ(::pipe(in) + ::pipe(out), 0);
         for (const int descriptor : {in[0], in[1], out[0], out[1]}) {
             ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
         }
@@ -77,12 +67,13 @@ public:
             words.push_back(argument.data());
         }
         words.push_back(nullptr);
-        posix_spawn_file_actions_t actions{};
-        ::posix_spawn_file_actions_init(&actions);
-        ::posix_spawn_file_actions_adddup2(&actions, in[0], 0);
-        ::posix_spawn_file_actions_adddup2(&actions, out[1], 1);
-        EXPECT_EQ(::posix_spawn(&pid_, words[0], &actions, nullptr, words.data(), environ), 0);
-        ::posix_spawn_file_actions_destroy(&actions);
+        pid_ = ::fork();
+        if (pid_ == 0) {
+            ::dup2(in[0], 0);
+            ::dup2(out[1], 1);
+            ::execv(words[0], words.data());
+            ::_exit(127);
+        }
         ::close(in[0]);
         ::close(out[1]);
         in_ = in[1];
@@ -148,7 +139,13 @@ public:
     Client& operator=(const Client&) = delete;
 
     bool connected() const { return descriptor_ >= 0; }
-    std::string ask(std::string_view command) const { return exchange(descriptor_, command); }
+    /// The answer to one command; "<end>" when the link was closed.
+    std::string ask(std::string_view command) const {
+        const std::string packet = commandPacket(command);
+        [[maybe_unused]] const ssize_t written = ::write(descriptor_, packet.data(), packet.size());
+        const std::string bytes = readUntil(descriptor_, isWholeReply);
+        return bytes.ends_with('>') ? bytes : unwrapped(bytes);
+    }
     std::string untilEnd() const {
         return readUntil(descriptor_, [](const std::string&) { return false; });
     }
@@ -165,11 +162,8 @@ Client tcpClient(const std::string& announced) {
     address.sin_port =
         htons(static_cast<std::uint16_t>(std::stoi(announced.substr(announced.rfind(':') + 1))));
     const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-    if (::connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
-        ::close(socket);
-        return Client(-1);
-    }
-    return Client(socket);
+    const bool refused = ::connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0;
+    return Client(refused ? (::close(socket), -1) : socket);
 }
 
 Client terminal(const std::filesystem::path& path) {
@@ -263,13 +257,7 @@ TEST(Program, RefusesWhatItCannotDo) {
 /// The bridge's library, looked up at run time as the operator's program does.
 class Library {
 public:
-    Library() {
-#ifdef __APPLE__
-        handle_ = ::dlopen(DRX9_BIN_DIR "/libSiUSBXp.dylib", RTLD_NOW | RTLD_LOCAL);
-#else
-        handle_ = ::dlopen(DRX9_BIN_DIR "/libSiUSBXp.so", RTLD_NOW | RTLD_LOCAL);
-#endif
-    }
+    Library() = default;
     ~Library() {
         ::dlclose(handle_);
         ::unsetenv("DRX9SIM_USB");
@@ -283,7 +271,11 @@ public:
     }
 
 private:
-    void* handle_ = nullptr;
+#ifdef __APPLE__
+    void* handle_ = ::dlopen(DRX9_BIN_DIR "/libSiUSBXp.dylib", RTLD_NOW | RTLD_LOCAL);
+#else
+    void* handle_ = ::dlopen(DRX9_BIN_DIR "/libSiUSBXp.so", RTLD_NOW | RTLD_LOCAL);
+#endif
 };
 
 #define CALL(name, ...) library.call(static_cast<decltype(&name)>(nullptr), #name, __VA_ARGS__)
@@ -302,12 +294,12 @@ TEST(UsbBridge, CarriesTheInstrument) {
     std::array<char, 256> text{};
     EXPECT_EQ(CALL(SI_GetNumDevices, &count), 0);
     EXPECT_EQ(count, 2U);
-    EXPECT_EQ(CALL(SI_GetProductString, 0U, text.data(), 0U), 0);
-    EXPECT_STREQ(text.data(), "AB12");
-    EXPECT_EQ(CALL(SI_GetProductString, 0U, text.data(), 4U), 0);
-    EXPECT_STREQ(text.data(), "83F5");
-    EXPECT_EQ(CALL(SI_GetProductString, 1U, text.data(), 4U), 0);
-    EXPECT_STREQ(text.data(), "1234");
+    const std::tuple<unsigned, unsigned, const char*> strings[] = {
+        {0, 0, "AB12"}, {0, 4, "83F5"}, {1, 4, "1234"}};
+    for (const auto& [device, option, expected] : strings) {
+        EXPECT_EQ(CALL(SI_GetProductString, device, text.data(), option), 0);
+        EXPECT_STREQ(text.data(), expected);
+    }
     EXPECT_NE(CALL(SI_GetProductString, 2U, text.data(), 0U), 0);
     EXPECT_NE(CALL(SI_Open, 1U, &handle), 0) << "no simulator there";
 

@@ -6,15 +6,13 @@ namespace {
 
 const std::string kNewFilm = "2.700 100 1.080 5.000 2.500  60  63";
 
-struct Case {
-    const char* before; ///< sent first; "" = nothing
-    std::string command;
-    std::string reply; ///< status letter and data; "A*" = any data
-};
-
 // Every letter, its good and its bad forms. Film characters: "1" is film 1, ":" film 10, code 147 film 99.
 TEST(Protocol, AnswersEachCommand) {
-    const std::vector<Case> cases{
+    const struct {
+        const char* before; ///< sent first; "" = nothing
+        std::string command;
+        std::string reply; ///< status letter and data; "A*" = any data
+    } cases[] = {
         {"", "@", "ADRX-9 Ver 4.12"},
         {"", "@1", "D"},
         {"", "J", "ASENSORS 6"},
@@ -64,7 +62,7 @@ TEST(Protocol, AnswersEachCommand) {
         {"", "p1", "C"},
         {"", "\x01", "C"},
     };
-    for (const Case& one : cases) {
+    for (const auto& one : cases) {
         Bench bench;
         if (*one.before != '\0') {
             bench.ask(one.before);
@@ -94,13 +92,11 @@ TEST(Protocol, KindOfInstrumentFollowsItsOptions) {
     EXPECT_EQ(untold.ask("P6").front(), 'A');
 }
 
-struct FilmCase {
-    std::string written;
-    std::string readBack; ///< "" = refused, and the film is as it was
-};
-
 TEST(Films, KeepWhatWasWrittenInTheirOwnDigits) {
-    const std::vector<FilmCase> cases{
+    const struct {
+        std::string written;
+        std::string readBack; ///< "" = refused, and the film is as it was
+    } cases[] = {
         {"ALU_____ " + kNewFilm, "ALU      2.700 100 1.080 5.000 2.500 60 63"},
         {"MY_FILM_ " + kNewFilm, "MY_FILM  2.700 100 1.080 5.000 2.500 60 63"}, // only padding becomes blank
         {"________ " + kNewFilm, "         2.700 100 1.080 5.000 2.500 60 63"},
@@ -118,7 +114,7 @@ TEST(Films, KeepWhatWasWrittenInTheirOwnDigits) {
         {"ALU_____ nan 100 1.080 5.000 2.500  60  63", ""},
         {"ALU_____ 2.7 100 1.080 5.000 2.500  1e-200  63", ""}, // no reply could hold its digits
     };
-    for (const FilmCase& one : cases) {
+    for (const auto& one : cases) {
         Bench bench;
         const std::string before = bench.ask("A2?");
         EXPECT_EQ(bench.ask("A2" + one.written), one.readBack.empty() ? "D" : "A") << one.written;
@@ -133,16 +129,10 @@ std::string parsed(std::string_view bytes) {
     CommandParser parser;
     std::string found;
     for (const char byte : bytes) {
-        switch (parser.feed(byte)) {
-        case CommandParser::Outcome::Command:
-            found += parser.text() + '|';
-            break;
-        case CommandParser::Outcome::BadCrc:
-            found += '#';
-            break;
-        case CommandParser::Outcome::Nothing:
-            break;
-        }
+        const auto outcome = parser.feed(byte);
+        found += outcome == CommandParser::Outcome::Command  ? parser.text() + '|'
+                 : outcome == CommandParser::Outcome::BadCrc ? "#"
+                                                             : "";
     }
     return found;
 }

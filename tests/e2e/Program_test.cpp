@@ -1,6 +1,8 @@
 // The whole program against the simulated instrument, over every link.
 #include "app/Program.h"
 #include "platform/os/OsFilePort.h"
+#include "util/controls/MarkLabel.h"
+#include "util/controls/NoticePlate.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -24,6 +26,15 @@ namespace {
 
 constexpr int kPatience = 60000; ///< ms, for conditions that come at once on a fast machine
 
+/// Where a program that is to be killed has its files.
+constexpr const char* kFolderVariable = "DRX9_E2E_FOLDER";
+
+/// A whole line of the log with a reading of six sensors.
+bool isReading(const QString& line) {
+    static const QRegularExpression whole("^\\d+\\.\\d\\d(\t-?\\d+\\.\\d+){20}$");
+    return whole.match(line).hasMatch();
+}
+
 enum LinkType { kSerial, kUsb, kTcp };
 
 /// The whole program in a folder of its own, with drx9sim on the given link. Controls are found by their
@@ -37,7 +48,7 @@ protected:
         kill();
     }
     void build(LinkType link, const QString& faults = "none") {
-        const QString path = folder_.path();
+        const QString path = folderPath();
         arguments_ = QStringList{"--quiet", "--speed", "10", "--faults", faults};
         arguments_ +=
             link == kSerial ? QStringList{"--pty", path + "/COM1"} : QStringList{"--tcp", "127.0.0.1:PORT"};
@@ -95,21 +106,23 @@ protected:
     Control& find(const char* name) {
         return *program->window().findChild<Control*>(name);
     }
+    QString folderPath() const { return qEnvironmentVariable(kFolderVariable, folder_.path()); }
     QComboBox& films() { return find<QComboBox>("cboFilms"); }
     void click(const char* name) { QTest::mouseClick(&find(name), Qt::LeftButton); }
     QString text(const char* name) { return find(name).property("text").toString(); }
+    QString notice() { return find<NoticePlate>("lblNotice").text(); }
     double number(const char* name) { return text(name).toDouble(); }
     Monitor& monitor() { return program->monitor(); }
     double now() { return monitor().parts().clock.monotonic(); }
     QString contentOf(const char* file) {
-        QFile in(folder_.filePath(file));
+        QFile in(folderPath() + "/" + file);
         return in.open(QIODevice::ReadOnly) ? in.readAll() : QString();
     }
     /// Readings in the log, which must consist of whole lines: the start block, readings, `ends` end blocks.
     int logLines(int ends) {
-        static const QRegularExpression whole("^\\d+\\.\\d\\d(\t-?\\d+\\.\\d+){20}$");
         const QStringList lines = contentOf("drx9.txt").split("\r\n");
-        const QStringList readings = lines.filter(whole);
+        QStringList readings;
+        std::copy_if(lines.begin(), lines.end(), std::back_inserter(readings), isReading);
         const bool started = lines.size() > 1;
         EXPECT_EQ(lines.size(), 1 + readings.size() + (started ? 4 : 0) + 3 * ends);
         EXPECT_EQ(lines.filter("Start:   Date: ").size(), started ? 1 : 0);
@@ -204,10 +217,13 @@ TEST_P(OnEveryLink, ARunOutlivesEveryCut) {
     startRun();
     ASSERT_FALSE(HasFatalFailure());
     const double limit = 2 + 2 * monitor().usualInterval(); // 2.5 s unless this machine is slow
-    // Other cuts: --gtest_shuffle --gtest_random_seed=N
+    // Other cuts: --gtest_shuffle --gtest_random_seed=N; more of them: DRX9_CUTS=100
+    const int cuts = std::max<int>(std::size(kCuts), qEnvironmentVariableIntValue("DRX9_CUTS"));
     std::mt19937 random(
         static_cast<unsigned>(GetParam() + 3 * testing::UnitTest::GetInstance()->random_seed()));
-    for (const auto& [cut, end] : kCuts) {
+    double longest = 0;
+    for (int i = 0; i < cuts; ++i) {
+        const auto& [cut, end] = kCuts[static_cast<std::size_t>(i) % std::size(kCuts)];
         const int lines = logLines(0);
         const int begin = static_cast<int>(random() % 400); // anywhere in a tick, most often in an exchange
         const int length = 50 + static_cast<int>(random() % 1500);
@@ -225,6 +241,7 @@ TEST_P(OnEveryLink, ARunOutlivesEveryCut) {
                    monitor().readings().failed.none();
         };
         ASSERT_TRUE(waitFor(polled)) << cut;
+        longest = std::max(longest, monitor().lastGoodReading() - returned);
         EXPECT_LE(monitor().lastGoodReading() - returned, limit) << cut << " after " << length << " ms";
         EXPECT_EQ(text("cmdStartStop"), "STOP");
         ASSERT_TRUE(waitFor([&] { return logLines(0) > lines; }));
@@ -232,6 +249,7 @@ TEST_P(OnEveryLink, ARunOutlivesEveryCut) {
             EXPECT_FALSE(widget->isVisible() && widget->inherits("QMessageBox")) << "it went with the cut";
         }
     }
+    RecordProperty("longest_ms", static_cast<int>(longest * 1000));
     EXPECT_EQ(boxes, "");
     program->window().close();
     EXPECT_TRUE(ended());
@@ -241,6 +259,116 @@ TEST_P(OnEveryLink, ARunOutlivesEveryCut) {
 INSTANTIATE_TEST_SUITE_P(Links, OnEveryLink, testing::Values(kSerial, kUsb, kTcp), [](const auto& link) {
     return std::string(link.param == kSerial ? "Serial" : link.param == kUsb ? "Usb" : "Tcp");
 });
+
+/// What others do to the log's file in a run, and what then becomes of the lines.
+struct LogTrouble {
+    const char* name;
+    void (*begin)(QDir& folder);
+    void (*end)(QDir& folder);
+    bool linesLost; ///< while it lasts; else a new file is begun
+};
+
+class LogInTrouble : public ProgramFixture, public testing::WithParamInterface<LogTrouble> {};
+
+TEST_P(LogInTrouble, LosesNothingThatWasWrittenAndSaysWhatIsLost) {
+    const LogTrouble& trouble = GetParam();
+    build(kTcp);
+    startRun();
+    ASSERT_FALSE(HasFatalFailure());
+    QDir folder(folderPath());
+    DataLog& log = monitor().parts().log;
+    const int before = log.linesWritten();
+    trouble.begin(folder);
+    if (trouble.linesLost) {
+        EXPECT_TRUE(waitFor([&] { return log.linesLost() >= 2; }));
+        EXPECT_TRUE(notice().startsWith("Log not written")) << notice().toStdString();
+        EXPECT_TRUE(find<MarkLabel>("staLog").text().contains("lost"));
+    } else {
+        EXPECT_TRUE(waitFor([&] { return log.linesWritten() >= before + 2; }));
+    }
+    const int lost = log.linesLost();
+    trouble.end(folder);
+    EXPECT_TRUE(waitFor([&] { return log.linesWritten() >= before + 4; }));
+    EXPECT_LE(log.linesLost(), lost + 1) << "the one in hand when it ended";
+    EXPECT_TRUE(waitFor([&] { return notice().isEmpty(); }));
+    click("cmdShutter");
+    click("cmdStartStop");
+    ASSERT_TRUE(waitFor([&] { return onLine(); }));
+    int lines = 0;
+    for (const QString& file : folder.entryList({"*.txt"}, QDir::Files)) {
+        for (const QString& line : contentOf(file.toUtf8()).split("\r\n")) {
+            lines += isReading(line) ? 1 : 0;
+            EXPECT_TRUE(isReading(line) || line.isEmpty() || line.startsWith("Start:") ||
+                        line.startsWith("End:") || line.startsWith("Time\t"))
+                << line.toStdString();
+        }
+    }
+    EXPECT_EQ(lines, log.linesWritten());
+    EXPECT_EQ(boxes, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, LogInTrouble,
+                         testing::Values(LogTrouble{"Renamed",
+                                                    [](QDir& in) { in.rename("drx9.txt", "old.txt"); },
+                                                    [](QDir&) {}, false},
+                                         LogTrouble{"DiskFull",
+                                                    [](QDir& in) {
+                                                        in.rename("drx9.txt", "old.txt");
+                                                        QFile::link("/dev/full", in.filePath("drx9.txt"));
+                                                    },
+                                                    [](QDir& in) { in.remove("drx9.txt"); }, true},
+                                         LogTrouble{"NameTaken",
+                                                    [](QDir& in) {
+                                                        in.rename("drx9.txt", "old.txt");
+                                                        in.mkdir("drx9.txt");
+                                                    },
+                                                    [](QDir& in) { in.rmdir("drx9.txt"); }, true}),
+                         [](const auto& c) { return c.param.name; });
+
+/// The part that is killed: runs in a process of its own, told its folder by the one that kills it.
+TEST_F(ProgramFixture, DISABLED_LogsUntilItIsKilled) {
+    build(kTcp);
+    startRun();
+    for (int told = 0; monitor().RunMode() == kRunning;) {
+        QTest::qWait(1);
+        if (const int lines = monitor().parts().log.linesWritten(); lines > told) {
+            std::printf("logged %d\n", told = lines);
+            std::fflush(stdout);
+        }
+    }
+}
+
+TEST(Killed, TheLogHoldsEveryLineThatWasWritten) {
+    std::mt19937 random(static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed()));
+    for (int kill = 0; kill < 3; ++kill) {
+        QTemporaryDir folder;
+        QProcess victim;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(kFolderVariable, folder.path());
+        victim.setProcessEnvironment(environment);
+        victim.start(QCoreApplication::applicationFilePath(),
+                     {"--gtest_filter=*.DISABLED_LogsUntilItIsKilled", "--gtest_also_run_disabled_tests"});
+        QByteArray said;
+        const auto logged = [&] {
+            said += victim.readAllStandardOutput();
+            return said.mid(said.lastIndexOf("logged ") + 7).split('\n').value(0).toInt();
+        };
+        int told = 0;
+        const int least = 2 + static_cast<int>(random() % 5);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return (told = logged()) >= least; }, kPatience));
+        QTest::qWait(static_cast<int>(random() % 250));
+        victim.kill();
+        victim.waitForFinished(kPatience);
+        told = std::max(told, logged());
+        QFile file(folder.filePath("drx9.txt"));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        QStringList lines = QString(file.readAll()).split("\r\n");
+        EXPECT_EQ(lines.takeLast(), "") << "the last line is whole";
+        EXPECT_GE(std::count_if(lines.begin(), lines.end(), isReading), told);
+        EXPECT_EQ(lines.size() - std::count_if(lines.begin(), lines.end(), isReading), 4)
+            << "the start block";
+    }
+}
 
 /// When the operator closes the window: always while an exchange is under way.
 struct Moment {

@@ -59,29 +59,27 @@ TEST(Control, EachLineGetsOneAnswer) {
     struct {
         const char* line;
         const char* answer; ///< how it begins
-        LinkAction action;
-    } const cases[] = {
-        {"", "", LinkAction::None},
-        {"faults lose=1", "ok faults lose=1", LinkAction::None},
-        {"faults none", "ok faults none", LinkAction::None},
-        {"faults", "error: ", LinkAction::None},
-        {"faults lose=x", "error: fault not understood: \"lose=x\"", LinkAction::None},
-        {"crystal 3 fail", "ok crystal 3 fail", LinkAction::None},
-        {"crystal 3", "error: ", LinkAction::None},
-        {"crystal 3 shine", "error: ", LinkAction::None},
-        {"shutter?", "ok shutter 0", LinkAction::None},
-        {"shutter open", "ok shutter 1", LinkAction::None},
-        {"state?", "ok film 1 shutter 1 timer 7.0 rate ", LinkAction::None},
-        {"count P1", "ok count P1 1", LinkAction::None},
-        {"count reset", "ok count reset", LinkAction::None},
-        {"count P*", "ok count P* 0", LinkAction::None},
-        {"  drop  ", "ok drop", LinkAction::Drop},
-        {"unplug", "ok unplug", LinkAction::Unplug},
-        {"plug", "ok plug", LinkAction::Plug},
-        {"help", "ok help\n", LinkAction::None},
-        {"quit", "ok quit", LinkAction::Quit},
-        {"dance", "error: unknown: dance", LinkAction::None},
-    };
+        LinkAction action = LinkAction::None;
+    } const cases[] = {{"", ""},
+                       {"faults lose=1", "ok faults lose=1"},
+                       {"faults none", "ok faults none"},
+                       {"faults", "error: "},
+                       {"faults lose=x", "error: fault not understood: \"lose=x\""},
+                       {"crystal 3 fail", "ok crystal 3 fail"},
+                       {"crystal 3", "error: "},
+                       {"crystal 3 shine", "error: "},
+                       {"shutter?", "ok shutter 0"},
+                       {"shutter open", "ok shutter 1"},
+                       {"state?", "ok film 1 shutter 1 timer 7.0 rate "},
+                       {"count P1", "ok count P1 1"},
+                       {"count reset", "ok count reset"},
+                       {"count P*", "ok count P* 0"},
+                       {"  drop  ", "ok drop", LinkAction::Drop},
+                       {"unplug", "ok unplug", LinkAction::Unplug},
+                       {"plug", "ok plug", LinkAction::Plug},
+                       {"help", "ok help\n"},
+                       {"quit", "ok quit", LinkAction::Quit},
+                       {"dance", "error: unknown: dance"}};
     Bench bench;
     bench.ask("P1");
     for (const auto& one : cases) {

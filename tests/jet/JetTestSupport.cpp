@@ -107,7 +107,10 @@ void makeOldLibrary(FilePort& files, Generation generation, const std::vector<st
 // ---- Model ----
 
 void Model::createTable(const std::string& name) {
-    const TableSpec spec = everythingTable(name.c_str());
+    TableSpec spec = everythingTable(name.c_str());
+    if (database_.shared().store().layout().generation == Generation::Jet3) { // Jet 4 has no keys for it
+        spec.indexes.push_back({.name = "ByFlag", .columns = {{"Flag", true}, {"Small", true}}});
+    }
     database_.CreateTable(spec, kCreated);
     auto& table = tables_[name];
     for (const auto& each : spec.columns) {
@@ -190,8 +193,12 @@ void Model::insert(const std::string& name, TableModel& table) {
     row["Id"] = table.nextId;
     const auto set = database_.OpenRecordset(name);
     set->AddNew();
-    for (const auto& [field, value] : row) {
-        set->SetValue(field, value);
+    for (auto& [field, value] : row) {
+        if (pick(8) != 0 || field == "Id") {
+            set->SetValue(field, value);
+        } else {
+            value = field == "Flag" ? Value(false) : Value(Null{});
+        }
     }
     set->Update();
     table.rows[table.nextId++] = row;

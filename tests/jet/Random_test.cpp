@@ -181,7 +181,8 @@ TEST_F(Witness, MdbExportReadsTheSame) {
 TEST_F(Witness, MdbReaderReadsTheSame) {
     const std::string reader = readerFolder();
     if (reader.empty()) {
-        GTEST_SKIP() << "Node with the package mdb-reader is not there (DRX9_MDB_READER names its folder)";
+        GTEST_SKIP() << "Node with the package mdb-reader is not there (DRX9_MDB_READER: the folder of its "
+                        "node_modules)";
     }
     std::map<std::string, std::string> dumps;
     eachTable([&](const std::string& path, const std::string& table, const std::string& dump) {

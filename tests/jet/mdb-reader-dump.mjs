@@ -14,9 +14,22 @@ function printed(value) {
     return String(value).replace(/[\\\t\r\n]/g, (c) => escapes[c]);
 }
 
+// Known fault of the package (3.2.0): where a long value's row ends it reads the slot before with its flags on, so behind
+// a deleted slot (C000) it takes bytes up to the page's end and cuts the value short. It gets a copy without these flags.
+function withoutDeletedFlags(bytes) {
+    const [pageSize, slots] = bytes[0x14] === 0 ? [2048, 8] : [4096, 12];
+    for (let page = 0; page < bytes.length; page += pageSize) {
+        if (bytes.toString("latin1", page + 4, page + 8) !== "LVAL") continue;
+        for (let slot = bytes.readUInt16LE(page + slots); slot > 0; --slot) {
+            bytes[page + slots + 2 * slot + 1] &= 0x1f;
+        }
+    }
+    return bytes;
+}
+
 const folder = process.argv[2];
 for (const file of readdirSync(folder).filter((name) => name.endsWith(".mdb"))) {
-    const reader = new MDBReader(readFileSync(`${folder}/${file}`));
+    const reader = new MDBReader(withoutDeletedFlags(readFileSync(`${folder}/${file}`)));
     for (const name of reader.getTableNames()) {
         const table = reader.getTable(name);
         const rows = table.getData();

@@ -194,6 +194,11 @@ void Table::fillAutonumbers(Fields& fields) {
 RowId Table::insert(const std::vector<Assignment>& values) {
     requireKnownColumns(values);
     Fields fields(definition_.columns.size());
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        if (definition_.columns[i].isBoolean()) {
+            fields[i].emplace(1, '\0'); // never null: what is not said is false, for the index too
+        }
+    }
     assign(fields, values, {});
     fillAutonumbers(fields);
     const std::string bytes = encodeRow(store_.layout(), definition_, fields, fixedArea());

@@ -1,5 +1,7 @@
 #include "app/Program.h"
 
+#include "util/controls/Theme.h"
+
 #include <QApplication>
 #include <QTimer>
 
@@ -39,7 +41,8 @@ Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale
                 charts_.graphs(), progress_, sleep_, clock_, pump_,
                 [this, &files] { LoadSettings(settings_, file_, files, paths_, locale_); },
                 [this, &files] { SaveSettings(settings_, file_, files, paths_, locale_); }})
-    , window_({monitor_, charts_, files, paths_, boxes_, dialogs_, shell_, nullptr, &places_}) {
+    , window_({monitor_, charts_, files, paths_, boxes_, dialogs_, shell_, nullptr, &places_,
+               [this] { followDesktop(*qApp, darkWanted_); }}) {
     monitor_.setWindow(window_);
     progress_.setOwner(ProgressOwner::MainWindow, &window_);
     ticker_.setTick([this] { monitor_.tmrUpdate_Timer(); });
@@ -50,6 +53,12 @@ Program::~Program() {
 }
 
 void Program::start() {
+    appearance_ = std::make_unique<AppearancePortal>([this](std::optional<bool> dark) {
+        if (darkWanted_ != dark) {
+            darkWanted_ = dark;
+            followDesktop(*qApp, darkWanted_);
+        }
+    });
     QTimer::singleShot(0, &window_, [this] {
         if (!monitor_.Form_Load()) {
             QApplication::quit();

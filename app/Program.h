@@ -13,6 +13,7 @@
 #include "monitor/Settings.h"
 #include "monitor/cFile.h"
 #include "monitor/frmMain.h"
+#include "platform/qt/AppearancePortal.h"
 #include "platform/qt/QtClock.h"
 #include "platform/qt/QtEventPump.h"
 #include "platform/qt/QtFileDialogs.h"
@@ -24,6 +25,9 @@
 #include "platform/qt/QtTicker.h"
 #include "platform/qt/QtUsbBridge.h"
 #include "util/controls/WindowPlaces.h"
+
+#include <memory>
+#include <optional>
 
 namespace drx9 {
 
@@ -80,6 +84,8 @@ private:
     frmStatus progress_;
     Monitor monitor_;
     frmMain window_;
+    std::optional<bool> darkWanted_; ///< what the desktop said
+    std::unique_ptr<AppearancePortal> appearance_;
 };
 
 } // namespace drx9

@@ -1,6 +1,7 @@
 #include "monitor/frmMain.h"
 
 #include "monitor/frmDataLog.h"
+#include "util/controls/AppIcon.h"
 #include "util/controls/Theme.h"
 #include "util/controls/WindowPlaces.h"
 
@@ -26,6 +27,7 @@ frmMain::frmMain(const MainWindowParts& parts)
     , readouts_(parts.monitor.parts().readouts) {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("DRX9 Comm"));
+    QApplication::setWindowIcon(appIcon());
     setMinimumSize(kLeastSize);
     buildControls();
     buildMenus();
@@ -116,8 +118,8 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 }
 
 bool frmMain::event(QEvent* event) {
-    if (event->type() == QEvent::ThemeChange) {
-        followDesktop(*qApp);
+    if (event->type() == QEvent::ThemeChange && parts_.desktopChanged) {
+        parts_.desktopChanged();
     }
     if (event->type() == QEvent::ApplicationPaletteChange) {
         applyTheme();

@@ -34,7 +34,8 @@ class SensorLabel;
 class StartStopButton;
 class WindowPlaces;
 
-/// What the main window works with beside the monitor's own parts. `help` and `places` may be null.
+/// What the main window works with beside the monitor's own parts. `help` and `places` may be null,
+/// `desktopChanged` empty.
 struct MainWindowParts {
     Monitor& monitor;
     ChartSet& charts; ///< the window takes the charts into its layout and owns them from then on
@@ -45,6 +46,7 @@ struct MainWindowParts {
     Shell& shell;
     HelpViewer* help;
     WindowPlaces* places = nullptr;
+    std::function<void()> desktopChanged = {}; ///< the desktop's colours are others now
 };
 
 /// The main window: shows what the monitor holds, passes clicks on, opens the other windows. Talks to no
@@ -112,6 +114,7 @@ private:
 
     void showTitleAndFilms();
     void showRunControls();
+    [[nodiscard]] bool hasSpareFocus() const; ///< nobody has chosen where it is
     void showMenus();
     void showReadouts();
     void showLooks(const StatusFacts& facts);
@@ -123,7 +126,12 @@ private:
 
     void beat();
     void showStatus(const StatusFacts& facts);
-    void showField(MarkLabel* field, const StatusText& text);
+    struct StatusField {
+        MarkLabel* label;
+        StatusText text;
+    };
+    [[nodiscard]] bool fitInStatusBar(const std::array<StatusField, 6>& fields, bool briefLog) const;
+    void showField(const StatusField& field, bool brief);
 
     MainWindowParts parts_;
     Monitor& monitor_;

@@ -39,6 +39,11 @@ void setTextIfDiffers(QPushButton* button, const std::string& text) {
     }
 }
 
+/// There is no such sensor: nothing that could grow old.
+bool isOff(const std::string& text) {
+    return text == "OFF";
+}
+
 void setDownIfDiffers(QPushButton* button, bool waiting, bool& wasWaiting) {
     if (waiting != wasWaiting) { // between the two the mouse alone rules
         button->setDown(waiting);
@@ -66,6 +71,7 @@ void frmMain::showTitleAndFilms() {
 
 void frmMain::showRunControls() {
     const bool onLine = monitor_.controlsVisible();
+    const bool comesOnLine = onLine && cboFilms_->isHidden();
     for (QWidget* control :
          {static_cast<QWidget*>(lblFilm_), static_cast<QWidget*>(cboFilms_), static_cast<QWidget*>(cmdZero_),
           static_cast<QWidget*>(cmdShutter_), static_cast<QWidget*>(cmdStartStop_)}) {
@@ -79,15 +85,21 @@ void frmMain::showRunControls() {
     setDownIfDiffers(cmdZero_, requests.zero, shownRequests_.zero);
     setDownIfDiffers(cmdShutter_, requests.shutter, shownRequests_.shutter);
     setDownIfDiffers(cmdStartStop_, requests.startStop, shownRequests_.startStop);
+    if (comesOnLine && hasSpareFocus()) {
+        cboFilms_->setFocus();
+    }
     if (shownMode_ != monitor_.RunMode()) {
         shownMode_ = monitor_.RunMode();
-        // The film list is locked now; not hasFocus(), which is false while another window is active.
-        // Locking the list, or hiding it at the start, hands the focus to the first readout.
-        const QWidget* focus = focusWidget();
-        if (running && (focus == nullptr || focus == cboFilms_ || focus == TxtData_[Readouts::AverageRate])) {
+        if (running && (hasSpareFocus() || focusWidget() == cboFilms_)) { // the film list is locked now
             cmdStartStop_->setFocus();
         }
     }
+}
+
+/// Not hasFocus(), which is false while another window is active. A film list that is locked or hidden hands
+/// the focus to the first readout.
+bool frmMain::hasSpareFocus() const {
+    return focusWidget() == nullptr || focusWidget() == TxtData_[Readouts::AverageRate];
 }
 
 void frmMain::showMenus() {
@@ -155,7 +167,8 @@ void frmMain::showLooks(const StatusFacts& facts) {
         const bool ofTheRun = field == Readouts::ElapsedTime || field == Readouts::TimeRemaining;
         if (ofTheRun && !running) {
             look = Readout::Look::Kept;
-        } else if (field != Readouts::FinalThickness && (stale || readouts_.failed()[field])) {
+        } else if (field != Readouts::FinalThickness && !isOff(shownTexts_[field]) &&
+                   (stale || readouts_.failed()[field])) {
             look = Readout::Look::Stale;
         }
         TxtData_[field]->setLook(look);

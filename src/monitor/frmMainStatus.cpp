@@ -10,6 +10,8 @@ namespace drx9 {
 
 namespace {
 constexpr int kLongTextsFrom = 1100; ///< width of the window
+constexpr int kStatusEdges = 24;
+constexpr int kStatusSpacing = 12;
 
 MarkLabel::Tone toneOf(StatusText::Tone tone) {
     switch (tone) {
@@ -38,24 +40,40 @@ void frmMain::showStatus(const StatusFacts& facts) {
     lblNotice_->showNotice(static_cast<int>(notice.subject), QString::fromStdString(notice.text),
                            QString::fromStdString(notice.brief));
     offLineHint_->setVisible(notice.text.empty());
-    showField(staLink_, ::drx9::staLink(facts));
-    showField(staReply_, ::drx9::staReply(facts));
-    showField(staRun_, ::drx9::staRun(facts));
-    showField(staShutter_, ::drx9::staShutter(facts));
-    showField(staMode_, ::drx9::staMode(facts));
-    showField(staLog_, ::drx9::staLog(facts));
+    const std::array<StatusField, 6> fields{{{staLink_, ::drx9::staLink(facts)},
+                                             {staReply_, ::drx9::staReply(facts)},
+                                             {staRun_, ::drx9::staRun(facts)},
+                                             {staShutter_, ::drx9::staShutter(facts)},
+                                             {staMode_, ::drx9::staMode(facts)},
+                                             {staLog_, ::drx9::staLog(facts)}}};
+    const bool briefLog = !fitInStatusBar(fields, false); // its path is the first to give way
+    const bool brief = briefLog && !fitInStatusBar(fields, true);
+    for (const StatusField& field : fields) {
+        showField(field, brief || (briefLog && field.label == staLog_));
+    }
 }
 
-void frmMain::showField(MarkLabel* field, const StatusText& text) {
-    const std::string& wanted = width() >= kLongTextsFrom ? text.text : text.brief;
-    const QString shown = QString::fromStdString(wanted);
-    if (field->isHidden() != wanted.empty()) {
-        field->setVisible(!wanted.empty());
+bool frmMain::fitInStatusBar(const std::array<StatusField, 6>& fields, bool briefLog) const {
+    int wanted = kStatusEdges;
+    for (const auto& [label, text] : fields) {
+        const std::string& shown = briefLog && label == staLog_ ? text.brief : text.text;
+        if (!shown.empty()) {
+            wanted += label->widthFor(QString::fromStdString(shown), toneOf(text.tone)) + kStatusSpacing;
+        }
     }
-    field->say(shown, toneOf(text.tone));
+    return width() >= kLongTextsFrom && wanted <= width();
+}
+
+void frmMain::showField(const StatusField& field, bool brief) {
+    const auto& [label, text] = field;
+    const std::string& wanted = brief ? text.brief : text.text;
+    if (label->isHidden() != wanted.empty()) {
+        label->setVisible(!wanted.empty());
+    }
+    label->say(QString::fromStdString(wanted), toneOf(text.tone));
     const QString full = QString::fromStdString(text.text);
-    if (field->toolTip() != full) {
-        field->setToolTip(full);
+    if (label->toolTip() != full) {
+        label->setToolTip(full);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "util/frmAbout.h"
 
+#include "util/controls/AppIcon.h"
 #include "util/controls/Theme.h"
 
 #include <QCoreApplication>
@@ -8,6 +9,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
+#include <QPainter>
 #include <QPushButton>
 #include <QSysInfo>
 #include <QTextBrowser>
@@ -17,7 +19,8 @@ namespace drx9 {
 
 namespace {
 constexpr int kWidth = 452;
-constexpr int kLicenceHeight = 96;
+constexpr int kLicenceHeight = 110;
+constexpr int kIcon = 60;
 
 /// The day this was built, as the compiler gives it ("Nov  5 2026").
 QString buildDate() {
@@ -27,11 +30,26 @@ QString buildDate() {
 }
 
 QString licences() {
-    return QStringLiteral(
-        "<p>DRX9 Comm is free software under the GNU General Public License, version 3 or later. It "
-        "comes without any warranty.</p>"
-        "<p>It uses Qt (LGPL version 3) and QCustomPlot (GPL version 3 or later).</p>");
+    return QStringLiteral("<p>Licence: GNU General Public License, version 3 or later. It comes without any "
+                          "warranty.</p>"
+                          "<p>Qt %1: LGPL version 3<br>QCustomPlot: GPL version 3 or later</p>")
+        .arg(QString::fromLatin1(qVersion()));
 }
+
+/// The mark, drawn anew at whatever scale the screen has.
+class IconLabel : public QWidget {
+public:
+    explicit IconLabel(QWidget* parent)
+        : QWidget(parent) {
+        setFixedSize(kIcon, kIcon);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        paintAppIcon(painter, rect());
+    }
+};
 
 QString systemInfo() {
     return QStringLiteral("<p>%1<br>%2, kernel %3 %4<br>Qt %5</p>")
@@ -48,7 +66,8 @@ frmAbout::frmAbout(QWidget* owner)
     name->setFont(fontOfSize(font(), 20, true));
     auto* version = new QLabel(
         QStringLiteral("Version %1, %2").arg(QCoreApplication::applicationVersion(), buildDate()), this);
-    version->setForegroundRole(kMutedRole);
+    auto* purpose = new QLabel(QStringLiteral("For one DRX-9 deposition monitor"), this);
+    purpose->setForegroundRole(kMutedRole);
     auto* text = new QTextBrowser(this);
     text->setHtml(licences());
     text->setAccessibleName(QStringLiteral("Licences"));
@@ -62,16 +81,24 @@ frmAbout::frmAbout(QWidget* owner)
     connect(info, &QPushButton::clicked, text, [text] { text->setHtml(systemInfo()); });
     connect(ok, &QPushButton::clicked, this, &QDialog::close);
 
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(4);
+    texts->addWidget(name);
+    texts->addWidget(version);
+    texts->addWidget(purpose);
+    auto* head = new QHBoxLayout;
+    head->setSpacing(16);
+    head->addWidget(new IconLabel(this), 0, Qt::AlignVCenter);
+    head->addLayout(texts, 1);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(info);
     buttons->addStretch(1);
     buttons->addWidget(ok);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(16, 16, 16, 16);
-    column->setSpacing(8);
+    column->setSpacing(12);
     column->setSizeConstraint(QLayout::SetFixedSize);
-    column->addWidget(name);
-    column->addWidget(version);
+    column->addLayout(head);
     column->addWidget(text);
     column->addLayout(buttons);
     text->setMinimumWidth(kWidth - 32);

@@ -3,12 +3,13 @@
 #if defined(_WIN32)
 #include <windows.h>
 #elif defined(DRX9_DBUS)
+#include "platform/qt/SessionBus.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QVariantMap>
 #endif
@@ -34,12 +35,6 @@ constexpr char kScreenSaverPath[] = "/org/freedesktop/ScreenSaver";
 constexpr char kPortal[] = "org.freedesktop.portal.Desktop";
 constexpr char kPortalPath[] = "/org/freedesktop/portal/desktop";
 constexpr unsigned kSuspendAndIdle = 4 | 8;
-
-/// False where asking for the session bus would start one.
-bool sessionBusStands() {
-    return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
-           QFileInfo::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + "/bus");
-}
 
 } // namespace
 

@@ -52,9 +52,14 @@ int MarkLabel::markWidth() const {
     return tone_ == Tone::Plain || text_.isEmpty() ? 0 : kMark + kGap;
 }
 
+int MarkLabel::widthFor(const QString& text, Tone tone) const {
+    const int mark = tone == Tone::Plain ? 0 : kMark + kGap;
+    const int wanted = text.isEmpty() ? 0 : mark + fontMetrics().horizontalAdvance(text) + 1;
+    return std::max(reserve_, wanted) + (separator_ ? kSeparatorRoom + 1 : 0);
+}
+
 QSize MarkLabel::sizeHint() const {
-    const int wanted = text_.isEmpty() ? 0 : markWidth() + fontMetrics().horizontalAdvance(text_) + 1;
-    return {std::max(reserve_, wanted) + (separator_ ? kSeparatorRoom + 1 : 0), fontMetrics().height()};
+    return {widthFor(text_, tone_), fontMetrics().height()};
 }
 
 QSize MarkLabel::minimumSizeHint() const {

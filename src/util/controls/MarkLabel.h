@@ -23,6 +23,8 @@ public:
     void setSeparator(bool on);
 
     [[nodiscard]] QSize sizeHint() const override;
+    /// What sizeHint() would be wide with this text.
+    [[nodiscard]] int widthFor(const QString& text, Tone tone) const;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:

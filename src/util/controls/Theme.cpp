@@ -188,13 +188,14 @@ void applyDesktopTheme(QApplication& application) {
     followDesktop(application);
 }
 
-void followDesktop(QApplication& application) {
+void followDesktop(QApplication& application, std::optional<bool> dark) {
     QApplication::setPalette(QPalette()); // back to the desktop's own, to look at it
     const QPalette desktop = application.palette();
     if (isHighContrast(desktop)) {
         return;
     }
-    const QPalette ours = (desktopWantsDark(desktop) ? Theme::dark() : Theme::light()).palette();
+    const bool wantsDark = dark.value_or(desktopWantsDark(desktop));
+    const QPalette ours = (wantsDark ? Theme::dark() : Theme::light()).palette();
     QApplication::setPalette(ours);
     QToolTip::setPalette(ours);
 }

@@ -4,6 +4,7 @@
 #include <QPalette>
 
 #include <array>
+#include <optional>
 
 class QApplication;
 class QPainter;
@@ -46,10 +47,11 @@ struct Theme {
 inline constexpr QPalette::ColorRole kMutedRole = QPalette::LinkVisited;
 
 /// Gives the application its style, font size and colours after the desktop's palette. Called once before the
-/// first window, and by followDesktop() again.
+/// first window.
 void applyDesktopTheme(QApplication& application);
-/// Takes the colours anew after the desktop's have changed.
-void followDesktop(QApplication& application);
+/// Takes the colours anew after the desktop's have changed. `dark` is what the desktop said in words; empty
+/// leaves it to its palette. A high-contrast palette is kept whatever it says.
+void followDesktop(QApplication& application, std::optional<bool> dark = {});
 
 /// Warning triangle with an exclamation mark, as wide and high as `rect`.
 void paintWarningMark(QPainter& painter, const QRectF& rect, const QColor& color);

@@ -18,6 +18,13 @@ struct Scene : MonitorFixture {
             action();
         });
     }
+    /// A beat of the timer; it sends nothing while something is under way.
+    void beat() {
+        const std::size_t sent = socket.wire.packets().size();
+        const bool busy = actions.busy();
+        tick();
+        EXPECT_TRUE(!busy || socket.wire.packets().size() == sent) << "a tick inside an operation";
+    }
     void close() {
         monitor->announceClose();
         whenIdle([this] { monitor->Form_QueryUnload(); });
@@ -52,7 +59,7 @@ const Deed kOperations[] = {
 };
 
 const Deed kEvents[] = {
-    {"tick", [](Scene& t) { t.tick(); }},
+    {"tick", [](Scene& t) { t.beat(); }},
     {"start", [](Scene& t) { t.monitor->cmdStartStop_Click(); }},
     {"zero", [](Scene& t) { t.monitor->cmdZero_Click(); }},
     {"shutter", [](Scene& t) { t.monitor->cmdShutter_Click(); }},

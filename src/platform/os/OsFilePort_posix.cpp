@@ -243,7 +243,7 @@ public:
             return failureOf(errno);
         }
         std::size_t written = 0;
-        const FileStatus status = writeAll(file.number(), bytes, written);
+        FileStatus status = writeAll(file.number(), bytes, written);
         if (!status.ok()) {
             cutTail(file.number(), written);
             return status;
@@ -316,7 +316,7 @@ public:
 
     [[nodiscard]] std::string currentFolder() const override {
         std::string buffer(PATH_MAX, '\0');
-        return ::getcwd(buffer.data(), buffer.size()) ? std::string(buffer.c_str()) : std::string();
+        return ::getcwd(buffer.data(), buffer.size()) ? buffer.substr(0, buffer.find('\0')) : std::string();
     }
 
     [[nodiscard]] std::uint64_t processId() const override { return static_cast<std::uint64_t>(::getpid()); }

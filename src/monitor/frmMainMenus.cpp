@@ -102,7 +102,8 @@ void frmMain::buildViewMenu() {
 
 void frmMain::buildHelpMenu() {
     QMenu* help = namedMenu(menuBar(), "mnuHelp", "&Help");
-    addItem(help, "mnuHelpHelp", "&Help", {Qt::Key_F1}, [this] { showHelp(); });
+    QAction* index = addItem(help, "mnuHelpHelp", "&Help", {Qt::Key_F1}, [this] { showHelp(); });
+    index->setShortcutContext(Qt::ApplicationShortcut); // in every window
     addSeparator(help, "mnuHelpSep1");
     mnuHelpAbout_ = addItem(help, "mnuHelpAbout", "&About", {}, [this] { showAbout(); });
 }

@@ -1,5 +1,6 @@
 #include "graphs/controls/ChartHeader.h"
 
+#include "graphs/controls/ChartTickers.h"
 #include "util/controls/Theme.h"
 
 #include <QMouseEvent>
@@ -9,7 +10,6 @@ namespace drx9 {
 
 namespace {
 constexpr int kLeft = 14;
-constexpr int kRight = 36;
 constexpr int kTop = 6;
 constexpr int kLine = 21;
 constexpr int kSwatch = 21;
@@ -62,7 +62,7 @@ int ChartHeader::titleWidth() const {
 }
 
 bool ChartHeader::secondLine() const {
-    return kLeft + titleWidth() + kNoteGap + legendWidth() + kRight > width();
+    return kLeft + titleWidth() + kNoteGap + legendWidth() + lastLabelRoom(fontMetrics()) > width();
 }
 
 void ChartHeader::fitHeight() {
@@ -73,7 +73,7 @@ void ChartHeader::fitHeight() {
 }
 
 QSize ChartHeader::sizeHint() const {
-    return {kLeft + titleWidth() + kRight, height()};
+    return {kLeft + titleWidth() + lastLabelRoom(fontMetrics()), height()};
 }
 
 QSize ChartHeader::minimumSizeHint() const {
@@ -82,7 +82,7 @@ QSize ChartHeader::minimumSizeHint() const {
 
 std::vector<QRect> ChartHeader::entryRects() const {
     std::vector<QRect> rects;
-    int x = width() - kRight - legendWidth();
+    int x = width() - lastLabelRoom(fontMetrics()) - legendWidth();
     const int y = kTop + (secondLine() ? kLine : 0);
     for (const Entry& entry : entries_) {
         const int w = entry.present ? kSwatch + kSwatchGap + fontMetrics().horizontalAdvance(entry.label) : 0;

@@ -11,7 +11,6 @@ namespace drx9 {
 
 namespace {
 constexpr int kTopMargin = 12;
-constexpr int kRightMargin = 36; ///< keeps the last time label whole
 constexpr int kBottomMargin = 50;
 constexpr int kLeftMargin = 56;
 constexpr int kTitleOffset = 27;
@@ -45,7 +44,6 @@ void ChartPlot::setUpAxes(double ySpacing) {
     plotLayout()->setMargins(QMargins());
     QCPAxisRect* rect = axisRect();
     rect->setAutoMargins(QCP::msLeft);
-    rect->setMargins(QMargins(kLeftMargin, kTopMargin, kRightMargin, kBottomMargin));
     rect->setMinimumMargins(QMargins(kLeftMargin, 0, 0, 0));
     xAxis->setTicker(QSharedPointer<ElapsedTicker>::create(60.0));
     yAxis->setTicker(QSharedPointer<SpacingTicker>::create(ySpacing));
@@ -59,6 +57,7 @@ void ChartPlot::setUpAxes(double ySpacing) {
 }
 
 void ChartPlot::applyTheme(const Theme& theme) {
+    axisRect()->setMargins(QMargins(kLeftMargin, kTopMargin, lastLabelRoom(fontMetrics()), kBottomMargin));
     textColor_ = theme.text;
     lineColor_ = theme.line;
     mutedColor_ = theme.muted;
@@ -224,7 +223,7 @@ void ChartPlot::paintEvent(QPaintEvent* event) {
     }
     painter.setAntialiasing(false);
     if (dirty.bottom() > axisRect()->bottom()) {
-        const QRect title(0, axisRect()->bottom() + kTitleOffset, width() - kRightMargin,
+        const QRect title(0, axisRect()->bottom() + kTitleOffset, axisRect()->right() + 1,
                           kBottomMargin - kTitleOffset);
         painter.setFont(font());
         painter.setPen(mutedColor_);

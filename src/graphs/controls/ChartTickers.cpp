@@ -48,6 +48,10 @@ QString ElapsedTicker::getTickLabel(double tick, const QLocale&, QChar, int) {
     return elapsedLabel(tick);
 }
 
+int lastLabelRoom(const QFontMetrics& metrics) {
+    return std::max(36, metrics.horizontalAdvance(elapsedLabel(0)) / 2 + 6);
+}
+
 QString elapsedLabel(double seconds) {
     const qint64 whole = static_cast<qint64>(std::floor(std::fabs(seconds) + 1e-6));
     const QString sign = seconds < 0 && whole > 0 ? QStringLiteral("-") : QString();

@@ -32,6 +32,9 @@ protected:
     QString getTickLabel(double tick, const QLocale& locale, QChar formatChar, int precision) override;
 };
 
+/// Room right of the axes in which the last time label stays whole.
+int lastLabelRoom(const QFontMetrics& metrics);
+
 /// "00:05:52"; hours go beyond 24.
 QString elapsedLabel(double seconds);
 

@@ -215,10 +215,7 @@ bool Filter::holds(const Term& term, const Record& record) const {
         const auto stored = record.stored(term.position);
         return term.encodable && sameText(text_, *stored, term.stored);
     }
-    const Value value = record.value(term.position);
-    const auto a = asNumber(value);
-    const auto b = asNumber(term.value);
-    return a && b ? *a == *b : value == term.value;
+    return sameValue(record.value(term.position), term.value);
 }
 
 } // namespace drx9::jet

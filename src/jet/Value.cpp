@@ -145,6 +145,18 @@ std::string encodeNumeric(const Column& column, const Value& value) {
                         column.precision, column.scale);
 }
 
+/// The digits without the zeros that do not count: "-01.50" as "-1.5", "-0.0" as "".
+std::string withoutPadding(std::string_view digits) {
+    const bool negative = digits.substr(0, 1) == "-";
+    std::string text(digits.substr(negative ? 1 : 0));
+    if (text.find('.') != std::string::npos) {
+        text.erase(text.find_last_not_of('0') + 1);
+        text.erase(text.find_last_not_of('.') + 1);
+    }
+    text.erase(0, text.find_first_not_of('0'));
+    return negative && !text.empty() ? "-" + text : text;
+}
+
 } // namespace
 
 Value decodeValue(const TextCodec& text, const Column& column, std::string_view stored) {
@@ -253,6 +265,20 @@ std::optional<double> asNumber(const Value& value) {
         return number;
     }
     return std::nullopt;
+}
+
+bool sameValue(const Value& a, const Value& b) {
+    const auto* left = std::get_if<Numeric>(&a);
+    const auto* right = std::get_if<Numeric>(&b);
+    if (left != nullptr && right != nullptr) {
+        return withoutPadding(left->digits) == withoutPadding(right->digits);
+    }
+    if (a.index() == b.index()) {
+        return a == b;
+    }
+    const auto numberA = asNumber(a);
+    const auto numberB = asNumber(b);
+    return numberA && numberB && *numberA == *numberB;
 }
 
 /// The magnitude is four dwords, the most significant first, each little-endian.

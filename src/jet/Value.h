@@ -59,6 +59,10 @@ std::string encodeValue(const TextCodec& text, const Column& column, const Value
 /// The value as a number, for comparison; nothing for texts, bytes and null. Booleans are -1 and 0.
 std::optional<double> asNumber(const Value& value);
 
+/// Whether two values that are not null are equal: exactly where both are of one type or both whole, else as
+/// numbers.
+bool sameValue(const Value& a, const Value& b);
+
 /// A numeric column's 17 stored bytes as digits, and back; `scale` = digits behind the point.
 std::string numericDigits(std::string_view stored, unsigned scale);
 std::string numericBytes(std::string_view digits, unsigned precision, unsigned scale);

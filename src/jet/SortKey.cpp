@@ -9,7 +9,8 @@ namespace drx9::jet {
 
 namespace {
 
-constexpr std::size_t kKeyedCharacters = 255; ///< the rest of a text does not count
+constexpr std::size_t kKeyedCharacters = 255; ///< the rest of a text does not count in an index
+constexpr std::size_t kAllCharacters = std::string_view::npos;
 
 // ---- Weights of one character ----
 
@@ -192,9 +193,9 @@ constexpr std::string_view kJet3Accentable = "\x60\x62\x66\x6A\x70\x72\x76\x78\x
 constexpr unsigned kPlainAccent = 2;
 
 /// Jet 4: weights, 01, accents up to the last accented weight, 01 01 01 and the hidden characters, 00.
-std::string jet4Key(const TextCodec& codec, std::string_view stored) {
+std::string jet4Key(const TextCodec& codec, std::string_view stored, std::size_t most) {
     auto text = codec.decode16(stored);
-    text.resize(std::min(text.size(), kKeyedCharacters));
+    text.resize(std::min(text.size(), most));
     while (!text.empty() && text.back() == ' ') {
         text.pop_back();
     }
@@ -209,7 +210,7 @@ std::string jet4Key(const TextCodec& codec, std::string_view stored) {
             noWeight(codec, stored, c);
         }
         if (weight.hidden != 0) {
-            appendBigEndian(hidden, 2, 0x8007 + 4 * count);
+            appendBigEndian(hidden, most > kKeyedCharacters ? 8 : 2, 0x8007 + 4 * count);
             append(hidden, 1, 0x06);
             append(hidden, 1, weight.hidden);
         }
@@ -227,8 +228,8 @@ std::string jet4Key(const TextCodec& codec, std::string_view stored) {
 }
 
 /// Jet 3: weights, then 00, or half-bytes: 0, the accents up to the last one, 0, filled to a whole byte.
-std::string jet3Key(const TextCodec& codec, std::string_view stored) {
-    std::string_view text = stored.substr(0, kKeyedCharacters);
+std::string jet3Key(const TextCodec& codec, std::string_view stored, std::size_t most) {
+    std::string_view text = stored.substr(0, most);
     text = text.substr(0, text.find_last_not_of(' ') + 1);
     std::string key;
     std::string accents(1, '\0');
@@ -271,9 +272,15 @@ std::string withoutCase(std::string text) {
     return text;
 }
 
+/// The key of the first `most` characters.
+std::string keyOf(const TextCodec& codec, std::string_view stored, std::size_t most) {
+    return codec.generation() == Generation::Jet4 ? jet4Key(codec, stored, most)
+                                                  : jet3Key(codec, stored, most);
+}
+
 std::optional<std::string> keyIfKnown(const TextCodec& codec, std::string_view stored) {
     try {
-        return textSortKey(codec, stored, false);
+        return keyOf(codec, stored, kAllCharacters);
     } catch (const JetError&) {
         return std::nullopt;
     }
@@ -282,11 +289,10 @@ std::optional<std::string> keyIfKnown(const TextCodec& codec, std::string_view s
 } // namespace
 
 std::string textSortKey(const TextCodec& codec, std::string_view stored, bool descending) {
-    const bool jet4 = codec.generation() == Generation::Jet4;
-    std::string key = jet4 ? jet4Key(codec, stored) : jet3Key(codec, stored);
+    std::string key = keyOf(codec, stored, kKeyedCharacters);
     if (descending) {
         invert(key);
-        key += jet4 ? std::string(1, '\0') : std::string();
+        key += codec.generation() == Generation::Jet4 ? std::string(1, '\0') : std::string();
     }
     return key;
 }

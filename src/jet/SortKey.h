@@ -11,11 +11,11 @@ namespace drx9::jet {
 /// the engine (so without case and trailing blanks), and comparing the keys' bytes orders the texts.
 /// `descending` gives the form that a descending index stores.
 ///
-/// Throws JetError(NoSortKey) for a character whose weight is not known.
+/// Only the first 255 characters count. Throws JetError(NoSortKey) for a character whose weight is not known.
 std::string textSortKey(const TextCodec& codec, std::string_view stored, bool descending);
 
 /// `a` = `b` as a query compares: by sort key where both have one, else without case of plain letters and
-/// trailing blanks.
+/// trailing blanks. Texts are compared to their ends, which no index key reaches.
 bool sameText(const TextCodec& codec, std::string_view a, std::string_view b);
 
 } // namespace drx9::jet

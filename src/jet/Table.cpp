@@ -205,9 +205,9 @@ RowId Table::insert(const std::vector<Assignment>& values) {
     const Record record(store_, definition_, std::move(fields));
     std::vector<KeyChange> none;
     const auto keys = keysToAdd(record, nullptr, none);
-    checkRelations(nullptr, &record);
     const RowId id = space().add(bytes, SlotKind::Row);
     addKeys(id, keys);
+    checkRelations(nullptr, &record);
     patchHead(store_.layout().rowCountAt, rowCount() + 1);
     return id;
 }
@@ -226,7 +226,6 @@ void Table::update(RowId id, const std::vector<Assignment>& values) {
     const std::string bytes = encodeRow(store_.layout(), definition_, fields, oldFixedArea);
     const Record changed(store_, definition_, std::move(fields));
     const auto keys = keysToAdd(changed, &old, oldKeys);
-    checkRelations(&old, &changed);
     if (!setRow(store_, at, bytes, at == id ? SlotKind::Row : SlotKind::Body)) {
         moveBody(id, at, bytes);
     } else if (bytes.size() < oldSize) {
@@ -234,12 +233,13 @@ void Table::update(RowId id, const std::vector<Assignment>& values) {
     }
     removeKeys(id, oldKeys);
     addKeys(id, keys);
+    checkRelations(&old, &changed);
 }
 
 void Table::erase(RowId id) {
     const Record old = read(id);
-    checkRelations(&old, nullptr);
     removeKeys(id, keysOf(old));
+    checkRelations(&old, nullptr);
     for (std::size_t i = 0; i < old.fields().size(); ++i) {
         if (definition_.columns[i].isLong() && old.fields()[i]) {
             freeLongValue(store_, definition_.longValueMaps(definition_.columns[i].number), *old.fields()[i]);
@@ -315,6 +315,7 @@ bool Table::sameKeyColumns(const RealIndex& index, const Record& a, const Record
     });
 }
 
+/// Asked when the indexes have changed already, so that a row may refer to itself.
 void Table::checkRelations(const Record* old, const Record* changed) const {
     for (const auto& index : definition_.logicalIndexes) {
         if (index.relation == Relation::None) {

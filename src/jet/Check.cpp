@@ -29,6 +29,9 @@ public:
         , claims_(store.pageCount()) {}
 
     CheckResult run() {
+        if (store_.cutShort()) {
+            fault("", "the file is cut short: its last page is not whole");
+        }
         guarded("", [this] { checkGlobalMap(); });
         guarded("", [this] {
             for (const auto& entry : Catalog(store_).tables()) {

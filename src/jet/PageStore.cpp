@@ -133,6 +133,7 @@ void PageStore::adoptHeader() {
     if (image_.size() < 3 * layout_->pageSize) {
         cannotOpen("it is cut short");
     }
+    cutShort_ = image_.size() % layout_->pageSize != 0;
     image_.resize(image_.size() / layout_->pageSize * layout_->pageSize);
     std::string plain = image_.substr(0, layout_->pageSize);
     mask(std::span(plain).subspan(kMaskedAt, layout_->maskedSize));
@@ -277,6 +278,9 @@ void PageStore::save() {
 }
 
 std::string PageStore::readOnlyReason() const {
+    if (cutShort_) {
+        return "the file is cut short";
+    }
     if (files_->exists(path_) && !files_->writable(path_)) {
         return "the file is read-only";
     }

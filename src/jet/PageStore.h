@@ -67,6 +67,8 @@ public:
 
     /// Why the file cannot be written, for people; empty when it can. A lock file of another program counts.
     [[nodiscard]] std::string readOnlyReason() const;
+    /// True when the file ended in mid-page: what is left of that page is not read, and nothing is written.
+    [[nodiscard]] bool cutShort() const { return cutShort_; }
     /// True when the file on the disk is no longer the one this store was read from.
     [[nodiscard]] bool changedOnDisk() const;
     /// True when `path` leads to this store's file.
@@ -88,6 +90,7 @@ private:
     const Layout* layout_ = &kJet4;
     TextCodec text_;
     std::string image_;
+    bool cutShort_ = false;
     std::optional<FileIdentity>
         identity_; ///< of the file as it was read or last written; nothing for a new one
     std::vector<Undo> undo_;

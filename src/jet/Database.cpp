@@ -164,8 +164,9 @@ std::shared_ptr<SharedFile> DBEngine::openFile(const std::string& path) {
     std::erase_if(open_, [](const std::weak_ptr<SharedFile>& file) { return file.expired(); });
     for (const auto& known : open_) {
         auto file = known.lock();
-        const PageStore& store = file->store();
+        PageStore& store = file->store();
         if (store.isFile(path) && (store.depth() > 0 || !store.changedOnDisk())) {
+            store.addName(path);
             return file;
         }
     }

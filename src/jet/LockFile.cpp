@@ -1,5 +1,8 @@
 #include "jet/LockFile.h"
 
+#include "jet/TextCodec.h"
+#include "util/Paths.h"
+
 namespace drx9::jet {
 
 namespace {
@@ -30,9 +33,14 @@ std::string lockFileOf(FilePort& files, const std::string& path) {
     const auto dot = path.rfind('.');
     const bool hasExtension = dot != std::string::npos && (slash == std::string::npos || dot > slash);
     const std::string stem = hasExtension ? path.substr(0, dot) : path;
-    for (const char* extension : {".ldb", ".LDB"}) {
-        if (files.exists(stem + extension)) {
-            return stem + extension;
+    if (files.exists(stem + ".ldb")) {
+        return stem + ".ldb"; // also where the folder cannot be listed
+    }
+    const std::string folder = folderOf(path);
+    const std::string bare = bareName(stem);
+    for (const auto& name : files.list(folder)) {
+        if (name.substr(0, bare.size()) == bare && sameName(name.substr(bare.size()), ".ldb")) {
+            return joinPath(folder, name);
         }
     }
     return {};

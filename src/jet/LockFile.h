@@ -8,7 +8,8 @@
 
 namespace drx9::jet {
 
-/// Who has a database open, out of the lock file that Access keeps beside it: NAME.ldb, 64 bytes a user.
+/// Who has a database open, out of the lock file that Access keeps beside it: NAME.ldb in any case,
+/// 64 bytes a user.
 struct LockHolder {
     std::string computer;
     std::string user;

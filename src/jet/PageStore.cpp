@@ -94,7 +94,8 @@ bool hasPassword(const Layout& layout, const Bytes& header) {
 
 PageStore::PageStore(FilePort& files, std::string path)
     : files_(&files)
-    , path_(files.resolveLinks(path)) {}
+    , path_(files.resolveLinks(path))
+    , names_{path, path_} {}
 
 PageStore PageStore::open(FilePort& files, const std::string& path) {
     PageStore store(files, path);
@@ -289,7 +290,11 @@ std::string PageStore::readOnlyReason() const {
         !files_->folderWritable(path_.substr(0, std::max<std::size_t>(slash, 1)))) {
         return "its folder is read-only";
     }
-    return lockReason(*files_, path_);
+    std::string reason;
+    for (auto name = names_.begin(); name != names_.end() && reason.empty(); ++name) {
+        reason = lockReason(*files_, *name);
+    }
+    return reason;
 }
 
 bool PageStore::isFile(const std::string& path) const {

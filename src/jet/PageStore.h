@@ -7,6 +7,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -65,10 +66,13 @@ public:
     /// Counts up with every change of a page's bytes.
     [[nodiscard]] std::uint64_t changes() const { return changes_; }
 
-    /// Why the file cannot be written, for people; empty when it can. A lock file of another program counts.
+    /// Why the file cannot be written, for people; empty when it can. A lock file of another program counts,
+    /// beside any of the names that were used for the file.
     [[nodiscard]] std::string readOnlyReason() const;
     /// True when the file ended in mid-page: what is left of that page is not read, and nothing is written.
     [[nodiscard]] bool cutShort() const { return cutShort_; }
+    /// Says under which other name (a link's) the file has been opened too.
+    void addName(const std::string& path) { names_.insert(path); }
     /// True when the file on the disk is no longer the one this store was read from.
     [[nodiscard]] bool changedOnDisk() const;
     /// True when `path` leads to this store's file.
@@ -87,6 +91,7 @@ private:
 
     FilePort* files_;
     std::string path_;
+    std::set<std::string> names_; ///< as given by those who opened the file
     const Layout* layout_ = &kJet4;
     TextCodec text_;
     std::string image_;

@@ -2,6 +2,8 @@
 
 #include "jet/NewDatabase.h"
 
+#include <algorithm>
+
 namespace drx9::jet {
 
 Table& SharedFile::table(const std::string& name) {
@@ -19,6 +21,38 @@ Table& SharedFile::table(const std::string& name) {
         parsed = std::make_unique<Table>(store_, entry->second.page);
     }
     return *parsed;
+}
+
+void SharedFile::begin(const Database& owner) {
+    transactions_.push_back(&owner);
+    store_.begin();
+}
+
+void SharedFile::endInnermost(const Database& owner, const char* call) {
+    if (std::find(transactions_.begin(), transactions_.end(), &owner) == transactions_.end()) {
+        rejected(std::string(call) + " without BeginTrans");
+    }
+    if (transactions_.back() != &owner) {
+        rejected(std::string(call) + " while a transaction is open inside that another database began");
+    }
+    transactions_.pop_back();
+}
+
+void SharedFile::commit(const Database& owner) {
+    endInnermost(owner, "CommitTrans");
+    store_.release();
+}
+
+void SharedFile::rollback(const Database& owner) {
+    endInnermost(owner, "Rollback");
+    store_.rollback();
+}
+
+void SharedFile::abandon(const Database& owner) {
+    while (std::find(transactions_.begin(), transactions_.end(), &owner) != transactions_.end()) {
+        transactions_.pop_back();
+        store_.rollback();
+    }
 }
 
 // ---- TableDef ----
@@ -72,8 +106,8 @@ Database::~Database() {
 }
 
 void Database::Close() {
-    for (; transactions_ > 0; --transactions_) {
-        file_->store().rollback();
+    if (file_) {
+        file_->abandon(*this);
     }
     file_.reset();
 }
@@ -133,28 +167,15 @@ void Database::CreateTable(const TableSpec& spec, DateTime created) {
 }
 
 void Database::BeginTrans() {
-    file()->store().begin();
-    ++transactions_;
+    file()->begin(*this);
 }
 
 void Database::CommitTrans() {
-    file()->guarded([this] {
-        if (transactions_ == 0) {
-            rejected("CommitTrans without BeginTrans");
-        }
-        --transactions_;
-        file_->store().release();
-    });
+    file()->guarded([this] { file_->commit(*this); });
 }
 
 void Database::Rollback() {
-    file()->guarded([this] {
-        if (transactions_ == 0) {
-            rejected("Rollback without BeginTrans");
-        }
-        --transactions_;
-        file_->store().rollback();
-    });
+    file()->guarded([this] { file_->rollback(*this); });
 }
 
 // ---- DBEngine ----

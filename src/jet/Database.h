@@ -52,7 +52,7 @@ private:
 /// An open database. Everything that fails throws JetError, whose message begins with the file's name. Each
 /// Update, Delete, Execute and Append is one atomic commit, unless it stands between BeginTrans and
 /// CommitTrans: then these commit together. All databases that one DBEngine opened on a file share its pages
-/// and its transaction.
+/// and its transactions: these nest, and each is ended by the database that began it, the innermost first.
 class Database {
 public:
     explicit Database(std::shared_ptr<SharedFile> file)
@@ -89,7 +89,6 @@ private:
     [[nodiscard]] const std::shared_ptr<SharedFile>& file() const;
 
     std::shared_ptr<SharedFile> file_;
-    std::size_t transactions_ = 0;
 };
 
 /// Opens and makes databases; one for the whole program, so that all opens of one path share one store.

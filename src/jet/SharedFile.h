@@ -5,8 +5,11 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace drx9::jet {
+
+class Database;
 
 /// One file's pages and parsed tables, shared by all who have it open in this process. Names the file in
 /// every failure.
@@ -54,11 +57,22 @@ public:
         });
     }
 
+    /// Transactions nest over all who share the file; only the owner of the innermost one may end it;
+    /// another gets JetError(Rejected).
+    void begin(const Database& owner);
+    void commit(const Database& owner);
+    void rollback(const Database& owner);
+    /// Takes back all that the owner began, with what others began inside.
+    void abandon(const Database& owner);
+
 private:
+    void endInnermost(const Database& owner, const char* call);
+
     PageStore store_;
     std::map<PageNo, std::unique_ptr<Table>> tables_;
     std::map<std::string, CatalogEntry> entries_;
     std::uint64_t version_ = 0;
+    std::vector<const Database*> transactions_; ///< owners, the innermost last
 };
 
 } // namespace drx9::jet

@@ -2,10 +2,12 @@
 #include "TextForm.h"
 #include "jet/Check.h"
 #include "platform/os/OsFilePort.h"
+#include "util/Paths.h"
 
 #include <cstdio>
 #include <ctime>
 #include <iostream>
+#include <stdexcept>
 
 namespace {
 
@@ -127,7 +129,14 @@ int makeLibrary(DBEngine& engine, const std::string& path, Generation generation
 
 std::string absolute(const FilePort& files, const std::string& path) {
     const bool rooted = path.front() == '/' || path.front() == '\\' || (path.size() > 1 && path[1] == ':');
-    return rooted ? path : files.currentFolder() + "/" + path;
+    if (rooted) {
+        return path;
+    }
+    const std::string folder = files.currentFolder();
+    if (folder.empty()) {
+        throw std::runtime_error(path + ": the current folder does not exist");
+    }
+    return joinPath(folder, path);
 }
 
 int run(const std::vector<std::string>& arguments) {
@@ -165,5 +174,7 @@ int main(int argc, char** argv) {
         // What was asked for does not exist: the file is good.
         const bool request = error.fault() == Fault::Rejected || error.fault() == Fault::NoSortKey;
         return fail(request ? kFailed : kCannotOpen, error.what());
+    } catch (const std::exception& error) {
+        return fail(kCannotOpen, error.what());
     }
 }

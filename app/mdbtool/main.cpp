@@ -4,10 +4,11 @@
 #include "platform/os/OsFilePort.h"
 #include "util/Paths.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <ctime>
-#include <iostream>
-#include <stdexcept>
+#include <sstream>
+#include <system_error>
 
 namespace {
 
@@ -17,7 +18,7 @@ using namespace drx9::jet;
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
 constexpr int kCannotOpen = 2;
-constexpr std::size_t kOutputBlock = 1 << 16;
+constexpr std::size_t kBlock = 1 << 16;
 
 constexpr const char* kUsage = "usage: mdbtool tables FILE\n"
                                "       mdbtool dump FILE TABLE\n"
@@ -25,8 +26,27 @@ constexpr const char* kUsage = "usage: mdbtool tables FILE\n"
                                "       mdbtool new FILE [--jet3]\n"
                                "       mdbtool apply FILE    (operations on standard input)\n";
 
+[[noreturn]] void failed(const char* what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
 void print(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
+        failed("the output cannot be written");
+    }
+}
+
+/// Standard input to its end. Whole before anything is done: an input that breaks off is no shorter script.
+std::string readInput() {
+    std::string text;
+    char block[kBlock];
+    while (const std::size_t count = std::fread(block, 1, sizeof block, stdin)) {
+        text.append(block, count);
+    }
+    if (std::ferror(stdin) != 0) {
+        failed("the operations cannot be read");
+    }
+    return text;
 }
 
 int fail(int code, const std::string& message) {
@@ -68,7 +88,7 @@ int dumpTable(Database& database, const std::string& name) {
                 mdbtool::appendValue(out, valueOf(table.store(), table.definition(), row, i, budget));
             }
             out += '\n';
-            if (out.size() > kOutputBlock) {
+            if (out.size() > kBlock) {
                 print(out);
                 out.clear();
             }
@@ -100,7 +120,8 @@ int apply(Database& database) {
     if (const auto reason = database.ReadOnlyReason(); !reason.empty()) {
         return fail(kCannotOpen, database.Name() + ": " + reason);
     }
-    const std::string failure = mdbtool::applyScript(database, std::cin);
+    std::istringstream script(readInput());
+    const std::string failure = mdbtool::applyScript(database, script);
     return failure.empty() ? kDone : fail(kFailed, failure);
 }
 
@@ -169,7 +190,11 @@ int run(const std::vector<std::string>& arguments) {
 
 int main(int argc, char** argv) {
     try {
-        return run({argv + 1, argv + argc});
+        const int code = run({argv + 1, argv + argc});
+        if (std::fflush(stdout) != 0) {
+            failed("the output cannot be written");
+        }
+        return code;
     } catch (const JetError& error) {
         // What was asked for does not exist: the file is good.
         const bool request = error.fault() == Fault::Rejected || error.fault() == Fault::NoSortKey;

@@ -41,7 +41,12 @@ std::vector<Assignment> parseAssignments(const Table& table, Words::const_iterat
                                          Words::const_iterator to) {
     std::vector<Assignment> values;
     for (; from != to; ++from) {
-        values.push_back(parseAssignment(table, *from));
+        Assignment value = parseAssignment(table, *from);
+        if (std::any_of(values.begin(), values.end(),
+                        [&](const Assignment& each) { return each.first == value.first; })) {
+            rejected("the column \"" + table.definition().columns[value.first].name + "\" is given twice");
+        }
+        values.push_back(std::move(value));
     }
     return values;
 }
@@ -102,7 +107,9 @@ void dropIndexOf(Database& database, const Words& words) {
         words[1], [&](Table& table) { dropIndex(table.store(), table.definition().page(), words[2]); });
 }
 
-ColumnSpec parseColumn(const std::string& name, const std::string& type) {
+ColumnSpec parseColumn(const std::string& name, std::string type) {
+    std::transform(type.begin(), type.end(), type.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
     constexpr std::pair<std::string_view, ColumnType> kTypes[] = {
         {"boolean", ColumnType::Boolean},   {"byte", ColumnType::Byte},
         {"integer", ColumnType::Integer},   {"long", ColumnType::Long},
@@ -175,7 +182,7 @@ std::string applyScript(Database& database, std::istream& script) {
     try {
         database.CommitTrans();
     } catch (const JetError& error) {
-        return error.reason();
+        return error.what();
     }
     return {};
 }

@@ -16,7 +16,8 @@ namespace drx9::mdbtool {
 /// All of them are one commit. Values are escaped as the tables print them; "Col=" is an empty text, "Col" a
 /// null.
 ///
-/// Returns an empty text, or "line N: reason" with nothing changed.
+/// Returns an empty text, or "line N: reason" with nothing changed; or why the commit failed, beginning with
+/// the file's name.
 std::string applyScript(jet::Database& database, std::istream& script);
 
 } // namespace drx9::mdbtool

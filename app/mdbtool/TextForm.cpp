@@ -1,5 +1,6 @@
 #include "TextForm.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <cmath>
@@ -161,14 +162,16 @@ DateTime parseDate(const std::string& text) {
     unsigned hour = 0;
     unsigned minute = 0;
     unsigned second = 0;
-    int used = 0;
-    const int count = std::sscanf(text.c_str(), "%4d-%2u-%2u%n %2u:%2u:%2u%n", &year, &month, &day, &used,
-                                  &hour, &minute, &second, &used);
+    std::string form = text;
+    std::replace_if(
+        form.begin(), form.end(), [](char c) { return c >= '0' && c <= '9'; }, '0');
+    const int count =
+        std::sscanf(text.c_str(), "%4d-%2u-%2u %2u:%2u:%2u", &year, &month, &day, &hour, &minute, &second);
     const std::chrono::year_month_day date{std::chrono::year{year}, std::chrono::month{month},
                                            std::chrono::day{day}};
-    const bool whole = (count == 3 || count == 6) && static_cast<std::size_t>(used) == text.size();
-    if (!whole || !date.ok() || hour > 23 || minute > 59 || second > 59) {
-        notA("a date", text);
+    if (form != "0000-00-00 00:00:00" || count != 6 || !date.ok() || hour > 23 || minute > 59 ||
+        second > 59) {
+        notA("a date of the form YYYY-MM-DD HH:MM:SS", text);
     }
     const std::int64_t days = std::chrono::sys_days{date}.time_since_epoch().count() + kDaysTo1970;
     if (days < kFirstDay || days > kLastDay) {

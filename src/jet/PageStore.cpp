@@ -286,9 +286,11 @@ std::string PageStore::readOnlyReason() const {
         return "the file is read-only";
     }
     const auto slash = path_.find_last_of("/\\");
-    if (slash != std::string::npos &&
-        !files_->folderWritable(path_.substr(0, std::max<std::size_t>(slash, 1)))) {
-        return "its folder is read-only";
+    if (slash != std::string::npos) {
+        const std::string folder = path_.substr(0, std::max<std::size_t>(slash, 1));
+        if (!files_->folderWritable(folder)) {
+            return files_->exists(folder) ? "its folder is read-only" : "its folder does not exist";
+        }
     }
     std::string reason;
     for (auto name = names_.begin(); name != names_.end() && reason.empty(); ++name) {

@@ -112,6 +112,9 @@ TEST_P(Objects, ShareOneStorePerFile) {
     set->MoveFirst();
     set->Delete();
     EXPECT_EQ(other->OpenRecordset("Film")->RecordCount(), 3u);
+    other->BeginTrans();
+    EXPECT_NE(failure([&] { one->Rollback(); }).find("another database began"), std::string::npos);
+    other->CommitTrans();
     one->Rollback();
     EXPECT_EQ(other->OpenRecordset("Film")->RecordCount(), 4u);
     EXPECT_EQ(faultsOf(files), "");
@@ -156,10 +159,14 @@ TEST_P(Objects, HonourOtherPrograms) {
     std::string lock(64, '\0');
     lock.replace(0, 5, "LAB-3");
     lock.replace(32, 5, "Admin");
-    files.put("/data/test.ldb", lock);
-    EXPECT_EQ(database->ReadOnlyReason(), "in use by user Admin on computer LAB-3");
-    EXPECT_NE(change().find("in use by user Admin on computer LAB-3"), std::string::npos);
-    files.remove("/data/test.ldb");
+    files.link("/links/film.mdb", kPath);
+    const auto byLink = engine.OpenDatabase("/links/film.mdb");
+    for (const char* name : {"/data/test.ldb", "/data/test.Ldb", "/links/film.LDB"}) {
+        files.put(name, lock);
+        EXPECT_EQ(database->ReadOnlyReason(), "in use by user Admin on computer LAB-3") << name;
+        EXPECT_NE(change().find("in use by user Admin on computer LAB-3"), std::string::npos);
+        files.remove(name);
+    }
     files.put(kPath, files.text(kPath) + std::string(4096, '\0'));
     EXPECT_NE(change().find("another program changed the file"), std::string::npos);
     set->CancelUpdate();
@@ -172,6 +179,66 @@ TEST_P(Objects, HonourOtherPrograms) {
     files.find(kPath)->writeProtected = true;
     fresh->Edit();
     EXPECT_NE(failure([&] { fresh->Update(); }), "");
+}
+
+TEST_P(Objects, ReadAFileCutInMidPageAndLeaveIt) {
+    files.put(kPath, files.text(kPath) + std::string(100, 'x'));
+    const std::string before = files.text(kPath);
+    const auto set = engine.OpenDatabase(kPath)->OpenRecordset("Film");
+    EXPECT_EQ(set->RecordCount(), 5u);
+    EXPECT_NE(failure([&] { set->Delete(); }).find("cut short"), std::string::npos);
+    EXPECT_NE(faultsOf(files).find("cut short"), std::string::npos);
+    EXPECT_EQ(files.text(kPath), before);
+}
+
+/// Amounts that are one number as doubles, texts that differ behind what an index key reaches.
+TEST_P(Objects, CompareValuesToTheLastDigitAndCharacter) {
+    const auto database = engine.OpenDatabase(kPath);
+    database->CreateTable(everythingTable("E"), kCreated);
+    const auto set = database->OpenRecordset("E");
+    for (std::int64_t i = 0; i < 2; ++i) {
+        const std::string note = std::string(300, 'x') + std::to_string(i);
+        set->AddNew();
+        set->SetValue("Id", i);
+        set->SetValue("Amount", Currency{INT64_MAX - i});
+        set->SetValue("Note", note);
+        set->Update();
+        EXPECT_EQ(database->OpenRecordset("E", {{"Amount", Currency{INT64_MAX - i}}})->RecordCount(), 1u);
+        EXPECT_EQ(database->OpenRecordset("E", {{"Note", note}})->RecordCount(), 1u);
+    }
+    EXPECT_TRUE(sameValue(Numeric{"-1.50"}, Numeric{"-01.5"}));
+    EXPECT_FALSE(sameValue(Numeric{"1234567890123456789"}, Numeric{"1234567890123456788"}));
+}
+
+TEST_P(Objects, KeepARelationshipWithinATable) {
+    const auto made = engine.OpenDatabase(kPath);
+    TableSpec spec{"R", {column("A", ColumnType::Text, 20), column("Up", ColumnType::Text, 20)}, {}};
+    spec.indexes = {{.name = "P", .columns = {{"A", true}}, .primary = true},
+                    {.name = "Q", .columns = {{"Up", true}}}};
+    made->CreateTable(spec, kCreated);
+    const Definition& table = made->shared().table("R").definition();
+    const Layout& layout = layoutOf(GetParam());
+    std::string bytes = files.text(kPath);
+    for (std::size_t i = 0, at = table.page() * layout.pageSize; i < 2; ++i) { // P is referred to, Q refers
+        at = bytes.find(table.logicalIndexes[i].block, at);
+        bytes[at + layout.relationAt] = static_cast<char>(i + 1);
+        Patch(std::span(bytes)).u32(at + layout.otherIndexAt, table.logicalIndexes[1 - i].number);
+        Patch(std::span(bytes)).u32(at + layout.otherTableAt, table.page());
+    }
+    files.put(kPath, bytes);
+    const auto set = engine.OpenDatabase(kPath)->OpenRecordset("R");
+    // Which row (+: a new one), its A, its Up, and ! for what is forbidden.
+    for (const std::string step : {"+aa", "+da", "0Ad", "+ef!", "0bd!", "1dd", "0bb"}) {
+        set->AbsolutePosition(step[0] - '0');
+        step[0] == '+' ? set->AddNew() : set->Edit();
+        set->SetValue("A", step.substr(1, 1));
+        set->SetValue("Up", step.substr(2, 1));
+        const auto message = failure([&] { set->Update(); });
+        EXPECT_EQ(message.find("a relationship forbids it") != std::string::npos, step.size() == 4) << step;
+    }
+    set->MoveFirst();
+    EXPECT_EQ(failure([&] { set->Delete(); }), "");
+    EXPECT_EQ(faultsOf(files), "");
 }
 
 /// Rows that outgrow their page keep their place; freed pages are used again.

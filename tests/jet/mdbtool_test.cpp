@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 namespace drx9::jet {
 namespace {
@@ -79,23 +80,38 @@ TEST_F(Mdbtool, MakesChangesAndPrintsALibrary) {
 
 TEST_F(Mdbtool, RefusesWholeScripts) {
     ASSERT_EQ(run("new a.mdb --jet3").code, 0);
-    ASSERT_EQ(run("apply a.mdb", "insert\tMaterial\tMaterial=Gold\n").code, 0);
+    ASSERT_EQ(run("apply a.mdb", "insert\tMaterial\tMaterial=Gold\nadd-column\tFilm\tD\tDATE\n").code, 0);
     const std::string before = bytes();
-    for (const char* bad :
-         {"insert\tFilm\tFilmName=123456789012345678901", "insert\tFilm\tFilmNum=32768",
-          "insert\tFilm\tFilmNum=1x", "insert\tFilm\tFilmName=Ω", "insert\tNothing\tA=1",
-          "insert\tFilm\tNothing=1", "drop-index\tFilm\tNothing", "add-column\tFilm\tFILMNUM\tlong",
-          "add-column\tFilm\tX\ttext(256)", "add-column\tFilm\tX\tnumber", "delete\tFilm",
-          "update\tFilm\tFilmNum=1\tFilmNum=2", "insert\tFilm\tFilmName=\\x", "insert\tMSysObjects\tId=1",
-          "nothing", "insert\tFilm\tTooling=", "insert\tFilm\tTooling=1e999"}) {
-        const Outcome outcome = run("apply a.mdb", std::string("insert\tFilm\tFilmNum=7\n") + bad +
-                                                       "\ninsert\tFilm\tFilmNum=8\n");
+    std::istringstream script(
+        "insert\tFilm\tFilmName=123456789012345678901\ninsert\tFilm\tFilmNum=32768\n"
+        "insert\tFilm\tFilmNum=1x\ninsert\tFilm\tFilmName=Ω\ninsert\tNothing\tA=1\n"
+        "insert\tFilm\tNothing=1\ndrop-index\tFilm\tNothing\nnothing\ndelete\tFilm\n"
+        "add-column\tFilm\tFILMNUM\tlong\nadd-column\tFilm\tX\ttext(256)\n"
+        "add-column\tFilm\tX\tnumber\nupdate\tFilm\tFilmNum=1\tFilmNum=2\n"
+        "insert\tFilm\tFilmName=\\x\ninsert\tMSysObjects\tId=1\ninsert\tFilm\tTooling=\n"
+        "insert\tFilm\tTooling=1e999\ninsert\tFilm\tD=2004-02-09\n"
+        "insert\tFilm\tD=2004-2-9 00:00:00\ninsert\tFilm\tFilmNum=1\tFILMNUM=2\n");
+    for (std::string bad; std::getline(script, bad);) {
+        const Outcome outcome =
+            run("apply a.mdb", "insert\tFilm\tFilmNum=7\n" + bad + "\ninsert\tFilm\tFilmNum=8\n");
         EXPECT_EQ(outcome.code, 1) << bad;
         EXPECT_EQ(outcome.out.find("line 2: "), 0u) << outcome.out;
         EXPECT_EQ(bytes(), before) << bad;
     }
     EXPECT_EQ(run("dump a.mdb Nothing").code, 1);
-    EXPECT_EQ(run("dump none.mdb Film").code, 2);
+    // "#" hides the usual redirections.
+    const std::pair<const char*, const char*> cases[] = {
+        {"dump none.mdb Film", "there is no such file"},
+        {"new none/b.mdb", "its folder does not exist"},
+        {"tables a.mdb 2>&1 > /dev/full #", "the output cannot be written"},
+        {"apply a.mdb 2>&1 < . #", "cannot be read"},
+        {"check a.mdb; mkdir x; cd x; rmdir ../x; " DRX9_BIN_DIR "/mdbtool tables q.mdb", "q.mdb: the"},
+    };
+    for (const auto& [arguments, reason] : cases) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.code, 2) << arguments;
+        EXPECT_NE(outcome.out.find(reason), std::string::npos) << outcome.out;
+    }
     std::ofstream(folder_ / "a.ldb", std::ios::binary)
         << std::string("LAB-3") + std::string(27, '\0') + "Admin" + std::string(27, '\0');
     const Outcome held = run("apply a.mdb", "insert\tFilm\tFilmNum=1\n");

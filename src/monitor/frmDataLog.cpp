@@ -21,7 +21,7 @@ namespace drx9 {
 
 namespace {
 constexpr int kSpinnerWidth = 84;
-constexpr int kSpinnerRoom = 36; ///< of its arrows and edges
+constexpr int kSpinnerRoom = 34; ///< of its arrows and edges
 constexpr int kButtonWidth = 92;
 constexpr int kWidth = 372; ///< of the contents
 constexpr int kStateMs = 500;

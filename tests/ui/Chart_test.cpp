@@ -2,6 +2,9 @@
 #include "graphs/controls/ChartControl.h"
 #include "graphs/controls/ChartPlot.h"
 
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -114,6 +117,43 @@ TEST_F(Chart, ZoomingYChangesTheAxisItself) {
     EXPECT_EQ(chart.YMax(), chart.shownYMax());
     QTest::mouseDClick(plot, Qt::LeftButton);
     EXPECT_EQ(y(), QCPRange(0, 20)) << "back to the axis before the zoom";
+}
+
+TEST_F(Chart, MenuOpensFromMouseAndKeysAndWorksOnTheChart) {
+    chart.setSensorCount(4);
+    const std::function<void()> openings[] = {
+        [this] { // as the window system sends it: to the drawing, which leaves it to the chart
+            const QPoint at(300, 200);
+            QContextMenuEvent event(QContextMenuEvent::Mouse, at, plot->mapToGlobal(at));
+            QApplication::sendEvent(plot, &event);
+        },
+        [this] { QTest::keyClick(&chart, Qt::Key_F10, Qt::ShiftModifier); }};
+    for (const auto& open : openings) {
+        const bool shown = plot->seriesShown(3);
+        open();
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        const QList<QAction*> items = menu->actions();
+        const auto sensor4 = std::find_if(items.begin(), items.end(), [](const QAction* item) {
+            return item->text().startsWith(QLatin1String("Sensor 4"));
+        });
+        ASSERT_NE(sensor4, items.end());
+        EXPECT_FALSE(std::any_of(items.begin(), items.end(), [](const QAction* item) {
+            return item->text().startsWith(QLatin1String("Sensor 5"));
+        })) << "there is no such sensor";
+        EXPECT_EQ((*sensor4)->isChecked(), shown);
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(*sensor4).center());
+        EXPECT_EQ(plot->seriesShown(3), !shown);
+    }
+}
+
+TEST_F(Chart, KeysWalkTheTracerFromTheNewestPointInView) {
+    run(0, 20);
+    settle();
+    const QImage before = picture();
+    QTest::keyClick(&chart, Qt::Key_Left, Qt::ControlModifier);
+    EXPECT_NE(picture(), before);
+    EXPECT_TRUE(chart.following()) << "looking at a point is no change of view";
 }
 
 TEST_F(Chart, SeriesHideByKeyAndBySensorCount) {

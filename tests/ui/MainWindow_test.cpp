@@ -6,6 +6,7 @@
 #include "util/controls/NoticePlate.h"
 #include "util/controls/Readout.h"
 #include "util/controls/StartStopButton.h"
+#include "util/controls/Theme.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -220,6 +221,57 @@ TEST_F(MainWindow, ItemsOfLaterWindowsSaySo) {
         boxes.expectShow("Not in this build.");
         choose(name);
         EXPECT_TRUE(boxes.allCame()) << name;
+    }
+}
+
+TEST_F(MainWindow, HelpKeyWorksInEveryWindow) {
+    bringUp();
+    choose("mnuFileLog");
+    auto* dialog = window->findChild<frmDataLog*>();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
+    boxes.expectShow("Not in this build.");
+    key(Qt::Key_F1);
+    EXPECT_TRUE(boxes.allCame());
+}
+
+TEST_F(MainWindow, FocusStandsOnTheFilmsAtTheStartAndOnStopInARun) {
+    const auto focus = [this] { return window->focusWidget()->objectName().toStdString(); };
+    window->showWindow();
+    bringUp();
+    EXPECT_EQ(focus(), "cboFilms");
+    QTest::keyClick(window.get(), Qt::Key_F9, Qt::ShiftModifier);
+    tick();
+    EXPECT_EQ(focus(), "cmdStartStop");
+}
+
+TEST_F(MainWindow, PathOfTheLogGivesWayBeforeTheStatusBarIsCut) {
+    settings.log.Type = kLogAppend;
+    settings.log.File = "/" + std::string(90, 'd') + "/drx9.txt";
+    bringUp();
+    const auto shown = [this] { return find<QWidget>("staLog")->accessibleName().toStdString(); };
+    for (const auto& [width, whole] : {std::pair{1720, true}, {1280, false}}) {
+        window->resize(width, 900);
+        window->changed();
+        EXPECT_EQ(shown().find("ddd") != std::string::npos, whole) << width;
+        EXPECT_NE(shown().find("drx9.txt"), std::string::npos);
+        const QWidget* bar = find<QWidget>("staLog")->parentWidget();
+        EXPECT_LE(bar->sizeHint().width(), bar->width());
+    }
+    window->resize(940, 540);
+    window->changed();
+    EXPECT_EQ(find<QWidget>("staLink")->accessibleName().toStdString(), "Ethernet, on line");
+}
+
+TEST_F(MainWindow, DesktopsWishForDarkWindowsIsFollowed) {
+    bringUp();
+    const auto ground = [this] { return window->palette().color(QPalette::Window); };
+    for (const std::optional<bool> dark :
+         {std::optional(true), std::optional(false), std::optional<bool>()}) {
+        followDesktop(*qApp, dark);
+        QApplication::processEvents();
+        EXPECT_EQ(ground(), dark.value_or(false) ? Theme::dark().ground : Theme::light().ground);
+        EXPECT_EQ(find<Readout>("TxtData_1")->palette().color(QPalette::Text),
+                  Theme::of(window->palette()).text);
     }
 }
 

@@ -106,15 +106,16 @@ void frmMain::buildControls() {
     column->addWidget(buildBand());
     column->addWidget(new HairLine(Qt::Horizontal, centre));
     auto* body = new QHBoxLayout;
+    column->addLayout(body, 1);
     body->setSpacing(0);
     body->addWidget(buildSensors());
     body->addWidget(new HairLine(Qt::Vertical, centre));
+    // Into the window first: a stack shows its first widget, which without a parent is a window of its own.
     charts_ = new QStackedLayout;
+    body->addLayout(charts_, 1);
     for (int number = 1; number <= 4; ++number) {
         charts_->addWidget(&parts_.charts.chart(number));
     }
-    body->addLayout(charts_, 1);
-    column->addLayout(body, 1);
     column->addWidget(new HairLine(Qt::Horizontal, centre));
     column->addWidget(buildBar());
     buildStatusBar();

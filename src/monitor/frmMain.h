@@ -127,10 +127,11 @@ private:
     void beat();
     void showStatus(const StatusFacts& facts);
     struct StatusField {
-        MarkLabel* label;
+        MarkLabel* label = nullptr;
         StatusText text;
     };
-    [[nodiscard]] bool fitInStatusBar(const std::array<StatusField, 6>& fields, bool briefLog) const;
+    using StatusFields = std::array<StatusField, 6>;
+    [[nodiscard]] bool fitInStatusBar(const StatusFields& fields, bool briefLog) const;
     void showField(const StatusField& field, bool brief);
 
     MainWindowParts parts_;
@@ -179,6 +180,8 @@ private:
     std::vector<std::string> shownFilms_;
     Readouts::Texts shownTexts_;
     Readouts::Texts shownLabels_;
+    StatusFields shownStatus_;
+    int shownStatusWidth_ = 0;
     std::string shownTitle_;
     std::int16_t shownMode_ = kStarting;
     Monitor::Requests shownRequests_;

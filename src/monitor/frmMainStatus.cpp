@@ -6,6 +6,8 @@
 
 #include <QLabel>
 
+#include <algorithm>
+
 namespace drx9 {
 
 namespace {
@@ -40,12 +42,21 @@ void frmMain::showStatus(const StatusFacts& facts) {
     lblNotice_->showNotice(static_cast<int>(notice.subject), QString::fromStdString(notice.text),
                            QString::fromStdString(notice.brief));
     offLineHint_->setVisible(notice.text.empty());
-    const std::array<StatusField, 6> fields{{{staLink_, ::drx9::staLink(facts)},
-                                             {staReply_, ::drx9::staReply(facts)},
-                                             {staRun_, ::drx9::staRun(facts)},
-                                             {staShutter_, ::drx9::staShutter(facts)},
-                                             {staMode_, ::drx9::staMode(facts)},
-                                             {staLog_, ::drx9::staLog(facts)}}};
+    const StatusFields fields{{{staLink_, ::drx9::staLink(facts)},
+                               {staReply_, ::drx9::staReply(facts)},
+                               {staRun_, ::drx9::staRun(facts)},
+                               {staShutter_, ::drx9::staShutter(facts)},
+                               {staMode_, ::drx9::staMode(facts)},
+                               {staLog_, ::drx9::staLog(facts)}}};
+    const auto same = [](const StatusField& a, const StatusField& b) {
+        return a.text.text == b.text.text && a.text.brief == b.text.brief && a.text.tone == b.text.tone;
+    };
+    if (shownStatusWidth_ == width() &&
+        std::equal(fields.begin(), fields.end(), shownStatus_.begin(), same)) {
+        return; // measuring texts takes longer than all the rest of a beat
+    }
+    shownStatus_ = fields;
+    shownStatusWidth_ = width();
     const bool briefLog = !fitInStatusBar(fields, false); // its path is the first to give way
     const bool brief = briefLog && !fitInStatusBar(fields, true);
     for (const StatusField& field : fields) {
@@ -53,7 +64,7 @@ void frmMain::showStatus(const StatusFacts& facts) {
     }
 }
 
-bool frmMain::fitInStatusBar(const std::array<StatusField, 6>& fields, bool briefLog) const {
+bool frmMain::fitInStatusBar(const StatusFields& fields, bool briefLog) const {
     int wanted = kStatusEdges;
     for (const auto& [label, text] : fields) {
         const std::string& shown = briefLog && label == staLog_ ? text.brief : text.text;

@@ -150,7 +150,7 @@ std::uint32_t pointerValue(RowId id) {
 Slot slotAt(const PageStore& store, RowId id) {
     const Layout& layout = store.layout();
     const Bytes page = store.page(id.page, PageType::Data);
-    const std::size_t at = layout.slotsAt + 2u * id.row;
+    const std::size_t at = layout.slotsAt + std::size_t{2} * id.row;
     if (id.row >= page.u16(layout.slotCountAt)) {
         damaged("it refers to a row that does not exist");
     }

@@ -69,7 +69,7 @@ public:
     [[nodiscard]] std::vector<std::string> TableNames() const;
     [[nodiscard]] TableDef TableDefs(const std::string& name) const;
     /// "DROP INDEX name ON table".
-    void Execute(const std::string& query);
+    void Execute(const std::string& text);
     /// A table's name, or a SELECT.
     [[nodiscard]] std::unique_ptr<Recordset> OpenRecordset(const std::string& source) const;
     /// The rows of a table that meet all criteria.

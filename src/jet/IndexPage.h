@@ -24,6 +24,7 @@ public:
     /// Throws JetError(Damaged) for a page that is no index page; entries are checked when they are read.
     IndexPage(const PageStore& store, PageNo number);
 
+    [[nodiscard]] const IndexHead& head() const { return *this; }
     [[nodiscard]] std::size_t used() const { return used_; }
     [[nodiscard]] bool empty() const { return used_ == 0; }
     [[nodiscard]] std::size_t freeBytes() const { return room_ - used_; }

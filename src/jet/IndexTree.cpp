@@ -147,7 +147,7 @@ void IndexTree::fill(PageNo number, std::size_t height, const std::vector<std::s
         numbers.push_back(newPage());
     }
     numbers.push_back(number);
-    IndexHead head = IndexPage(store_, number);
+    IndexHead head = IndexPage(store_, number).head();
     const PageNo next = head.next;
     if (numbers.size() > 1 && head.previous != 0) {
         ownPage(head.previous);
@@ -272,7 +272,7 @@ bool IndexTree::dropLeaf(PageNo leaf, const std::string& entry) {
     if (node.before(node.used()) == 0) {
         return false;
     }
-    const IndexHead head = IndexPage(store_, leaf);
+    const IndexHead head = IndexPage(store_, leaf).head();
     const std::size_t at = node.lowerBound(entry);
     if (at < node.used()) {
         takeOut(above, 1, at);

@@ -44,7 +44,7 @@ private:
     void fill(PageNo number, std::size_t height, const std::vector<std::string>& entries, bool atEnd);
     PageNo pushRootDown(std::size_t height);
     void eraseAt(PageNo leaf, std::size_t at);
-    void takeOut(PageNo number, std::size_t height, std::size_t at);
+    void takeOut(PageNo number, std::size_t height, std::size_t place);
     void replaceSeparator(const std::string& old, const std::string& replacement);
     bool dropLeaf(PageNo leaf, const std::string& entry);
     void rebuildWithout(const std::string& entry);

@@ -92,7 +92,7 @@ bool hasPassword(const Layout& layout, const Bytes& header) {
 
 } // namespace
 
-PageStore::PageStore(FilePort& files, std::string path)
+PageStore::PageStore(FilePort& files, const std::string& path)
     : files_(&files)
     , path_(files.resolveLinks(path))
     , names_{path, path_} {}

@@ -84,7 +84,7 @@ private:
         std::map<PageNo, std::string> before;
     };
 
-    PageStore(FilePort& files, std::string path);
+    PageStore(FilePort& files, const std::string& path);
     void adoptHeader();
     void save();
     void restore(Undo& undo);

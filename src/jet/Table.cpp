@@ -343,7 +343,7 @@ void Table::addKeys(RowId id, const std::vector<KeyChange>& keys) {
     }
 }
 
-void Table::removeKeys(RowId id, const std::vector<KeyChange>& keys) {
+void Table::removeKeys(RowId id, const std::vector<KeyChange>& keys) const {
     for (const auto& change : keys) {
         tree(*change.index).erase(id, change.key);
     }

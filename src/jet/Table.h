@@ -105,7 +105,7 @@ private:
     [[nodiscard]] bool sameKeyColumns(const RealIndex& index, const Record& a, const Record& b) const;
     void checkRelations(const Record* old, const Record* changed) const;
     void addKeys(RowId id, const std::vector<KeyChange>& keys);
-    void removeKeys(RowId id, const std::vector<KeyChange>& keys);
+    void removeKeys(RowId id, const std::vector<KeyChange>& keys) const;
     [[nodiscard]] RowSpace space() const;
     void moveBody(RowId home, RowId old, const std::string& bytes);
     void patchHead(std::size_t at, std::uint32_t value);

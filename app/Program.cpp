@@ -52,6 +52,10 @@ Program::~Program() {
     transports_.closeAll();
 }
 
+void Program::reportError(const std::exception& error) noexcept {
+    errors_.HandleError({.number = 0, .line = 0, .description = error.what()});
+}
+
 void Program::start() {
     appearance_ = std::make_unique<AppearancePortal>([this](std::optional<bool> dark) {
         if (darkWanted_ != dark) {

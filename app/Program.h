@@ -26,6 +26,7 @@
 #include "platform/qt/QtUsbBridge.h"
 #include "util/controls/WindowPlaces.h"
 
+#include <exception>
 #include <memory>
 #include <optional>
 
@@ -44,6 +45,9 @@ public:
 
     /// Starts up from the event loop: posts Form_Load.
     void start();
+
+    /// What an event handler threw, for the error report.
+    void reportError(const std::exception& error) noexcept;
 
     [[nodiscard]] Monitor& monitor() { return monitor_; }
     [[nodiscard]] frmMain& window() { return window_; }

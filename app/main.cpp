@@ -9,13 +9,34 @@
 #include <QApplication>
 #include <QStandardPaths>
 
+#include <exception>
+#include <functional>
 #include <optional>
 
 using namespace drx9;
 
+namespace {
+/// A fault in one event handler ends that handler and is reported; a run of hours goes on.
+class Application : public QApplication {
+public:
+    using QApplication::QApplication;
+    std::function<void(const std::exception&)> report;
+
+    bool notify(QObject* receiver, QEvent* event) override {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const std::exception& error) {
+            if (report)
+                report(error);
+            return false;
+        }
+    }
+};
+} // namespace
+
 int main(int argc, char* argv[]) {
     std::optional<EventLoopChoice> choice(std::in_place);
-    QApplication application(argc, argv);
+    Application application(argc, argv);
     choice.reset();
     QApplication::setApplicationName("DRX9 Comm");
     QApplication::setApplicationVersion(DRX9_VERSION);
@@ -34,6 +55,7 @@ int main(int argc, char* argv[]) {
     const QString places =
         QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/windows.ini");
     Program program(*files, paths, localeFromSystem(), places);
+    application.report = [&program](const std::exception& error) { program.reportError(error); };
     program.start();
     return QApplication::exec();
 }

@@ -57,7 +57,10 @@ void DataLog::offerDeletion() {
         return;
     }
     const std::string question = "Log file size is " + std::to_string(*size) + ". Delete?";
-    if (boxes_.askYesNo(question, "DRX9 Comm", MessageIcon::Question)) {
+    asking_ = true;
+    const bool yes = boxes_.askYesNo(question, "DRX9 Comm", MessageIcon::Question);
+    asking_ = false;
+    if (yes) {
         files_.remove(path);
     }
 }

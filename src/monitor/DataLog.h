@@ -51,6 +51,8 @@ public:
     [[nodiscard]] int linesWritten() const { return written_; } ///< readings, not the block's own lines
     [[nodiscard]] int linesLost() const { return lost_; } ///< texts of any kind that could not be appended
     [[nodiscard]] const std::optional<LocalTime>& lastLineTime() const { return lastLineTime_; }
+    /// The question about a large file stands: readings wait for the answer.
+    [[nodiscard]] bool asking() const { return asking_; }
     /// Why the last append failed, for people; empty as soon as one has succeeded again.
     [[nodiscard]] const std::string& lastError() const { return lastError_; }
     /// Where the log goes at present.
@@ -76,6 +78,7 @@ private:
     float lastLogTime_ =
         0; ///< s after midnight of the last line that was due; negative once midnight has passed
     bool open_ = false;
+    bool asking_ = false;
     int run_ = 0;
     int written_ = 0;
     int lost_ = 0;

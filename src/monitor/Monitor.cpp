@@ -135,11 +135,17 @@ void Monitor::InitForm() {
     failure_.clear();
     title_ = "DRX9 Comm - [Ver. " + utf8FromAnsi(trimmed(parts_.link.Comm_VersionText())) + "]";
     changed();
-    readFilms();
-    selectFilmAfterRefresh(asked);
+    // What the exchange before was answered says nothing of these: a film read under another status than 0 is
+    // refused, and nobody would read the list again.
+    parts_.link.setCommStatus(comm::kOk);
+    const bool whole = readFilms();
+    selectFilmAfterRefresh(asked, whole);
     if (!closing_) {
         systemKnown_ = parts_.commands.Comm_GetSystem(parts_.settings.system);
         noteExchange("C?");
+        if (!systemKnown_ && failure_.empty()) {
+            failure_ = "B?: not read"; // the outcome is that of "C?"
+        }
     }
     publishExchange();
     // A record that one exchange could not read is told by systemKnown(). Whether the link lives the next
@@ -149,7 +155,7 @@ void Monitor::InitForm() {
     changed();
 }
 
-void Monitor::readFilms() {
+bool Monitor::readFilms() {
     parts_.progress.ProgressShow("Reading DRX-9 Films", ProgressOwner::MainWindow);
     const int count = std::min<int>(parts_.link.FilmCount(), 99);
     for (int i = 1; i <= count && !closing_; ++i) {
@@ -164,9 +170,10 @@ void Monitor::readFilms() {
         changed();
     }
     parts_.progress.ProgressHide();
+    return static_cast<int>(filmNames_.size()) == count;
 }
 
-void Monitor::selectFilmAfterRefresh(int asked) {
+void Monitor::selectFilmAfterRefresh(int asked, bool whole) {
     const int listed = static_cast<int>(filmNames_.size());
     if (filmIndex_ >= 0) {
         return; // chosen while the list was being read
@@ -175,7 +182,7 @@ void Monitor::selectFilmAfterRefresh(int asked) {
         filmIndex_ = asked;
     } else if (currentFilm_ >= 1 && currentFilm_ <= listed) {
         filmIndex_ = currentFilm_ - 1;
-    } else if (listed > 0) {
+    } else if (listed > 0 && (whole || currentFilm_ < 1)) { // else the film in use was only not read
         cboFilms_Click(0); // counts as a selection, so that list and instrument agree
     }
 }

@@ -159,8 +159,8 @@ private:
     void queryShutter();
     void takeStartStopRequest();
     void startRun();
-    void readFilms();
-    void selectFilmAfterRefresh(int asked);
+    bool readFilms(); ///< false when a film could not be read: the list ends before it
+    void selectFilmAfterRefresh(int asked, bool whole);
     void enterMode(std::int16_t mode);
     [[nodiscard]] bool linkFine();
     [[nodiscard]] bool readyToPoll();

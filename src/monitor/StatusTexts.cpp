@@ -2,6 +2,7 @@
 
 #include "util/DisplayFormats.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace drx9 {
@@ -9,6 +10,7 @@ namespace drx9 {
 namespace {
 constexpr double kSpeakOfSilence = 2; ///< s without an answer from which on it is said in words
 constexpr double kLongestClock = 362400;
+constexpr std::size_t kBriefReply = 40; ///< characters of a reason that leave the log's field its room
 
 struct LinkName {
     std::string text;
@@ -104,10 +106,11 @@ StatusFacts statusFacts(Monitor& monitor, double now) {
     facts.stale = monitor.stale(now) || monitor.reconnecting();
     facts.readingAge = now - monitor.lastGoodReading();
     facts.replyAge = now - parts.link.lastReplyTime();
-    facts.pauseReason = parts.timer.holdReason();
+    facts.pauseReason =
+        parts.log.asking() ? "the question about the log file waits" : parts.timer.holdReason();
     facts.link = parts.settings.link;
-    facts.lastExchange =
-        facts.controlsVisible ? monitor.lastExchange() : commStatusText(parts.link.CommStatus());
+    const bool known = facts.controlsVisible || !parts.discovery.failure().empty();
+    facts.lastExchange = known ? monitor.lastExchange() : commStatusText(parts.link.CommStatus());
     facts.instrumentNotice = monitor.notice();
     facts.lastReading = monitor.lastGoodReadingTime();
     facts.runStart = monitor.runStart();
@@ -190,7 +193,10 @@ StatusText staReply(const StatusFacts& facts) {
     if (!facts.started || facts.lastExchange.empty()) {
         return {};
     }
-    return {"Last exchange: " + facts.lastExchange, facts.lastExchange};
+    const std::size_t sentence = std::min(facts.lastExchange.find(": "), facts.lastExchange.find(". "));
+    const bool isReason = facts.lastExchange.size() > kBriefReply;
+    return {"Last exchange: " + facts.lastExchange,
+            isReason ? facts.lastExchange.substr(0, std::min(sentence, kBriefReply)) : facts.lastExchange};
 }
 
 StatusText staRun(const StatusFacts& facts) {

@@ -61,6 +61,19 @@ void frmMain::showWindow() {
         pump.sleepUntil(limit);
     }
     pump.processPending();
+    keepOnScreen();
+}
+
+/// The window manager's frame is known only now: it must not push the status bar off the screen.
+void frmMain::keepOnScreen() {
+    const QRect room = screen()->availableGeometry();
+    const QSize frame = frameGeometry().size();
+    const QSize over = frame - frame.boundedTo(room.size());
+    if (isMaximized() || isFullScreen() || over.isNull()) {
+        return;
+    }
+    resize((size() - over).expandedTo(minimumSize()));
+    move(room.topLeft());
 }
 
 void frmMain::setHourglass(bool on) {

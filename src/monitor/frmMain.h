@@ -88,6 +88,7 @@ private:
     QWidget* buildOffLineRow();
     void buildStatusBar();
     void setTabStops();
+    void keepOnScreen();
     void chooseStep();
     void applyStep();
     void applyTheme();

@@ -145,6 +145,44 @@ TEST_F(MonitorTest, RememberedFilmIsKeptThroughARefreshWithoutARequest) {
     EXPECT_EQ(monitor->currentFilmName(), "FILM_3  ");
 }
 
+TEST_F(MonitorTest, OneBadAnswerAtTheEndOfARunChangesNeitherFilmNorList) {
+    struct Case {
+        const char* command;
+        std::string answer; ///< empty: none
+        std::size_t listed;
+        int selected;
+    };
+    const Case cases[] = {
+        {"A2?", replyPacket('A', "x").substr(0, 4) + "zz", 1, -1}, // the film in use is not read
+        {"A3?", "", 2, -1},
+        {"A5?", replyPacket('B', ""), 4, 2},
+        {"U?", replyPacket('B', ""), 9, 2},
+        {"U?", "", 9, 2}};
+    bringUp();
+    monitor->cboFilms_Click(2);
+    tick();
+    for (const Case& given : cases) {
+        SCOPED_TRACE(given.command);
+        monitor->cmdStartStop_Click();
+        tick();
+        ASSERT_EQ(monitor->RunMode(), kRunning);
+        special[given.command] = given.answer;
+        if (given.listed < 9) {
+            boxes.expectNonBlocking("Get Film Error: ");
+        }
+        monitor->cmdStartStop_Click();
+        tick();
+        special.erase(given.command);
+        ASSERT_EQ(monitor->RunMode(), kIdle);
+        EXPECT_EQ(monitor->filmNames().size(), given.listed);
+        EXPECT_EQ(monitor->filmIndex(), given.selected);
+        EXPECT_FALSE(monitor->requests().film) << "the instrument keeps its film";
+        EXPECT_EQ(monitor->currentFilmName(), "FILM_3  ");
+        tickAfter(2);
+        tickAfter(2);
+    }
+}
+
 TEST_F(MonitorTest, ARecordThatIsNeverAnsweredDoesNotKeepTheProgramFromPolling) {
     special["C?"] = "";
     bringUp();

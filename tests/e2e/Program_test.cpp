@@ -268,6 +268,10 @@ struct LogTrouble {
     bool linesLost; ///< while it lasts; else a new file is begun
 };
 
+void PrintTo(const LogTrouble& trouble, std::ostream* out) {
+    *out << trouble.name;
+}
+
 class LogInTrouble : public ProgramFixture, public testing::WithParamInterface<LogTrouble> {};
 
 TEST_P(LogInTrouble, LosesNothingThatWasWrittenAndSaysWhatIsLost) {
@@ -378,6 +382,10 @@ struct Moment {
     bool (*come)(const Monitor& monitor);
     const char* boxes = ""; ///< texts of those that stand in the way
 };
+
+void PrintTo(const Moment& moment, std::ostream* out) {
+    *out << moment.name;
+}
 
 class Closing : public ProgramFixture, public testing::WithParamInterface<Moment> {};
 

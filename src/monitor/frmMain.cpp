@@ -43,7 +43,7 @@ frmMain::frmMain(const MainWindowParts& parts)
     applyTheme();
     heartbeat_.setInterval(kHeartbeatMs);
     connect(&heartbeat_, &QTimer::timeout, this, &frmMain::beat);
-    changed();
+    frmMain::changed();
 }
 
 frmMain::~frmMain() = default;

@@ -358,9 +358,9 @@ void frmMain::applyStep() {
     place(Readouts::ElapsedTime, clock, bandHeight, m.secondary, base);
     place(Readouts::TimeRemaining, clock, bandHeight, m.secondary, base);
     const int sensorBase = commaTail(m.secondary);
-    for (int sensor = 0; sensor < kMaxSensors; ++sensor) {
-        place(static_cast<std::size_t>(kFirstSensorField + sensor), columnA,
-              capHeight(m.secondary) + 6 + sensorBase, m.secondary, sensorBase);
+    for (std::size_t sensor = 0; sensor < kMaxSensors; ++sensor) {
+        place(kFirstSensorField + sensor, columnA, capHeight(m.secondary) + 6 + sensorBase, m.secondary,
+              sensorBase);
     }
     for (MarkLabel* age : ages_) {
         age->setFont(labelFont);

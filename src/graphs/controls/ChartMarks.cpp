@@ -65,6 +65,7 @@ std::vector<ChartPlot::EndMark> ChartPlot::endMarks() const {
     std::sort(marks.begin(), marks.end(),
               [](const EndMark& a, const EndMark& b) { return a.dot.y() < b.dot.y(); });
     std::vector<double> ys;
+    ys.reserve(marks.size());
     for (const EndMark& mark : marks) {
         ys.push_back(mark.dot.y());
     }

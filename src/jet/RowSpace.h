@@ -20,7 +20,7 @@ public:
     /// Empties a slot. A page on which nothing is left goes back to the file.
     void drop(RowId id);
     /// Takes note that a page has room again.
-    void hasRoom(PageNo page) { free_.add(page); }
+    void noteRoom(PageNo page) { free_.add(page); }
     [[nodiscard]] bool owns(PageNo page) const;
 
 private:

@@ -229,7 +229,7 @@ void Table::update(RowId id, const std::vector<Assignment>& values) {
     if (!setRow(store_, at, bytes, at == id ? SlotKind::Row : SlotKind::Body)) {
         moveBody(id, at, bytes);
     } else if (bytes.size() < oldSize) {
-        space().hasRoom(at.page);
+        space().noteRoom(at.page);
     }
     removeKeys(id, oldKeys);
     addKeys(id, keys);

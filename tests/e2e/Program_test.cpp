@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <fstream>
 #include <random>
+#include <stdexcept>
 
 namespace drx9 {
 namespace {
@@ -197,6 +198,9 @@ TEST_P(OnEveryLink, ADayAtTheInstrument) {
     EXPECT_EQ(text("cmdStartStop"), "START");
     EXPECT_GE(logLines(1), 2);
     EXPECT_EQ(films().currentIndex(), 2);
+
+    program->reportError(std::runtime_error("a fault in a handler"));
+    EXPECT_TRUE(contentOf("ERRORS.TXT").contains("Error String   : a fault in a handler\r\n"));
 
     find<QAction>("mnuFileExit").trigger();
     EXPECT_TRUE(ended());

@@ -65,7 +65,14 @@ public:
                take("O", values_.averageThickness, valueIndex(Value::AverageThickness));
     }
 
-    [[nodiscard]] ReadResult end() const { return end_; }
+    /// Call after the last exchange.
+    ReadResult end() {
+        if (end_ == ReadResult::Done && link_.settle()) {
+            failure_ += failure_.empty() ? "Late answer" : ", answered late";
+            end_ = ReadResult::OutOfStep;
+        }
+        return end_;
+    }
 
 private:
     Link& link_;
@@ -88,17 +95,18 @@ Commands::ReadResult Commands::Comm_GetData(Readings& readings, const std::funct
         boxes_.show("Get Data Error", kTitle, MessageIcon::None);
         return ReadResult::Busy;
     }
+    link_.settle(); // what another command timed out for is not taken for the first value
     Readings values = readings;
     std::string failure;
     Reading reading(link_, values, failure, abandon);
-    const bool complete = reading.all();
-    readFailure_ = failure;
-    if (!complete) {
-        return reading.end();
-    }
+    reading.all();
     values.elapsed = clock_.monotonic() - values.startTime;
-    readings = values;
-    return ReadResult::Done;
+    const ReadResult result = reading.end();
+    readFailure_ = failure;
+    if (result == ReadResult::Done) {
+        readings = values;
+    }
+    return result;
 }
 
 std::uint16_t Commands::statusOnly(const std::string& command) {

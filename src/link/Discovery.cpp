@@ -89,7 +89,7 @@ bool Discovery::Comm_Open(Messages messages) {
     transports_.closeAll();
     const bool open = openLink();
     // A command given while there was no open link is not kept for whoever answers now.
-    link_.dropPending();
+    link_.forget();
     if (!open) {
         lost();
         if (!refusal_.empty()) {

@@ -13,6 +13,8 @@ namespace drx9 {
 namespace {
 constexpr std::size_t kVersionDigits = 4;
 constexpr double kLastVersionWithNineFilms = 4.08; // inclusive
+constexpr double kQuiet = 0.06;                    // s without a byte: the answer is over, at any baud rate
+constexpr double kSettleLimit = 0.5;               // s
 
 std::uint16_t statusOfLetter(char letter) {
     switch (letter) {
@@ -50,7 +52,8 @@ public:
         link_.waiting_ = false;
         if (link_.status_ == comm::kBusy) {
             link_.status_ = comm::kTimeout;
-            link_.dropPending();
+            link_.pending_.clear();
+            link_.owed_ = true;
         }
         link_.outcome_ = link_.status_;
     }
@@ -118,8 +121,36 @@ void Link::sleep(const Transport& transport, double start, double deadline) {
     pump_.sleepUntil(interval > 0 ? std::min(deadline, now + interval) : deadline);
     pump_.processPending();
     if (clock_.monotonic() >= deadline) {
+        owed_ = true;
         timeOut();
     }
+}
+
+bool Link::settle() {
+    if (!std::exchange(owed_, false)) {
+        return false;
+    }
+    Transport& transport = transports_.of(settings_.CommType);
+    const double start = clock_.monotonic();
+    const double limit = start + kSettleLimit; // noise must not hold it for ever
+    double quietAt = start + kStragglerLimit;
+    bool heard = false;
+    for (double now = start; now < std::min(quietAt, limit); now = clock_.monotonic()) {
+        bool more = false;
+        const auto drop = [this, &more](std::uint8_t byte) {
+            more = true;
+            static_cast<void>(parser_.push(byte)); // lest the next reply be read as this one's end
+        };
+        transport.receive(drop, [] { return true; });
+        if (more) {
+            heard = true;
+            quietAt = now + kQuiet;
+        }
+        const double interval = transport.pollInterval(now - start);
+        pump_.sleepUntil(interval > 0 ? std::min(quietAt, now + interval) : std::min(quietAt, limit));
+        pump_.processPending();
+    }
+    return heard;
 }
 
 void Link::timeOut() {

@@ -37,7 +37,8 @@ std::string commStatusText(std::uint16_t status);
 /// and its reply is discarded.
 class Link {
 public:
-    static constexpr double kReplyLimit = 1.0; ///< s
+    static constexpr double kReplyLimit = 1.0;      ///< s
+    static constexpr double kStragglerLimit = 0.25; ///< s that settle() listens for an answer that came late
 
     Link(const LinkSettings& settings, Transports& transports, EventPump& pump, const Clock& clock,
          ActionQueue& actions);
@@ -76,8 +77,19 @@ public:
     /// Status of the exchange whose reply Comm_Send returned last. The same as CommStatus(), but where a
     /// pending command was sent behind it: CommStatus() then tells how that one ended.
     [[nodiscard]] std::uint16_t outcome() const { return outcome_; }
-    /// Forgets a command that was given while status 9 stood; used when a link is opened.
-    void dropPending() { pending_.clear(); }
+    /// Forgets what belongs to the link as it was: a command given while status 9 stood, and answers that may
+    /// come late. Used when a link is opened.
+    void forget() {
+        pending_.clear();
+        owed_ = false;
+    }
+
+    /// Brings commands and answers back into step after a time-out. The wire numbers neither: an answer that
+    /// comes later than the limit is taken for that of the command sent meanwhile, and each answer behind it
+    /// for the next command's. So once an exchange has timed out this listens, with nothing sent, until the
+    /// line has been quiet (at most 0.5 s), and drops what comes. True when something came: what was read
+    /// since that time-out may belong to other commands. At once false when none timed out. Pumps events.
+    bool settle();
 
     /// True while a reply is awaited.
     [[nodiscard]] bool exchanging() const { return waiting_; }
@@ -104,6 +116,7 @@ private:
     bool ok_ = false;
     bool waiting_ = false;
     std::uint16_t outcome_ = comm::kOk;
+    bool owed_ = false;   ///< a command sent since the last settle() was not answered in time
     std::string pending_; ///< empty when none
     std::string lastPacket_;
     std::string reply_;

@@ -121,7 +121,7 @@ void Monitor::ReadDRX() {
 
 void Monitor::noteReading(Commands::ReadResult result) {
     failure_ = parts_.commands.readFailure();
-    if (result == Commands::ReadResult::LinkDead) {
+    if (result == Commands::ReadResult::LinkDead || result == Commands::ReadResult::OutOfStep) {
         gapPending_ = true;
     }
     if (result != Commands::ReadResult::Done) {

@@ -94,6 +94,48 @@ TEST_F(CommandsTest, AFailedExchangeCountsAsZeroAndTwoTimeOutsEndTheReading) {
     EXPECT_EQ(commands.readFailure(), "");
 }
 
+TEST_F(CommandsTest, ALateAnswerIsNotTakenForAnotherValue) {
+    // This instrument takes its commands one by one: one slow answer delays all behind it.
+    std::map<std::string, double> seconds;
+    double free = 0;
+    wire.setAnswerer([&](const std::string& command) {
+        const double now = bench.clock.monotonic();
+        free = std::max(now, free) + (seconds.contains(command) ? seconds[command] : 0.02);
+        wire.arrive(packets[command], free - now);
+        return std::string();
+    });
+    const struct {
+        const char* late;
+        double by;
+        Commands::ReadResult result;
+        const char* failure;
+    } cases[] = {
+        {"P1", 1.3, Commands::ReadResult::OutOfStep, "P1: Timeout, answered late"},
+        {"N2", 1.9, Commands::ReadResult::OutOfStep, "N2: Timeout, answered late"},
+        {"O", 1.2, Commands::ReadResult::OutOfStep, "O: Timeout, answered late"},
+        {"M", 0.9, Commands::ReadResult::Done, ""},
+        {"U?", 1.2, Commands::ReadResult::Done, ""}, // before the reading
+        {"O", 1.6, Commands::ReadResult::Done,
+         "O: Timeout"}, // nothing came: opening the link anew sees to it
+    };
+    packets["U?"] = good("1");
+    for (const auto& c : cases) {
+        readings = {};
+        seconds = {{c.late, c.by}};
+        bench.link.Comm_Send("U?");
+        bench.link.setCommStatus(comm::kOk);
+        EXPECT_EQ(read(), c.result) << c.late;
+        EXPECT_EQ(commands.readFailure(), c.failure);
+        if (c.result == Commands::ReadResult::Done) {
+            EXPECT_EQ(readings.frequency[0], 5981234.5) << c.late;
+            EXPECT_EQ(readings.averageRate, 2.0) << c.late;
+        } else {
+            EXPECT_EQ(readings.frequency[0], 0) << "nothing of it was stored";
+        }
+        bench.link.setCommStatus(comm::kOk);
+    }
+}
+
 TEST_F(CommandsTest, AReadingIsAbandonedBetweenExchangesButNotOnceComplete) {
     int asked = 0;
     EXPECT_EQ(commands.Comm_GetData(readings, [&] { return ++asked == 3; }), Commands::ReadResult::Abandoned);

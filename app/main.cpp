@@ -4,6 +4,7 @@
 #include "platform/qt/EventLoopChoice.h"
 #include "platform/qt/LocaleFromSystem.h"
 #include "platform/qt/SingleInstance.h"
+#include "util/ProgramName.h"
 #include "util/controls/Theme.h"
 
 #include <QApplication>
@@ -38,7 +39,7 @@ int main(int argc, char* argv[]) {
     std::optional<EventLoopChoice> choice(std::in_place);
     Application application(argc, argv);
     choice.reset();
-    QApplication::setApplicationName("DRX9 Comm");
+    QApplication::setApplicationName(kProgramName);
     QApplication::setApplicationVersion(DRX9_VERSION);
     applyDesktopTheme(application);
 
@@ -49,7 +50,7 @@ int main(int argc, char* argv[]) {
     const SingleInstance instance(paths.dataFolder);
     if (!instance.isFirst()) {
         QtMessageBoxes().show("DRX9 Comm is already running with the files in " + paths.dataFolder + ".",
-                              "DRX9 Comm", MessageIcon::Information);
+                              kProgramName, MessageIcon::Information);
         return 1;
     }
     const QString places =

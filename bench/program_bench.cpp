@@ -110,7 +110,7 @@ public:
             << "\r\n[DataLog]\r\nType=1\r\nInterval=0\r\n";
         program = std::make_unique<Program>(*files_, Paths{path, path}, locale_);
         program->start();
-        onLine = waitFor([&] { return monitor().RunMode() == kIdle && monitor().hasReading(); });
+        onLine = waitFor([&] { return monitor().RunMode() == kIdle && monitor().answers().hasReading(); });
         if (!onLine)
             std::puts("The program did not come on line.");
     }
@@ -206,7 +206,7 @@ void deviceGone(double seconds) {
     runEvents(seconds);
     std::printf(
         "device gone in a run, share of a processor:\n  silent   %6.2f %% (last reading %.0f s old)\n",
-        silent.percent(), running.monitor().parts().clock.monotonic() - running.monitor().lastGoodReading());
+        silent.percent(), running.monitor().parts().clock.monotonic() - running.monitor().answers().lastGoodReading());
     running.simulator.say("unplug");
     runEvents(4);
     const Share refused;

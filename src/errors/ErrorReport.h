@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Clock.h"
+#include "util/ProgramName.h"
 
 #include <cstdint>
 #include <string>
@@ -10,9 +11,9 @@ namespace drx9 {
 
 /// What the program says of itself in reports.
 struct AppInfo {
-    std::string title = "DRX9 Comm";
+    std::string title = kProgramName;
     std::string companyName;
-    std::string productName = "DRX9 Comm";
+    std::string productName = kProgramName;
     int major = 0;
     int minor = 0;
     int revision = 0;

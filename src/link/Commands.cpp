@@ -1,12 +1,12 @@
 #include "link/Commands.h"
 
 #include "util/Numbers.h"
+#include "util/ProgramName.h"
 #include "util/Text.h"
 
 namespace drx9 {
 
 namespace {
-constexpr const char* kTitle = "DRX9 Comm";
 constexpr int kDeadAfterTimeouts = 2; // in a row within one reading
 } // namespace
 
@@ -92,7 +92,7 @@ Commands::Commands(Link& link, MessageBoxes& boxes, const Clock& clock)
 Commands::ReadResult Commands::Comm_GetData(Readings& readings, const std::function<bool()>& abandon) {
     readFailure_.clear();
     if (link_.CommStatus() != comm::kOk) {
-        boxes_.show("Get Data Error", kTitle, MessageIcon::None);
+        boxes_.show("Get Data Error", kProgramName, MessageIcon::None);
         return ReadResult::Busy;
     }
     link_.settle(); // what another command timed out for is not taken for the first value
@@ -154,9 +154,9 @@ bool Commands::Comm_GetFilm(int number, FilmRecord& film, Messages messages) {
 
 void Commands::tell(Messages messages, const std::string& text) {
     if (messages == Messages::Blocking) {
-        boxes_.show(text, kTitle, MessageIcon::None);
+        boxes_.show(text, kProgramName, MessageIcon::None);
     } else {
-        boxes_.showNonBlocking(text, kTitle, MessageIcon::None);
+        boxes_.showNonBlocking(text, kProgramName, MessageIcon::None);
     }
 }
 

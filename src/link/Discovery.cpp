@@ -1,6 +1,7 @@
 #include "link/Discovery.h"
 
 #include "util/Numbers.h"
+#include "util/ProgramName.h"
 #include "util/Text.h"
 
 #include <string_view>
@@ -8,7 +9,6 @@
 namespace drx9 {
 
 namespace {
-constexpr const char* kTitle = "DRX9 Comm";
 constexpr const char* kNotFound = "Instrument not found.";
 constexpr const char* kProduct = "83F5"; // tells the instrument's bridge from others of its family
 constexpr int kSerialNumber = 0;         // options of SI_GetProductString
@@ -186,10 +186,10 @@ void Discovery::lost() {
 void Discovery::tell(Messages messages, const std::string& text, MessageIcon icon, bool systemModal) {
     if (messages == Messages::Blocking) {
         boxes_.closeNonBlocking();
-        boxes_.show(text, kTitle, icon, systemModal);
+        boxes_.show(text, kProgramName, icon, systemModal);
     } else if (!lossTold_) {
         lossTold_ = true;
-        boxes_.showNonBlocking(text, kTitle, icon);
+        boxes_.showNonBlocking(text, kProgramName, icon);
     }
 }
 

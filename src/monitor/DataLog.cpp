@@ -2,6 +2,7 @@
 
 #include "util/DisplayFormats.h"
 #include "util/Numbers.h"
+#include "util/ProgramName.h"
 
 #include <utility>
 
@@ -58,7 +59,7 @@ void DataLog::offerDeletion() {
     }
     const std::string question = "Log file size is " + std::to_string(*size) + ". Delete?";
     asking_ = true;
-    const bool yes = boxes_.askYesNo(question, "DRX9 Comm", MessageIcon::Question);
+    const bool yes = boxes_.askYesNo(question, kProgramName, MessageIcon::Question);
     asking_ = false;
     if (yes) {
         files_.remove(path);

@@ -21,7 +21,9 @@ std::string listName(const FilmRecord& film) {
 } // namespace
 
 Monitor::Monitor(const MonitorParts& parts)
-    : parts_(parts) {}
+    : parts_(parts)
+    , charts_(parts.graphs)
+    , answers_(parts.link, parts.clock) {}
 
 bool Monitor::Form_Load() {
     if (runMode_ == kExiting) {
@@ -31,9 +33,7 @@ bool Monitor::Form_Load() {
     parts_.LoadSettings();
     parts_.readouts.setDisplay(parts_.settings.Display);
     parts_.readouts.setGraph(parts_.settings.Graph);
-    for (Graph* graph : parts_.graphs) {
-        graph->Init();
-    }
+    charts_.Init();
     window_->setHourglass(true);
     window_->showWindow();
     setRunMode(kStarting);
@@ -96,7 +96,7 @@ void Monitor::startRun() {
     readings_.startTime = parts_.clock.monotonic();
     ZeroAll();
     parts_.commands.Comm_ZeroTime();
-    noteExchange("T");
+    answers_.noteExchange("T");
     if (parts_.settings.log.Type != kLogNone) {
         parts_.log.InitDataLog();
         parts_.log.startBlock(currentFilmName());
@@ -105,13 +105,10 @@ void Monitor::startRun() {
 
 void Monitor::ZeroAll() {
     points_.clear();
-    InitGraph();
-    for (Graph* graph : parts_.graphs) {
-        graph->ReInit();
-    }
+    charts_.restart();
     readings_.startTime = parts_.clock.monotonic();
     parts_.commands.Comm_ZeroTime();
-    noteExchange("T");
+    answers_.noteExchange("T");
 }
 
 void Monitor::InitForm() {
@@ -124,16 +121,17 @@ void Monitor::InitForm() {
         requests_.film ? filmIndex_ : -1; // a choice that waits for the link outlives the refresh
     filmIndex_ = -1;
     if (!onLine) {
-        title_ = "DRX9 Comm - [Off Line]";
+        title_ = std::string(kProgramName) + " - [Off Line]";
         if (!parts_.discovery.failure().empty()) {
-            lastExchange_ = parts_.discovery.failure();
+            answers_.say(parts_.discovery.failure());
         }
         changed();
         return;
     }
     wasOnLine_ = true;
-    failure_.clear();
-    title_ = "DRX9 Comm - [Ver. " + utf8FromAnsi(trimmed(parts_.link.Comm_VersionText())) + "]";
+    answers_.begin();
+    title_ =
+        std::string(kProgramName) + " - [Ver. " + utf8FromAnsi(trimmed(parts_.link.Comm_VersionText())) + "]";
     changed();
     // What the exchange before was answered says nothing of these: a film read under another status than 0 is
     // refused, and nobody would read the list again.
@@ -142,12 +140,12 @@ void Monitor::InitForm() {
     selectFilmAfterRefresh(asked, whole);
     if (!closing_) {
         systemKnown_ = parts_.commands.Comm_GetSystem(parts_.settings.system);
-        noteExchange("C?");
-        if (!systemKnown_ && failure_.empty()) {
-            failure_ = "B?: not read"; // the outcome is that of "C?"
+        answers_.noteExchange("C?");
+        if (!systemKnown_) {
+            answers_.noteFailure("B?: not read"); // the outcome is that of "C?"
         }
     }
-    publishExchange();
+    answers_.publish();
     // A record that one exchange could not read is told by systemKnown(). Whether the link lives the next
     // reading finds out: left as it is, the status would open the link again, refresh again, and never come
     // to a reading.
@@ -162,7 +160,7 @@ bool Monitor::readFilms() {
         parts_.progress.setProgress(percent(i, count));
         FilmRecord film;
         if (parts_.commands.Comm_GetFilm(i, film, Messages::NonBlocking)) {
-            noteExchange("A");
+            answers_.noteExchange("A");
             break;
         }
         parts_.films[static_cast<std::size_t>(i)] = film;
@@ -210,7 +208,7 @@ void Monitor::cboFilms_Click(int index) {
 
 void Monitor::sensorItemClicked(std::int16_t item) {
     parts_.readouts.sensorItemClicked(item);
-    if (hasReading()) {
+    if (answers_.hasReading()) {
         refreshReadouts();
     } else {
         changed();
@@ -233,10 +231,6 @@ const FilmRecord* Monitor::currentFilm() const {
 std::string Monitor::currentFilmName() const {
     const FilmRecord* film = currentFilm();
     return film != nullptr ? film->FilmName : std::string(8, ' ');
-}
-
-bool Monitor::stale(double now) const {
-    return hasReading() && now - lastGoodReading_ >= std::max(0.75, 2 * usualInterval_);
 }
 
 void Monitor::changed() {

@@ -1,33 +1,29 @@
 #pragma once
 
-#include "graphs/Graph.h"
 #include "link/ActionQueue.h"
 #include "link/Commands.h"
 #include "link/Discovery.h"
 #include "link/Link.h"
+#include "monitor/AnswerRecord.h"
+#include "monitor/ChartFeed.h"
 #include "monitor/DataLog.h"
 #include "monitor/MonitorWindow.h"
 #include "monitor/PointStore.h"
 #include "monitor/PollTimer.h"
 #include "monitor/Readouts.h"
+#include "monitor/RunModes.h"
 #include "monitor/Settings.h"
 #include "platform/Clock.h"
 #include "platform/Desktop.h"
 #include "platform/Progress.h"
+#include "util/ProgramName.h"
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
 namespace drx9 {
-
-enum : std::int16_t { kStarting = 0, kIdle = 1, kRunning = 2, kExiting = 3 };
-
-/// The four graph objects in their fixed order: average rate, sensor rates, average thickness, sensor
-/// thickness.
-using GraphSet = std::array<Graph*, 4>;
 
 /// What the monitor works with; everything is made once at the program's start and outlives it.
 struct MonitorParts {
@@ -123,19 +119,9 @@ public:
 
     // Freshness and faults, for notices and the status bar.
 
-    [[nodiscard]] bool hasReading() const { return lastGoodReading_ >= 0; }
-    /// Monotonic time of the last good reading.
-    [[nodiscard]] double lastGoodReading() const { return lastGoodReading_; }
-    /// Wall-clock time of the last good reading.
-    [[nodiscard]] const LocalTime& lastGoodReadingTime() const { return lastGoodTime_; }
-    /// Usual time between two readings (s), over the last few.
-    [[nodiscard]] double usualInterval() const { return usualInterval_; }
-    /// No good reading for twice the usual time, at least 0.75 s. `now` is monotonic.
-    [[nodiscard]] bool stale(double now) const;
+    [[nodiscard]] const AnswerRecord& answers() const { return answers_; }
     /// The link was lost since it was last on line and is being opened again from the tick.
     [[nodiscard]] bool reconnecting() const { return reconnecting_; }
-    /// Last failed exchange of the last tick in words, or "OK": "OK", "Timeout", "P3: Timeout".
-    [[nodiscard]] const std::string& lastExchange() const { return lastExchange_; }
     /// A message in words that stays until the next run starts: another instrument after a loss; empty when
     /// none.
     [[nodiscard]] const std::string& notice() const { return notice_; }
@@ -147,11 +133,6 @@ public:
 
 private:
     void ReadDRX();
-    void UpdateGraph();
-    void PlotData(int count, std::int16_t first);
-    void plotPoint(const PointStore::Row& row);
-    void GraphRollover(Graph& graph, double newest);
-    void InitGraph();
     void takeRequests();
     void takeFilmRequest();
     void takeZeroRequest();
@@ -165,22 +146,20 @@ private:
     [[nodiscard]] bool linkFine();
     [[nodiscard]] bool readyToPoll();
     void reconnect();
-    void noteReading(Commands::ReadResult result);
-    void noteExchange(const char* command);
-    void publishExchange();
-    void keepRequestFailure(const char* command);
     void refreshReadouts();
     void changed();
 
     MonitorParts parts_;
     MonitorWindow* window_ = nullptr;
     PointStore points_;
+    ChartFeed charts_;
+    AnswerRecord answers_;
     Readings readings_;
     Requests requests_;
     std::int16_t runMode_ = kStarting;
     std::int16_t shutterState_ = 0;
     int currentFilm_ = -1; ///< number of the film last selected on the instrument, -1 none yet
-    std::string title_ = "DRX9 Comm";
+    std::string title_ = kProgramName;
     std::vector<std::string> filmNames_;
     int filmIndex_ = -1;
     bool controlsVisible_ = false;
@@ -189,22 +168,12 @@ private:
     bool closing_ = false;
     bool wasOnLine_ = false;
     bool reconnecting_ = false;
-    bool firstPlot_ = true;
-    double lastAppended_ = -1; ///< elapsed time of the newest point on the charts
     bool gapPending_ = false;
     bool systemKnown_ = false;
     int refusals_ = 0;
     double lastAttempt_ = -1;
-    double lastGoodReading_ = -1;
-    double usualInterval_ = 0.25;
-    LocalTime lastGoodTime_;
     LocalTime runStart_;
     std::string versionAtLoss_;
-    std::string
-        requestFailure_; ///< failed exchange of a request; stands for a while, or the bar would flash it
-    double requestFailureUntil_ = -1; ///< monotonic
-    std::string failure_;             ///< last failed exchange of the tick or refresh in hand
-    std::string lastExchange_ = "OK";
     std::string notice_;
 };
 

@@ -27,7 +27,7 @@ void Monitor::takeFilmRequest() {
     }
     const int number = filmIndex_ + 1;
     parts_.commands.Comm_SelectFilm(number);
-    keepRequestFailure("D");
+    answers_.noteRequest("D");
     if (parts_.link.outcome() == comm::kTimeout) {
         requests_.film = true; // unknown whether it arrived: again when the link is back
         return;
@@ -37,7 +37,7 @@ void Monitor::takeFilmRequest() {
     if (!parts_.commands.Comm_GetFilm(number, film, Messages::NonBlocking)) {
         parts_.films[static_cast<std::size_t>(number)] = film;
     }
-    noteExchange("A");
+    answers_.noteExchange("A");
     refreshReadouts();
 }
 
@@ -46,13 +46,13 @@ void Monitor::takeZeroRequest() {
         return;
     }
     parts_.commands.Comm_ZeroThickness();
-    keepRequestFailure("S");
+    answers_.noteRequest("S");
     if (parts_.link.outcome() == comm::kTimeout) {
         requests_.zero = true; // nothing arrived, or nobody knows: again when the link is back
         return;
     }
     parts_.commands.Comm_ZeroTime(); // ZeroAll sends it once more: kept
-    noteExchange("T");
+    answers_.noteExchange("T");
     ZeroAll();
 }
 
@@ -68,14 +68,14 @@ void Monitor::takeShutterRequest() {
     } else {
         parts_.commands.Comm_SetUnit(0); // also after a failed query: -999 is not 0
     }
-    keepRequestFailure("U");
+    answers_.noteRequest("U");
 }
 
 void Monitor::queryShutter() {
     const std::int16_t answer = parts_.commands.Comm_GetUnit();
     // The wrapper returns the status on failure, and 1 would read as open: the status decides.
     shutterState_ = parts_.link.outcome() == comm::kOk ? answer : kShutterUnknown;
-    noteExchange("U?");
+    answers_.noteExchange("U?");
     changed();
 }
 

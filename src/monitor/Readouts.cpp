@@ -1,5 +1,6 @@
 #include "monitor/Readouts.h"
 
+#include "monitor/RunModes.h"
 #include "util/DisplayFormats.h"
 #include "util/Numbers.h"
 
@@ -11,7 +12,6 @@ namespace drx9 {
 namespace {
 
 enum : std::int16_t { kShowRate = 1, kShowThickness = 2, kShowFrequency = 3 };
-enum : std::int16_t { kModeStarting = 0, kModeRunning = 2 };
 constexpr std::int16_t kGraphs = 4;
 constexpr double kHertzPerMegahertz = 1e6;
 
@@ -79,10 +79,10 @@ void Readouts::graphItemClicked(std::int16_t item) {
 
 void Readouts::refresh(std::int16_t runMode, const Readings& readings, const FilmRecord* currentFilm,
                        int sensorCount) {
-    if (runMode == kModeStarting) {
+    if (runMode == kStarting) {
         return;
     }
-    if (runMode == kModeRunning) {
+    if (runMode == kRunning) {
         refreshRun(readings, currentFilm);
     }
     refreshFilm(readings, currentFilm);

@@ -102,17 +102,17 @@ StatusFacts statusFacts(Monitor& monitor, double now) {
     facts.runMode = monitor.RunMode();
     facts.controlsVisible = monitor.controlsVisible();
     facts.started = monitor.started();
-    facts.hasReading = monitor.hasReading();
-    facts.stale = monitor.stale(now) || monitor.reconnecting();
-    facts.readingAge = now - monitor.lastGoodReading();
+    facts.hasReading = monitor.answers().hasReading();
+    facts.stale = monitor.answers().stale(now) || monitor.reconnecting();
+    facts.readingAge = now - monitor.answers().lastGoodReading();
     facts.replyAge = now - parts.link.lastReplyTime();
     facts.pauseReason =
         parts.log.asking() ? "the question about the log file waits" : parts.timer.holdReason();
     facts.link = parts.settings.link;
     const bool known = facts.controlsVisible || !parts.discovery.failure().empty();
-    facts.lastExchange = known ? monitor.lastExchange() : commStatusText(parts.link.CommStatus());
+    facts.lastExchange = known ? monitor.answers().lastExchange() : commStatusText(parts.link.CommStatus());
     facts.instrumentNotice = monitor.notice();
-    facts.lastReading = monitor.lastGoodReadingTime();
+    facts.lastReading = monitor.answers().lastGoodReadingTime();
     facts.runStart = monitor.runStart();
     facts.shutter = monitor.shutterState();
     facts.requests = monitor.requests();

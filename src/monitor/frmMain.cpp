@@ -1,6 +1,7 @@
 #include "monitor/frmMain.h"
 
 #include "monitor/frmDataLog.h"
+#include "util/ProgramName.h"
 #include "util/controls/AppIcon.h"
 #include "util/controls/Theme.h"
 #include "util/controls/WindowPlaces.h"
@@ -26,7 +27,7 @@ frmMain::frmMain(const MainWindowParts& parts)
     , monitor_(parts.monitor)
     , readouts_(parts.monitor.parts().readouts) {
     setObjectName(QStringLiteral("frmMain"));
-    setWindowTitle(QStringLiteral("DRX9 Comm"));
+    setWindowTitle(QString(kProgramName));
     QApplication::setWindowIcon(appIcon());
     setMinimumSize(kLeastSize);
     buildControls();

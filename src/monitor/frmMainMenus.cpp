@@ -2,6 +2,7 @@
 #include "monitor/frmMain.h"
 
 #include "monitor/frmDataLog.h"
+#include "util/ProgramName.h"
 #include "util/controls/Readout.h"
 #include "util/controls/StartStopButton.h"
 #include "util/controls/WindowPlaces.h"
@@ -109,7 +110,7 @@ void frmMain::buildHelpMenu() {
 }
 
 void frmMain::notInThisBuild() {
-    parts_.boxes.show("Not in this build.", "DRX9 Comm", MessageIcon::Information);
+    parts_.boxes.show("Not in this build.", kProgramName, MessageIcon::Information);
 }
 
 void frmMain::showDataLog() {

@@ -152,7 +152,7 @@ QString frmMain::crystalExplanation(int sensor) const {
 
 double frmMain::gaugeShare() const {
     const FilmRecord* film = monitor_.currentFilm();
-    if (film == nullptr || !monitor_.hasReading()) {
+    if (film == nullptr || !monitor_.answers().hasReading()) {
         return 0;
     }
     const double final = film->EndThick;

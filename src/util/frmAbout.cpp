@@ -1,4 +1,5 @@
 #include "util/frmAbout.h"
+#include "util/ProgramName.h"
 
 #include "util/controls/AppIcon.h"
 #include "util/controls/Theme.h"
@@ -62,7 +63,7 @@ frmAbout::frmAbout(QWidget* owner)
     : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(QStringLiteral("About DRX9 Comm"));
-    auto* name = new QLabel(QStringLiteral("DRX9 Comm"), this);
+    auto* name = new QLabel(QString(kProgramName), this);
     name->setFont(fontOfSize(font(), 20, true));
     auto* version = new QLabel(
         QStringLiteral("Version %1, %2").arg(QCoreApplication::applicationVersion(), buildDate()), this);

@@ -90,7 +90,9 @@ protected:
         simulator_.write((command + "\n").toUtf8());
         return await("ok ").section(' ', -1);
     }
-    bool onLine() { return films().count() == 99 && monitor().RunMode() == kIdle && monitor().hasReading(); }
+    bool onLine() {
+        return films().count() == 99 && monitor().RunMode() == kIdle && monitor().answers().hasReading();
+    }
     void startRun() {
         ASSERT_TRUE(waitFor([this] { return onLine(); }));
         click("cmdShutter");
@@ -220,7 +222,7 @@ TEST_P(OnEveryLink, ARunOutlivesEveryCut) {
     build(GetParam());
     startRun();
     ASSERT_FALSE(HasFatalFailure());
-    const double limit = 2 + 2 * monitor().usualInterval(); // 2.5 s unless this machine is slow
+    const double limit = 2 + 2 * monitor().answers().usualInterval(); // 2.5 s unless this machine is slow
     // Other cuts: --gtest_shuffle --gtest_random_seed=N; more of them: DRX9_CUTS=100
     const int cuts = std::max<int>(std::size(kCuts), qEnvironmentVariableIntValue("DRX9_CUTS"));
     std::mt19937 random(
@@ -241,12 +243,13 @@ TEST_P(OnEveryLink, ARunOutlivesEveryCut) {
             returned = now();
         });
         const auto polled = [&] {
-            return returned > 0 && monitor().lastGoodReading() > returned &&
+            return returned > 0 && monitor().answers().lastGoodReading() > returned &&
                    monitor().readings().failed.none();
         };
         ASSERT_TRUE(waitFor(polled)) << cut;
-        longest = std::max(longest, monitor().lastGoodReading() - returned);
-        EXPECT_LE(monitor().lastGoodReading() - returned, limit) << cut << " after " << length << " ms";
+        longest = std::max(longest, monitor().answers().lastGoodReading() - returned);
+        EXPECT_LE(monitor().answers().lastGoodReading() - returned, limit)
+            << cut << " after " << length << " ms";
         EXPECT_EQ(text("cmdStartStop"), "STOP");
         ASSERT_TRUE(waitFor([&] { return logLines(0) > lines; }));
         for (const QWidget* widget : QApplication::topLevelWidgets()) {

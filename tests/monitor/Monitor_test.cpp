@@ -190,7 +190,7 @@ TEST_F(MonitorTest, ARecordThatIsNeverAnsweredDoesNotKeepTheProgramFromPolling) 
         tickAfter(2);
     }
     EXPECT_FALSE(monitor->systemKnown());
-    EXPECT_FALSE(monitor->stale(clock.monotonic()));
+    EXPECT_FALSE(monitor->answers().stale(clock.monotonic()));
     EXPECT_EQ(socket.connects, 1);
 }
 
@@ -200,7 +200,7 @@ TEST_F(MonitorTest, AFilmChoiceOutlivesALossAndARefresh) {
     monitor->cboFilms_Click(2);
     tick();
     EXPECT_TRUE(monitor->requests().film);
-    EXPECT_NE(monitor->lastExchange().find("D: Timeout"), std::string::npos);
+    EXPECT_NE(monitor->answers().lastExchange().find("D: Timeout"), std::string::npos);
     special.erase("D3");
     tickAfter(2); // opens the link and refreshes the window
     EXPECT_EQ(monitor->filmIndex(), 2);
@@ -350,13 +350,13 @@ TEST_F(MonitorTest, RunGoesOnOverALossWithAGapAndOneBox) {
     EXPECT_LE(socket.connects - connects, 12);
     EXPECT_EQ(averageRate.series[0].size(), drawn) << "nothing was read";
     EXPECT_TRUE(monitor->reconnecting());
-    EXPECT_TRUE(monitor->stale(clock.monotonic()));
+    EXPECT_TRUE(monitor->answers().stale(clock.monotonic()));
     monitor->cmdShutter_Click();
     silent = false;
     socket.refusal.clear();
     version = "DRX-9 Ver 4.12";
     const double back = clock.monotonic();
-    while (monitor->stale(clock.monotonic()) && clock.monotonic() < back + 5) {
+    while (monitor->answers().stale(clock.monotonic()) && clock.monotonic() < back + 5) {
         tickAfter(0.25);
     }
     EXPECT_LE(clock.monotonic() - back, 2.3);

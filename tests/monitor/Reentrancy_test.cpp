@@ -109,7 +109,7 @@ void expectSane(Scene& t, const std::string& event, bool start) {
     EXPECT_TRUE(t.link.CommOK());
     const Monitor::Requests& waiting = t.monitor->requests();
     EXPECT_FALSE(waiting.film || waiting.zero || waiting.shutter || waiting.startStop);
-    EXPECT_FALSE(t.monitor->stale(t.clock.monotonic()));
+    EXPECT_FALSE(t.monitor->answers().stale(t.clock.monotonic()));
 }
 
 TEST(Reentrancy, EachEventInEachPumpOfEachOperation) {

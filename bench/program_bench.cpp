@@ -206,7 +206,8 @@ void deviceGone(double seconds) {
     runEvents(seconds);
     std::printf(
         "device gone in a run, share of a processor:\n  silent   %6.2f %% (last reading %.0f s old)\n",
-        silent.percent(), running.monitor().parts().clock.monotonic() - running.monitor().answers().lastGoodReading());
+        silent.percent(),
+        running.monitor().parts().clock.monotonic() - running.monitor().answers().lastGoodReading());
     running.simulator.say("unplug");
     runEvents(4);
     const Share refused;

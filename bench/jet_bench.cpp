@@ -46,14 +46,14 @@ void readAllRows(benchmark::State& state) {
         return;
     }
     for ([[maybe_unused]] auto each : state) {
-        PageStore store = PageStore::open(*files, path);
+        PageStore store = PageStore::open(*files, path, Reading::OnDemand);
         std::size_t values = 0;
         for (const auto& entry : Catalog(store).tables()) {
             if (!entry.user || entry.link) {
                 continue;
             }
             const Table table(store, entry.page);
-            std::size_t budget = store.image().size();
+            std::size_t budget = store.size();
             table.scan([&](RowId, const RowReader& row) {
                 for (std::size_t i = 0; i < table.definition().columns.size(); ++i) {
                     benchmark::DoNotOptimize(valueOf(store, table.definition(), row, i, budget));
@@ -119,7 +119,7 @@ void memoryOfAnOpenFile(benchmark::State& state) {
     for ([[maybe_unused]] auto each : state) {
         const double before = used();
         const PageStore store = PageStore::open(*files, path);
-        state.counters["heap_per_file_byte"] = (used() - before) / static_cast<double>(store.image().size());
+        state.counters["heap_per_file_byte"] = (used() - before) / static_cast<double>(store.size());
     }
 }
 BENCHMARK(memoryOfAnOpenFile)->Iterations(5)->Unit(benchmark::kMicrosecond);

@@ -24,6 +24,9 @@ public:
     [[nodiscard]] bool writable(const std::string&) const override { return true; }
     [[nodiscard]] bool folderWritable(const std::string&) const override { return true; }
     [[nodiscard]] std::string resolveLinks(const std::string& path) const override { return path; }
+    std::unique_ptr<InputFile> open(const std::string&, FileStatus&) const override {
+        return std::make_unique<Input>(*this);
+    }
     FileStatus read(const std::string&, std::string& bytes) const override {
         bytes = bytes_;
         return {};
@@ -48,6 +51,21 @@ public:
     [[nodiscard]] const std::string& bytes() const { return bytes_; }
 
 private:
+    class Input : public InputFile {
+    public:
+        explicit Input(const OneFilePort& port)
+            : bytes_(port.bytes_)
+            , identity_(port.identity(kPath)) {}
+        FileStatus read(std::uint64_t at, std::span<char> bytes) override {
+            bytes_.copy(bytes.data(), bytes.size(), at);
+            return {};
+        }
+        [[nodiscard]] std::optional<FileIdentity> identity() const override { return identity_; }
+
+    private:
+        const std::string bytes_;
+        const std::optional<FileIdentity> identity_;
+    };
     class Output : public OutputFile {
     public:
         explicit Output(OneFilePort& port)
@@ -82,7 +100,7 @@ inline void readAll(std::string_view bytes) {
         for (const auto& entry : jet::Catalog(store).tables()) {
             try {
                 const jet::Table table(store, entry.page);
-                std::size_t budget = store.image().size();
+                std::size_t budget = store.size();
                 table.scan([&](jet::RowId, const jet::RowReader& row) {
                     for (std::size_t i = 0; i < table.definition().columns.size(); ++i) {
                         jet::valueOf(store, table.definition(), row, i, budget);

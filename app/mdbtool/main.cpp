@@ -81,7 +81,7 @@ int dumpTable(Database& database, const std::string& name) {
             mdbtool::appendEscaped(out, column.name);
         }
         out += '\n';
-        std::size_t budget = table.store().image().size();
+        std::size_t budget = table.store().size();
         table.scan([&](RowId, const RowReader& row) {
             for (std::size_t i = 0; i < columns.size(); ++i) {
                 out += i == 0 ? "" : "\t";
@@ -176,7 +176,8 @@ int run(const std::vector<std::string>& arguments) {
     if (isNew) {
         return makeLibrary(engine, path, jet3 ? Generation::Jet3 : Generation::Jet4);
     }
-    const auto database = engine.OpenDatabase(path);
+    const bool reads = command == "tables" || command == "dump";
+    const auto database = engine.OpenDatabase(path, reads ? Reading::OnDemand : Reading::Whole);
     if (command == "tables") {
         return listTables(*database);
     }

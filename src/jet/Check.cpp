@@ -124,7 +124,7 @@ private:
             claim(entry.name, page, "definition");
         }
         ++result_.tables;
-        TableCheck check{entry, table, {}, {}, store_.image().size()};
+        TableCheck check{entry, table, {}, {}, store_.size()};
         checkDataPages(check);
         checkLongValuePages(check);
         checkRows(check);
@@ -253,7 +253,7 @@ private:
         ++result_.indexes;
         claimMap(check.entry.name, index.map);
         TreeCheck tree{
-            check, index, {}, 0, 0, {}, std::vector<bool>(check.rows.size()), store_.image().size(),
+            check, index, {}, 0, 0, {}, std::vector<bool>(check.rows.size()), store_.size(),
             0,     false};
         checkNode(tree, index.root, std::nullopt, std::nullopt);
         if (tree.linkedLeaf != 0) {

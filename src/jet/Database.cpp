@@ -194,11 +194,11 @@ std::shared_ptr<SharedFile> DBEngine::openFile(const std::string& path) {
     return nullptr;
 }
 
-std::unique_ptr<Database> DBEngine::OpenDatabase(const std::string& path) {
+std::unique_ptr<Database> DBEngine::OpenDatabase(const std::string& path, Reading reading) {
     auto file = openFile(path);
     if (!file) {
         try {
-            file = std::make_shared<SharedFile>(PageStore::open(files_, path));
+            file = std::make_shared<SharedFile>(PageStore::open(files_, path, reading));
         } catch (JetError& error) {
             error.nameFile(path);
             throw;

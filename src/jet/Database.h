@@ -99,7 +99,7 @@ public:
 
     /// `path` is absolute. A file that another program changed since it was last opened is read anew; who has
     /// it open from before keeps what was read and can no longer commit.
-    std::unique_ptr<Database> OpenDatabase(const std::string& path);
+    std::unique_ptr<Database> OpenDatabase(const std::string& path, Reading reading = Reading::Whole);
     /// Makes a database with empty tables; the file must not exist. `created` is entered as it is, local
     /// time. One commit.
     std::unique_ptr<Database> CreateDatabase(const std::string& path, Generation generation,

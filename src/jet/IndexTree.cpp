@@ -302,7 +302,7 @@ void IndexTree::rebuildWithout(const std::string& entry) {
     std::size_t bytes = 0;
     walk([&](std::string_view each) {
         bytes += each.size();
-        if (bytes / kMostCompression > store_.image().size()) {
+        if (bytes / kMostCompression > store_.size()) {
             damaged("an index is larger than it can be");
         }
         if (each != entry) {

@@ -25,7 +25,7 @@ std::vector<RowId> chainRows(const PageStore& store, RowId first) {
     std::vector<RowId> rows;
     for (RowId at = first; at.page != 0; at = readPointer(Bytes(rowBytes(store, at)), 0)) {
         rows.push_back(at);
-        if (rows.size() * kPointerSize > store.image().size()) {
+        if (rows.size() * kPointerSize > store.size()) {
             damaged("a long value runs in a circle");
         }
     }

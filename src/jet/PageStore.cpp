@@ -97,19 +97,12 @@ PageStore::PageStore(FilePort& files, const std::string& path)
     , path_(files.resolveLinks(path))
     , names_{path, path_} {}
 
-PageStore PageStore::open(FilePort& files, const std::string& path) {
+PageStore PageStore::open(FilePort& files, const std::string& path, Reading reading) {
     PageStore store(files, path);
-    store.identity_ = files.identity(store.path_);
-    if (store.identity_ && store.identity_->size > kJet4.largestFile) {
-        cannotOpen("it is larger than an Access database can be");
-    }
-    const auto status = files.read(store.path_, store.image_);
-    if (!status.ok()) {
-        cannotOpen(status.notFound() ? "there is no such file" : "it cannot be read: " + status.reason());
-    }
-    // A writer at work while we read shows itself by a change of size or time.
-    if (store.identity_ != files.identity(store.path_)) {
-        cannotOpen("it is being written by another program");
+    store.image_ = PageImage(files, store.path_, kJet4.largestFile);
+    store.identity_ = store.image_.identity();
+    if (reading == Reading::Whole) {
+        store.image_.readAll();
     }
     store.adoptHeader();
     return store;
@@ -126,7 +119,7 @@ PageStore PageStore::create(FilePort& files, const std::string& path, Generation
 }
 
 void PageStore::adoptHeader() {
-    const Bytes start(std::string_view(image_).substr(0, std::min(image_.size(), kJet3.pageSize)));
+    const Bytes start(image_.view(0, std::min(image_.size(), kJet3.pageSize)));
     if (start.size() < kMaskedAt) {
         cannotOpen("it is not an Access database");
     }
@@ -136,7 +129,7 @@ void PageStore::adoptHeader() {
     }
     cutShort_ = image_.size() % layout_->pageSize != 0;
     image_.resize(image_.size() / layout_->pageSize * layout_->pageSize);
-    std::string plain = image_.substr(0, layout_->pageSize);
+    std::string plain(image_.view(0, layout_->pageSize));
     mask(std::span(plain).subspan(kMaskedAt, layout_->maskedSize));
     const Bytes header(plain);
     if (header.u32(kEncryptionKeyAt) != 0) {
@@ -153,7 +146,7 @@ Bytes PageStore::page(PageNo number) const {
     if (number >= pageCount()) {
         damaged("it refers to page " + std::to_string(number) + " of " + std::to_string(pageCount()));
     }
-    return Bytes(std::string_view(image_).substr(number * layout_->pageSize, layout_->pageSize));
+    return Bytes(image_.view(number * layout_->pageSize, layout_->pageSize));
 }
 
 Bytes PageStore::page(PageNo number, PageType type) const {
@@ -174,7 +167,7 @@ Patch PageStore::edit(PageNo number) {
     if (number * layout_->pageSize < undo.imageSize && !undo.before.contains(number)) {
         undo.before.emplace(number, bytes.all());
     }
-    return Patch(std::span(image_).subspan(number * layout_->pageSize, layout_->pageSize));
+    return Patch(image_.part(number * layout_->pageSize, layout_->pageSize));
 }
 
 PageNo PageStore::appendPage() {
@@ -183,7 +176,7 @@ PageNo PageStore::appendPage() {
         rejected("the database is full: it cannot grow beyond " + std::to_string(layout_->largestFile >> 30) +
                  " GiB");
     }
-    image_.resize(image_.size() + layout_->pageSize, '\0');
+    image_.resize(image_.size() + layout_->pageSize);
     return number;
 }
 
@@ -208,13 +201,14 @@ void PageStore::initHeader() {
                                               "4.0\0",
                                               8));
     }
-    mask(std::span(image_).subspan(kMaskedAt, layout.maskedSize));
+    mask(image_.part(kMaskedAt, layout.maskedSize));
     for (std::size_t at = layout.pageSize - kCommitTableSize; at < layout.pageSize; at += 2) {
         page.u16(at, at == layout.pageSize - kCommitTableSize ? 0x0101 : 0x0100);
     }
 }
 
 void PageStore::begin() {
+    image_.readAll();
     undo_.push_back({image_.size(), {}});
 }
 
@@ -244,7 +238,7 @@ void PageStore::rollback() {
 void PageStore::restore(Undo& undo) {
     image_.resize(undo.imageSize);
     for (const auto& [number, bytes] : undo.before) {
-        image_.replace(number * layout_->pageSize, bytes.size(), bytes);
+        bytes.copy(image_.part(number * layout_->pageSize, bytes.size()).data(), bytes.size());
     }
     ++version_;
     ++changes_;
@@ -258,7 +252,7 @@ void PageStore::save() {
         throw JetError(Fault::ReadOnly, "the change was not saved: " + reason);
     }
     bool renaming = false;
-    const auto status = replaceFile(*files_, path_, image_, [&] {
+    const auto status = replaceFile(*files_, path_, image_.all(), [&] {
         renaming = !changedOnDisk();
         return renaming ? FileStatus() : FileStatus::failure("another program changed the file meanwhile");
     });

@@ -2,8 +2,8 @@
 
 #include "jet/Bytes.h"
 #include "jet/Layout.h"
+#include "jet/PageImage.h"
 #include "jet/TextCodec.h"
-#include "platform/FilePort.h"
 
 #include <map>
 #include <optional>
@@ -21,15 +21,21 @@ struct RowId {
     auto operator<=>(const RowId&) const = default;
 };
 
-/// The one page cache: the whole file in memory, every change to a page recorded so that it can be taken
-/// back.
+/// How much of a file is read when it is opened.
+enum class Reading {
+    Whole,    ///< all of it: the store no longer depends on the file
+    OnDemand, ///< what is asked for, when it is; the rest before the first change
+};
+
+/// The one page cache: the file in memory, every change to a page recorded so that it can be taken back.
 ///
 /// Changes are made between begin() and either release() or rollback(); these nest, and the outermost
 /// release() brings all changed pages to the file in one atomic step. The file is never touched otherwise.
 class PageStore {
 public:
-    /// Reads the file. Throws JetError(CannotOpen) for what is no readable Jet 3 or 4 database.
-    static PageStore open(FilePort& files, const std::string& path);
+    /// Throws JetError(CannotOpen) for what is no readable Jet 3 or 4 database. Read on demand, a page that
+    /// cannot be read, or a file that another program writes meanwhile, shows itself by the same error later.
+    static PageStore open(FilePort& files, const std::string& path, Reading reading = Reading::Whole);
     /// An empty image of the header page alone, which the first outermost release() writes to `path`.
     static PageStore create(FilePort& files, const std::string& path, Generation generation);
 
@@ -37,7 +43,8 @@ public:
     [[nodiscard]] const TextCodec& text() const { return text_; }
     [[nodiscard]] const std::string& path() const { return path_; }
     [[nodiscard]] PageNo pageCount() const { return static_cast<PageNo>(image_.size() / layout_->pageSize); }
-    [[nodiscard]] const std::string& image() const { return image_; }
+    /// Bytes of the file as it now is in memory.
+    [[nodiscard]] std::size_t size() const { return image_.size(); }
 
     /// The page's bytes; valid until the next appendPage(). Throws JetError(Damaged) for a page beyond the
     /// end.
@@ -94,7 +101,7 @@ private:
     std::set<std::string> names_; ///< as given by those who opened the file
     const Layout* layout_ = &kJet4;
     TextCodec text_;
-    std::string image_;
+    PageImage image_;
     bool cutShort_ = false;
     std::optional<FileIdentity>
         identity_; ///< of the file as it was read or last written; nothing for a new one

@@ -27,7 +27,7 @@ Value Record::value(std::size_t position) const {
 }
 
 std::optional<std::string> Record::stored(std::size_t position) const {
-    std::size_t budget = store_->image().size();
+    std::size_t budget = store_->size();
     return stored(position, budget);
 }
 

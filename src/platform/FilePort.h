@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -42,6 +43,17 @@ struct FileIdentity {
     bool operator==(const FileIdentity&) const = default;
 };
 
+/// A file open for reading at any place: the file that was opened, also when its name has gone to another one
+/// since. Nobody is hindered from writing, replacing or removing it.
+class InputFile {
+public:
+    virtual ~InputFile() = default;
+    /// Fills `bytes` from the place `at`; fails when the file ends before that.
+    virtual FileStatus read(std::uint64_t at, std::span<char> bytes) = 0;
+    /// Nothing when the system does not tell.
+    [[nodiscard]] virtual std::optional<FileIdentity> identity() const = 0;
+};
+
 /// A file open for writing. Destroying it closes it; a result that matters is taken from close().
 class OutputFile {
 public:
@@ -73,6 +85,8 @@ public:
     /// Follows links to the file that holds the bytes; the path itself when it is no link or does not exist.
     [[nodiscard]] virtual std::string resolveLinks(const std::string& path) const = 0;
 
+    /// Null with the reason in `status` on failure; a folder fails.
+    virtual std::unique_ptr<InputFile> open(const std::string& path, FileStatus& status) const = 0;
     /// Reads the whole file into `bytes`; on failure `bytes` is left as it was.
     virtual FileStatus read(const std::string& path, std::string& bytes) const = 0;
     /// Opens (creating it when missing), writes the bytes at the end and closes: nothing is kept open, so a

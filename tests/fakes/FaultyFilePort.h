@@ -48,6 +48,10 @@ public:
     [[nodiscard]] std::string resolveLinks(const std::string& path) const override {
         return inner_.resolveLinks(path);
     }
+    std::unique_ptr<InputFile> open(const std::string& path, FileStatus& status) const override {
+        auto file = inner_.open(path, status);
+        return file ? std::make_unique<Input>(*this, std::move(file)) : nullptr;
+    }
     FileStatus read(const std::string& path, std::string& bytes) const override {
         return step(FileStep::Read, [&] { return inner_.read(path, bytes); });
     }
@@ -86,6 +90,19 @@ public:
     [[nodiscard]] std::uint64_t processId() const override { return inner_.processId(); }
 
 private:
+    struct Input : InputFile {
+        Input(const FaultyFilePort& port, std::unique_ptr<InputFile> inner)
+            : port_(port)
+            , inner_(std::move(inner)) {}
+
+        FileStatus read(std::uint64_t at, std::span<char> bytes) override {
+            return port_.step(FileStep::Read, [&] { return inner_->read(at, bytes); });
+        }
+        [[nodiscard]] std::optional<FileIdentity> identity() const override { return inner_->identity(); }
+
+        const FaultyFilePort& port_;
+        std::unique_ptr<InputFile> inner_;
+    };
     struct Output : OutputFile {
         Output(FaultyFilePort& port, std::unique_ptr<OutputFile> inner)
             : port_(port)

@@ -61,8 +61,7 @@ public:
     }
     [[nodiscard]] std::optional<FileIdentity> identity(const std::string& path) const override {
         const File* file = find(path);
-        return file ? std::optional(FileIdentity{1, file->node, file->bytes.size(), file->modified})
-                    : std::nullopt;
+        return file ? std::optional(identityOf(*file)) : std::nullopt;
     }
     [[nodiscard]] bool writable(const std::string& path) const override {
         const File* file = find(path);
@@ -77,6 +76,13 @@ public:
             target = isAbsolutePath(link->second) ? link->second : folderOf(target) + "/" + link->second;
         }
         return target;
+    }
+    std::unique_ptr<InputFile> open(const std::string& path, FileStatus& status) const override {
+        const auto found = files_.find(resolveLinks(path));
+        status = found != files_.end() ? FileStatus()
+                 : isFolder(path)      ? FileStatus::failure("Is a directory")
+                                       : noSuchFile();
+        return status.ok() ? std::make_unique<Input>(found->second) : nullptr;
     }
     FileStatus read(const std::string& path, std::string& bytes) const override {
         const File* file = find(path);
@@ -157,6 +163,24 @@ public:
     [[nodiscard]] std::uint64_t processId() const override { return 4711; }
 
 private:
+    static FileIdentity identityOf(const File& file) {
+        return {1, file.node, file.bytes.size(), file.modified};
+    }
+    struct Input : InputFile {
+        explicit Input(std::shared_ptr<File> file)
+            : file_(std::move(file)) {}
+
+        FileStatus read(std::uint64_t at, std::span<char> bytes) override {
+            const bool there = at + bytes.size() <= file_->bytes.size();
+            if (there) {
+                file_->bytes.copy(bytes.data(), bytes.size(), at);
+            }
+            return there ? FileStatus() : FileStatus::failure("the file has become shorter");
+        }
+        [[nodiscard]] std::optional<FileIdentity> identity() const override { return identityOf(*file_); }
+
+        std::shared_ptr<File> file_;
+    };
     /// Shares the file, as an open descriptor does: removing or renaming it does not end the writing.
     struct Output : OutputFile {
         Output(std::shared_ptr<File> file, std::int64_t& changes)

@@ -78,6 +78,54 @@ TEST(Commit, LeavesTheOldFileOnAFullDisk) {
     EXPECT_EQ(disk.text(kPath), before);
 }
 
+/// Pages that are read on demand are those of the file as it was opened, or an error; a store that was read
+/// whole needs the file no more.
+TEST(Commit, ReadsWhatWasOpenedOrSaysSo) {
+    struct Case {
+        const char* what;
+        std::function<void(MemoryFilePort&, FaultyFilePort&)> event;
+        const char* reading; ///< failure of reading on
+        const char* commit;
+    };
+    const auto replace = [](MemoryFilePort& disk, FaultyFilePort&) {
+        disk.put("/data/other", std::string(200000, '\0'));
+        disk.rename("/data/other", kPath);
+    };
+    const Case cases[] = {
+        {"nothing", [](auto&, auto&) {}, "", ""},
+        {"replaced", replace, "", "another program changed the file meanwhile"},
+        {"removed", [](auto& disk, auto&) { disk.remove(kPath); }, "", "changed the file meanwhile"},
+        {"written in place", [](auto& disk, auto&) { disk.put(kPath, disk.text(kPath)); },
+         "it is being written by another program", "changed the file meanwhile"},
+        {"cut", [](auto& disk, auto&) { disk.put(kPath, "Jet"); }, "it is being written by another program",
+         "changed the file meanwhile"},
+        {"unreadable", [](auto&, auto& files) { files.failKind(FileStep::Read); },
+         "it cannot be read: Input/output error", ""},
+    };
+    for (const auto& c : cases) {
+        for (const Reading reading : {Reading::Whole, Reading::OnDemand}) {
+            MemoryFilePort disk;
+            disk.put("/data/x", "");
+            makeOldLibrary(disk, Generation::Jet4, {"a", "b"});
+            FaultyFilePort files(disk);
+            DBEngine engine(files);
+            const auto database = engine.OpenDatabase(kPath, reading);
+            c.event(disk, files);
+            SCOPED_TRACE(std::string(c.what) + (reading == Reading::Whole ? ", whole" : ""));
+            std::vector<std::string> rows;
+            const std::string reason = reading == Reading::Whole ? "" : c.reading;
+            const std::string said = failure([&] { rows = rowsOf(*database, "Film"); });
+            EXPECT_TRUE(said.empty() == reason.empty() && said.find(reason) != std::string::npos) << said;
+            EXPECT_EQ(rows.size(), reason.empty() ? 2U : 0U);
+            if (reason.empty()) {
+                const std::string saving = failure([&] { changeFirstFilm(*database); });
+                EXPECT_TRUE(saving.empty() == !*c.commit && saving.find(c.commit) != std::string::npos)
+                    << saving;
+            }
+        }
+    }
+}
+
 #ifndef _WIN32
 
 /// Ends the process, as kill -9 would, when a given step is asked for.

@@ -26,7 +26,7 @@ std::string soundFile(Generation generation, std::size_t size = 0) {
         model.step();
     }
     const auto set = database->OpenRecordset("Table 1");
-    for (std::int64_t id = 100000; database->shared().store().image().size() < size; ++id) {
+    for (std::int64_t id = 100000; database->shared().store().size() < size; ++id) {
         set->AddNew();
         set->SetValue("Id", id);
         set->SetValue("Name", std::string(static_cast<std::size_t>(id % 50), 'k') + std::to_string(id));

@@ -39,12 +39,23 @@ void keepsTheContract(FileWorld& world) {
     EXPECT_TRUE(status.ok() && output->write("x").ok() && output->flush().ok() && output->close().ok());
     EXPECT_FALSE(output->write("after").ok());
     const auto before = files.identity(file);
+    const auto opened = files.open(file, status);
+    ASSERT_TRUE(opened);
+    EXPECT_EQ(opened->identity(), before);
     EXPECT_NE(files.identity(world.path("new")), before);
     EXPECT_EQ(files.identity(file), before);
     EXPECT_TRUE(files.rename(world.path("new"), file).ok());
     EXPECT_NE(files.identity(file), before);
     EXPECT_TRUE(files.read(file, bytes).ok());
     EXPECT_EQ(bytes, "x");
+
+    char three[3];
+    EXPECT_TRUE(opened->read(7, three).ok()) << "the file that was opened, whoever has its name now";
+    EXPECT_EQ(std::string(three, 3), "two");
+    EXPECT_FALSE(opened->read(8, three).ok()) << "beyond the end";
+    EXPECT_EQ(opened->identity()->size, 10u);
+    EXPECT_FALSE(files.open(world.path("nowhere"), status));
+    EXPECT_TRUE(status.notFound());
 
     EXPECT_TRUE(files.makeFolder(world.path("p/q")).ok());
     EXPECT_TRUE(files.makeFolder(world.path("p/q")).ok());
@@ -55,6 +66,7 @@ void keepsTheContract(FileWorld& world) {
     EXPECT_TRUE(files.exists(world.path("p")));
     EXPECT_FALSE(files.size(world.path("p")).has_value());
     EXPECT_FALSE(files.read(world.path("p"), bytes).ok());
+    EXPECT_FALSE(files.open(world.path("p"), status));
     EXPECT_FALSE(files.append(world.path("p"), "x").ok());
     EXPECT_TRUE(files.append(world.path("nowhere/file"), "x").notFound());
     EXPECT_TRUE(files.flushFolder(world.path("p")).ok());

@@ -99,6 +99,48 @@ FileStatus flushed(int number) {
     return outcome(retried([&] { return ::fsync(number); }) == 0);
 }
 
+std::int64_t modifiedNanoseconds(const struct stat& info) {
+#ifdef __APPLE__
+    const timespec& time = info.st_mtimespec;
+#else
+    const timespec& time = info.st_mtim;
+#endif
+    return static_cast<std::int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+}
+
+FileIdentity identityOf(const struct stat& info) {
+    return {static_cast<std::uint64_t>(info.st_dev), static_cast<std::uint64_t>(info.st_ino),
+            static_cast<std::uint64_t>(info.st_size), modifiedNanoseconds(info)};
+}
+
+class PosixInputFile : public InputFile {
+public:
+    explicit PosixInputFile(int number)
+        : file_(number) {}
+
+    FileStatus read(std::uint64_t at, std::span<char> bytes) override {
+        std::size_t done = 0;
+        while (done < bytes.size()) {
+            const ssize_t count = retried([&] {
+                return ::pread(file_.number(), bytes.data() + done, bytes.size() - done,
+                               static_cast<off_t>(at + done));
+            });
+            if (count <= 0) {
+                return count < 0 ? failureOf(errno) : FileStatus::failure("the file has become shorter");
+            }
+            done += static_cast<std::size_t>(count);
+        }
+        return {};
+    }
+    [[nodiscard]] std::optional<FileIdentity> identity() const override {
+        struct stat info {};
+        return ::fstat(file_.number(), &info) == 0 ? std::optional(identityOf(info)) : std::nullopt;
+    }
+
+private:
+    Descriptor file_;
+};
+
 class PosixOutputFile : public OutputFile {
 public:
     explicit PosixOutputFile(int number)
@@ -151,15 +193,6 @@ bool linkTarget(const std::string& path, std::string& target) {
     return true;
 }
 
-std::int64_t modifiedNanoseconds(const struct stat& info) {
-#ifdef __APPLE__
-    const timespec& time = info.st_mtimespec;
-#else
-    const timespec& time = info.st_mtim;
-#endif
-    return static_cast<std::int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
-}
-
 /// Rights of the effective user, as open(2) will judge them.
 bool accessible(const std::string& path, int rights) {
     return ::faccessat(AT_FDCWD, path.c_str(), rights, AT_EACCESS) == 0;
@@ -182,8 +215,7 @@ public:
         if (::stat(path.c_str(), &info) != 0 || S_ISDIR(info.st_mode)) {
             return std::nullopt;
         }
-        return FileIdentity{static_cast<std::uint64_t>(info.st_dev), static_cast<std::uint64_t>(info.st_ino),
-                            static_cast<std::uint64_t>(info.st_size), modifiedNanoseconds(info)};
+        return identityOf(info);
     }
 
     [[nodiscard]] bool writable(const std::string& path) const override {
@@ -205,6 +237,16 @@ public:
             current = target.front() == '/' ? target : joinPath(folderOf(current), target);
         }
         return path; // links in a circle
+    }
+
+    std::unique_ptr<InputFile> open(const std::string& path, FileStatus& status) const override {
+        Descriptor file(openRetried(path, O_RDONLY));
+        struct stat info {};
+        status = outcome(file.open() && ::fstat(file.number(), &info) == 0);
+        if (status.ok() && S_ISDIR(info.st_mode)) {
+            status = failureOf(EISDIR);
+        }
+        return status.ok() ? std::make_unique<PosixInputFile>(file.release()) : nullptr;
     }
 
     FileStatus read(const std::string& path, std::string& bytes) const override {

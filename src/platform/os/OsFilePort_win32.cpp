@@ -99,6 +99,51 @@ FileStatus writeAll(HANDLE file, std::string_view bytes) {
     return {};
 }
 
+std::uint64_t joined(DWORD high, DWORD low) {
+    return (static_cast<std::uint64_t>(high) << 32) | low;
+}
+
+std::optional<FileIdentity> identityOf(HANDLE file) {
+    BY_HANDLE_FILE_INFORMATION info{};
+    if (!::GetFileInformationByHandle(file, &info)) {
+        return std::nullopt;
+    }
+    const std::uint64_t ticks =
+        joined(info.ftLastWriteTime.dwHighDateTime, info.ftLastWriteTime.dwLowDateTime);
+    return FileIdentity{info.dwVolumeSerialNumber, joined(info.nFileIndexHigh, info.nFileIndexLow),
+                        joined(info.nFileSizeHigh, info.nFileSizeLow),
+                        static_cast<std::int64_t>(ticks * 100)};
+}
+
+class Win32InputFile : public InputFile {
+public:
+    explicit Win32InputFile(HANDLE file)
+        : file_(file) {}
+
+    FileStatus read(std::uint64_t at, std::span<char> bytes) override {
+        std::size_t done = 0;
+        while (done < bytes.size()) {
+            const std::uint64_t place = at + done;
+            OVERLAPPED where{};
+            where.Offset = static_cast<DWORD>(place);
+            where.OffsetHigh = static_cast<DWORD>(place >> 32);
+            DWORD count = 0;
+            if (!::ReadFile(file_.get(), bytes.data() + done, chunkOf(bytes.size() - done), &count, &where)) {
+                return failureOf(::GetLastError());
+            }
+            if (count == 0) {
+                return FileStatus::failure("the file has become shorter");
+            }
+            done += count;
+        }
+        return {};
+    }
+    [[nodiscard]] std::optional<FileIdentity> identity() const override { return identityOf(file_.get()); }
+
+private:
+    Handle file_;
+};
+
 class Win32OutputFile : public OutputFile {
 public:
     explicit Win32OutputFile(HANDLE file)
@@ -135,10 +180,6 @@ bool isFolder(const std::wstring& path) {
     return found != INVALID_FILE_ATTRIBUTES && (found & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-std::uint64_t joined(DWORD high, DWORD low) {
-    return (static_cast<std::uint64_t>(high) << 32) | low;
-}
-
 class Win32FilePort : public FilePort {
 public:
     [[nodiscard]] bool exists(const std::string& path) const override {
@@ -153,15 +194,7 @@ public:
     [[nodiscard]] std::optional<FileIdentity> identity(const std::string& path) const override {
         const Handle file(::CreateFileW(native(path).c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-        BY_HANDLE_FILE_INFORMATION info{};
-        if (!file.open() || !::GetFileInformationByHandle(file.get(), &info)) {
-            return std::nullopt;
-        }
-        const std::uint64_t ticks =
-            joined(info.ftLastWriteTime.dwHighDateTime, info.ftLastWriteTime.dwLowDateTime);
-        return FileIdentity{info.dwVolumeSerialNumber, joined(info.nFileIndexHigh, info.nFileIndexLow),
-                            joined(info.nFileSizeHigh, info.nFileSizeLow),
-                            static_cast<std::int64_t>(ticks * 100)};
+        return file.open() ? identityOf(file.get()) : std::nullopt;
     }
 
     [[nodiscard]] bool writable(const std::string& path) const override {
@@ -197,6 +230,13 @@ public:
             return "\\" + found.substr(7);
         }
         return found.rfind("\\\\?\\", 0) == 0 ? found.substr(4) : found;
+    }
+
+    std::unique_ptr<InputFile> open(const std::string& path, FileStatus& status) const override {
+        Handle file(::CreateFileW(native(path).c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
+                                  FILE_FLAG_RANDOM_ACCESS, nullptr));
+        status = outcome(file.open());
+        return status.ok() ? std::make_unique<Win32InputFile>(file.release()) : nullptr;
     }
 
     FileStatus read(const std::string& path, std::string& bytes) const override {

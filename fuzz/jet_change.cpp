@@ -1,4 +1,5 @@
 #include "JetFuzz.h"
+#include "JetMutator.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     drx9::fuzz::changeAndCheck({reinterpret_cast<const char*>(data), size});

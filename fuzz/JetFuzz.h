@@ -164,7 +164,9 @@ inline void changeAndCheck(std::string_view bytes) {
             });
             changeOnce(files, [&] { database->TableDefs(name).Append({"Added", jet::ColumnType::Memo, 0}); });
             change([](jet::Table& table) {
-                table.insert({{table.definition().columns.size() - 1, std::string(5000, 'm')}});
+                if (const auto columns = table.definition().columns.size(); columns > 0) {
+                    table.insert({{columns - 1, std::string(5000, 'm')}});
+                }
             });
             changeOnce(files, [&] {
                 for (const auto& index : database->TableDefs(name).Indexes()) {

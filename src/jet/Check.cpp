@@ -252,9 +252,8 @@ private:
     void checkIndex(const TableCheck& check, const RealIndex& index) {
         ++result_.indexes;
         claimMap(check.entry.name, index.map);
-        TreeCheck tree{
-            check, index, {}, 0, 0, {}, std::vector<bool>(check.rows.size()), store_.size(),
-            0,     false};
+        TreeCheck tree{check,         index, {},   0, 0, {}, std::vector<bool>(check.rows.size()),
+                       store_.size(), 0,     false};
         checkNode(tree, index.root, std::nullopt, std::nullopt);
         if (tree.linkedLeaf != 0) {
             treeFault(tree, "its last leaf has a next one");

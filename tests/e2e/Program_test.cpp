@@ -156,7 +156,7 @@ private:
 
     QTemporaryDir folder_;
     const std::unique_ptr<FilePort> files_ = makeOsFilePort();
-    const NumberLocale locale_;
+    const NumberLocale locale_{};
     QProcess simulator_;
     QString port_ = "0"; ///< of TCP, once it is known
     QStringList arguments_;

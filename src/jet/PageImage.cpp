@@ -1,7 +1,6 @@
 #include "jet/PageImage.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace drx9::jet {
 
@@ -74,11 +73,11 @@ void PageImage::resize(std::size_t size) {
     if (size > capacity_) {
         capacity_ = std::max(size, capacity_ + capacity_ / 4);
         std::unique_ptr<char[]> larger(new char[capacity_]);
-        std::memcpy(larger.get(), bytes_.get(), size_);
+        std::copy_n(bytes_.get(), size_, larger.get());
         bytes_ = std::move(larger);
     }
     if (size > size_) {
-        std::memset(bytes_.get() + size_, 0, size - size_);
+        std::fill_n(bytes_.get() + size_, size - size_, '\0');
     }
     size_ = size;
 }

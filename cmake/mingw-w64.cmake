@@ -1,4 +1,5 @@
-# Cross-compiles the core and its tests for 64-bit Windows (Debian: g++-mingw-w64-x86-64-posix, googletest).
+# Cross-compiles the core and its tests for 64-bit Windows (Debian: g++-mingw-w64-x86-64-posix, googletest; wine, where
+# it is installed, runs the tests).
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
@@ -9,3 +10,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
+find_program(DRX9_WINE NAMES wine64 wine)
+if(DRX9_WINE)
+  set(CMAKE_CROSSCOMPILING_EMULATOR ${DRX9_WINE})
+endif()

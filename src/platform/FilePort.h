@@ -44,7 +44,8 @@ struct FileIdentity {
 };
 
 /// A file open for reading at any place: the file that was opened, also when its name has gone to another one
-/// since. Nobody is hindered from writing, replacing or removing it.
+/// since. Nobody is hindered from writing or removing it; from replacing it neither, but on Windows, where a
+/// rename over an open file fails.
 class InputFile {
 public:
     virtual ~InputFile() = default;

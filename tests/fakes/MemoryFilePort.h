@@ -73,7 +73,7 @@ public:
     [[nodiscard]] std::string resolveLinks(const std::string& path) const override {
         std::string target = key(path);
         for (auto link = links_.find(target); link != links_.end(); link = links_.find(target)) {
-            target = isAbsolutePath(link->second) ? link->second : folderOf(target) + "/" + link->second;
+            target = link->second.front() == '/' ? link->second : folderOf(target) + "/" + link->second;
         }
         return target;
     }

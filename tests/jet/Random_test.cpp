@@ -149,7 +149,7 @@ protected:
             }
         }
         for (const auto& file : fs::directory_iterator(folder_)) {
-            const std::string path = file.path();
+            const std::string path = file.path().string();
             std::istringstream names(output(mdbtool() + " tables " + path));
             for (std::string name; std::getline(names, name);) {
                 visitor(path, name, output(mdbtool() + " dump " + path + " '" + name + "'"));

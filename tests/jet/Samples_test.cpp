@@ -18,7 +18,7 @@ void eachSample(const Visitor& visitor) {
         std::ifstream file(entry.path(), std::ios::binary);
         MemoryFilePort files;
         files.put(kPath, std::string{std::istreambuf_iterator<char>(file), {}});
-        const std::string name = entry.path().filename();
+        const std::string name = entry.path().filename().string();
         SCOPED_TRACE(name);
         visitor(name, files);
     }

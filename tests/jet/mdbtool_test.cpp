@@ -31,7 +31,7 @@ protected:
         }
     }
     Outcome run(const std::string& arguments, const std::string& input = {}) {
-        const std::string in = folder_ / "in.txt";
+        const std::string in = (folder_ / "in.txt").string();
         std::ofstream(in, std::ios::binary) << input;
         FILE* pipe = popen(
             ("cd " + folder_.string() + " && " DRX9_BIN_DIR "/mdbtool " + arguments + " < " + in + " 2>&1")

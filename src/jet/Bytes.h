@@ -59,7 +59,8 @@ private:
     std::string_view bytes_;
 };
 
-/// Bounds-checked little-endian writing over bytes that somebody else owns.
+/// Bounds-checked little-endian writing over bytes that somebody else owns. A view: its const says nothing of
+/// the bytes.
 class Patch {
 public:
     explicit Patch(std::span<char> bytes)
@@ -71,23 +72,23 @@ public:
         }
         return bytes_.subspan(at, length);
     }
-    void number(std::size_t at, std::size_t width, std::uint32_t value) {
+    void number(std::size_t at, std::size_t width, std::uint32_t value) const {
         const auto place = part(at, width);
         for (auto& byte : place) {
             byte = static_cast<char>(value & 0xFF);
             value >>= 8;
         }
     }
-    void u8(std::size_t at, std::uint32_t value) { number(at, 1, value); }
-    void u16(std::size_t at, std::uint32_t value) { number(at, 2, value); }
-    void u32(std::size_t at, std::uint32_t value) { number(at, 4, value); }
-    void bytes(std::size_t at, std::string_view value) {
+    void u8(std::size_t at, std::uint32_t value) const { number(at, 1, value); }
+    void u16(std::size_t at, std::uint32_t value) const { number(at, 2, value); }
+    void u32(std::size_t at, std::uint32_t value) const { number(at, 4, value); }
+    void bytes(std::size_t at, std::string_view value) const {
         const auto place = part(at, value.size());
         if (!value.empty()) {
             std::memcpy(place.data(), value.data(), value.size());
         }
     }
-    void fill(std::size_t at, std::size_t length, char byte) {
+    void fill(std::size_t at, std::size_t length, char byte) const {
         for (auto& each : part(at, length)) {
             each = byte;
         }

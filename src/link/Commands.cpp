@@ -4,17 +4,28 @@
 #include "util/ProgramName.h"
 #include "util/Text.h"
 
+#include <algorithm>
+
 namespace drx9 {
 
 namespace {
 constexpr int kDeadAfterTimeouts = 2; // in a row within one reading
+// After a reading the line is watched as long as one and a half of its exchanges took, for an answer too
+// many, and a little more for the system's sake. A reading that leaves no room for that in its tick goes
+// without.
+constexpr double kWatchedExchanges = 1.5;
+constexpr double kWatchedAtLeast = 0.002; // s
+constexpr double kReadingRoom = 0.2;      // s
 } // namespace
 
 /// One acquisition under way: keeps count of what failed.
 class Commands::Reading {
 public:
-    Reading(Link& link, Readings& values, std::string& failure, const std::function<bool()>& abandon)
+    Reading(Link& link, const Clock& clock, Readings& values, std::string& failure,
+            const std::function<bool()>& abandon)
         : link_(link)
+        , clock_(clock)
+        , start_(clock.monotonic())
         , values_(values)
         , failure_(failure)
         , abandon_(abandon) {}
@@ -70,12 +81,23 @@ public:
         if (end_ == ReadResult::Done && link_.settle()) {
             failure_ += failure_.empty() ? "Late answer" : ", answered late";
             end_ = ReadResult::OutOfStep;
+        } else if (end_ == ReadResult::Done && link_.hearsSurplus(watchTime())) {
+            failure_ += failure_.empty() ? "Answers out of step" : ", answers out of step";
+            end_ = ReadResult::OutOfStep;
         }
         return end_;
     }
 
 private:
+    /// How long to listen after the last exchange, s.
+    [[nodiscard]] double watchTime() const {
+        const double taken = clock_.monotonic() - start_;
+        return std::min(taken / sent_ * kWatchedExchanges + kWatchedAtLeast, kReadingRoom - taken);
+    }
+
     Link& link_;
+    const Clock& clock_;
+    const double start_;
     Readings& values_;
     std::string& failure_;
     const std::function<bool()>& abandon_;
@@ -96,9 +118,10 @@ Commands::ReadResult Commands::Comm_GetData(Readings& readings, const std::funct
         return ReadResult::Busy;
     }
     link_.settle(); // what another command timed out for is not taken for the first value
+    link_.watch();
     Readings values = readings;
     std::string failure;
-    Reading reading(link_, values, failure, abandon);
+    Reading reading(link_, clock_, values, failure, abandon);
     reading.all();
     values.elapsed = clock_.monotonic() - values.startTime;
     const ReadResult result = reading.end();

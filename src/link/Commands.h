@@ -21,7 +21,7 @@ public:
         Done,
         Busy,      ///< status was not 0 on entry: "Get Data Error" was shown, nothing was sent
         LinkDead,  ///< two time-outs in a row
-        OutOfStep, ///< an answer came after its time-out: the values behind it may be other commands'
+        OutOfStep, ///< an answer came late or twice: the values behind it may be other commands'
         Abandoned, ///< `abandon` asked for it between two exchanges
     };
 

@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kVersionDigits = 4;
 constexpr double kLastVersionWithNineFilms = 4.08; // inclusive
 constexpr double kQuiet = 0.06;                    // s without a byte: the answer is over, at any baud rate
-constexpr double kSettleLimit = 0.5;               // s
+constexpr double kListenLimit = 0.5;               // s
 
 std::uint16_t statusOfLetter(char letter) {
     switch (letter) {
@@ -89,10 +89,14 @@ std::string Link::Comm_Send(const std::string& command) {
 
 std::string Link::exchange(const std::string& command) {
     const InFlight inFlight(*this);
-    lastPacket_ = commandPacket(command);
-    reply_.clear();
     // The same one to the end, should the operator choose another link meanwhile.
     Transport& transport = transports_.of(settings_.CommType);
+    if (owed_) {
+        pump_.processPending(); // what has come so far shows only now
+    }
+    dropWaiting(transport);
+    lastPacket_ = commandPacket(command);
+    reply_.clear();
     if (transport.send(lastPacket_)) {
         return Comm_Receive(transport);
     }
@@ -127,28 +131,54 @@ void Link::sleep(const Transport& transport, double start, double deadline) {
 }
 
 bool Link::settle() {
-    if (!std::exchange(owed_, false)) {
-        return false;
-    }
+    return std::exchange(owed_, false) && listen(kStragglerLimit).bytes;
+}
+
+void Link::watch() {
+    dropWaiting(transports_.of(settings_.CommType));
+    surplus_ = false;
+}
+
+bool Link::hearsSurplus(double seconds) {
+    return listen(seconds).answer || surplus_;
+}
+
+/// A sound answer, and not the last one once more.
+bool Link::isSurplus(const std::optional<FrameParser::Reply>& reply) const {
+    return reply && reply->crcOk && reply->data != reply_;
+}
+
+/// A parser of its own: the rest of a packet that begins here must not complete one.
+void Link::dropWaiting(Transport& transport) {
+    FrameParser dropped;
+    transport.receiveLeftOver(
+        [&](std::uint8_t byte) { surplus_ = isSurplus(dropped.push(byte)) || surplus_; });
+}
+
+/// For so long, and while something is coming until the line is quiet.
+Link::Heard Link::listen(double seconds) {
     Transport& transport = transports_.of(settings_.CommType);
     const double start = clock_.monotonic();
-    const double limit = start + kSettleLimit; // noise must not hold it for ever
-    double quietAt = start + kStragglerLimit;
-    bool heard = false;
-    for (double now = start; now < std::min(quietAt, limit); now = clock_.monotonic()) {
+    const double limit = start + kListenLimit; // noise must not hold it for ever
+    double quietAt = start + seconds;
+    Heard heard;
+    double now = start;
+    while (now < std::min(quietAt, limit)) {
         bool more = false;
-        const auto drop = [this, &more](std::uint8_t byte) {
+        const auto drop = [&](std::uint8_t byte) {
             more = true;
-            static_cast<void>(parser_.push(byte)); // lest the next reply be read as this one's end
+            // By the parser of the exchanges, lest the next reply be read as this one's end.
+            heard.answer = isSurplus(parser_.push(byte)) || heard.answer;
         };
         transport.receive(drop, [] { return true; });
         if (more) {
-            heard = true;
+            heard.bytes = true;
             quietAt = now + kQuiet;
         }
         const double interval = transport.pollInterval(now - start);
         pump_.sleepUntil(interval > 0 ? std::min(quietAt, now + interval) : std::min(quietAt, limit));
         pump_.processPending();
+        now = clock_.monotonic();
     }
     return heard;
 }

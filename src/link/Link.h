@@ -8,6 +8,7 @@
 #include "platform/EventPump.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace drx9 {
@@ -91,6 +92,15 @@ public:
     /// since that time-out may belong to other commands. At once false when none timed out. Pumps events.
     bool settle();
 
+    /// Begins to watch for answers that no command asked for. What waits already belongs to earlier commands.
+    void watch();
+    /// Listens for `seconds` (not at all at 0 or less), with nothing sent; pumps events then. True when since
+    /// watch() an answer that no command asked for came here, or was dropped before a send. What was read
+    /// meanwhile may then be the answers of other commands: one that comes twice, or late, is taken for the
+    /// next command's, whose own is then too many. The last answer once more does not count, nor do stray
+    /// bytes.
+    bool hearsSurplus(double seconds);
+
     /// True while a reply is awaited.
     [[nodiscard]] bool exchanging() const { return waiting_; }
     /// Monotonic time of the last complete reply whose check characters were right; below 0 before the first.
@@ -98,9 +108,17 @@ public:
 
 private:
     class InFlight;
+    /// What came while nothing was awaited.
+    struct Heard {
+        bool bytes = false;
+        bool answer = false; ///< a sound one, other than the last
+    };
 
     std::string exchange(const std::string& command);
     std::string Comm_Receive(Transport& transport);
+    Heard listen(double seconds);
+    void dropWaiting(Transport& transport);
+    [[nodiscard]] bool isSurplus(const std::optional<FrameParser::Reply>& reply) const;
     void sleep(const Transport& transport, double start, double deadline);
     void timeOut();
     void Comm_RxByte(std::uint8_t byte);
@@ -116,8 +134,9 @@ private:
     bool ok_ = false;
     bool waiting_ = false;
     std::uint16_t outcome_ = comm::kOk;
-    bool owed_ = false;   ///< a command sent since the last settle() was not answered in time
-    std::string pending_; ///< empty when none
+    bool owed_ = false;    ///< a command sent since the last settle() was not answered in time
+    bool surplus_ = false; ///< since watch()
+    std::string pending_;  ///< empty when none
     std::string lastPacket_;
     std::string reply_;
     std::string version_;

@@ -10,6 +10,7 @@ namespace drx9 {
 namespace {
 constexpr std::uint32_t kUsbChunk = 252; // bytes that one read of the bridge asks for
 constexpr double kConnectLimit = 1.0;    // s
+constexpr int kMostLeftOver = 4096;      // bytes: a port that is flooded must not hold up the sending
 
 // States of the socket control in which nothing more is to be waited for.
 constexpr int kSocketClosed = 0;
@@ -22,6 +23,11 @@ constexpr double kShortestPoll = 0.001;
 constexpr double kLongestPoll = 0.02;
 constexpr double kPollShare = 8;
 } // namespace
+
+void Transport::receiveLeftOver(const Feed& feed) {
+    int left = kMostLeftOver;
+    receive(feed, [&left] { return left-- > 0; });
+}
 
 double Transport::pollInterval(double) const {
     return 0;

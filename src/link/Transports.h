@@ -25,6 +25,9 @@ public:
     /// Feeds what has arrived; RS-232 and USB stop as soon as `awaiting` is false, Ethernet feeds the whole
     /// chunk.
     virtual void receive(const Feed& feed, const Awaiting& awaiting) = 0;
+    /// Feeds what waits before a send, a few thousand bytes at most; send() drops the rest. Nothing on USB:
+    /// its library is asked only while an answer is awaited.
+    virtual void receiveLeftOver(const Feed& feed);
     virtual void close() = 0;
     /// Longest sleep (s) between two looks at a link that cannot wake the event pump by itself, given how
     /// long the wait has lasted; 0 when arriving bytes wake the pump.
@@ -64,6 +67,7 @@ public:
     [[nodiscard]] bool isOpen() override;
     bool send(std::string_view packet) override; ///< a failed write closes the device
     void receive(const Feed& feed, const Awaiting& awaiting) override;
+    void receiveLeftOver(const Feed&) override {}
     void close() override;
     [[nodiscard]] double pollInterval(double waited) const override;
     /// Opens device `index` at 115200 baud; false on failure.

@@ -136,6 +136,53 @@ TEST_F(CommandsTest, ALateAnswerIsNotTakenForAnotherValue) {
     }
 }
 
+TEST_F(CommandsTest, AnAnswerThatComesTwiceMovesNoValue) {
+    constexpr std::int16_t kSerial = 0;
+    constexpr std::int16_t kSocket = 2;
+    using enum Commands::ReadResult;
+    const struct {
+        std::int16_t link;
+        const char* twice;
+        double exchange; ///< s that each takes
+        double later;    ///< by which share of that the answer comes again
+        Commands::ReadResult result;
+    } cases[] = {
+        {kSocket, "", 0.02, 0, Done},
+        {kSocket, "P1", 0.02, 0.25, OutOfStep},
+        {kSocket, "N2", 0.0002, 0.25, OutOfStep},
+        {kSerial, "M", 0.02, 0.25, OutOfStep},
+        {kSerial, "P1", 0.02, 1, OutOfStep}, // before that of L1, which waits when N1 is sent
+        {kSocket, "P1", 0.02, 1, Done},      // fed with that of L1, which stands
+        {kSerial, "O", 0.02, 0.25, Done},    // nothing came behind it
+        {kSerial, "", 0.03, 0, Done},        // no room in the tick: not watched
+    };
+    for (const auto& c : cases) {
+        bench.use(c.link);
+        std::string twice = c.twice;
+        double free = 0; // the commands are answered one by one
+        bench.wire().setAnswerer([&](const std::string& command) {
+            const double now = bench.clock.monotonic();
+            free = std::max(now, free) + c.exchange;
+            bench.wire().arrive(packets[command], free - now);
+            if (command == twice) {
+                bench.wire().arrive(packets[command], free + c.exchange * c.later - now);
+            }
+            return std::string();
+        });
+        SCOPED_TRACE(testing::Message() << c.twice << " again after " << c.later << ", link " << c.link);
+        readings = {};
+        const double start = bench.clock.monotonic();
+        EXPECT_EQ(read(), c.result);
+        const double watched = bench.clock.monotonic() - start - 8 * c.exchange;
+        EXPECT_LT(watched, c.exchange > 0.025 ? 1e-9 : 0.1);
+        EXPECT_EQ(readings.rate[0], c.result == Done ? 1.5 : 0.0);
+        twice.clear();
+        EXPECT_EQ(read(), Done) << "in step again";
+        EXPECT_EQ(readings.thickness[1], 0.5);
+        bench.pump.runFor(1);
+    }
+}
+
 TEST_F(CommandsTest, AReadingIsAbandonedBetweenExchangesButNotOnceComplete) {
     int asked = 0;
     EXPECT_EQ(commands.Comm_GetData(readings, [&] { return ++asked == 3; }), Commands::ReadResult::Abandoned);

@@ -32,7 +32,7 @@ const std::array<ChartDesign, 4>& chartDesigns();
 ///
 /// The time window follows the run until the operator zooms or pans along it; a double click or Home follows
 /// again. Zooming along Y changes the axis itself and does not stop the following.
-class ChartControl : public QWidget, public Graph {
+class ChartControl final : public QWidget, public Graph {
     Q_OBJECT
 public:
     explicit ChartControl(const ChartDesign& design, QWidget* parent = nullptr);

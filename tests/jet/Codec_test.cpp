@@ -38,7 +38,7 @@ TEST(TextCodec, ReadsAndWritesStoredTexts) {
         {kText4,
          std::string("\xFF\xFE"
                      "ab\0\x3A\x04\x3B\x04\0c",
-                     12),
+                     11),
          "abклc", false},
         {kText4, std::string("\x3D\xD8\x00\xDE", 4), "😀", true},
         {kText4, std::string("\x3D\xD8x\0", 4), "\xEF\xBF\xBDx", false}, // half a pair

@@ -152,7 +152,8 @@ protected:
             const std::string path = file.path().string();
             std::istringstream names(output(mdbtool() + " tables " + path));
             for (std::string name; std::getline(names, name);) {
-                visitor(path, name, output(mdbtool() + " dump " + path + " '" + name + "'"));
+                const std::string dump = mdbtool().append(" dump ").append(path).append(" '");
+                visitor(path, name, output(dump + name + "'"));
             }
         }
     }

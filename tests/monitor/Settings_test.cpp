@@ -135,7 +135,7 @@ TEST_F(SettingsTest, WhatIsNoNumberOrNoFile) {
     };
     for (const auto& c : cases) {
         const std::string line = std::string(c.key) + "=" + c.value + "\r\n";
-        load("[Display]\r\n" + line + "[DataLog]\r\n" + line);
+        load(std::string("[Display]\r\n").append(line).append("[DataLog]\r\n").append(line));
         EXPECT_EQ(settings.log.File, c.file);
         EXPECT_EQ(settings.Display, c.view) << c.value;
     }

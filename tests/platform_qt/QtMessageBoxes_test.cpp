@@ -24,7 +24,7 @@ QList<QMessageBox*> boxes() {
 }
 
 /// Gives the answer to the box once it stands.
-void onBox(Answer answer) {
+void onBox(const Answer& answer) {
     QTimer::singleShot(20, qApp, [answer] {
         ASSERT_EQ(boxes().size(), 1);
         answer(*boxes().front());

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <stdexcept>
 
 using namespace drx9;
 using namespace drx9::testing_qt;
@@ -111,6 +112,8 @@ TEST_F(QtUsbBridgeTest, LibraryInTheProgramsFolder) {
     const auto instrument = [&]() -> QTcpSocket& {
         if (end == nullptr && (server.hasPendingConnections() || server.waitForNewConnection(1000)))
             end = server.nextPendingConnection();
+        if (end == nullptr)
+            throw std::runtime_error("the library has not connected");
         return *end;
     };
     check(

@@ -234,7 +234,6 @@ void Drx9Style::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
         paintBox(*painter, option->rect, Qt::NoBrush, theme().accent, 2, kRadius);
         return;
     case PE_FrameStatusBarItem:
-        return;
     case PE_PanelStatusBar:
         return;
     case PE_FrameMenu:
@@ -389,12 +388,10 @@ int Drx9Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
     case SH_DialogButtonBox_ButtonsHaveIcons:
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
-        return 0;
     case SH_Widget_Animate:
     case SH_Widget_Animation_Duration:
+    case SH_ComboBox_Popup: // a list below the box, not a menu over it
         return 0;
-    case SH_ComboBox_Popup:
-        return 0; // a list below the box, not a menu over it
     case SH_UnderlineShortcut:
         return 1;
     default:

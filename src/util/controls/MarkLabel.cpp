@@ -78,7 +78,8 @@ void MarkLabel::paintEvent(QPaintEvent*) {
         return;
     }
     if (tone_ != Tone::Plain) {
-        paintWarningMark(painter, QRectF(0, (height() - kMark + 1) / 2, kMark, kMark - 1), color);
+        const int top = (height() - kMark + 1) / 2; // on whole pixels
+        paintWarningMark(painter, QRectF(0, top, kMark, kMark - 1), color);
     }
     painter.setPen(color);
     const int room = width() - markWidth() - (separator_ ? kSeparatorRoom + 1 : 0);

@@ -11,6 +11,7 @@ namespace {
 constexpr int kHeight = 36;
 constexpr int kTextPixels = 15;
 constexpr int kMark = 15;
+constexpr int kMarkTop = (kHeight - kMark) / 2; // on whole pixels
 constexpr int kSide = 10;
 constexpr int kGap = 8;
 } // namespace
@@ -68,14 +69,14 @@ void NoticePlate::paintEvent(QPaintEvent*) {
     const int room = width() - plateWidth(QString());
     const QString shown = fontMetrics().elidedText(shownText(), Qt::ElideRight, room);
     const int wide = std::min(plateWidth(shown), width());
-    const QRectF plate = QRectF((width() - wide) / 2, 0, wide, kHeight).adjusted(0.5, 0.5, -0.5, -0.5);
+    const int left = (width() - wide) / 2; // on whole pixels
+    const QRectF plate = QRectF(left, 0, wide, kHeight).adjusted(0.5, 0.5, -0.5, -0.5);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(theme.warn, 1));
     painter.setBrush(theme.warnFill);
     painter.drawRoundedRect(plate, 4, 4);
-    paintWarningMark(painter, QRectF(plate.left() + kSide, (kHeight - kMark) / 2, kMark, kMark - 1),
-                     theme.warnText);
+    paintWarningMark(painter, QRectF(plate.left() + kSide, kMarkTop, kMark, kMark - 1), theme.warnText);
     painter.setPen(theme.warnText);
     painter.drawText(plate.adjusted(kSide + kMark + kGap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, shown);
 }

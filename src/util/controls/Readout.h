@@ -23,7 +23,7 @@ public:
     void setSize(int pixels, int baseline);
     void setLook(Look look);
     /// Sets the text only when it differs, lest a selection is lost. "OFF" is shown smaller and grey.
-    void showText(const QString& text);
+    void showText(const QString& shown);
 
     /// A font whose digits are all of one width.
     static QFont digitFont(const QFont& base);

@@ -54,7 +54,8 @@ void SensorLabel::paintEvent(QPaintEvent* event) {
     }
     if (marked()) {
         const QRect r = markRect();
-        paintWarningMark(painter, QRectF(r.left(), (height() - kMark + 1) / 2, kMark, kMark - 1), theme.warn);
+        const int top = (height() - kMark + 1) / 2; // on whole pixels
+        paintWarningMark(painter, QRectF(r.left(), top, kMark, kMark - 1), theme.warn);
         painter.setPen(theme.warn);
         painter.drawText(r.adjusted(kMark + kMarkGap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, kMarkWord);
     }

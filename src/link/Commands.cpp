@@ -16,6 +16,12 @@ constexpr int kDeadAfterTimeouts = 2; // in a row within one reading
 constexpr double kWatchedExchanges = 1.5;
 constexpr double kWatchedAtLeast = 0.002; // s
 constexpr double kReadingRoom = 0.2;      // s
+
+/// Whether Val() found a number, where it gives 0.
+bool beginsWithNumber(const std::string& text) {
+    const std::size_t first = text.find_first_not_of(" +-.");
+    return first != std::string::npos && text[first] >= '0' && text[first] <= '9';
+}
 } // namespace
 
 /// One acquisition under way: keeps count of what failed.
@@ -37,11 +43,13 @@ public:
             end_ = ReadResult::Abandoned;
             return false;
         }
-        value = Val(link_.Comm_Send(command));
+        const std::string reply = link_.Comm_Send(command);
+        value = Val(reply);
         const std::uint16_t outcome = link_.outcome();
-        values_.failed.set(index, outcome != comm::kOk);
-        if (outcome != comm::kOk) {
-            failure_ = command + ": " + commStatusText(outcome);
+        const bool empty = outcome == comm::kOk && !beginsWithNumber(reply);
+        values_.failed.set(index, outcome != comm::kOk || empty);
+        if (values_.failed[index]) {
+            failure_ = command + ": " + commStatusText(empty ? comm::kNoData : outcome);
         }
         const bool timedOut = outcome == comm::kTimeout || outcome == comm::kLost;
         timeouts_ = timedOut ? timeouts_ + 1 : 0;

@@ -27,8 +27,9 @@ public:
 
     /// One acquisition: "P" per sensor, "L" and "N" of sensors whose "P" value changed, "M", "O". `readings`
     /// is changed only when the result is Done; then its `elapsed` is the monotonic clock minus `startTime`
-    /// after the last exchange. A single failed exchange counts as the value 0 and is marked in `failed`.
-    /// `abandon` (may be empty) is asked between two exchanges: a complete reading is always delivered.
+    /// after the last exchange. A single failed exchange, or an answer without a number, counts as the value
+    /// 0 and is marked in `failed`. `abandon` (may be empty) is asked between two exchanges: a complete
+    /// reading is always delivered.
     ReadResult Comm_GetData(Readings& readings, const std::function<bool()>& abandon);
     /// Status text of the last failed exchange of the last reading with the command it belongs to ("P3:
     /// Timeout"); empty when none failed.

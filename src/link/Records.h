@@ -44,7 +44,7 @@ struct Readings {
     double averageThickness = 0;                 ///< kÅ
     double elapsed = 0;   ///< s since `startTime`, taken after the reading's last exchange
     double startTime = 0; ///< monotonic seconds at which the run (or the last zero) started
-    /// Values whose own last exchange failed (they read 0); see valueIndex.
+    /// Values whose own last exchange failed or brought no number (they read 0); see valueIndex.
     std::bitset<kValueCount> failed;
 };
 

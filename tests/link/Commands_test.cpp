@@ -88,10 +88,17 @@ TEST_F(CommandsTest, AFailedExchangeCountsAsZeroAndTwoTimeOutsEndTheReading) {
     EXPECT_EQ(readings.rate[0], 0) << "nothing of it was stored";
 
     bench.link.setCommStatus(comm::kOk);
-    packets["N1"] = packets["P2"] = good("9");
+    packets["N1"] = packets["P2"] = packets["L2"] = packets["N2"] = packets["M"] = packets["O"] = good("9");
     EXPECT_EQ(read(), Commands::ReadResult::Done);
     EXPECT_TRUE(readings.failed.none());
     EXPECT_EQ(commands.readFailure(), "");
+
+    packets["M"] = good("ready");
+    packets["O"] = good(" -.5 kA");
+    EXPECT_EQ(read(), Commands::ReadResult::Done);
+    EXPECT_EQ(readings.averageThickness, -0.5);
+    EXPECT_EQ(commands.readFailure(), "M: No Data");
+    EXPECT_EQ(readings.failed.count(), 1U);
 }
 
 TEST_F(CommandsTest, ALateAnswerIsNotTakenForAnotherValue) {

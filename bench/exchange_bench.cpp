@@ -33,6 +33,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <thread>
 
@@ -103,13 +105,20 @@ int portOf(int listener) {
     return ntohs(address.sin_port);
 }
 
+void mustBe(bool good, const char* what) {
+    if (!good) {
+        std::perror(what);
+        std::abort();
+    }
+}
+
 /// A listening socket on loopback whose accepted connections are answered by a thread each.
 class TcpServer {
 public:
     TcpServer() {
         fd_ = ::socket(AF_INET, SOCK_STREAM, 0);
         sockaddr_in address = loopback(0);
-        ::bind(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address);
+        mustBe(::bind(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0, "bind");
         ::listen(fd_, 1);
         port_ = portOf(fd_);
         thread_ = std::thread([this] {
@@ -162,7 +171,7 @@ private:
 
 void exchangeBare(benchmark::State& state, int fd) {
     char reply[64];
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         if (!writeAll(fd, kRequest) || !readAll(fd, reply, kReply.size()))
             return state.SkipWithError("the server went away");
     }
@@ -175,7 +184,7 @@ void BM_TcpBare(benchmark::State& state) {
     const int on = 1;
     ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     sockaddr_in address = loopback(server.port());
-    ::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    mustBe(::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0, "connect");
     exchangeBare(state, fd);
     ::close(fd);
 }
@@ -197,7 +206,7 @@ struct Program {
     }
 
     void exchange(benchmark::State& state) {
-        for (auto _ : state) {
+        for ([[maybe_unused]] auto _ : state) {
             if (link.Comm_Send("P1") != kData)
                 return state.SkipWithError("no reply");
         }
@@ -244,7 +253,7 @@ void BM_ProcessPending(benchmark::State& state) {
     pin(false);
     const QtClock clock;
     QtEventPump pump(clock);
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         pump.processPending();
 }
 
@@ -254,14 +263,14 @@ void BM_TimeOut(benchmark::State& state) {
     pin(false);
     const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address = loopback(0);
-    ::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    mustBe(::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0, "bind");
     ::listen(listener, 1);
     Program program(2);
     if (!program.transports.socket.open("127.0.0.1", std::to_string(portOf(listener)), program.pump,
                                         program.clock))
         return state.SkipWithError("no connection");
     double late = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         const double start = program.clock.monotonic();
         program.link.Comm_Send("P1");
         late = std::max(late, program.clock.monotonic() - start - Link::kReplyLimit);

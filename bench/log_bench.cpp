@@ -36,7 +36,7 @@ Readings sixSensors() {
 
 /// A log in every reading of which a line is due.
 struct Bench {
-    explicit Bench(FilePort& files, std::string folder)
+    Bench(FilePort& files, const std::string& folder)
         : paths{folder, folder}
         , log(files, clock, locale, paths, boxes, pump, settings) {
         settings.File = "drx9.txt";
@@ -48,7 +48,7 @@ struct Bench {
     void lines(benchmark::State& state) {
         const Readings readings = sixSensors();
         double elapsed = 0;
-        for (auto _ : state)
+        for ([[maybe_unused]] auto _ : state)
             log.UpdateDataLog(readings, elapsed += 0.25, kMaxSensors);
         if (log.linesLost() > 0)
             state.SkipWithError("lines were lost");
@@ -86,7 +86,7 @@ void BM_LineInMemory(benchmark::State& state) {
 void BM_BareOpenWriteClose(benchmark::State& state) {
     const std::string path = emptyFolder() + "/bare.txt";
     const std::string line(165, 'x');
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
         if (::write(fd, line.data(), line.size()) < 0)
             return state.SkipWithError("not written");

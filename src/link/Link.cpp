@@ -94,15 +94,25 @@ std::string Link::exchange(const std::string& command) {
     if (owed_) {
         pump_.processPending(); // what has come so far shows only now
     }
-    dropWaiting(transport);
     lastPacket_ = commandPacket(command);
-    reply_.clear();
-    if (transport.send(lastPacket_)) {
+    if (send(transport)) {
         return Comm_Receive(transport);
     }
     pump_.processPending();
     timeOut();
     return {};
+}
+
+bool Link::send(Transport& transport) {
+    FrameParser
+        parser; // of its own: the rest of a packet that begins in what is dropped must not complete one
+    const bool sent = transport.send(
+        lastPacket_, [&](std::uint8_t byte) { surplus_ = isSurplus(parser.push(byte)) || surplus_; });
+    if (std::exchange(watchBegins_, false)) {
+        surplus_ = false;
+    }
+    reply_.clear();
+    return sent;
 }
 
 std::string Link::Comm_Receive(Transport& transport) {
@@ -134,11 +144,6 @@ bool Link::settle() {
     return std::exchange(owed_, false) && listen(kStragglerLimit).bytes;
 }
 
-void Link::watch() {
-    dropWaiting(transports_.of(settings_.CommType));
-    surplus_ = false;
-}
-
 bool Link::hearsSurplus(double seconds) {
     return listen(seconds).answer || surplus_;
 }
@@ -146,13 +151,6 @@ bool Link::hearsSurplus(double seconds) {
 /// A sound answer, and not the last one once more.
 bool Link::isSurplus(const std::optional<FrameParser::Reply>& reply) const {
     return reply && reply->crcOk && reply->data != reply_;
-}
-
-/// A parser of its own: the rest of a packet that begins here must not complete one.
-void Link::dropWaiting(Transport& transport) {
-    FrameParser dropped;
-    transport.receiveLeftOver(
-        [&](std::uint8_t byte) { surplus_ = isSurplus(dropped.push(byte)) || surplus_; });
 }
 
 /// For so long, and while something is coming until the line is quiet.

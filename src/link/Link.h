@@ -92,8 +92,9 @@ public:
     /// since that time-out may belong to other commands. At once false when none timed out. Pumps events.
     bool settle();
 
-    /// Begins to watch for answers that no command asked for. What waits already belongs to earlier commands.
-    void watch();
+    /// Begins to watch for answers that no command asked for: from behind the next send on, for what is
+    /// dropped before that belongs to earlier commands.
+    void watch() { watchBegins_ = true; }
     /// Listens for `seconds` (not at all at 0 or less), with nothing sent; pumps events then. True when since
     /// watch() an answer that no command asked for came here, or was dropped before a send. What was read
     /// meanwhile may then be the answers of other commands: one that comes twice, or late, is taken for the
@@ -117,7 +118,7 @@ private:
     std::string exchange(const std::string& command);
     std::string Comm_Receive(Transport& transport);
     Heard listen(double seconds);
-    void dropWaiting(Transport& transport);
+    bool send(Transport& transport);
     [[nodiscard]] bool isSurplus(const std::optional<FrameParser::Reply>& reply) const;
     void sleep(const Transport& transport, double start, double deadline);
     void timeOut();
@@ -134,7 +135,8 @@ private:
     bool ok_ = false;
     bool waiting_ = false;
     std::uint16_t outcome_ = comm::kOk;
-    bool owed_ = false;    ///< a command sent since the last settle() was not answered in time
+    bool owed_ = false; ///< a command sent since the last settle() was not answered in time
+    bool watchBegins_ = false;
     bool surplus_ = false; ///< since watch()
     std::string pending_;  ///< empty when none
     std::string lastPacket_;

@@ -10,7 +10,7 @@ namespace drx9 {
 namespace {
 constexpr std::uint32_t kUsbChunk = 252; // bytes that one read of the bridge asks for
 constexpr double kConnectLimit = 1.0;    // s
-constexpr int kMostLeftOver = 4096;      // bytes: a port that is flooded must not hold up the sending
+constexpr int kMostDropped = 4096;       // bytes: a port that is flooded must not hold up the sending
 
 // States of the socket control in which nothing more is to be waited for.
 constexpr int kSocketClosed = 0;
@@ -24,11 +24,6 @@ constexpr double kLongestPoll = 0.02;
 constexpr double kPollShare = 8;
 } // namespace
 
-void Transport::receiveLeftOver(const Feed& feed) {
-    int left = kMostLeftOver;
-    receive(feed, [&left] { return left-- > 0; });
-}
-
 double Transport::pollInterval(double) const {
     return 0;
 }
@@ -37,10 +32,12 @@ bool SerialTransport::isOpen() {
     return control_.isOpen();
 }
 
-bool SerialTransport::send(std::string_view packet) {
+bool SerialTransport::send(std::string_view packet, const Feed& dropped) {
     if (!control_.isOpen()) {
         return false;
     }
+    int left = kMostDropped;
+    receive(dropped, [&left] { return left-- > 0; });
     control_.discardInput();
     control_.output(packet);
     return true;
@@ -73,7 +70,7 @@ bool UsbTransport::isOpen() {
     return handle_ > 0;
 }
 
-bool UsbTransport::send(std::string_view packet) {
+bool UsbTransport::send(std::string_view packet, const Feed&) {
     if (!isOpen()) {
         return false;
     }
@@ -129,13 +126,11 @@ bool SocketTransport::isOpen() {
     return control_.state() == SocketControl::kConnected;
 }
 
-bool SocketTransport::send(std::string_view packet) {
+bool SocketTransport::send(std::string_view packet, const Feed& dropped) {
     if (!isOpen()) {
         return false;
     }
-    if (control_.bytesReceived() >= 1) {
-        control_.getData(); // a late reply must not be taken for the next one
-    }
+    receive(dropped, {}); // a late reply must not be taken for the next one
     control_.sendData(packet);
     return true;
 }

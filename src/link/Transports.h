@@ -20,14 +20,13 @@ public:
 
     virtual ~Transport() = default;
     [[nodiscard]] virtual bool isOpen() = 0;
-    /// Drops the bytes that wait, then sends the packet. False when nothing could be sent.
-    virtual bool send(std::string_view packet) = 0;
+    /// Drops the bytes that wait, then sends the packet. False when nothing could be sent. What was dropped
+    /// is fed to `dropped`, a few thousand bytes at most; nothing on USB, where a flush of the library drops
+    /// it.
+    virtual bool send(std::string_view packet, const Feed& dropped) = 0;
     /// Feeds what has arrived; RS-232 and USB stop as soon as `awaiting` is false, Ethernet feeds the whole
     /// chunk.
     virtual void receive(const Feed& feed, const Awaiting& awaiting) = 0;
-    /// Feeds what waits before a send, a few thousand bytes at most; send() drops the rest. Nothing on USB:
-    /// its library is asked only while an answer is awaited.
-    virtual void receiveLeftOver(const Feed& feed);
     virtual void close() = 0;
     /// Longest sleep (s) between two looks at a link that cannot wake the event pump by itself, given how
     /// long the wait has lasted; 0 when arriving bytes wake the pump.
@@ -44,7 +43,7 @@ public:
         : control_(control) {}
 
     [[nodiscard]] bool isOpen() override;
-    bool send(std::string_view packet) override;
+    bool send(std::string_view packet, const Feed& dropped) override;
     void receive(const Feed& feed, const Awaiting& awaiting) override;
     void close() override;
     /// Opens port kFirstPort..kLastPort with `baud`,N,8,1; any other port is refused without touching the
@@ -65,9 +64,8 @@ public:
         : bridge_(bridge) {}
 
     [[nodiscard]] bool isOpen() override;
-    bool send(std::string_view packet) override; ///< a failed write closes the device
+    bool send(std::string_view packet, const Feed& dropped) override; ///< a failed write closes the device
     void receive(const Feed& feed, const Awaiting& awaiting) override;
-    void receiveLeftOver(const Feed&) override {}
     void close() override;
     [[nodiscard]] double pollInterval(double waited) const override;
     /// Opens device `index` at 115200 baud; false on failure.
@@ -90,7 +88,7 @@ public:
         : control_(control) {}
 
     [[nodiscard]] bool isOpen() override;
-    bool send(std::string_view packet) override;
+    bool send(std::string_view packet, const Feed& dropped) override;
     void receive(const Feed& feed, const Awaiting& awaiting) override;
     void close() override;
     /// Connects and waits until connected, refused, or 1.0 s have passed: pumps events. True when connected.

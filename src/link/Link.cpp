@@ -92,7 +92,7 @@ std::string Link::exchange(const std::string& command) {
     // The same one to the end, should the operator choose another link meanwhile.
     Transport& transport = transports_.of(settings_.CommType);
     if (owed_) {
-        pump_.processPending(); // what has come so far shows only now
+        pump_.sleepUntil(clock_.monotonic()); // a whole turn of the events: what has come shows only then
     }
     lastPacket_ = commandPacket(command);
     if (send(transport)) {
@@ -189,6 +189,8 @@ void Link::timeOut() {
 
 void Link::Comm_RxByte(std::uint8_t byte) {
     if (const auto reply = parser_.push(byte)) {
+        // Ethernet feeds on past a complete reply.
+        surplus_ = surplus_ || (status_ != comm::kBusy && isSurplus(reply));
         applyReply(*reply);
     }
 }

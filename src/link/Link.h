@@ -96,10 +96,10 @@ public:
     /// dropped before that belongs to earlier commands.
     void watch() { watchBegins_ = true; }
     /// Listens for `seconds` (not at all at 0 or less), with nothing sent; pumps events then. True when since
-    /// watch() an answer that no command asked for came here, or was dropped before a send. What was read
-    /// meanwhile may then be the answers of other commands: one that comes twice, or late, is taken for the
-    /// next command's, whose own is then too many. The last answer once more does not count, nor do stray
-    /// bytes.
+    /// watch() an answer that no command asked for came here, behind another one, or was dropped before a
+    /// send. What was read meanwhile may then be the answers of other commands: one that comes twice, or
+    /// late, is taken for the next command's, whose own is then too many. The last answer once more does not
+    /// count, nor do stray bytes.
     bool hearsSurplus(double seconds);
 
     /// True while a reply is awaited.

@@ -159,7 +159,7 @@ TEST_F(CommandsTest, AnAnswerThatComesTwiceMovesNoValue) {
         {kSocket, "N2", 0.0002, 0.25, OutOfStep},
         {kSerial, "M", 0.02, 0.25, OutOfStep},
         {kSerial, "P1", 0.02, 1, OutOfStep}, // before that of L1, which waits when N1 is sent
-        {kSocket, "P1", 0.02, 1, Done},      // fed with that of L1, which stands
+        {kSocket, "P1", 0.02, 1, OutOfStep}, // in one piece with that of L1
         {kSerial, "O", 0.02, 0.25, Done},    // nothing came behind it
         {kSerial, "", 0.03, 0, Done},        // no room in the tick: not watched
     };

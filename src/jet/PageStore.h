@@ -18,7 +18,7 @@ struct RowId {
     PageNo page = 0;
     std::uint8_t row = 0;
 
-    auto operator<=>(const RowId&) const = default;
+    auto operator<=>(const RowId&) const = default; // NOLINT(modernize-use-nullptr): clang-tidy's own fault
 };
 
 /// How much of a file is read when it is opened.

@@ -196,7 +196,9 @@ void Commands::Comm_SetFilm(int number, const FilmRecord& film) {
 }
 
 bool Commands::Comm_GetSystem(SystemParameters& parameters) {
+    link_.settle(); // a film's fields, or the other record's, would be taken for settings
     const bool first = parseSystemB(link_.Comm_Send("B?"), parameters);
+    link_.settle();
     const bool second = parseSystemC(link_.Comm_Send("C?"), parameters);
     return first && second;
 }

@@ -52,7 +52,7 @@ public:
     void Comm_SetFilm(int number, const FilmRecord& film);
 
     /// "B?" and "C?": fields that can be read are taken, others keep their value. True when both records were
-    /// read completely.
+    /// read completely. An answer that came too late is not taken for one.
     bool Comm_GetSystem(SystemParameters& parameters);
     /// "B" and, only if that was accepted, "C". 0 or the status of the one that failed.
     std::uint16_t Comm_SetSystem(const SystemParameters& parameters);

@@ -325,6 +325,17 @@ TEST_F(CommandsTest, SystemRepliesGiveWhatCanBeRead) {
     packets["C?"] = good("1 2 3 4 5 6 7");
     EXPECT_FALSE(commands.Comm_GetSystem(p)) << "the first one lacks a field";
     EXPECT_EQ(p.EtchMode, 7) << "and the second is asked for all the same";
+
+    wire.setAnswerer([&](const std::string& command) {
+        wire.arrive(packets[command], command == "C?" ? 0 : 1.1);
+        return std::string();
+    });
+    packets["A1?"] = good("GOLD     19.30 100 0.381 1 2 3 4");
+    bench.link.Comm_Send("A1?");
+    p.Timebase = p.EtchMode = 9;
+    EXPECT_FALSE(commands.Comm_GetSystem(p)) << "the first record comes too late, and so did the film";
+    EXPECT_EQ(p.Timebase, 9);
+    EXPECT_EQ(p.EtchMode, 7);
 }
 
 } // namespace

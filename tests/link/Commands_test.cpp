@@ -332,9 +332,9 @@ TEST_F(CommandsTest, SystemRepliesGiveWhatCanBeRead) {
     });
     packets["A1?"] = good("GOLD     19.30 100 0.381 1 2 3 4");
     bench.link.Comm_Send("A1?");
-    p.Timebase = p.EtchMode = 9;
+    p.Simulate = p.EtchMode = 9;
     EXPECT_FALSE(commands.Comm_GetSystem(p)) << "the first record comes too late, and so did the film";
-    EXPECT_EQ(p.Timebase, 9);
+    EXPECT_EQ(p.Simulate, 9) << "not the density";
     EXPECT_EQ(p.EtchMode, 7);
 }
 

@@ -1,6 +1,6 @@
 #include "app/Program.h"
 
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QApplication>
 #include <QTimer>

@@ -24,7 +24,7 @@
 #include "platform/qt/QtSocketControl.h"
 #include "platform/qt/QtTicker.h"
 #include "platform/qt/QtUsbBridge.h"
-#include "util/controls/WindowPlaces.h"
+#include "controls/WindowPlaces.h"
 
 #include <exception>
 #include <memory>

@@ -5,7 +5,7 @@
 #include "platform/qt/LocaleFromSystem.h"
 #include "platform/qt/SingleInstance.h"
 #include "util/ProgramName.h"
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QApplication>
 #include <QStandardPaths>

@@ -9,7 +9,7 @@
 #include "link/Crc.h"
 #include "platform/os/OsFilePort.h"
 #include "platform/qt/EventLoopChoice.h"
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QApplication>
 #include <QEventLoop>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Clock.h"
+#include "util/LocalTime.h"
 #include "util/ProgramName.h"
 
 #include <cstdint>

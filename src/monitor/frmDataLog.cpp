@@ -3,8 +3,8 @@
 #include "util/Paths.h"
 
 #include "util/DisplayFormats.h"
-#include "util/controls/MarkLabel.h"
-#include "util/controls/Theme.h"
+#include "controls/MarkLabel.h"
+#include "controls/Theme.h"
 
 #include <QGridLayout>
 #include <QGroupBox>

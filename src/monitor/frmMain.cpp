@@ -2,9 +2,9 @@
 
 #include "monitor/frmDataLog.h"
 #include "util/ProgramName.h"
-#include "util/controls/AppIcon.h"
-#include "util/controls/Theme.h"
-#include "util/controls/WindowPlaces.h"
+#include "controls/AppIcon.h"
+#include "controls/Theme.h"
+#include "controls/WindowPlaces.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -1,14 +1,14 @@
 // The main window's controls, their arrangement, and the three steps of their sizes.
 #include "monitor/frmMain.h"
 
-#include "util/controls/Gauge.h"
-#include "util/controls/HairLine.h"
-#include "util/controls/MarkLabel.h"
-#include "util/controls/NoticePlate.h"
-#include "util/controls/Readout.h"
-#include "util/controls/SensorLabel.h"
-#include "util/controls/StartStopButton.h"
-#include "util/controls/Theme.h"
+#include "controls/Gauge.h"
+#include "controls/HairLine.h"
+#include "controls/MarkLabel.h"
+#include "controls/NoticePlate.h"
+#include "controls/Readout.h"
+#include "controls/SensorLabel.h"
+#include "controls/StartStopButton.h"
+#include "controls/Theme.h"
 
 #include <QComboBox>
 #include <QGridLayout>

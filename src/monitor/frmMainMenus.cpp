@@ -3,9 +3,9 @@
 
 #include "monitor/frmDataLog.h"
 #include "util/ProgramName.h"
-#include "util/controls/Readout.h"
-#include "util/controls/StartStopButton.h"
-#include "util/controls/WindowPlaces.h"
+#include "controls/Readout.h"
+#include "controls/StartStopButton.h"
+#include "controls/WindowPlaces.h"
 #include "util/frmAbout.h"
 
 #include <QActionGroup>

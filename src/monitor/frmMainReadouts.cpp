@@ -4,13 +4,13 @@
 
 #include "util/DisplayFormats.h"
 #include "util/Numbers.h"
-#include "util/controls/Gauge.h"
-#include "util/controls/MarkLabel.h"
-#include "util/controls/NoticePlate.h"
-#include "util/controls/Readout.h"
-#include "util/controls/SensorLabel.h"
-#include "util/controls/StartStopButton.h"
-#include "util/controls/Theme.h"
+#include "controls/Gauge.h"
+#include "controls/MarkLabel.h"
+#include "controls/NoticePlate.h"
+#include "controls/Readout.h"
+#include "controls/SensorLabel.h"
+#include "controls/StartStopButton.h"
+#include "controls/Theme.h"
 
 #include <QAction>
 #include <QComboBox>

@@ -1,8 +1,8 @@
 // Ages, notices and the status bar: what changes with time alone.
 #include "monitor/frmMain.h"
 
-#include "util/controls/MarkLabel.h"
-#include "util/controls/NoticePlate.h"
+#include "controls/MarkLabel.h"
+#include "controls/NoticePlate.h"
 
 #include <QLabel>
 

@@ -1,8 +1,8 @@
 #include "util/frmAbout.h"
 #include "util/ProgramName.h"
 
-#include "util/controls/AppIcon.h"
-#include "util/controls/Theme.h"
+#include "controls/AppIcon.h"
+#include "controls/Theme.h"
 
 #include <QCoreApplication>
 #include <QDate>

@@ -1,8 +1,8 @@
 // The whole program against the simulated instrument, over every link.
 #include "app/Program.h"
 #include "platform/os/OsFilePort.h"
-#include "util/controls/MarkLabel.h"
-#include "util/controls/NoticePlate.h"
+#include "controls/MarkLabel.h"
+#include "controls/NoticePlate.h"
 
 #include <QAbstractButton>
 #include <QAction>

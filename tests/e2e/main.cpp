@@ -1,6 +1,6 @@
 // The tests run inside the application's event loop, as the program does.
 #include "platform/qt/EventLoopChoice.h"
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QApplication>
 #include <QTimer>

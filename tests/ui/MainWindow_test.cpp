@@ -2,11 +2,11 @@
 #include "ui/UiFixture.h"
 
 #include "monitor/frmDataLog.h"
-#include "util/controls/Gauge.h"
-#include "util/controls/NoticePlate.h"
-#include "util/controls/Readout.h"
-#include "util/controls/StartStopButton.h"
-#include "util/controls/Theme.h"
+#include "controls/Gauge.h"
+#include "controls/NoticePlate.h"
+#include "controls/Readout.h"
+#include "controls/StartStopButton.h"
+#include "controls/Theme.h"
 
 #include <QComboBox>
 #include <QLabel>

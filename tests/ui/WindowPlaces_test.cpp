@@ -1,5 +1,5 @@
 // Where windows stand the next time.
-#include "util/controls/WindowPlaces.h"
+#include "controls/WindowPlaces.h"
 
 #include <QTemporaryDir>
 #include <QWidget>

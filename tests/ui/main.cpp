@@ -1,4 +1,4 @@
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QApplication>
 

@@ -2,7 +2,7 @@
 
 #include "graphs/controls/ChartHeader.h"
 #include "graphs/controls/ChartPlot.h"
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QApplication>
 #include <QClipboard>

@@ -1,7 +1,7 @@
 // What lies over the curves: the dots and numbers at their ends, and the tracer.
 #include "graphs/controls/ChartPlot.h"
 #include "graphs/controls/ChartTickers.h"
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "graphs/controls/ChartPlot.h"
 
 #include "graphs/controls/ChartTickers.h"
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <algorithm>
 #include <cmath>

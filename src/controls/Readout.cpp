@@ -1,6 +1,6 @@
-#include "util/controls/Readout.h"
+#include "controls/Readout.h"
 
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QFontDatabase>
 #include <QKeyEvent>

@@ -1,6 +1,6 @@
-#include "util/controls/SensorLabel.h"
+#include "controls/SensorLabel.h"
 
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QHelpEvent>
 #include <QPainter>

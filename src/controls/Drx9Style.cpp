@@ -1,6 +1,6 @@
-#include "util/controls/Drx9Style.h"
+#include "controls/Drx9Style.h"
 
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QApplication>
 #include <QPainter>

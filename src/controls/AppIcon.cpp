@@ -1,4 +1,4 @@
-#include "util/controls/AppIcon.h"
+#include "controls/AppIcon.h"
 
 #include <QPainter>
 

@@ -1,4 +1,4 @@
-#include "util/controls/WindowPlaces.h"
+#include "controls/WindowPlaces.h"
 
 #include <QEvent>
 #include <QGuiApplication>

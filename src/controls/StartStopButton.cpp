@@ -1,6 +1,6 @@
-#include "util/controls/StartStopButton.h"
+#include "controls/StartStopButton.h"
 
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,6 +1,6 @@
-#include "util/controls/MarkLabel.h"
+#include "controls/MarkLabel.h"
 
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QAccessible>
 #include <QEvent>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QPainter>
 #include <QWidget>

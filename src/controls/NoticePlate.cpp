@@ -1,6 +1,6 @@
-#include "util/controls/NoticePlate.h"
+#include "controls/NoticePlate.h"
 
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QAccessible>
 #include <QPainter>

@@ -1,6 +1,6 @@
-#include "util/controls/Gauge.h"
+#include "controls/Gauge.h"
 
-#include "util/controls/Theme.h"
+#include "controls/Theme.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -216,7 +216,7 @@ Guid parseGuid(const std::string& text) {
 }
 
 std::string parseText(const std::string& text) {
-    if (toUtf8(toUtf16(text)) != text) {
+    if (!isUtf8(text)) {
         rejected("the text is not UTF-8");
     }
     return text;

@@ -1,15 +1,12 @@
 #pragma once
 
 #include "jet/Layout.h"
+#include "util/Utf.h"
 
 #include <string>
 #include <string_view>
 
 namespace drx9::jet {
-
-/// UTF-8 to UTF-16 and back. Bytes that are no UTF-8, and halves of surrogate pairs, become U+FFFD.
-std::u16string toUtf16(std::string_view utf8);
-std::string toUtf8(std::u16string_view text);
 
 /// How a file stores text: Jet 3 one byte a character in the header's code page, Jet 4 UTF-16, possibly
 /// compressed.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "util/Utf.h"
+
 #include <string>
 #include <string_view>
 
@@ -12,10 +14,8 @@ bool equalNoCase(std::string_view a, std::string_view b); ///< ASCII letters
 /// codes map to the control characters of the same number.
 std::string utf8FromAnsi(std::string_view bytes);
 std::string ansiFromUtf8(std::string_view text);
-/// True when the bytes are well-formed UTF-8 throughout (no overlong forms, no surrogates).
-bool isUtf8(std::string_view bytes);
-/// UTF-16, low byte first and without a byte-order mark, to UTF-8 and back. What is no character becomes
-/// U+FFFD; an odd last byte is dropped.
+/// UTF-16 bytes, low byte first and without a byte-order mark, to UTF-8 and back; see util/Utf.h for what is
+/// no character.
 std::string utf8FromUtf16(std::string_view bytes);
 std::string utf16FromUtf8(std::string_view text);
 

@@ -92,7 +92,6 @@ private:
     };
 
     PageStore(FilePort& files, const std::string& path);
-    void adoptHeader();
     void save();
     void restore(Undo& undo);
 

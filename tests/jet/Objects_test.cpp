@@ -1,6 +1,8 @@
 #include "JetTestSupport.h"
 
+#include <fstream>
 #include <numeric>
+#include <sstream>
 
 namespace drx9::jet {
 namespace {
@@ -364,6 +366,40 @@ TEST_P(Objects, IndexTreesGrowAndShrink) {
         database->CommitTrans();
     }
     EXPECT_EQ(faultsOf(files), "");
+}
+
+/// The example in the format's description is what the engine writes.
+TEST(Format, IsDescribedToTheByte) {
+    MemoryFilePort files;
+    files.put("/data/x", "");
+    DBEngine engine(files);
+    const TableSpec spec{"Metal",
+                         {column("Id", ColumnType::Long), column("Name", ColumnType::Text, 20)},
+                         {{.name = "PrimaryKey", .columns = {{"Id", true}}, .primary = true}}};
+    const auto set = engine.CreateDatabase(kPath, Generation::Jet4, {spec}, kCreated)->OpenRecordset("Metal");
+    for (const auto& [id, name] : {std::pair<std::int64_t, std::string>{7, "Gold"}, {-2, "Al"}}) {
+        set->AddNew();
+        set->SetValue("Id", id);
+        set->SetValue("Name", name);
+        set->Update();
+    }
+    std::ifstream description(DRX9_SOURCE_DIR "/docs/jet-format.md");
+    const std::string bytes = files.text(kPath);
+    std::size_t page = 0;
+    int lines = 0;
+    for (std::string line; std::getline(description, line);) {
+        unsigned at = 0;
+        (void)std::sscanf(line.c_str(), "Page %zu", &page); // before the dump of each page
+        if (line.rfind("    ", 0) != 0 || std::sscanf(line.c_str(), "%4X", &at) != 1) {
+            continue;
+        }
+        ++lines;
+        std::istringstream hex(line.substr(10, 24)); // what follows is said about them
+        for (unsigned byte = 0; hex >> std::hex >> byte; ++at) {
+            EXPECT_EQ(static_cast<unsigned char>(bytes[page * kJet4.pageSize + at]), byte) << line;
+        }
+    }
+    EXPECT_GT(lines, 40);
 }
 
 } // namespace

@@ -1,10 +1,10 @@
 #include "monitor/frmMain.h"
 
-#include "monitor/frmDataLog.h"
-#include "util/ProgramName.h"
 #include "controls/AppIcon.h"
 #include "controls/Theme.h"
 #include "controls/WindowPlaces.h"
+#include "monitor/frmDataLog.h"
+#include "util/ProgramName.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -47,7 +47,9 @@ frmMain::frmMain(const MainWindowParts& parts)
     frmMain::changed();
 }
 
-frmMain::~frmMain() = default;
+frmMain::~frmMain() {
+    delete dataLog_.data(); // hiding, it may still tell of a finished change
+}
 
 void frmMain::showWindow() {
     show();

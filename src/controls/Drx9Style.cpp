@@ -1,10 +1,12 @@
 #include "controls/Drx9Style.h"
 
+#include "controls/SpinBox.h"
 #include "controls/Theme.h"
 
 #include <QApplication>
 #include <QPainter>
 #include <QPainterPath>
+#include <QScrollBar>
 #include <QStyleFactory>
 #include <QStyleOption>
 
@@ -396,6 +398,16 @@ int Drx9Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidg
         return 1;
     default:
         return QProxyStyle::styleHint(hint, option, widget, data);
+    }
+}
+
+void Drx9Style::polish(QWidget* widget) {
+    QProxyStyle::polish(widget);
+    const bool executed =
+        qobject_cast<QScrollBar*>(widget) != nullptr ||
+        (qobject_cast<QAbstractSpinBox*>(widget) != nullptr && qobject_cast<SpinBox*>(widget) == nullptr);
+    if (executed) {
+        widget->setContextMenuPolicy(Qt::NoContextMenu);
     }
 }
 

@@ -27,6 +27,11 @@ public:
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* data) const override;
+
+    using QProxyStyle::polish;
+    /// Takes the context menu of Qt's own scroll bars and spin boxes away, wherever they stand (in a list, in
+    /// the colour dialog): Qt executes it, and its event loop would stand above an exchange.
+    void polish(QWidget* widget) override;
 };
 
 } // namespace drx9

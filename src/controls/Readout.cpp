@@ -38,12 +38,10 @@ bool digitsAreTabular(const QFont& font) {
 } // namespace
 
 Readout::Readout(QWidget* parent)
-    : QLineEdit(parent) {
-    setReadOnly(true);
+    : ReadOnlyLine(parent) {
     setFrame(false);
     setAlignment(Qt::AlignRight | Qt::AlignBottom);
     setPlaceholderText(QStringLiteral("\u2014"));
-    setContextMenuPolicy(Qt::NoContextMenu);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setFont(digitFont(font()));
     colour();
@@ -153,19 +151,19 @@ void Readout::keyPressEvent(QKeyEvent* event) {
     } else if (plain && (key == Qt::Key_Left || key == Qt::Key_Up)) {
         emit walk(-1);
     } else {
-        QLineEdit::keyPressEvent(event);
+        ReadOnlyLine::keyPressEvent(event);
     }
 }
 
 void Readout::resizeEvent(QResizeEvent* event) {
-    QLineEdit::resizeEvent(event);
+    ReadOnlyLine::resizeEvent(event);
     fit();
 }
 
 void Readout::paintEvent(QPaintEvent* event) {
     const QString shown = text();
     if (shown.isEmpty() || hasSelectedText()) {
-        QLineEdit::paintEvent(event);
+        ReadOnlyLine::paintEvent(event);
         return;
     }
     QPainter painter(this);
@@ -209,7 +207,7 @@ QPixmap Readout::picture(QChar character, const QColor& colour) const {
 }
 
 void Readout::changeEvent(QEvent* event) {
-    QLineEdit::changeEvent(event);
+    ReadOnlyLine::changeEvent(event);
     if (event->type() == QEvent::PaletteChange && !colouring_) {
         colour();
     }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QLineEdit>
+#include "controls/ReadOnlyLine.h"
+
 #include <QPixmap>
 
 namespace drx9 {
@@ -8,7 +9,7 @@ namespace drx9 {
 /// One of the big numbers: read-only, frameless, right-aligned on a fixed column so that the last digit's ink
 /// ends on the column's edge, its base line at a fixed height. Its text can be selected, copied and read
 /// aloud. A digit is never cut: a text that is too wide takes the next smaller size.
-class Readout : public QLineEdit {
+class Readout : public ReadOnlyLine {
     Q_OBJECT
 public:
     enum class Look {
@@ -22,7 +23,8 @@ public:
     /// Largest size of the digits and the distance of the base line from the bottom edge, in pixels.
     void setSize(int pixels, int baseline);
     void setLook(Look look);
-    /// Sets the text only when it differs, lest a selection is lost. "OFF" is shown smaller and grey.
+    /// Sets the text only when it differs: setting it takes the selection away. "OFF" is shown smaller and
+    /// grey.
     void showText(const QString& shown);
 
     /// A font whose digits are all of one width.

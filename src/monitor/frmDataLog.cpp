@@ -1,21 +1,20 @@
 #include "monitor/frmDataLog.h"
 
-#include "util/Paths.h"
-
-#include "util/DisplayFormats.h"
 #include "controls/MarkLabel.h"
+#include "controls/ReadOnlyLine.h"
+#include "controls/SpinBox.h"
 #include "controls/Theme.h"
+#include "util/DisplayFormats.h"
+#include "util/Paths.h"
 
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
-#include <QSpinBox>
 
 namespace drx9 {
 
@@ -25,22 +24,6 @@ constexpr int kSpinnerRoom = 34; ///< of its arrows and edges
 constexpr int kButtonWidth = 92;
 constexpr int kWidth = 372; ///< of the contents
 constexpr int kStateMs = 500;
-
-/// Shows at least a number of digits, so that minutes and seconds keep two.
-class DigitSpinBox : public QSpinBox {
-public:
-    DigitSpinBox(int digits, QWidget* parent)
-        : QSpinBox(parent)
-        , digits_(digits) {}
-
-protected:
-    [[nodiscard]] QString textFromValue(int value) const override {
-        return QStringLiteral("%1").arg(value, digits_, 10, QLatin1Char('0'));
-    }
-
-private:
-    int digits_;
-};
 
 QLabel* headingLabel(const char* text, QWidget* parent) {
     auto* label = new QLabel(QString::fromLatin1(text), parent);
@@ -106,9 +89,8 @@ QGroupBox* frmDataLog::buildFile() {
         button->setFixedWidth(kButtonWidth);
         grid->addWidget(button, row++, 1, Qt::AlignRight);
     }
-    path_ = new QLineEdit(group);
+    path_ = new ReadOnlyLine(group);
     path_->setObjectName(QStringLiteral("txtLogFile"));
-    path_->setReadOnly(true);
     path_->setAccessibleName(QStringLiteral("Log File"));
     grid->addWidget(path_, 3, 0, 1, 2);
     connect(cmdNew_, &QPushButton::clicked, this, &frmDataLog::cmdNew_Click);
@@ -116,12 +98,12 @@ QGroupBox* frmDataLog::buildFile() {
     return group;
 }
 
-QSpinBox* frmDataLog::spinner(const char* name, const char* accessible, int most, int digits) {
-    auto* box = new DigitSpinBox(digits, this);
+SpinBox* frmDataLog::spinner(const char* name, const char* accessible, int most, int digits) {
+    auto* box = new SpinBox(this);
     box->setObjectName(QString::fromLatin1(name));
     box->setAccessibleName(QString::fromLatin1(accessible));
     box->setRange(0, most);
-    box->setKeyboardTracking(false);
+    box->setLeastDigits(digits);
     box->setAlignment(Qt::AlignRight);
     const int longest = fontMetrics().horizontalAdvance(QString::number(DataLogSpan::kMostHours));
     box->setFixedWidth(std::max(kSpinnerWidth, longest + kSpinnerRoom));
@@ -152,10 +134,10 @@ QGroupBox* frmDataLog::buildSpan() {
         label->setBuddy(spinners.hours != nullptr ? spinners.hours : spinners.minutes);
         grid->addWidget(label, row, 0);
         int column = 1;
-        for (QSpinBox* box : {spinners.hours, spinners.minutes, spinners.seconds}) {
+        for (SpinBox* box : {spinners.hours, spinners.minutes, spinners.seconds}) {
             if (box != nullptr) {
                 grid->addWidget(box, row, column);
-                connect(box, &QSpinBox::valueChanged, this, change);
+                connect(box, &SpinBox::valueChanged, this, change);
             }
             ++column;
         }
@@ -197,7 +179,7 @@ void frmDataLog::showSettings() {
 }
 
 void frmDataLog::fill(const Spinners& spinners, const SpanFields& fields) {
-    const auto set = [](QSpinBox* box, std::int32_t value) {
+    const auto set = [](SpinBox* box, std::int32_t value) {
         if (box != nullptr) {
             const QSignalBlocker blocker(box);
             box->setValue(value);

@@ -14,14 +14,14 @@
 #include <array>
 
 class QGroupBox;
-class QLineEdit;
 class QPushButton;
 class QRadioButton;
-class QSpinBox;
 
 namespace drx9 {
 
 class MarkLabel;
+class ReadOnlyLine;
+class SpinBox;
 
 struct DataLogWindowParts {
     DataLogSettings& settings;
@@ -45,15 +45,15 @@ signals:
 private:
     /// Hour, minute and second spinners; the interval has no hours.
     struct Spinners {
-        QSpinBox* hours = nullptr;
-        QSpinBox* minutes = nullptr;
-        QSpinBox* seconds = nullptr;
+        SpinBox* hours = nullptr;
+        SpinBox* minutes = nullptr;
+        SpinBox* seconds = nullptr;
     };
 
     QGroupBox* buildFile();
     QGroupBox* buildSpan();
     QLayout* buildBottom();
-    QSpinBox* spinner(const char* name, const char* accessible, int most, int digits);
+    SpinBox* spinner(const char* name, const char* accessible, int most, int digits);
     void showSettings();
     void fill(const Spinners& spinners, const SpanFields& fields);
     [[nodiscard]] SpanFields fieldsOf(const Spinners& spinners) const;
@@ -76,7 +76,7 @@ private:
     QPushButton* cmdNew_ = nullptr;
     QPushButton* cmdView_ = nullptr;
     QPushButton* cmdForm_ = nullptr;
-    QLineEdit* path_ = nullptr;
+    ReadOnlyLine* path_ = nullptr;
     Spinners start_;
     Spinners end_;
     Spinners interval_;

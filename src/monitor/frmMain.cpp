@@ -1,16 +1,16 @@
 #include "monitor/frmMain.h"
 
+#include "controls/AppIcon.h"
+#include "controls/HairLine.h"
+#include "controls/WindowPlaces.h"
 #include "monitor/frmDataLog.h"
 #include "util/ProgramName.h"
-#include "controls/AppIcon.h"
-#include "controls/Theme.h"
-#include "controls/WindowPlaces.h"
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QComboBox>
-#include <QMenuBar>
 #include <QScreen>
+#include <QStackedLayout>
+#include <QVBoxLayout>
 #include <QWindow>
 
 namespace drx9 {
@@ -25,43 +25,121 @@ constexpr double kFirstPaintLimit = 0.25; ///< s to wait for the window system t
 frmMain::frmMain(const MainWindowParts& parts)
     : parts_(parts)
     , monitor_(parts.monitor)
-    , readouts_(parts.monitor.parts().readouts) {
+    , readouts_(parts.monitor.parts().readouts)
+    , actions_(parts.monitor.parts().actions)
+    , pump_(parts.monitor.parts().pump)
+    , clock_(parts.monitor.parts().clock)
+    , menus_(*this, menuHandlers(),
+             [this](std::function<void()> action) { actions_.runWhenIdle(std::move(action)); }) {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QString(kProgramName));
     QApplication::setWindowIcon(appIcon());
     setMinimumSize(kLeastSize);
-    buildControls();
-    buildMenus();
+    assemble();
+    connectBar();
     buildKeys();
     setTabStops();
+    placeAtStart();
+    chooseStep();
+    heartbeat_.setInterval(kHeartbeatMs);
+    connect(&heartbeat_, &QTimer::timeout, this, &frmMain::beat);
+    frmMain::changed();
+}
+
+frmMain::~frmMain() {
+    delete dataLog_.data(); // hiding, it may still tell of a finished change
+}
+
+MainMenus::Handlers frmMain::menuHandlers() {
+    const auto later = [this] { notInThisBuild(); };
+    MainMenus::Handlers handlers;
+    handlers.dataLog = [this] { showDataLog(); };
+    handlers.exit = [this] { close(); };
+    handlers.films = later;
+    handlers.system = later;
+    handlers.comm = later;
+    handlers.graphSet = later;
+    handlers.graph = [this](std::int16_t item) {
+        readouts_.graphItemClicked(item);
+        changed();
+    };
+    handlers.sensors = [this](std::int16_t item) { monitor_.sensorItemClicked(item); };
+    handlers.help = [this] { showHelp(); };
+    handlers.about = [this] { showAbout(); };
+    return handlers;
+}
+
+void frmMain::assemble() {
+    auto* centre = new QWidget(this);
+    setCentralWidget(centre);
+    readoutPanel_ = new ReadoutPanel(buildCharts(), centre);
+    bar_ = new RunBar(centre);
+    status_ = new StatusLine(this);
+    setStatusBar(status_);
+    auto* column = new QVBoxLayout(centre);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(new HairLine(Qt::Horizontal, centre));
+    column->addWidget(readoutPanel_, 1);
+    column->addWidget(new HairLine(Qt::Horizontal, centre));
+    column->addWidget(bar_);
+}
+
+QWidget* frmMain::buildCharts() {
+    auto* stack = new QWidget(this);
+    charts_ = new QStackedLayout(stack);
+    for (int number = 1; number <= 4; ++number) {
+        charts_->addWidget(&parts_.charts.chart(number));
+    }
+    return stack;
+}
+
+void frmMain::connectBar() {
+    bar_->setSpareFocus(readoutPanel_->entry());
+    connect(bar_, &RunBar::filmChosen, this, [this](int index) { monitor_.cboFilms_Click(index); });
+    connect(bar_, &RunBar::zeroPressed, this, [this] { monitor_.cmdZero_Click(); });
+    connect(bar_, &RunBar::shutterPressed, this, [this] { monitor_.cmdShutter_Click(); });
+    connect(bar_, &RunBar::startStopPressed, this, [this] { monitor_.cmdStartStop_Click(); });
+}
+
+void frmMain::setTabStops() {
+    setTabOrder(bar_->lastControl(), readoutPanel_->entry());
+    QWidget* last = readoutPanel_->entry();
+    for (int number = 1; number <= 4; ++number) {
+        setTabOrder(last, &parts_.charts.chart(number));
+        last = &parts_.charts.chart(number);
+    }
+}
+
+void frmMain::placeAtStart() {
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     resize(kStartSize.boundedTo(screen.size()).expandedTo(kLeastSize));
     move(screen.center() - rect().center());
     if (parts_.places != nullptr) {
         parts_.places->follow(*this);
     }
-    chooseStep();
-    applyTheme();
-    heartbeat_.setInterval(kHeartbeatMs);
-    connect(&heartbeat_, &QTimer::timeout, this, &frmMain::beat);
-    frmMain::changed();
 }
 
-frmMain::~frmMain() = default;
+void frmMain::chooseStep() {
+    const Step wanted = stepFor(size(), step_);
+    if (step_ != wanted) {
+        step_ = wanted;
+        readoutPanel_->setStep(measuresOf(wanted));
+        bar_->setStep(measuresOf(wanted));
+    }
+}
 
 void frmMain::showWindow() {
     show();
     heartbeat_.start();
-    cboFilms_->setFocus();
+    bar_->filmList()->setFocus();
     // The first paint comes when the window system asks for it.
-    EventPump& pump = monitor_.parts().pump;
-    const Clock& clock = monitor_.parts().clock;
-    const double limit = clock.monotonic() + kFirstPaintLimit;
-    pump.processPending();
-    while (windowHandle() != nullptr && !windowHandle()->isExposed() && clock.monotonic() < limit) {
-        pump.sleepUntil(limit);
+    const double limit = clock_.monotonic() + kFirstPaintLimit;
+    pump_.processPending();
+    while (windowHandle() != nullptr && !windowHandle()->isExposed() && clock_.monotonic() < limit) {
+        pump_.sleepUntil(limit);
     }
-    pump.processPending();
+    pump_.processPending();
     keepOnScreen();
 }
 
@@ -86,14 +164,27 @@ void frmMain::setHourglass(bool on) {
 }
 
 void frmMain::changed() {
-    showTitleAndFilms();
-    showRunControls();
-    showMenus();
-    showReadouts();
+    showTitle();
+    bar_->showFacts(barFacts());
+    menus_.showFacts(menuFacts());
+    readoutPanel_->showFacts(readoutFacts());
     showCharts();
     beat();
     if (heartbeat_.isActive()) {
         heartbeat_.start(); // anew: it stands in where the monitor has nothing to tell
+    }
+}
+
+void frmMain::beat() {
+    const StatusFacts facts = statusFacts(monitor_, clock_.monotonic());
+    const Notice notice = gravestNotice(facts);
+    readoutPanel_->showLooks(readoutLooks(facts));
+    bar_->showNotice(static_cast<int>(notice.subject), QString::fromStdString(notice.text),
+                     QString::fromStdString(notice.brief));
+    status_->showFacts(statusLineFacts(facts));
+    const QString silence = QString::fromStdString(silenceNote(facts));
+    for (int number = 1; number <= 4; ++number) {
+        parts_.charts.chart(number).setSilence(silence);
     }
 }
 
@@ -111,7 +202,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
         closeAsked_ = true;
         monitor_.announceClose();
         inCloseEvent_ = true;
-        monitor_.parts().actions.runWhenIdle([this] {
+        actions_.runWhenIdle([this] {
             monitor_.Form_QueryUnload();
             closed_ = true;
             if (!inCloseEvent_) {
@@ -135,20 +226,7 @@ bool frmMain::event(QEvent* event) {
     if (event->type() == QEvent::ThemeChange && parts_.desktopChanged) {
         parts_.desktopChanged();
     }
-    if (event->type() == QEvent::ApplicationPaletteChange) {
-        applyTheme();
-    }
     return QMainWindow::event(event);
-}
-
-/// The film of a run must stay readable while its list is locked.
-void frmMain::applyTheme() {
-    const Theme theme = Theme::of(QApplication::palette());
-    QPalette films;
-    films.setColor(QPalette::Disabled, QPalette::Text, theme.muted);
-    films.setColor(QPalette::Disabled, QPalette::ButtonText, theme.muted);
-    films.setColor(QPalette::Disabled, QPalette::WindowText, theme.muted);
-    cboFilms_->setPalette(films);
 }
 
 } // namespace drx9

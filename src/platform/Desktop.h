@@ -45,7 +45,8 @@ public:
     virtual void release() = 0;
 };
 
-/// A repeating timer of the user-interface thread. Ticks that are due while one runs are dropped, not queued.
+/// A repeating timer of the user-interface thread. Of the ticks that are due while one runs at most one is
+/// made up for, never a queue of them.
 class Ticker {
 public:
     virtual ~Ticker() = default;

@@ -2,6 +2,7 @@
 #include "util/ProgramName.h"
 
 #include "controls/AppIcon.h"
+#include "controls/TextView.h"
 #include "controls/Theme.h"
 
 #include <QCoreApplication>
@@ -13,7 +14,6 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QSysInfo>
-#include <QTextBrowser>
 #include <QVBoxLayout>
 
 namespace drx9 {
@@ -69,7 +69,7 @@ frmAbout::frmAbout(QWidget* owner)
         QStringLiteral("Version %1, %2").arg(QCoreApplication::applicationVersion(), buildDate()), this);
     auto* purpose = new QLabel(QStringLiteral("For one DRX-9 deposition monitor"), this);
     purpose->setForegroundRole(kMutedRole);
-    auto* text = new QTextBrowser(this);
+    auto* text = new TextView(this);
     text->setHtml(licences());
     text->setAccessibleName(QStringLiteral("Licences"));
     text->setFixedHeight(kLicenceHeight);

@@ -1,5 +1,6 @@
 #include "platform/qt/QtEventPump.h"
 
+#include "fakes/CriticalMessages.h"
 #include "platform/qt/QtTicker.h"
 #include "platform_qt/Waiting.h"
 
@@ -53,26 +54,39 @@ TEST_F(QtEventPumpTest, EndsASleepEarly) {
     const struct {
         const char* name;
         std::function<void()> arrange;
+        int loops; ///< event loops above the sleep that are told of
     } cases[] = {
-        {"woken before", [&] { pump.wake(); }},
-        {"woken by an event", [&] { after(20, [&] { pump.wake(); }); }},
-        {"any event", [&] { after(20, [] {}); }},
-        {"posted", [&] { pump.post([&] { pump.post([] {}); }); }},
-        {"woken from Qt's own queue", [&] { queue([&] { pump.wake(); }); }},
-        {"a nested sleep in Qt's own queue", [&] { queue([&] { sleep(0.02); }); }},
-        {"woken while a dialog stands on the sleep", [&] { queue([&] { dialog([&] { pump.wake(); }); }); }},
+        {"woken before", [&] { pump.wake(); }, 0},
+        {"woken by an event", [&] { after(20, [&] { pump.wake(); }); }, 0},
+        {"any event", [&] { after(20, [] {}); }, 0},
+        {"posted", [&] { pump.post([&] { pump.post([] {}); }); }, 0},
+        {"woken from Qt's own queue", [&] { queue([&] { pump.wake(); }); }, 0},
+        {"a nested sleep in Qt's own queue", [&] { queue([&] { sleep(0.02); }); }, 0},
+        {"woken while a dialog stands on it", [&] { queue([&] { dialog([&] { pump.wake(); }); }); }, 1},
+        {"a sleep in a dialog on it", [&] { queue([&] { dialog([&] { sleep(0.02); }); }); }, 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
+        const CriticalMessages::Expected told;
         c.arrange();
         EXPECT_LT(sleep(3), 1.0);
+        EXPECT_EQ(told.count(), c.loops);
         while (sleep(0.02) < 0.02) { // what the case has left
         }
     }
     // A wake-up counts for one sleep, and a deadline that passes under a dialog still ends the sleep.
     EXPECT_GT(sleep(0.05), 0.045);
+    const CriticalMessages::Expected told;
     queue([&] { dialog([] {}); });
     EXPECT_LT(sleep(0.05), 1.0);
+    EXPECT_EQ(told.count(), 1);
+}
+
+TEST_F(QtEventPumpTest, SleepsInsideADialogAreAllowed) {
+    double slept = 0;
+    queue([&] { dialog([&] { slept = sleep(0.05); }); });
+    QCoreApplication::processEvents(); // the dialog stands under the sleep, not above it
+    EXPECT_GT(slept, 0.045);
 }
 
 TEST_F(QtEventPumpTest, RunsPostedActionsInOrderAlsoFromWithin) {
@@ -89,30 +103,49 @@ TEST_F(QtEventPumpTest, RunsPostedActionsInOrderAlsoFromWithin) {
     EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4}));
 }
 
-TEST_F(QtEventPumpTest, TickerDropsTheBeatsThatATickRunsOver) {
+TEST_F(QtEventPumpTest, ALateTickIsFollowedByOneAtOnceAndTheBeatStartsAnew) {
     QtTicker ticker(clock, 50);
     std::vector<double> ticks;
+    bool waitingEventRan = false;
     int depth = 0;
     const double start = now();
     ticker.setTick([&] {
         EXPECT_EQ(depth++, 0) << "a tick inside a tick";
         ticks.push_back(now() - start);
-        if (ticks.size() == 1) // runs over the beats at 100 and 150 ms, pumping
+        if (ticks.size() == 1) { // runs over the beats at 100 and 150 ms, pumping
             wait([] { return false; }, 0.125);
-        if (ticks.size() == 2) { // the beat starts anew
+            queue([&] { waitingEventRan = true; });
+        }
+        if (ticks.size() == 2) {
+            EXPECT_TRUE(waitingEventRan) << "the late tick left no room for others";
+        }
+        if (ticks.size() == 3) { // started anew in mid-beat
+            wait([] { return false; }, 0.02);
             ticker.stop();
             ticker.start();
         }
         --depth;
     });
     ticker.start();
-    EXPECT_TRUE(wait([&] { return ticks.size() == 3; }));
+    EXPECT_TRUE(wait([&] { return ticks.size() == 4; }));
     ticker.stop();
-    ASSERT_EQ(ticks.size(), 3u);
-    EXPECT_NEAR(ticks[1], 0.22, 0.03) << "a nested sleep keeps its own deadline, and no beat is made up for";
-    EXPECT_NEAR(ticks[2] - ticks[1], 0.07, 0.03);
+    ASSERT_EQ(ticks.size(), 4u);
+    EXPECT_NEAR(ticks[1], 0.175, 0.02) << "one tick is owed";
+    EXPECT_NEAR(ticks[2] - ticks[1], 0.05, 0.02) << "and only one";
+    EXPECT_NEAR(ticks[3] - ticks[2], 0.07, 0.02);
     wait([] { return false; }, 0.12);
-    EXPECT_EQ(ticks.size(), 3u) << "ticked after stop";
+    EXPECT_EQ(ticks.size(), 4u) << "ticked after stop";
+}
+
+TEST_F(QtEventPumpTest, BeatsThatSomethingElseHeldUpAreNotMadeUpFor) {
+    QtTicker ticker(clock, 50);
+    int ticks = 0;
+    ticker.setTick([&] { ++ticks; });
+    ticker.start();
+    for (const double end = now() + 0.18; now() < end;) { // the event loop does not come round
+    }
+    wait([] { return false; }, 0.03);
+    EXPECT_EQ(ticks, 1);
 }
 
 TEST(QtClockTest, LocalTimeIsTheSystemsOwnAlsoFromWhatIsKept) {

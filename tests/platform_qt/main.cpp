@@ -1,3 +1,5 @@
+#include "fakes/CriticalMessages.h"
+
 #include <QApplication>
 
 #include <gtest/gtest.h>
@@ -7,5 +9,6 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);
     QApplication app(argc, argv);
+    drx9::CriticalMessages::failTests();
     return RUN_ALL_TESTS();
 }

@@ -1,4 +1,5 @@
 #include "controls/Theme.h"
+#include "fakes/CriticalMessages.h"
 
 #include <QApplication>
 
@@ -11,5 +12,6 @@ int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     QApplication app(argc, argv);
     drx9::applyDesktopTheme(app);
+    drx9::CriticalMessages::failTests();
     return RUN_ALL_TESTS();
 }

@@ -3,6 +3,7 @@
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QScopeGuard>
+#include <QThread>
 
 #include <algorithm>
 #include <chrono>
@@ -19,6 +20,10 @@ QAbstractEventDispatcher& dispatcher() {
     return *QAbstractEventDispatcher::instance();
 }
 
+int runningLoops() {
+    return QThread::currentThread()->loopLevel();
+}
+
 } // namespace
 
 QtEventPump::QtEventPump(const Clock& clock)
@@ -30,10 +35,11 @@ QtEventPump::QtEventPump(const Clock& clock)
 }
 
 void QtEventPump::processPending() {
-    if (clock_.monotonic() - lastTurn_ < kFresh)
+    if (clock_.monotonic() - lastTurn_ < kFresh) {
         QCoreApplication::sendPostedEvents();
-    else
+    } else {
         turn(QEventLoop::AllEvents);
+    }
     finishSleeps();
 }
 
@@ -43,14 +49,16 @@ void QtEventPump::turn(QEventLoop::ProcessEventsFlags flags) {
 }
 
 void QtEventPump::sleepUntil(double deadline) {
-    if (std::exchange(wokenEarly_, false))
+    if (std::exchange(wokenEarly_, false)) {
         return;
+    }
+    watchForLoops();
     if (clock_.monotonic() >= deadline) {
         turn(QEventLoop::AllEvents);
         return finishSleeps();
     }
     armTimer(deadline);
-    Sleep sleep{deadline, false, sleep_};
+    Sleep sleep{.deadline = deadline, .loops = runningLoops(), .outer = sleep_};
     sleep_ = &sleep;
     const auto leave = qScopeGuard([&] {
         sleep_ = sleep.outer;
@@ -60,41 +68,55 @@ void QtEventPump::sleepUntil(double deadline) {
 }
 
 void QtEventPump::wake() {
-    if (sleep_ == nullptr)
+    if (sleep_ == nullptr) {
         wokenEarly_ = true;
-    else
+    } else {
         finishSleeps();
+    }
 }
 
 /// Every sleep on the stack has had its event; beforeBlocking() makes those that have not blocked yet return.
 void QtEventPump::finishSleeps() {
-    for (Sleep* sleep = sleep_; sleep != nullptr && !sleep->done; sleep = sleep->outer)
+    for (Sleep* sleep = sleep_; sleep != nullptr && !sleep->done; sleep = sleep->outer) {
         sleep->done = true;
+    }
 }
 
 /// The dispatcher runs posted events before it blocks: a wake-up that came from one of them, or from a pump
 /// or a dialog that one of them ran, must not be slept through.
 void QtEventPump::beforeBlocking() {
-    if (sleep_ != nullptr && sleep_->done)
+    watchForLoops();
+    if (sleep_ != nullptr && sleep_->done) {
         dispatcher().wakeUp();
+    }
+}
+
+void QtEventPump::watchForLoops() {
+    if (sleep_ != nullptr && !sleep_->loopTold && runningLoops() > sleep_->loops) {
+        sleep_->loopTold = true;
+        qCritical("An event loop runs above a wait for the instrument and holds it up.");
+    }
 }
 
 /// A timer that stands for an earlier time is left to run: it is armed again when it has fired.
 void QtEventPump::armTimer(double deadline) {
-    if (timer_.isActive() && armedFor_ <= deadline)
+    if (timer_.isActive() && armedFor_ <= deadline) {
         return;
+    }
     const double wait = std::clamp(std::ceil((deadline - clock_.monotonic()) * 1000), 0.0, 86400e3);
     armedFor_ = deadline;
     timer_.start(std::chrono::milliseconds(static_cast<std::int64_t>(wait)));
 }
 
 void QtEventPump::timerFired() {
-    if (sleep_ == nullptr)
+    if (sleep_ == nullptr) {
         return;
-    if (clock_.monotonic() < sleep_->deadline)
+    }
+    if (clock_.monotonic() < sleep_->deadline) {
         armTimer(sleep_->deadline);
-    else
+    } else {
         finishSleeps();
+    }
 }
 
 void QtEventPump::post(std::function<void()> action) {

@@ -18,6 +18,10 @@ namespace drx9 {
 /// Sleeps may be nested: an event handler that runs inside one may sleep itself. When the inner one returns
 /// the outer one returns too, an event having run in it, so that neither can miss a wake-up that the other
 /// one saw.
+///
+/// An event loop that a handler starts inside a sleep and that goes on above it (a dialog that is executed, a
+/// drag) holds up the exchange under it until it ends. That is a fault of the program: it is written to the
+/// log as a critical message, once a sleep, and the tests fail on it.
 class QtEventPump : public QObject, public EventPump {
 public:
     explicit QtEventPump(const Clock& clock);
@@ -34,6 +38,8 @@ private:
     /// One sleepUntil() on the stack.
     struct Sleep {
         double deadline;
+        int loops; ///< event loops of the thread at its start
+        bool loopTold = false;
         bool done = false; ///< an event of ours ran, or wake() was called
         Sleep* outer = nullptr;
     };
@@ -42,6 +48,7 @@ private:
     void armTimer(double deadline);
     void timerFired();
     void beforeBlocking();
+    void watchForLoops();
     void runPosted();
     void finishSleeps();
 

@@ -1,5 +1,7 @@
 #include "platform/qt/QtTicker.h"
 
+#include <QScopeGuard>
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -16,13 +18,14 @@ QtTicker::QtTicker(const Clock& clock, int intervalMs)
 }
 
 void QtTicker::start() {
-    if (running_)
+    if (running_) {
         return;
+    }
     running_ = true;
-    next_ = clock_.monotonic();
-    // Started from within a tick: that tick's end schedules the next.
-    if (!ticking_)
-        schedule();
+    next_ = clock_.monotonic() + interval_;
+    if (!ticking_) { // else that tick's end arms the timer
+        arm();
+    }
 }
 
 void QtTicker::stop() {
@@ -31,18 +34,28 @@ void QtTicker::stop() {
 }
 
 void QtTicker::fired() {
+    const double now = clock_.monotonic();
+    if (now - next_ >= interval_) { // something else held the event loop up: no beat is made up for
+        next_ = now;
+    }
+    next_ += interval_;
     ticking_ = true;
-    if (tick_)
+    const auto leave = qScopeGuard([this] {
+        ticking_ = false;
+        if (running_) {
+            arm();
+        }
+    });
+    if (tick_) {
         tick_();
-    ticking_ = false;
-    if (running_)
-        schedule();
+    }
 }
 
-void QtTicker::schedule() {
+/// Armed for a beat that has passed, the timer fires once the events that wait now have run.
+void QtTicker::arm() {
     const double now = clock_.monotonic();
-    next_ += interval_ * std::max(1.0, std::floor((now - next_) / interval_) + 1);
-    const double wait = std::max(0.0, std::ceil((next_ - now) * 1000));
+    next_ = std::max(next_, now);
+    const double wait = std::ceil((next_ - now) * 1000);
     timer_.start(std::chrono::milliseconds(static_cast<std::int64_t>(wait)));
 }
 

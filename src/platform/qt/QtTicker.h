@@ -9,8 +9,9 @@
 
 namespace drx9 {
 
-/// Ticks on multiples of the interval since start(). The beat that a long tick runs over is left out; the
-/// next one comes when it is due.
+/// Ticks on multiples of the interval since start(). A tick that takes longer than the interval is followed
+/// by the next as soon as the events that wait have run once, and the beat starts anew from there; however
+/// many beats it ran over, one tick makes up for them.
 class QtTicker : public Ticker {
 public:
     QtTicker(const Clock& clock, int intervalMs);
@@ -24,11 +25,11 @@ public:
 
 private:
     void fired();
-    void schedule();
+    void arm();
 
     const Clock& clock_;
     double interval_; ///< s
-    double next_ = 0; ///< monotonic time (s) of the next beat
+    double next_ = 0; ///< monotonic time (s) of the beat that is waited for
     bool running_ = false;
     bool ticking_ = false;
     std::function<void()> tick_;

@@ -1,0 +1,21 @@
+#include "controls/ReadOnlyLine.h"
+
+#include "controls/PopUpMenu.h"
+
+#include <QContextMenuEvent>
+
+namespace drx9 {
+
+ReadOnlyLine::ReadOnlyLine(QWidget* parent)
+    : QLineEdit(parent) {
+    setReadOnly(true);
+    setDragEnabled(false);
+    setAcceptDrops(false);
+}
+
+void ReadOnlyLine::contextMenuEvent(QContextMenuEvent* event) {
+    popUpMenu(createStandardContextMenu(), event->globalPos());
+    event->accept();
+}
+
+} // namespace drx9

@@ -1,0 +1,89 @@
+// The main window's keys, and the windows that open from it.
+#include "monitor/frmMain.h"
+
+#include "controls/Readout.h"
+#include "controls/WindowPlaces.h"
+#include "monitor/frmDataLog.h"
+#include "util/ProgramName.h"
+#include "util/frmAbout.h"
+
+#include <QApplication>
+#include <QShortcut>
+#include <QStackedLayout>
+
+#include <array>
+
+namespace drx9 {
+
+void frmMain::notInThisBuild() {
+    parts_.boxes.show("Not in this build.", kProgramName, MessageIcon::Information);
+}
+
+void frmMain::showDataLog() {
+    if (dataLog_ == nullptr) {
+        const MonitorParts& parts = monitor_.parts();
+        dataLog_ = new frmDataLog({parts.settings.log, parts.log, parts_.files, parts_.dialogs, parts_.shell,
+                                   parts_.boxes, parts.actions},
+                                  this);
+        dataLog_->setAttribute(Qt::WA_DeleteOnClose);
+        connect(dataLog_, &frmDataLog::settingsChanged, this, &frmMain::beat);
+        if (parts_.places != nullptr) {
+            parts_.places->follow(*dataLog_);
+        }
+    }
+    dataLog_->show();
+    dataLog_->raise();
+    dataLog_->activateWindow();
+}
+
+void frmMain::showHelp() {
+    if (parts_.help == nullptr) {
+        notInThisBuild();
+        return;
+    }
+    setHourglass(true);
+    parts_.help->showIndex();
+    setHourglass(false);
+}
+
+void frmMain::showAbout() {
+    auto* about = new frmAbout(this);
+    about->setAttribute(Qt::WA_DeleteOnClose);
+    about->show();
+}
+
+void frmMain::addKey(const QKeySequence& key, std::function<void()> action) {
+    auto* shortcut = new QShortcut(key, this);
+    shortcut->setAutoRepeat(false);
+    connect(shortcut, &QShortcut::activated, this, std::move(action));
+}
+
+void frmMain::buildKeys() {
+    addKey(Qt::Key_F4, [this] { bar_->openFilms(); });
+    addKey(Qt::Key_F6, [this] { nextRegion(1); });
+    addKey(Qt::SHIFT | Qt::Key_F6, [this] { nextRegion(-1); });
+    addKey(Qt::SHIFT | Qt::Key_F7, [this] { bar_->pressZero(); });
+    addKey(Qt::SHIFT | Qt::Key_F8, [this] { bar_->pressShutter(); });
+    addKey(Qt::SHIFT | Qt::Key_F9, [this] { bar_->pressStartStop(); });
+}
+
+/// Regions in their order: bar, readouts, chart.
+void frmMain::nextRegion(int direction) {
+    const QWidget* focus = QApplication::focusWidget();
+    int region = 0;
+    if (qobject_cast<const Readout*>(focus) != nullptr) {
+        region = 1;
+    } else if (focus != nullptr && focus == charts_->currentWidget()) {
+        region = 2;
+    }
+    const std::array<QWidget*, 3> entries{bar_->entry(), readoutPanel_->entry(), charts_->currentWidget()};
+    for (int step = 1; step <= 3; ++step) {
+        QWidget* next = entries[static_cast<std::size_t>((region + direction * step + 6) % 3)];
+        if (next->isVisible()) {
+            next->setFocus(Qt::TabFocusReason);
+            return;
+        }
+    }
+}
+
+} // namespace drx9

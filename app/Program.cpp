@@ -18,42 +18,42 @@ AppInfo appInfo() {
 } // namespace
 
 Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale, const QString& placesFile)
-    : paths_(paths)
-    , locale_(locale)
-    , pump_(clock_)
-    , serial_(pump_, paths_.programFolder)
+    : pump_(clock_)
+    , serial_(pump_, paths.programFolder)
     , socket_(pump_)
-    , usb_(paths_.programFolder)
+    , usb_(paths.programFolder)
     , ticker_(clock_, PollTimer::kIntervalMs)
-    , file_(files)
-    , errors_({files, boxes_, clock_, locale_, appInfo(), paths_})
-    , actions_(pump_)
-    , transports_{SerialTransport(serial_), UsbTransport(usb_), SocketTransport(socket_)}
-    , link_(settings_.link, transports_, pump_, clock_, actions_)
-    , commands_(link_, boxes_, clock_)
-    , discovery_(link_, settings_.link, transports_, pump_, clock_, actions_, boxes_, errors_)
-    , log_(files, clock_, locale_, paths_, boxes_, pump_, settings_.log)
-    , readouts_(locale_, settings_.system)
-    , timer_(ticker_)
-    , places_(placesFile)
     , progress_(pump_)
-    , monitor_({settings_, films_, link_, commands_, discovery_, actions_, log_, readouts_, timer_,
-                charts_.graphs(), progress_, sleep_, clock_, pump_,
-                [this, &files] { LoadSettings(settings_, file_, files, paths_, locale_); },
-                [this, &files] { SaveSettings(settings_, file_, files, paths_, locale_); }})
-    , window_({monitor_, charts_, files, paths_, boxes_, dialogs_, shell_, nullptr, &places_,
-               [this] { followDesktop(*qApp, darkWanted_); }}) {
-    monitor_.setWindow(window_);
+    , core_({files, clock_, pump_, boxes_, serial_, socket_, usb_, ticker_, progress_, sleep_,
+             charts_.graphs()},
+            paths, locale, appInfo())
+    , places_(placesFile)
+    , window_(windowParts(files)) {
+    core_.monitor.setWindow(window_);
     progress_.setOwner(ProgressOwner::MainWindow, &window_);
-    ticker_.setTick([this] { monitor_.tmrUpdate_Timer(); });
+    ticker_.setTick([this] { core_.monitor.tmrUpdate_Timer(); });
 }
 
-Program::~Program() {
-    transports_.closeAll();
+MainWindowParts Program::windowParts(FilePort& files) {
+    MainWindowParts parts = mainWindowParts(core_, pump_, clock_, charts_, {files, boxes_, dialogs_, shell_});
+    parts.places = &places_;
+    parts.desktopChanged = [this] { followDesktop(*qApp, darkWanted_); };
+    return parts;
 }
 
 void Program::reportError(const std::exception& error) noexcept {
-    errors_.HandleError({.number = 0, .line = 0, .description = error.what()});
+    core_.faults.report(error);
+}
+
+void Program::endSession() {
+    core_.questions.setSessionEnds();
+    // A box that is closed may uncover another one.
+    for (QWidget* modal = QApplication::activeModalWidget(); modal != nullptr;) {
+        modal->close();
+        QWidget* next = QApplication::activeModalWidget();
+        modal = next == modal ? nullptr : next;
+    }
+    window_.close();
 }
 
 void Program::start() {
@@ -64,7 +64,7 @@ void Program::start() {
         }
     });
     QTimer::singleShot(0, &window_, [this] {
-        if (!monitor_.Form_Load()) {
+        if (!core_.monitor.Form_Load()) {
             QApplication::quit();
         }
     });

@@ -1,17 +1,9 @@
 #pragma once
 
-#include "errors/CErrHandler.h"
+#include "app/OtherWindows.h"
+#include "controls/WindowPlaces.h"
+#include "core/Core.h"
 #include "films/frmStatus.h"
-#include "link/ActionQueue.h"
-#include "link/Commands.h"
-#include "link/Discovery.h"
-#include "link/Link.h"
-#include "monitor/DataLog.h"
-#include "monitor/Monitor.h"
-#include "monitor/PollTimer.h"
-#include "monitor/Readouts.h"
-#include "monitor/Settings.h"
-#include "monitor/cFile.h"
 #include "monitor/frmMain.h"
 #include "platform/qt/AppearancePortal.h"
 #include "platform/qt/QtClock.h"
@@ -24,7 +16,6 @@
 #include "platform/qt/QtSocketControl.h"
 #include "platform/qt/QtTicker.h"
 #include "platform/qt/QtUsbBridge.h"
-#include "controls/WindowPlaces.h"
 
 #include <exception>
 #include <memory>
@@ -38,8 +29,6 @@ class Program {
 public:
     /// `placesFile` keeps where windows stand; without one each start puts them anew.
     Program(FilePort& files, const Paths& paths, const NumberLocale& locale, const QString& placesFile = {});
-    /// Closes the link: a bridge's library must not be left with an open handle.
-    ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
@@ -49,12 +38,18 @@ public:
     /// What an event handler threw, for the error report.
     void reportError(const std::exception& error) noexcept;
 
-    [[nodiscard]] Monitor& monitor() { return monitor_; }
+    /// The session ends: boxes and dialogs that stand are closed as Cancel, and the program closes without
+    /// asking, as soon as the exchange in hand has ended.
+    void endSession();
+
+    // For tests and benchmarks.
+
+    [[nodiscard]] Core& core() { return core_; }
+    [[nodiscard]] const Clock& clock() const { return clock_; }
     [[nodiscard]] frmMain& window() { return window_; }
 
 private:
-    const Paths paths_;
-    const NumberLocale locale_;
+    [[nodiscard]] MainWindowParts windowParts(FilePort& files);
 
     // Ports
     QtClock clock_;
@@ -67,26 +62,13 @@ private:
     QtSocketControl socket_;
     QtUsbBridge usb_;
     QtTicker ticker_;
+    frmStatus progress_;
+    ChartSet charts_;
 
-    // Records and logic
-    Settings settings_;
-    Films films_;
-    cFile file_;
-    CErrHandler errors_;
-    ActionQueue actions_;
-    Transports transports_;
-    Link link_;
-    Commands commands_;
-    Discovery discovery_;
-    DataLog log_;
-    Readouts readouts_;
-    PollTimer timer_;
+    Core core_;
 
     // Windows
     WindowPlaces places_;
-    ChartSet charts_;
-    frmStatus progress_;
-    Monitor monitor_;
     frmMain window_;
     std::optional<bool> darkWanted_; ///< what the desktop said
     std::unique_ptr<AppearancePortal> appearance_;

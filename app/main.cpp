@@ -1,11 +1,12 @@
 #include "app/Program.h"
+#include "controls/Theme.h"
 #include "platform/DataFolder.h"
 #include "platform/os/OsFilePort.h"
 #include "platform/qt/EventLoopChoice.h"
 #include "platform/qt/LocaleFromSystem.h"
+#include "platform/qt/SessionEnd.h"
 #include "platform/qt/SingleInstance.h"
 #include "util/ProgramName.h"
-#include "controls/Theme.h"
 
 #include <QApplication>
 #include <QStandardPaths>
@@ -57,6 +58,7 @@ int main(int argc, char* argv[]) {
         QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/windows.ini");
     Program program(*files, paths, localeFromSystem(), places);
     application.report = [&program](const std::exception& error) { program.reportError(error); };
+    const SessionEnd sessionEnd([&program] { program.endSession(); });
     program.start();
     return QApplication::exec();
 }

@@ -118,7 +118,7 @@ public:
         program->window().close();
         waitFor([&] { return !program->window().isVisible(); });
     }
-    Monitor& monitor() { return program->monitor(); }
+    Monitor& monitor() { return program->core().monitor; }
     QPushButton& button(const char* name) { return *program->window().findChild<QPushButton*>(name); }
 
 private:
@@ -207,7 +207,7 @@ void deviceGone(double seconds) {
     std::printf(
         "device gone in a run, share of a processor:\n  silent   %6.2f %% (last reading %.0f s old)\n",
         silent.percent(),
-        running.monitor().parts().clock.monotonic() - running.monitor().answers().lastGoodReading());
+        running.program->clock().monotonic() - running.monitor().answers().lastGoodReading());
     running.simulator.say("unplug");
     runEvents(4);
     const Share refused;
@@ -245,7 +245,7 @@ void clickFeedback() {
         double pressed = 0;
         QTimer moment;
         QObject::connect(&moment, &QTimer::timeout, &moment, [&] {
-            if (pressed > 0 || !running.monitor().parts().link.exchanging())
+            if (pressed > 0 || !running.program->core().link.exchanging())
                 return;
             pressed = now();
             post(QEvent::MouseButtonPress, QRectF(button.rect()).center());

@@ -1,5 +1,6 @@
 #include "link/ActionQueue.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace drx9 {
@@ -16,12 +17,24 @@ ActionQueue::Scope::~Scope() {
 ActionQueue::ActionQueue(EventPump& pump)
     : pump_(pump) {}
 
-void ActionQueue::runWhenIdle(std::function<void()> action) {
-    if (!busy() && actions_.empty()) {
-        action();
+bool ActionQueue::waitingFor(For purpose) const {
+    return std::any_of(actions_.begin(), actions_.end(),
+                       [purpose](const Waiting& waiting) { return waiting.purpose == purpose; });
+}
+
+void ActionQueue::runWhenIdle(std::function<void()> action, For purpose) {
+    if (closing_) {
         return;
     }
-    actions_.push_back(std::move(action));
+    if (purpose == For::Close) {
+        closing_ = true;
+        actions_.clear();
+    }
+    if (!busy() && actions_.empty()) {
+        run(action);
+        return;
+    }
+    actions_.push_back({std::move(action), purpose});
     scheduleDrain();
 }
 
@@ -43,10 +56,22 @@ void ActionQueue::drain() {
     if (busy() || actions_.empty()) {
         return; // the end of the operation in hand posts again
     }
-    const std::function<void()> action = std::move(actions_.front());
+    const std::function<void()> action = std::move(actions_.front().action);
     actions_.pop_front();
-    action();
-    scheduleDrain();
+    scheduleDrain(); // before the action, which may open a dialog and run the event loop for hours
+    run(action);
+}
+
+void ActionQueue::run(const std::function<void()>& action) {
+    if (!fault_) {
+        action();
+        return;
+    }
+    try {
+        action();
+    } catch (const std::exception& error) {
+        fault_(error);
+    }
 }
 
 } // namespace drx9

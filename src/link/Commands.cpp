@@ -36,46 +36,8 @@ public:
         , failure_(failure)
         , abandon_(abandon) {}
 
-    /// Sends the command and takes its number into `value`, 0 when it failed. False when the reading
-    /// must end.
-    bool take(const std::string& command, double& value, std::size_t index) {
-        if (sent_++ > 0 && abandon_ && abandon_()) {
-            end_ = ReadResult::Abandoned;
-            return false;
-        }
-        const std::string reply = link_.Comm_Send(command);
-        value = Val(reply);
-        const std::uint16_t outcome = link_.outcome();
-        const bool empty = outcome == comm::kOk && !beginsWithNumber(reply);
-        values_.failed.set(index, outcome != comm::kOk || empty);
-        if (values_.failed[index]) {
-            failure_ = command + ": " + commStatusText(empty ? comm::kNoData : outcome);
-        }
-        const bool timedOut = outcome == comm::kTimeout || outcome == comm::kLost;
-        timeouts_ = timedOut ? timeouts_ + 1 : 0;
-        if (timeouts_ >= kDeadAfterTimeouts) {
-            end_ = ReadResult::LinkDead;
-        }
-        return end_ == ReadResult::Done;
-    }
-
-    bool sensor(int sensor) {
-        const auto s = static_cast<std::size_t>(sensor);
-        const std::string number = std::to_string(sensor + 1);
-        double frequency = 0;
-        if (!take("P" + number, frequency, valueIndex(Value::Frequency, sensor))) {
-            return false;
-        }
-        if (frequency == values_.frequency[s]) {
-            return true; // saves two exchanges: nothing was deposited since
-        }
-        values_.frequency[s] = frequency;
-        return take("L" + number, values_.rate[s], valueIndex(Value::Rate, sensor)) &&
-               take("N" + number, values_.thickness[s], valueIndex(Value::Thickness, sensor));
-    }
-
-    bool all() {
-        for (int i = 0; i < link_.sensorCount(); ++i) {
+    bool all(int sensors) {
+        for (int i = 0; i < sensors; ++i) {
             if (!sensor(i)) {
                 return false;
             }
@@ -86,21 +48,67 @@ public:
 
     /// Call after the last exchange.
     ReadResult end() {
-        if (end_ == ReadResult::Done && link_.settle()) {
-            failure_ += failure_.empty() ? "Late answer" : ", answered late";
-            end_ = ReadResult::OutOfStep;
-        } else if (end_ == ReadResult::Done && link_.hearsSurplus(watchTime())) {
-            failure_ += failure_.empty() ? "Answers out of step" : ", answers out of step";
+        if (end_ == ReadResult::Done) {
+            link_.settle();
+            link_.listen(watchTime());
+        }
+        const StepWatch& watch = link_.watch();
+        if (end_ == ReadResult::Done && watch.broken()) {
+            failure_ += watch.late() ? (failure_.empty() ? "Late answer" : ", answered late")
+                                     : (failure_.empty() ? "Answers out of step" : ", answers out of step");
             end_ = ReadResult::OutOfStep;
         }
         return end_;
     }
 
 private:
+    bool sensor(int sensor) {
+        const auto s = static_cast<std::size_t>(sensor);
+        double frequency = 0;
+        if (!take("P" + std::to_string(sensor + 1), frequency, valueIndex(Value::Frequency, sensor))) {
+            return false;
+        }
+        // An unchanged frequency saves two exchanges: nothing was deposited since.
+        const bool moved = frequency != values_.frequency[s];
+        values_.frequency[s] = frequency;
+        return letter('L', moved, values_.rate[s], Value::Rate, sensor) &&
+               letter('N', moved, values_.thickness[s], Value::Thickness, sensor);
+    }
+
+    bool letter(char letter, bool moved, double& value, Value kind, int sensor) {
+        const std::size_t index = valueIndex(kind, sensor);
+        return (!moved && !values_.failed[index]) || take(letter + std::to_string(sensor + 1), value, index);
+    }
+
+    /// Sends the command and takes its number into `value`, 0 when it failed. False when the reading must
+    /// end.
+    bool take(const std::string& command, double& value, std::size_t index) {
+        if (sent_++ > 0 && abandon_ && abandon_()) {
+            end_ = ReadResult::Abandoned;
+            return false;
+        }
+        const Exchange exchange = link_.exchange(command);
+        value = Val(exchange.reply);
+        const bool empty = exchange.ok() && !beginsWithNumber(exchange.reply);
+        values_.failed.set(index, !exchange.ok() || empty);
+        if (values_.failed[index]) {
+            failure_ = command + ": " + commStatusText(empty ? comm::kNoData : exchange.status);
+        }
+        const bool timedOut = exchange.status == comm::kTimeout || exchange.status == comm::kLost;
+        timeouts_ = timedOut ? timeouts_ + 1 : 0;
+        timedOut_ = timedOut_ || timedOut;
+        if (timeouts_ >= kDeadAfterTimeouts) {
+            end_ = ReadResult::LinkDead;
+        }
+        return end_ == ReadResult::Done;
+    }
+
     /// How long to listen after the last exchange, s.
     [[nodiscard]] double watchTime() const {
         const double taken = clock_.monotonic() - start_;
-        return std::min(taken / sent_ * kWatchedExchanges + kWatchedAtLeast, kReadingRoom - taken);
+        const double wanted = taken / sent_ * kWatchedExchanges + kWatchedAtLeast;
+        // An answer that never came may still do so, later than anybody waits for it.
+        return timedOut_ ? wanted : std::min(wanted, kReadingRoom - taken);
     }
 
     Link& link_;
@@ -110,7 +118,8 @@ private:
     std::string& failure_;
     const std::function<bool()>& abandon_;
     int sent_ = 0;
-    int timeouts_ = 0;
+    int timeouts_ = 0; ///< in a row
+    bool timedOut_ = false;
     ReadResult end_ = ReadResult::Done;
 };
 
@@ -119,18 +128,18 @@ Commands::Commands(Link& link, MessageBoxes& boxes, const Clock& clock)
     , boxes_(boxes)
     , clock_(clock) {}
 
-Commands::ReadResult Commands::Comm_GetData(Readings& readings, const std::function<bool()>& abandon) {
+Commands::ReadResult Commands::Comm_GetData(Readings& readings, int sensors,
+                                            const std::function<bool()>& abandon) {
     readFailure_.clear();
     if (link_.CommStatus() != comm::kOk) {
-        boxes_.show("Get Data Error", kProgramName, MessageIcon::None);
+        boxes_.showNonBlocking("Get Data Error", kProgramName, MessageIcon::None);
         return ReadResult::Busy;
     }
-    link_.settle(); // what another command timed out for is not taken for the first value
-    link_.watch();
+    link_.watch().begin();
     Readings values = readings;
     std::string failure;
     Reading reading(link_, clock_, values, failure, abandon);
-    reading.all();
+    reading.all(sensors);
     values.elapsed = clock_.monotonic() - values.startTime;
     const ReadResult result = reading.end();
     readFailure_ = failure;
@@ -140,34 +149,34 @@ Commands::ReadResult Commands::Comm_GetData(Readings& readings, const std::funct
     return result;
 }
 
-std::uint16_t Commands::statusOnly(const std::string& command) {
-    link_.Comm_Send(command);
-    return link_.outcome();
-}
-
 std::uint16_t Commands::Comm_ZeroThickness() {
-    return statusOnly("S");
+    return link_.exchange("S").status;
 }
 
 std::uint16_t Commands::Comm_ZeroTime() {
-    return statusOnly("T");
+    return link_.exchange("T").status;
 }
 
 std::uint16_t Commands::Comm_FilmDefaults() {
-    return statusOnly("Z");
+    return link_.exchange("Z").status;
 }
 
 std::int16_t Commands::Comm_GetUnit() {
-    const std::string reply = link_.Comm_Send("U?");
-    return link_.outcome() == comm::kOk ? toInt16(Val(reply)) : static_cast<std::int16_t>(link_.outcome());
+    const Exchange exchange = link_.exchange("U?");
+    return exchange.ok() ? toInt16(Val(exchange.reply)) : static_cast<std::int16_t>(exchange.status);
 }
 
-void Commands::Comm_SetUnit(std::int16_t value) {
-    link_.Comm_Send("U" + std::to_string(value));
+std::optional<std::int16_t> Commands::queryUnit() {
+    const Exchange exchange = link_.exchange("U?");
+    return exchange.reply.empty() ? std::nullopt : std::optional(toInt16(Val(exchange.reply)));
 }
 
-void Commands::Comm_SelectFilm(int film) {
-    link_.Comm_Send("D" + std::to_string(film));
+std::uint16_t Commands::Comm_SetUnit(std::int16_t value) {
+    return link_.exchange("U" + std::to_string(value)).status;
+}
+
+std::uint16_t Commands::Comm_SelectFilm(int film) {
+    return link_.exchange("D" + std::to_string(film)).status;
 }
 
 bool Commands::Comm_GetFilm(int number, FilmRecord& film, Messages messages) {
@@ -186,28 +195,31 @@ bool Commands::Comm_GetFilm(int number, FilmRecord& film, Messages messages) {
 void Commands::tell(Messages messages, const std::string& text) {
     if (messages == Messages::Blocking) {
         boxes_.show(text, kProgramName, MessageIcon::None);
-    } else {
+    } else if (messages == Messages::NonBlocking) {
         boxes_.showNonBlocking(text, kProgramName, MessageIcon::None);
     }
 }
 
-void Commands::Comm_SetFilm(int number, const FilmRecord& film) {
-    link_.Comm_Send(filmCommand(number) + filmPayload(film));
+std::uint16_t Commands::Comm_SetFilm(int number, const FilmRecord& film) {
+    return link_.exchange(filmCommand(number) + filmPayload(film)).status;
 }
 
 bool Commands::Comm_GetSystem(SystemParameters& parameters) {
-    link_.settle(); // a film's fields, or the other record's, would be taken for settings
-    const bool first = parseSystemB(link_.Comm_Send("B?"), parameters);
-    link_.settle();
-    const bool second = parseSystemC(link_.Comm_Send("C?"), parameters);
-    return first && second;
+    link_.watch().begin();
+    const std::string first = link_.exchange("B?").reply;
+    const std::string second = link_.exchange("C?").reply;
+    if (link_.watch().surplus()) {
+        return false; // one record may be the other's, or a film's
+    }
+    const bool firstTaken = parseSystemB(first, parameters);
+    return parseSystemC(second, parameters) && firstTaken;
 }
 
 std::uint16_t Commands::Comm_SetSystem(const SystemParameters& parameters) {
     // Both are built first: the record may change under a wait.
     const std::string second = systemPayloadC(parameters);
-    const std::uint16_t status = statusOnly(systemPayloadB(parameters));
-    return status == comm::kOk ? statusOnly(second) : status;
+    const std::uint16_t status = link_.exchange(systemPayloadB(parameters)).status;
+    return status == comm::kOk ? link_.exchange(second).status : status;
 }
 
 } // namespace drx9

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace drx9 {
@@ -19,18 +20,19 @@ public:
     /// How one reading ended.
     enum class ReadResult {
         Done,
-        Busy,      ///< status was not 0 on entry: "Get Data Error" was shown, nothing was sent
+        Busy,      ///< status was not 0 on entry: "Get Data Error" is shown, nothing was sent
         LinkDead,  ///< two time-outs in a row
         OutOfStep, ///< an answer came late or twice: the values behind it may be other commands'
         Abandoned, ///< `abandon` asked for it between two exchanges
     };
 
-    /// One acquisition: "P" per sensor, "L" and "N" of sensors whose "P" value changed, "M", "O". `readings`
-    /// is changed only when the result is Done; then its `elapsed` is the monotonic clock minus `startTime`
-    /// after the last exchange. A single failed exchange, or an answer without a number, counts as the value
-    /// 0 and is marked in `failed`. `abandon` (may be empty) is asked between two exchanges: a complete
-    /// reading is always delivered.
-    ReadResult Comm_GetData(Readings& readings, const std::function<bool()>& abandon);
+    /// One acquisition of sensors 1 to `sensors`: "P" per sensor, "L" and "N" of sensors whose "P" value
+    /// changed and those letters alone that failed last time, "M", "O". `readings` is changed only when the
+    /// result is Done; then its `elapsed` is the monotonic clock minus `startTime` after the last exchange. A
+    /// single failed exchange, or an answer without a number, counts as the value 0 and is marked in
+    /// `failed`. `abandon` (may be empty) is asked between two exchanges: a complete reading is always
+    /// delivered.
+    ReadResult Comm_GetData(Readings& readings, int sensors, const std::function<bool()>& abandon);
     /// Status text of the last failed exchange of the last reading with the command it belongs to ("P3:
     /// Timeout"); empty when none failed.
     [[nodiscard]] const std::string& readFailure() const { return readFailure_; }
@@ -39,20 +41,22 @@ public:
     std::uint16_t Comm_ZeroTime();      ///< "T"; 0 or the status
     std::uint16_t Comm_FilmDefaults();  ///< "Z"; 0 or the status
 
-    /// "U?": the reply's number when the status is 0, else the status code. 1 is thus ambiguous: look at
-    /// CommStatus.
+    /// "U?": the reply's number when the status is 0, else the status code. 1 is thus ambiguous: queryUnit()
+    /// is not.
     std::int16_t Comm_GetUnit();
-    void Comm_SetUnit(std::int16_t value);
-    void Comm_SelectFilm(int film); ///< "D" film
+    /// "U?": the reply's number, 0 for a text without one; nothing when the query failed or brought no text.
+    std::optional<std::int16_t> queryUnit();
+    std::uint16_t Comm_SetUnit(std::int16_t value); ///< "U" value; 0 or the status
+    std::uint16_t Comm_SelectFilm(int film);        ///< "D" film; 0 or the status
 
     /// "A" c "?" into `film`. True on failure, after showing "Get Film Error: ..." itself; `film` is then
     /// unchanged.
     bool Comm_GetFilm(int number, FilmRecord& film, Messages messages = Messages::Blocking);
-    /// "A" c fields; the outcome is CommStatus.
-    void Comm_SetFilm(int number, const FilmRecord& film);
+    /// "A" c fields; 0 or the status.
+    std::uint16_t Comm_SetFilm(int number, const FilmRecord& film);
 
-    /// "B?" and "C?": fields that can be read are taken, others keep their value. True when both records were
-    /// read completely. An answer that came too late is not taken for one.
+    /// "B?" and "C?", each taken whole or not at all, and only from answers in step. True when both were
+    /// taken.
     bool Comm_GetSystem(SystemParameters& parameters);
     /// "B" and, only if that was accepted, "C". 0 or the status of the one that failed.
     std::uint16_t Comm_SetSystem(const SystemParameters& parameters);
@@ -75,7 +79,8 @@ std::string filmPayload(const FilmRecord& film); ///< fields of a film write, af
 bool parseFilmReply(const std::string& reply, int number, FilmRecord& film); ///< false when shorter than 9
 std::string systemPayloadB(const SystemParameters& parameters); ///< "B ..." whole command, eleven numbers
 std::string systemPayloadC(const SystemParameters& parameters); ///< "C ..." whole command, seven numbers
-/// Reads what can be read of a reply to "B?" or "C?"; true when all fields were there and numeric.
+/// Takes a reply to "B?" or "C?" when it holds exactly its eleven or seven words and each begins with a
+/// number that no "," follows ("5.0MHz" is 5, "2,5" is none); else false, and `parameters` stays as it was.
 bool parseSystemB(const std::string& reply, SystemParameters& parameters);
 bool parseSystemC(const std::string& reply, SystemParameters& parameters);
 

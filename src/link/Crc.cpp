@@ -59,8 +59,9 @@ std::string Comm_CRCText(std::string_view text) {
 }
 
 std::string commandPacket(std::string_view text) {
-    std::string covered(1, static_cast<char>(text.size() + 34));
-    covered += text;
+    const std::string_view fits = text.substr(0, kLongestCommand);
+    std::string covered(1, static_cast<char>(fits.size() + 34));
+    covered += fits;
     return framed(covered);
 }
 

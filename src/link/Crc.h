@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -22,8 +23,10 @@ CrcBytes Comm_CRC(std::span<const std::uint8_t> packet);
 /// The same over every character of a text (length character and command text), as the two CRC characters.
 std::string Comm_CRCText(std::string_view text);
 
-/// Frames a command: "!", length character (n + 34), the text, two CRC characters. `text` has at most 221
-/// bytes; one byte is one character.
+inline constexpr std::size_t kLongestCommand = 221; ///< bytes that a command's length character can tell
+
+/// Frames a command: "!", length character (n + 34), the text, two CRC characters. One byte is one character;
+/// what goes beyond kLongestCommand is left out.
 std::string commandPacket(std::string_view text);
 
 /// Frames a reply as the instrument does: "!", length character (data length + 36), status letter, data, two

@@ -81,15 +81,24 @@ Discovery::Discovery(Link& link, LinkSettings& settings, Transports& transports,
     , boxes_(boxes)
     , errors_(errors) {}
 
-bool Discovery::Comm_Open(Messages messages) {
+bool Discovery::Comm_Open(Messages messages, const Abandon& abandon) {
     if (opening_ || link_.exchanging()) {
         return link_.CommOK(); // from an event handler: the attempt or exchange on the stack goes on
     }
     const Attempt attempt(*this);
+    for (LinkListener* listener : listeners_) {
+        listener->linkOpening();
+    }
     transports_.closeAll();
-    const bool open = openLink();
+    const bool open = openLink(abandon);
     // A command given while there was no open link is not kept for whoever answers now.
     link_.forget();
+    if (abandon && abandon()) {
+        transports_.closeAll();
+        lost();
+        failure_.clear();
+        return false;
+    }
     if (!open) {
         lost();
         if (!refusal_.empty()) {
@@ -99,21 +108,26 @@ bool Discovery::Comm_Open(Messages messages) {
     }
     if (!instrumentAnswers()) {
         lost();
-        tell(messages, kNotFound, MessageIcon::None, true);
+        if (!abandon || !abandon()) {
+            tell(messages, kNotFound, MessageIcon::None, true);
+        }
         return false;
     }
     boxes_.closeNonBlocking();
     lossTold_ = false;
+    for (LinkListener* listener : listeners_) {
+        listener->linkOpened();
+    }
     return true;
 }
 
-bool Discovery::openLink() {
+bool Discovery::openLink(const Abandon& abandon) {
     refusal_.clear();
     switch (settings_.CommType) {
     case 1:
         return openUsb();
     case 2:
-        return openSocket();
+        return openSocket(abandon);
     default:
         return openSerial();
     }
@@ -151,8 +165,8 @@ bool Discovery::openUsb() {
     return false;
 }
 
-bool Discovery::openSocket() {
-    if (transports_.socket.open(settings_.EAddress, settings_.EPort, pump_, clock_)) {
+bool Discovery::openSocket(const Abandon& abandon) {
+    if (transports_.socket.open(settings_.EAddress, settings_.EPort, pump_, clock_, abandon)) {
         return true;
     }
     const std::string reason = transports_.socket.control().reason();
@@ -164,13 +178,13 @@ bool Discovery::openSocket() {
 
 bool Discovery::instrumentAnswers() {
     link_.setCommStatus(comm::kOk);
-    link_.Comm_Send("@");
-    if (link_.outcome() != comm::kOk) {
-        failure_ = std::string(kNotFound) + " (" + commStatusText(link_.outcome()) + ")";
+    const Exchange version = link_.exchange("@");
+    if (!version.ok()) {
+        failure_ = std::string(kNotFound) + " (" + commStatusText(version.status) + ")";
         transports_.usb.close(); // after a failure no device stays open
         return false;
     }
-    const std::string type = link_.Comm_Send("J");
+    const std::string type = link_.exchange("J").reply;
     link_.setInstrumentType(type.empty() ? std::int16_t{0} : toInt16(Val(type.substr(type.size() - 1))));
     link_.setCommOK(true);
     link_.setCommStatus(comm::kOk);
@@ -187,7 +201,7 @@ void Discovery::tell(Messages messages, const std::string& text, MessageIcon ico
     if (messages == Messages::Blocking) {
         boxes_.closeNonBlocking();
         boxes_.show(text, kProgramName, icon, systemModal);
-    } else if (!lossTold_) {
+    } else if (messages == Messages::NonBlocking && !lossTold_) {
         lossTold_ = true;
         boxes_.showNonBlocking(text, kProgramName, icon);
     }

@@ -5,10 +5,21 @@
 #include "platform/MessageBoxes.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace drx9 {
+
+/// Is told whenever the link is opened, by whomever: what a loss means ends in one place.
+class LinkListener {
+public:
+    virtual ~LinkListener() = default;
+    /// Nothing of the new link has been touched yet.
+    virtual void linkOpening() = 0;
+    /// An instrument answers.
+    virtual void linkOpened() = 0;
+};
 
 /// Finds the instrument and connects.
 class Discovery {
@@ -18,13 +29,17 @@ public:
     /// Blocking at start-up and for the Find button; reconnecting shows one non-blocking box per loss, closed
     /// by success.
     using Messages = drx9::Messages;
+    using Abandon = std::function<bool()>;
 
     Discovery(Link& link, LinkSettings& settings, Transports& transports, EventPump& pump, const Clock& clock,
               ActionQueue& actions, MessageBoxes& boxes, CErrHandler& errors);
 
     /// Closes every open link, opens the one of `CommType`, asks for the version ("@") and the type ("J").
-    /// Sets CommOK, CommStatus, CommVersion, InstrumentType. Pumps events; returns CommOK.
-    bool Comm_Open(Messages messages = Messages::Blocking);
+    /// Sets CommOK, CommStatus, CommVersion, InstrumentType. Pumps events; returns CommOK. `abandon` (may be
+    /// empty) ends the attempt early, as failed, but never between an answered "@" and its "J".
+    bool Comm_Open(Messages messages = Messages::Blocking, const Abandon& abandon = {});
+    /// Listeners outlive this.
+    void addListener(LinkListener& listener) { listeners_.push_back(&listener); }
 
     /// Searches the attached bridges for product "83F5" with this serial number; fills USBSerialList; on
     /// success sets USBIndex. Leaves every device closed. Does not pump.
@@ -33,16 +48,16 @@ public:
     [[nodiscard]] const std::vector<std::string>& USBSerialList() const { return serials_; }
     [[nodiscard]] std::int32_t USBCount() const { return static_cast<std::int32_t>(serials_.size()); }
     [[nodiscard]] std::int32_t USBIndex() const { return index_; }
-    /// Why the last Comm_Open failed, for the status bar; empty after success.
+    /// Why the last Comm_Open failed, for the status bar; empty after success, and where it was abandoned.
     [[nodiscard]] const std::string& failure() const { return failure_; }
 
 private:
     class Attempt;
 
-    bool openLink();
+    bool openLink(const Abandon& abandon);
     bool openSerial();
     bool openUsb();
-    bool openSocket();
+    bool openSocket(const Abandon& abandon);
     bool instrumentAnswers();
     void lost();
     void tell(Messages messages, const std::string& text, MessageIcon icon, bool systemModal);
@@ -55,6 +70,7 @@ private:
     ActionQueue& actions_;
     MessageBoxes& boxes_;
     CErrHandler& errors_;
+    std::vector<LinkListener*> listeners_;
     std::vector<std::string> serials_;
     std::int32_t index_ = 0;
     std::string failure_;

@@ -53,7 +53,7 @@ public:
         if (link_.status_ == comm::kBusy) {
             link_.status_ = comm::kTimeout;
             link_.pending_.clear();
-            link_.owed_ = true;
+            link_.lateUntil_ = link_.clock_.monotonic() + kReplyLimit + kLateLimit;
         }
         link_.outcome_ = link_.status_;
     }
@@ -72,45 +72,52 @@ Link::Link(const LinkSettings& settings, Transports& transports, EventPump& pump
     , clock_(clock)
     , actions_(actions) {}
 
-std::string Link::Comm_Send(const std::string& command) {
+Exchange Link::exchange(const std::string& command) {
     const ActionQueue::Scope scope(actions_);
     if (waiting_ || status_ == comm::kBusy) {
         pending_ = command;
-        return {};
+        outcome_ = comm::kBusy;
+        return {comm::kBusy, {}};
     }
-    std::string reply = exchange(command);
-    const std::uint16_t outcome = outcome_;
-    while (!pending_.empty()) {
-        exchange(std::exchange(pending_, {}));
-    }
-    outcome_ = outcome;
-    return reply;
+    Exchange ended = exchangeNow(command);
+    sendPending();
+    outcome_ = ended.status;
+    return ended;
 }
 
-std::string Link::exchange(const std::string& command) {
-    const InFlight inFlight(*this);
-    // The same one to the end, should the operator choose another link meanwhile.
-    Transport& transport = transports_.of(settings_.CommType);
-    if (owed_) {
-        pump_.sleepUntil(clock_.monotonic()); // a whole turn of the events: what has come shows only then
+void Link::sendPending() {
+    while (!pending_.empty()) {
+        exchangeNow(std::exchange(pending_, {}));
     }
-    lastPacket_ = commandPacket(command);
-    if (send(transport)) {
-        return Comm_Receive(transport);
+}
+
+Exchange Link::exchangeNow(const std::string& command) {
+    std::string reply;
+    {
+        const InFlight inFlight(*this);
+        // The same one to the end, should the operator choose another link meanwhile.
+        Transport& transport = transports_.of(settings_.CommType);
+        awaitLateAnswer(transport);
+        lastPacket_ = commandPacket(command);
+        if (send(transport)) {
+            reply = Comm_Receive(transport);
+        } else {
+            pump_.processPending();
+            timeOut();
+        }
     }
-    pump_.processPending();
-    timeOut();
-    return {};
+    return {outcome_, std::move(reply)};
 }
 
 bool Link::send(Transport& transport) {
-    FrameParser
-        parser; // of its own: the rest of a packet that begins in what is dropped must not complete one
-    const bool sent = transport.send(
-        lastPacket_, [&](std::uint8_t byte) { surplus_ = isSurplus(parser.push(byte)) || surplus_; });
-    if (std::exchange(watchBegins_, false)) {
-        surplus_ = false;
-    }
+    // A parser of its own: the rest of a packet that begins in what is dropped must not complete one.
+    FrameParser parser;
+    const bool sent = transport.send(lastPacket_, [&](std::uint8_t byte) {
+        if (isSurplus(parser.push(byte))) {
+            watch_.noteSurplus();
+        }
+    });
+    watch_.noteSend();
     reply_.clear();
     return sent;
 }
@@ -130,55 +137,91 @@ std::string Link::Comm_Receive(Transport& transport) {
 }
 
 void Link::sleep(const Transport& transport, double start, double deadline) {
-    const double now = clock_.monotonic();
-    const double interval = transport.pollInterval(now - start);
-    pump_.sleepUntil(interval > 0 ? std::min(deadline, now + interval) : deadline);
-    pump_.processPending();
+    doze(transport, start, deadline);
     if (clock_.monotonic() >= deadline) {
-        owed_ = true;
+        lateUntil_ = clock_.monotonic() + kLateLimit;
         timeOut();
     }
 }
 
-bool Link::settle() {
-    return std::exchange(owed_, false) && listen(kStragglerLimit).bytes;
+/// Sleeps until something happens, the deadline, or the next look at a link that wakes nobody.
+void Link::doze(const Transport& transport, double start, double deadline) {
+    const double now = clock_.monotonic();
+    const double interval = transport.pollInterval(now - start);
+    pump_.sleepUntil(interval > 0 ? std::min(deadline, now + interval) : deadline);
+    pump_.processPending();
 }
 
-bool Link::hearsSurplus(double seconds) {
-    return listen(seconds).answer || surplus_;
+void Link::forget() {
+    pending_.clear();
+    lateUntil_ = -1;
+}
+
+void Link::settle() {
+    if (lateUntil_ < 0 || waiting_) {
+        return;
+    }
+    const ActionQueue::Scope scope(actions_);
+    const std::uint16_t status = status_; // the exchange that timed out has ended: its outcome stays
+    const std::uint16_t outcome = outcome_;
+    {
+        const InFlight inFlight(*this);
+        awaitLateAnswer(transports_.of(settings_.CommType));
+        status_ = status;
+    }
+    sendPending();
+    outcome_ = outcome;
+}
+
+void Link::awaitLateAnswer(Transport& transport) {
+    const double limit = std::exchange(lateUntil_, -1);
+    if (limit < 0) {
+        return;
+    }
+    const double start = clock_.monotonic();
+    pump_.sleepUntil(start); // a whole turn of the events: what has come shows only then
+    bool came = hearsAnswer(transport);
+    while (!came && clock_.monotonic() < limit && !actions_.closing()) {
+        doze(transport, start, limit);
+        came = hearsAnswer(transport);
+    }
+    if (came) {
+        watch_.noteLate();
+    }
+    parser_ = FrameParser(); // the rest of an answer that has only begun is noise to the next exchange
+}
+
+/// Drops what has arrived; true when a packet, sound or not, ended in it.
+bool Link::hearsAnswer(Transport& transport) {
+    bool came = false;
+    transport.receive([&](std::uint8_t byte) { came = parser_.push(byte).has_value() || came; },
+                      [] { return true; });
+    return came;
+}
+
+void Link::listen(double seconds) {
+    Transport& transport = transports_.of(settings_.CommType);
+    const double start = clock_.monotonic();
+    const double limit = start + kListenLimit; // noise must not hold it for ever
+    double until = start + seconds;
+    for (double now = start; now < std::min(until, limit); now = clock_.monotonic()) {
+        bool more = false;
+        // By the parser of the exchanges, so that the next reply is not read as this one's end.
+        const auto drop = [&](std::uint8_t byte) {
+            more = true;
+            if (isSurplus(parser_.push(byte))) {
+                watch_.noteSurplus();
+            }
+        };
+        transport.receive(drop, [] { return true; });
+        until = more ? now + kQuiet : until;
+        doze(transport, start, std::min(until, limit));
+    }
 }
 
 /// A sound answer, and not the last one once more.
 bool Link::isSurplus(const std::optional<FrameParser::Reply>& reply) const {
     return reply && reply->crcOk && reply->data != reply_;
-}
-
-/// For so long, and while something is coming until the line is quiet.
-Link::Heard Link::listen(double seconds) {
-    Transport& transport = transports_.of(settings_.CommType);
-    const double start = clock_.monotonic();
-    const double limit = start + kListenLimit; // noise must not hold it for ever
-    double quietAt = start + seconds;
-    Heard heard;
-    double now = start;
-    while (now < std::min(quietAt, limit)) {
-        bool more = false;
-        const auto drop = [&](std::uint8_t byte) {
-            more = true;
-            // By the parser of the exchanges, lest the next reply be read as this one's end.
-            heard.answer = isSurplus(parser_.push(byte)) || heard.answer;
-        };
-        transport.receive(drop, [] { return true; });
-        if (more) {
-            heard.bytes = true;
-            quietAt = now + kQuiet;
-        }
-        const double interval = transport.pollInterval(now - start);
-        pump_.sleepUntil(interval > 0 ? std::min(quietAt, now + interval) : std::min(quietAt, limit));
-        pump_.processPending();
-        now = clock_.monotonic();
-    }
-    return heard;
 }
 
 void Link::timeOut() {
@@ -189,8 +232,9 @@ void Link::timeOut() {
 
 void Link::Comm_RxByte(std::uint8_t byte) {
     if (const auto reply = parser_.push(byte)) {
-        // Ethernet feeds on past a complete reply.
-        surplus_ = surplus_ || (status_ != comm::kBusy && isSurplus(reply));
+        if (status_ != comm::kBusy && isSurplus(reply)) { // Ethernet feeds on past a complete reply
+            watch_.noteSurplus();
+        }
         applyReply(*reply);
     }
 }
@@ -206,6 +250,7 @@ void Link::applyReply(const FrameParser::Reply& reply) {
     if (status_ != comm::kOk) {
         return;
     }
+    ++accepted_;
     reply_ = reply.data;
     if (lastPacket_.size() > 2 && lastPacket_[2] == '@') {
         version_ = reply_;

@@ -3,6 +3,7 @@
 #include "link/ActionQueue.h"
 #include "link/FrameParser.h"
 #include "link/Records.h"
+#include "link/StepWatch.h"
 #include "link/Transports.h"
 #include "platform/Clock.h"
 #include "platform/EventPump.h"
@@ -31,26 +32,47 @@ inline constexpr std::uint16_t kLost = 10;
 /// Text shown for a status: "Timeout", "No Data", ... "Unknown Error"; empty for 0.
 std::string commStatusText(std::uint16_t status);
 
+/// How one exchange ended.
+struct Exchange {
+    std::uint16_t status = comm::kOk; ///< of the values above
+    std::string reply;                ///< trimmed reply data; empty unless the status is 0
+
+    [[nodiscard]] bool ok() const { return status == comm::kOk; }
+    /// Nobody knows whether the command arrived: there was no answer, or one that cannot be read.
+    [[nodiscard]] bool unanswered() const {
+        return status == comm::kTimeout || status == comm::kLost || status == comm::kChecksum;
+    }
+};
+
 /// The wire: one command packet out, one reply packet in, over the transport that `CommType` selects.
 ///
 /// One exchange is in flight at a time. A command given while another waits for its reply (from an event
 /// handler that ran inside the wait) is kept as the single pending command, sent after the exchange in hand,
 /// and its reply is discarded.
+///
+/// An answer out of step is no answer. After a time-out the next command, whatever it is, waits until the
+/// late answer has come, at most until 0.5 s after the time-out; a request to close the program ends this
+/// wait.
 class Link {
 public:
-    static constexpr double kReplyLimit = 1.0;      ///< s
-    static constexpr double kStragglerLimit = 0.25; ///< s that settle() listens for an answer that came late
+    static constexpr double kReplyLimit = 1.0; ///< s
+    static constexpr double kLateLimit = 0.5;  ///< s after a time-out that a late answer is waited for
 
     Link(const LinkSettings& settings, Transports& transports, EventPump& pump, const Clock& clock,
          ActionQueue& actions);
 
     /// Sends a command and waits for its reply, at most 1.0 s, sleeping in the event loop: pumps events.
-    /// Returns the trimmed reply data, "" on any failure; the outcome is in CommStatus(). Whatever path it
-    /// leaves by, exceptions of event handlers included, CommStatus() is not 9 afterwards.
-    std::string Comm_Send(const std::string& command);
+    /// Given in mid-exchange it ends at once with status 9 and is sent later. Whatever path it leaves by,
+    /// exceptions of event handlers included, CommStatus() is not 9 afterwards.
+    Exchange exchange(const std::string& command);
+    /// The same; returns the reply data alone.
+    std::string Comm_Send(const std::string& command) { return exchange(command).reply; }
 
     [[nodiscard]] std::uint16_t CommStatus() const { return status_; }
     void setCommStatus(std::uint16_t status) { status_ = status; }
+    /// Status of the exchange that exchange() returned last. The same as CommStatus(), except where a pending
+    /// command was sent behind it: CommStatus() then tells how that one ended.
+    [[nodiscard]] std::uint16_t outcome() const { return outcome_; }
 
     /// The instrument is on line.
     [[nodiscard]] bool CommOK() const { return ok_; }
@@ -67,7 +89,7 @@ public:
         knownType_ = type > 0 ? type : knownType_;
     }
 
-    /// Sensors that are read and shown: InstrumentType, at most 6; unknown (0) counts as 6.
+    /// Sensors that the instrument has: InstrumentType, at most 6; unknown (0) counts as 6.
     [[nodiscard]] int sensorCount() const;
 
     /// The last four characters of CommVersion when it has at least five, else "".
@@ -75,52 +97,37 @@ public:
     /// Film slots of the instrument: 9 for firmware above 0 and up to 4.08, else 99.
     [[nodiscard]] std::int16_t FilmCount() const;
 
-    /// Status of the exchange whose reply Comm_Send returned last. The same as CommStatus(), but where a
-    /// pending command was sent behind it: CommStatus() then tells how that one ended.
-    [[nodiscard]] std::uint16_t outcome() const { return outcome_; }
-    /// Forgets what belongs to the link as it was: a command given while status 9 stood, and answers that may
-    /// come late. Used when a link is opened.
-    void forget() {
-        pending_.clear();
-        owed_ = false;
-    }
+    /// Forgets what belongs to the link as it was: a command given while status 9 stood, and an answer that
+    /// may come late. Used when a link is opened.
+    void forget();
 
-    /// Brings commands and answers back into step after a time-out. The wire numbers neither: an answer that
-    /// comes later than the limit is taken for that of the command sent meanwhile, and each answer behind it
-    /// for the next command's. So once an exchange has timed out this listens, with nothing sent, until the
-    /// line has been quiet (at most 0.5 s), and drops what comes. True when something came: what was read
-    /// since that time-out may belong to other commands. At once false when none timed out. Pumps events.
-    bool settle();
-
-    /// Begins to watch for answers that no command asked for: from behind the next send on, for what is
-    /// dropped before that belongs to earlier commands.
-    void watch() { watchBegins_ = true; }
-    /// Listens for `seconds` (not at all at 0 or less), with nothing sent; pumps events then. True when since
-    /// watch() an answer that no command asked for came here, behind another one, or was dropped before a
-    /// send. What was read meanwhile may then be the answers of other commands: one that comes twice, or
-    /// late, is taken for the next command's, whose own is then too many. The last answer once more does not
-    /// count, nor do stray bytes.
-    bool hearsSurplus(double seconds);
+    [[nodiscard]] StepWatch& watch() { return watch_; }
+    /// Waits now, not before the next command, for the answer of an exchange that timed out. Pumps events
+    /// then.
+    void settle();
+    /// Listens for `seconds` (not at all at 0 or less), and while something is coming until the line is
+    /// quiet, with nothing sent, for answers that are too many; the watch is told. Pumps events then.
+    void listen(double seconds);
 
     /// True while a reply is awaited.
     [[nodiscard]] bool exchanging() const { return waiting_; }
     /// Monotonic time of the last complete reply whose check characters were right; below 0 before the first.
     [[nodiscard]] double lastReplyTime() const { return lastReplyTime_; }
+    /// Exchanges answered "A" since the program's start.
+    [[nodiscard]] std::uint32_t accepted() const { return accepted_; }
 
 private:
     class InFlight;
-    /// What came while nothing was awaited.
-    struct Heard {
-        bool bytes = false;
-        bool answer = false; ///< a sound one, other than the last
-    };
 
-    std::string exchange(const std::string& command);
+    Exchange exchangeNow(const std::string& command);
+    void sendPending();
     std::string Comm_Receive(Transport& transport);
-    Heard listen(double seconds);
     bool send(Transport& transport);
+    void awaitLateAnswer(Transport& transport);
+    bool hearsAnswer(Transport& transport);
     [[nodiscard]] bool isSurplus(const std::optional<FrameParser::Reply>& reply) const;
     void sleep(const Transport& transport, double start, double deadline);
+    void doze(const Transport& transport, double start, double deadline);
     void timeOut();
     void Comm_RxByte(std::uint8_t byte);
     void applyReply(const FrameParser::Reply& reply);
@@ -131,20 +138,21 @@ private:
     const Clock& clock_;
     ActionQueue& actions_;
     FrameParser parser_;
-    std::uint16_t status_ = comm::kOk;
-    bool ok_ = false;
-    bool waiting_ = false;
-    std::uint16_t outcome_ = comm::kOk;
-    bool owed_ = false; ///< a command sent since the last settle() was not answered in time
-    bool watchBegins_ = false;
-    bool surplus_ = false; ///< since watch()
-    std::string pending_;  ///< empty when none
-    std::string lastPacket_;
-    std::string reply_;
-    std::string version_;
+    StepWatch watch_;
+    std::uint16_t status_ = comm::kOk;  ///< CommStatus: 9 from the start of an exchange to its end
+    std::uint16_t outcome_ = comm::kOk; ///< of the exchange that ended last, pending ones left out
+    bool ok_ = false;                   ///< CommOK
+    bool waiting_ = false;              ///< an exchange is on the stack, its wait for a late answer included
+    /// Until when the answer of an exchange that timed out may still come; none owed below 0. Monotonic.
+    double lateUntil_ = -1;
+    std::string pending_;    ///< command given in mid-exchange, empty when none
+    std::string lastPacket_; ///< CommLastPacket: as sent, with its frame
+    std::string reply_;      ///< CommReply: data of the last accepted answer since the last send
+    std::string version_;    ///< CommVersion: kept over losses, until another "@" is answered
     std::int16_t instrumentType_ = 0;
-    std::int16_t knownType_ = 0; ///< last one above 0
+    std::int16_t knownType_ = 0; ///< last instrument type above 0: readouts keep it while the link is lost
     double lastReplyTime_ = -1;
+    std::uint32_t accepted_ = 0;
 };
 
 } // namespace drx9

@@ -33,20 +33,22 @@ std::vector<std::string_view> words(std::string_view text) {
 }
 
 std::string wireName(const std::string& name) {
-    std::string wire = upperAscii(name);
+    std::string wire = upperAnsi(name);
     wire.resize(kNameLength, ' ');
     std::replace(wire.begin(), wire.end(), ' ', '_');
     return wire;
 }
 
-/// The whole word as a number; nothing where it holds anything else, so that "2,5" is never read as 2.
-std::optional<double> number(std::string_view word) {
+/// The number that the word begins with; nothing where there is none, or where a "," follows it, so that
+/// "2,5" is never read as 2.
+std::optional<double> leadingNumber(std::string_view word) {
     if (!word.empty() && word.front() == '+') {
         word.remove_prefix(1);
     }
     double value = 0;
     const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
-    if (error != std::errc() || end != word.data() + word.size() || !std::isfinite(value)) {
+    const bool comma = end != word.data() + word.size() && *end == ',';
+    if (error != std::errc() || comma || !std::isfinite(value)) {
         return std::nullopt;
     }
     return value;
@@ -77,13 +79,21 @@ std::string payload(char letter, const Fields& fields) {
 template<class Fields>
 bool parseFields(const std::string& reply, const Fields& fields) {
     const std::vector<std::string_view> found = words(reply);
-    bool complete = found.size() >= fields.size();
-    for (std::size_t i = 0; i < std::min(found.size(), fields.size()); ++i) {
-        const std::optional<double> value = number(found[i]);
-        complete = complete && value.has_value();
-        *fields[i] = value.value_or(*fields[i]);
+    std::vector<double> values;
+    for (const std::string_view word : found) {
+        const std::optional<double> value = leadingNumber(word);
+        if (!value) {
+            return false;
+        }
+        values.push_back(*value);
     }
-    return complete;
+    if (values.size() != fields.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        *fields[i] = values[i];
+    }
+    return true;
 }
 } // namespace
 

@@ -151,7 +151,7 @@ void SocketTransport::close() {
 }
 
 bool SocketTransport::open(const std::string& host, const std::string& port, EventPump& pump,
-                           const Clock& clock) {
+                           const Clock& clock, const std::function<bool()>& abandon) {
     control_.setRemote(host, toInt32(Val(port)));
     control_.connect();
     const double deadline = clock.monotonic() + kConnectLimit;
@@ -160,7 +160,7 @@ bool SocketTransport::open(const std::string& host, const std::string& port, Eve
         return state == SocketControl::kConnected || state == kSocketClosed || state == kSocketFailed;
     };
     pump.processPending();
-    while (!settled() && clock.monotonic() < deadline) {
+    while (!settled() && clock.monotonic() < deadline && !(abandon && abandon())) {
         pump.sleepUntil(deadline);
     }
     return isOpen();

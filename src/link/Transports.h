@@ -91,8 +91,10 @@ public:
     bool send(std::string_view packet, const Feed& dropped) override;
     void receive(const Feed& feed, const Awaiting& awaiting) override;
     void close() override;
-    /// Connects and waits until connected, refused, or 1.0 s have passed: pumps events. True when connected.
-    bool open(const std::string& host, const std::string& port, EventPump& pump, const Clock& clock);
+    /// Connects and waits until connected, refused, abandoned, or 1.0 s have passed: pumps events. True when
+    /// connected. `abandon` (may be empty) is asked after each event.
+    bool open(const std::string& host, const std::string& port, EventPump& pump, const Clock& clock,
+              const std::function<bool()>& abandon = {});
     [[nodiscard]] SocketControl& control() { return control_; }
 
 private:

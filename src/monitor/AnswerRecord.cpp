@@ -1,44 +1,35 @@
 #include "monitor/AnswerRecord.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace drx9 {
 
 namespace {
-/// How long (s) a failed request goes on being said.
-constexpr double kFailureStands = 10;
-/// A pause longer than this between two readings is no usual interval (a dialog, a lost link).
-constexpr double kLongestUsualInterval = 5.0;
-constexpr double kLeastStaleAge = 0.75; // s
+constexpr double kLeastStaleAge = 0.75;   // s
+constexpr double kIntervalWhenNew = 0.25; // s
 } // namespace
 
-void AnswerRecord::noteReading(Commands::ReadResult result, const std::string& failure) {
+void AnswerRecord::noteReading(Commands::ReadResult result, const std::string& failure, bool disturbed) {
     failure_ = failure;
+    strays_ = result == Commands::ReadResult::OutOfStep ? strays_ + 1
+              : result == Commands::ReadResult::Done    ? 0
+                                                        : strays_;
     if (result != Commands::ReadResult::Done) {
         return;
     }
     const double now = clock_.monotonic();
-    const double interval = now - lastGoodReading_;
-    if (hasReading() && interval < kLongestUsualInterval) {
-        usualInterval_ += (interval - usualInterval_) / 4;
+    if (hasReading() && !disturbed) {
+        periods_[periodCount_++ % kPeriods] = now - lastGoodReading_;
     }
     lastGoodReading_ = now;
     lastGoodTime_ = clock_.local();
 }
 
-void AnswerRecord::noteExchange(const char* command) {
-    // The exchange's own outcome: the status may be that of a command that was kept for after it.
-    const std::string text = commStatusText(link_.outcome());
+void AnswerRecord::noteExchange(const char* command, std::uint16_t status) {
+    const std::string text = commStatusText(status);
     if (!text.empty()) {
         failure_ = std::string(command) + ": " + text;
-    }
-}
-
-void AnswerRecord::noteRequest(const char* command) {
-    noteExchange(command);
-    if (link_.outcome() != comm::kOk) {
-        requestFailure_ = failure_;
-        requestFailureUntil_ = clock_.monotonic() + kFailureStands;
     }
 }
 
@@ -49,12 +40,22 @@ void AnswerRecord::noteFailure(const std::string& failure) {
 }
 
 void AnswerRecord::publish() {
-    const bool stands = clock_.monotonic() < requestFailureUntil_;
-    lastExchange_ = stands ? requestFailure_ : failure_.empty() ? "OK" : failure_;
+    lastExchange_ = failure_.empty() ? "OK" : failure_;
+}
+
+double AnswerRecord::usualInterval() const {
+    const std::size_t count = std::min(periodCount_, kPeriods);
+    return count == 0 ? kIntervalWhenNew
+                      : std::accumulate(periods_.begin(), periods_.end(), 0.0) / static_cast<double>(count);
 }
 
 bool AnswerRecord::stale(double now) const {
-    return hasReading() && now - lastGoodReading_ >= std::max(kLeastStaleAge, 2 * usualInterval_);
+    if (!hasReading()) {
+        return false;
+    }
+    const bool answered = now - link_.lastReplyTime() < kLeastStaleAge;
+    const bool inHand = periodCount_ == 0 && answered;
+    return !inHand && now - lastGoodReading_ >= std::max(kLeastStaleAge, 2 * usualInterval());
 }
 
 } // namespace drx9

@@ -3,6 +3,8 @@
 #include "link/Commands.h"
 #include "platform/Clock.h"
 
+#include <array>
+#include <cstdint>
 #include <string>
 
 namespace drx9 {
@@ -21,12 +23,10 @@ public:
 
     /// A tick or a refresh begins: nothing of it has failed yet.
     void begin() { failure_.clear(); }
-    void noteReading(Commands::ReadResult result, const std::string& failure);
-    /// The link's last exchange was that of `command`.
-    void noteExchange(const char* command);
-    /// The same for a request of the operator, whose failure stands for a while, or the bar would only flash
-    /// it.
-    void noteRequest(const char* command);
+    /// A reading has ended. `disturbed`: a window held the polling, or the link was lost, since the last one.
+    void noteReading(Commands::ReadResult result, const std::string& failure, bool disturbed);
+    /// The exchange of `command` has ended with this status.
+    void noteExchange(const char* command, std::uint16_t status);
     /// Something that no single exchange tells; an exchange's own failure goes first.
     void noteFailure(const std::string& failure);
     void publish();
@@ -39,22 +39,27 @@ public:
     [[nodiscard]] double lastGoodReading() const { return lastGoodReading_; }
     /// Wall-clock time of the last good reading.
     [[nodiscard]] const LocalTime& lastGoodReadingTime() const { return lastGoodTime_; }
-    /// Usual time between two readings (s), over the last few.
-    [[nodiscard]] double usualInterval() const { return usualInterval_; }
-    /// No good reading for twice the usual time, at least 0.75 s.
+    /// Usual time between two readings (s): the mean of the last four periods that nothing disturbed.
+    [[nodiscard]] double usualInterval() const;
+    /// No good reading for twice the usual time, at least 0.75 s. Before the first period is known, a reading
+    /// that is being answered is never late.
     [[nodiscard]] bool stale(double now) const;
+    /// Readings in a row that were left out because their answers were out of step.
+    [[nodiscard]] int straysInARow() const { return strays_; }
     /// Last failed exchange of the last tick in words: "Timeout", "P3: Timeout"; "OK" when none failed.
     [[nodiscard]] const std::string& lastExchange() const { return lastExchange_; }
 
 private:
+    static constexpr std::size_t kPeriods = 4;
+
     const Link& link_;
     const Clock& clock_;
     double lastGoodReading_ = -1;
     LocalTime lastGoodTime_;
-    double usualInterval_ = 0.25;
+    std::array<double, kPeriods> periods_{}; ///< s, the last ones in turn
+    std::size_t periodCount_ = 0;            ///< since the program's start
+    int strays_ = 0;
     std::string failure_; ///< last failed exchange of the tick or refresh in hand
-    std::string requestFailure_;
-    double requestFailureUntil_ = -1;
     std::string lastExchange_ = "OK";
 };
 

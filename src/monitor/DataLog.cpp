@@ -1,9 +1,11 @@
 #include "monitor/DataLog.h"
 
+#include "platform/AtomicReplace.h"
 #include "util/DisplayFormats.h"
 #include "util/Numbers.h"
 #include "util/ProgramName.h"
 
+#include <memory>
 #include <utility>
 
 namespace drx9 {
@@ -44,10 +46,12 @@ void DataLog::beginRun() {
     lost_ = 0;
     lastLineTime_.reset();
     lastError_.clear();
+    cutError_.clear();
 }
 
 void DataLog::offerDeletion() {
-    // The name may be changed while the box stands: the file that was asked about is the one that goes.
+    boxes_.dropQuestion(); // about an earlier run
+    // The name may be changed while the box stands: the file that was asked about is the one that is cut.
     const std::string path = fullPath();
     if (files_.size(path).value_or(0) < kLargeFile) {
         return;
@@ -57,13 +61,39 @@ void DataLog::offerDeletion() {
     if (!size) {
         return;
     }
-    const std::string question = "Log file size is " + std::to_string(*size) + ". Delete?";
-    asking_ = true;
-    const bool yes = boxes_.askYesNo(question, kProgramName, MessageIcon::Question);
-    asking_ = false;
-    if (yes) {
-        files_.remove(path);
+    boxes_.askYesNoLater("Log file size is " + std::to_string(*size) + ". Delete?", kProgramName,
+                         MessageIcon::Question,
+                         [this, path, asked = files_.identity(path), bytes = *size](bool yes) {
+                             if (yes && asked && isSameFile(path, *asked)) {
+                                 takeOut(path, bytes);
+                             }
+                         });
+}
+
+/// The file may have grown since, but no other may have taken its name.
+bool DataLog::isSameFile(const std::string& path, const FileIdentity& asked) const {
+    const auto now = files_.identity(path);
+    return now && now->device == asked.device && now->node == asked.node && now->size >= asked.size;
+}
+
+/// The file ends as if it had been deleted before the run's texts were written.
+void DataLog::takeOut(const std::string& path, std::uint64_t bytes) {
+    std::string rest;
+    FileStatus status = readFrom(path, bytes, rest);
+    if (status.ok()) {
+        status = rest.empty() ? files_.remove(path) : replaceFile(files_, path, rest);
     }
+    cutError_ = status.reason();
+}
+
+FileStatus DataLog::readFrom(const std::string& path, std::uint64_t from, std::string& rest) const {
+    FileStatus status;
+    const std::unique_ptr<InputFile> file = files_.open(path, status);
+    if (!status.ok()) {
+        return status;
+    }
+    rest.assign(static_cast<std::size_t>(files_.size(path).value_or(from) - from), '\0');
+    return file->read(from, rest);
 }
 
 void DataLog::startBlock(std::string_view filmName) {
@@ -81,7 +111,7 @@ void DataLog::UpdateDataLog(const Readings& readings, double elapsed, int sensor
     if (!open_) { // logging was switched on in the middle of a run
         beginRun();
     }
-    if (!due() || !inSpan(elapsed)) {
+    if (!inSpan(elapsed) || !due()) {
         return;
     }
     if (append(line(readings, elapsed, sensorCount))) {
@@ -94,7 +124,6 @@ float DataLog::now() const {
     return static_cast<float>(secondsSinceMidnight(clock_.local()));
 }
 
-/// Counts the interval on also where the line is then outside the span and not written.
 bool DataLog::due() {
     const float clock = now();
     if (clock < lastLogTime_) { // midnight has passed

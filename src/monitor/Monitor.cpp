@@ -1,29 +1,22 @@
 #include "monitor/Monitor.h"
 
-#include "util/Numbers.h"
 #include "util/Text.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace drx9 {
-
-namespace {
-/// Percent of `done` out of `count`, as a whole number.
-std::int16_t percent(int done, int count) {
-    return toInt16(done * 100.0 / count);
-}
-
-std::string listName(const FilmRecord& film) {
-    std::string name = film.FilmName;
-    name.erase(name.find_last_not_of(' ') + 1);
-    return utf8FromAnsi(name);
-}
-} // namespace
 
 Monitor::Monitor(const MonitorParts& parts)
     : parts_(parts)
     , charts_(parts.graphs)
-    , answers_(parts.link, parts.clock) {}
+    , answers_(parts.link, parts.clock)
+    , keeper_(parts.link, parts.discovery, parts.actions, parts.clock)
+    , choice_(parts.films, parts.link, parts.discovery, parts.settings.link, parts.timer, parts.clock)
+    , desk_({parts.commands, parts.link, parts.films, choice_, answers_, keeper_, parts.actions, parts.clock})
+    , refresh_({parts.commands, parts.link, parts.films, parts.settings.system, answers_, parts.actions,
+                parts.progress}) {}
+
+// ---- start and end
 
 bool Monitor::Form_Load() {
     if (runMode_ == kExiting) {
@@ -37,98 +30,111 @@ bool Monitor::Form_Load() {
     window_->setHourglass(true);
     window_->showWindow();
     setRunMode(kStarting);
-    parts_.discovery.Comm_Open(); // a failure leaves the communications menu enabled, as modes 0 and 1 do
+    // A failure leaves the communications menu enabled, as modes 0 and 1 do.
+    parts_.discovery.Comm_Open(Messages::Blocking, [this] { return parts_.actions.closing(); });
     setRunMode(kIdle);
+    if (stepLost_) {
+        InitForm(); // nothing stands yet that could be kept
+    }
     window_->setHourglass(false);
     return true;
 }
 
-void Monitor::Form_QueryUnload() {
-    parts_.settings.Display = parts_.readouts.Display();
-    parts_.settings.Graph = parts_.readouts.Graph();
-    parts_.SaveSettings();
-    setRunMode(kExiting);
-    window_->closeOtherWindows();
+void Monitor::Form_QueryUnload(bool sessionEnds) {
+    std::string notSaved;
+    step([&] {
+        parts_.settings.Display = parts_.readouts.Display();
+        parts_.settings.Graph = parts_.readouts.Graph();
+        notSaved = parts_.SaveSettings();
+    });
+    step([this] { setRunMode(kExiting); });
+    if (!notSaved.empty() && !sessionEnds) {
+        parts_.boxes.show("Settings not saved: " + notSaved, kProgramName, MessageIcon::Exclamation);
+    }
+    step([this] { window_->closeOtherWindows(); });
 }
 
+/// One step of closing: what it throws must not keep the next from being made.
+void Monitor::step(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const std::exception& error) {
+        parts_.fault(error);
+    }
+}
+
+// ---- run mode
+
 void Monitor::setRunMode(std::int16_t mode) {
+    changeMode(mode, true);
+}
+
+void Monitor::changeMode(std::int16_t mode, bool refresh) {
     const ActionQueue::Scope scope(parts_.actions);
     if (runMode_ == kRunning) {
-        if (parts_.settings.log.Type != kLogNone) {
-            parts_.log.endBlock(currentFilmName());
-        }
-        parts_.log.runEnded();
-        parts_.sleep.release();
+        endRun();
     }
     runMode_ = mode;
-    enterMode(mode);
+    if (mode == kIdle && refresh) {
+        InitForm();
+    }
+    // A lost link is opened again from the tick, so the tick goes on while it is lost.
+    const bool polls = mode == kIdle || mode == kRunning;
+    parts_.timer.setWanted(polls && (parts_.link.CommOK() || keeper_.lost()));
+    if (mode == kRunning) {
+        startRun();
+    }
     changed();
 }
 
-void Monitor::enterMode(std::int16_t mode) {
-    switch (mode) {
-    case kStarting:
-        locked_ = false;
-        parts_.timer.setWanted(false);
-        break;
-    case kIdle:
-        locked_ = false;
-        InitForm();
-        // A lost link is opened again from the tick, so the tick goes on while it is lost.
-        parts_.timer.setWanted(parts_.link.CommOK() || reconnecting_);
-        break;
-    case kRunning:
-        locked_ = true;
-        parts_.timer.setWanted(parts_.link.CommOK() || reconnecting_);
-        startRun();
-        break;
-    default:
-        parts_.timer.setWanted(false);
-        break;
+void Monitor::endRun() {
+    if (parts_.settings.log.Type != kLogNone) {
+        parts_.log.endBlock(choice_.currentName());
     }
+    parts_.log.runEnded();
+    parts_.sleep.release();
 }
 
 void Monitor::startRun() {
     notice_.clear();
+    desk_.runStarts();
+    runSensors_ = parts_.link.sensorCount();
     runStart_ = parts_.clock.local();
     parts_.sleep.hold("A deposition run is in progress");
     changed(); // STOP shows before the exchanges below
-    readings_.startTime = parts_.clock.monotonic();
     ZeroAll();
-    parts_.commands.Comm_ZeroTime();
-    answers_.noteExchange("T");
+    answers_.noteExchange("T", parts_.commands.Comm_ZeroTime());
     if (parts_.settings.log.Type != kLogNone) {
         parts_.log.InitDataLog();
-        parts_.log.startBlock(currentFilmName());
+        parts_.log.startBlock(choice_.currentName());
     }
 }
 
-void Monitor::ZeroAll() {
+std::uint16_t Monitor::ZeroAll() {
     points_.clear();
     charts_.restart();
     readings_.startTime = parts_.clock.monotonic();
-    parts_.commands.Comm_ZeroTime();
-    answers_.noteExchange("T");
+    const std::uint16_t status = parts_.commands.Comm_ZeroTime();
+    answers_.noteExchange("T", status);
+    return status;
 }
+
+void Monitor::toggleRun() {
+    setRunMode(runMode_ == kIdle ? kRunning : kIdle);
+}
+
+// ---- what the window shows of the instrument
 
 void Monitor::InitForm() {
     const ActionQueue::Scope scope(parts_.actions);
-    const bool onLine = parts_.link.CommOK();
-    controlsVisible_ = onLine;
+    refreshOwed_ = stepLost_ = false;
+    controlsVisible_ = parts_.link.CommOK();
     started_ = true;
-    filmNames_.clear();
-    const int asked =
-        requests_.film ? filmIndex_ : -1; // a choice that waits for the link outlives the refresh
-    filmIndex_ = -1;
-    if (!onLine) {
-        title_ = std::string(kProgramName) + " - [Off Line]";
-        if (!parts_.discovery.failure().empty()) {
-            answers_.say(parts_.discovery.failure());
-        }
-        changed();
+    if (!controlsVisible_) {
+        showOffLine();
         return;
     }
-    wasOnLine_ = true;
+    keeper_.noteOnLine();
     answers_.begin();
     title_ =
         std::string(kProgramName) + " - [Ver. " + utf8FromAnsi(trimmed(parts_.link.Comm_VersionText())) + "]";
@@ -136,15 +142,7 @@ void Monitor::InitForm() {
     // What the exchange before was answered says nothing of these: a film read under another status than 0 is
     // refused, and nobody would read the list again.
     parts_.link.setCommStatus(comm::kOk);
-    const bool whole = readFilms();
-    selectFilmAfterRefresh(asked, whole);
-    if (!closing_) {
-        systemKnown_ = parts_.commands.Comm_GetSystem(parts_.settings.system);
-        answers_.noteExchange("C?");
-        if (!systemKnown_) {
-            answers_.noteFailure("B?: not read"); // the outcome is that of "C?"
-        }
-    }
+    takeRefresh(refresh_.run());
     answers_.publish();
     // A record that one exchange could not read is told by systemKnown(). Whether the link lives the next
     // reading finds out: left as it is, the status would open the link again, refresh again, and never come
@@ -153,84 +151,235 @@ void Monitor::InitForm() {
     changed();
 }
 
-bool Monitor::readFilms() {
-    parts_.progress.ProgressShow("Reading DRX-9 Films", ProgressOwner::MainWindow);
-    const int count = std::min<int>(parts_.link.FilmCount(), 99);
-    for (int i = 1; i <= count && !closing_; ++i) {
-        parts_.progress.setProgress(percent(i, count));
-        FilmRecord film;
-        if (parts_.commands.Comm_GetFilm(i, film, Messages::NonBlocking)) {
-            answers_.noteExchange("A");
-            break;
-        }
-        parts_.films[static_cast<std::size_t>(i)] = film;
-        filmNames_.push_back(listName(film));
+void Monitor::showOffLine() {
+    choice_.clearList();
+    title_ = std::string(kProgramName) + " - [Off Line]";
+    if (!parts_.discovery.failure().empty()) {
+        answers_.say(parts_.discovery.failure());
+    }
+    changed();
+}
+
+void Monitor::takeRefresh(InstrumentRefresh::Result result) {
+    if (result.end == InstrumentRefresh::End::OutOfStep) {
+        stepLost_ = true;
+        systemKnown_ = false;
+        answers_.noteFailure("Films and parameters not read: answers out of step");
+        return;
+    }
+    systemKnown_ = result.recordAsked ? result.recordRead : systemKnown_;
+    if (result.end == InstrumentRefresh::End::Cut) {
+        refreshOwed_ = true;
+        return;
+    }
+    const int asked = desk_.waiting().film ? choice_.index() : -1; // a choice that waits outlives the refresh
+    if (choice_.setList(std::move(result.films), asked, result.allFilms)) {
+        desk_.raiseFilm();
+    }
+}
+
+void Monitor::refreshReadouts() {
+    parts_.readouts.refresh(runMode_, answers_.hasReading() ? &readings_ : nullptr, choice_.current(),
+                            sensorCount());
+    changed();
+}
+
+void Monitor::filmChanged() {
+    refreshReadouts();
+}
+
+int Monitor::sensorCount() const {
+    return runMode_ == kRunning ? runSensors_ : parts_.link.sensorCount();
+}
+
+// ---- the cycle
+
+void Monitor::tmrUpdate_Timer() {
+    if (parts_.actions.busy() || parts_.actions.waiting() || runMode_ == kExiting) {
+        return;
+    }
+    const ActionQueue::Scope scope(parts_.actions);
+    switch (keeper_.judge(runMode_)) {
+    case LinkKeeper::Tick::Poll:
+        poll();
+        break;
+    case LinkKeeper::Tick::Reopen:
+        reopen();
+        break;
+    case LinkKeeper::Tick::Nothing:
+        break;
+    }
+    changed();
+}
+
+void Monitor::poll() {
+    if (refreshOwed_ && runMode_ == kIdle) {
+        InitForm(); // readings follow from the next tick on
+        return;
+    }
+    answers_.begin();
+    const Commands::ReadResult result = ReadDRX();
+    keeper_.readingEnded(result);
+    if (result == Commands::ReadResult::LinkDead) {
+        takeStopWithoutLink();
+    } else if (!parts_.actions.waiting()) {
+        desk_.carryOut(*this);
+    }
+    keeper_.tickEnded();
+    answers_.publish();
+}
+
+Commands::ReadResult Monitor::ReadDRX() {
+    const auto result =
+        parts_.commands.Comm_GetData(readings_, sensorCount(), [this] { return parts_.actions.waiting(); });
+    const bool held = parts_.timer.heldSince(answers_.lastGoodReading()) > 0;
+    answers_.noteReading(result, parts_.commands.readFailure(), held || gapPending_);
+    if (result == Commands::ReadResult::Done) {
+        storeReading();
+    } else if (result != Commands::ReadResult::Abandoned) {
+        gapPending_ = true;
+    }
+    return result;
+}
+
+void Monitor::storeReading() {
+    points_.store(readings_, sensorCount(), std::exchange(gapPending_, false));
+    refreshReadouts();
+    if (runMode_ != kRunning) {
+        return;
+    }
+    charts_.UpdateGraph(points_, sensorCount());
+    if (parts_.settings.log.Type != kLogNone) {
+        parts_.log.UpdateDataLog(readings_, points_.row(points_.currentPoint()).elapsed, sensorCount());
+    }
+    points_.advance();
+}
+
+/// A stop does not wait for a link that is gone. The refresh is owed until the link is back.
+void Monitor::takeStopWithoutLink() {
+    if (desk_.takeStop(runMode_)) {
+        refreshOwed_ = true;
+        changeMode(kIdle, false);
+    }
+}
+
+void Monitor::reopen() {
+    if (keeper_.beginLoss()) {
+        gapPending_ = true;
+        choice_.noteLoss();
         changed();
     }
-    parts_.progress.ProgressHide();
-    return static_cast<int>(filmNames_.size()) == count;
+    takeStopWithoutLink();
+    switch (keeper_.attempt()) {
+    case LinkKeeper::Attempt::Opened:
+        answers_.say("OK");
+        reopened();
+        break;
+    case LinkKeeper::Attempt::Failed:
+        if (!parts_.discovery.failure().empty()) {
+            answers_.say(parts_.discovery.failure());
+        }
+        break;
+    case LinkKeeper::Attempt::NotDue:
+        break;
+    }
 }
 
-void Monitor::selectFilmAfterRefresh(int asked, bool whole) {
-    const int listed = static_cast<int>(filmNames_.size());
-    if (filmIndex_ >= 0) {
-        return; // chosen while the list was being read
+void Monitor::reopened() {
+    if (runMode_ == kRunning) {
+        if (!keeper_.sameVersion()) {
+            notice_ = "Another instrument answers now: " + utf8FromAnsi(trimmed(parts_.link.CommVersion()));
+        }
+        return;
     }
-    if (asked >= 0 && asked < listed) {
-        filmIndex_ = asked;
-    } else if (currentFilm_ >= 1 && currentFilm_ <= listed) {
-        filmIndex_ = currentFilm_ - 1;
-    } else if (listed > 0 && (whole || currentFilm_ < 1)) { // else the film in use was only not read
-        cboFilms_Click(0); // counts as a selection, so that list and instrument agree
+    if (keeper_.repeated()) {
+        return; // a link that answers was opened anew for nothing: its films are known
     }
+    if (choice_.takeRepeat()) {
+        desk_.raiseFilm();
+    }
+    refreshOwed_ = true;
+    changeMode(kIdle, !parts_.actions.waiting()); // what waits goes first
 }
+
+// ---- the operator's requests
 
 void Monitor::cmdStartStop_Click() {
-    requests_.startStop = true;
+    desk_.raiseStartStop();
     changed();
 }
 
 void Monitor::cmdZero_Click() {
-    requests_.zero = true;
+    desk_.raiseZero();
     changed();
 }
 
 void Monitor::cmdShutter_Click() {
-    requests_.shutter = true;
+    desk_.raiseShutter();
     changed();
 }
 
 void Monitor::cboFilms_Click(int index) {
-    filmIndex_ = index;
-    requests_.film = true;
+    choice_.choose(index);
+    desk_.raiseFilm();
+    changed();
+}
+
+void Monitor::carryOutBeforeWindow() {
+    const ActionQueue::Scope scope(parts_.actions);
+    if (parts_.link.CommOK() && keeper_.fine()) {
+        answers_.begin();
+        desk_.carryOut(*this, true);
+        answers_.publish();
+    }
+    desk_.dropWaiting();
     changed();
 }
 
 void Monitor::sensorItemClicked(std::int16_t item) {
     parts_.readouts.sensorItemClicked(item);
-    if (answers_.hasReading()) {
-        refreshReadouts();
-    } else {
-        changed();
-    }
+    refreshReadouts();
 }
 
+// ---- windows that work the instrument themselves
+
+void Monitor::linkFound() {
+    answers_.say("OK"); // what the loss meant has ended with the opening itself
+    changed();
+}
+
+void Monitor::linkSetupClosed(bool reopen, bool sameLink) {
+    const ActionQueue::Scope scope(parts_.actions);
+    if (reopen) {
+        parts_.discovery.Comm_Open(Messages::Silent, [this] { return parts_.actions.closing(); });
+    }
+    choice_.forgetLoss(); // behind this window nothing is sent by itself
+    if (!sameLink) {
+        keeper_.startOver();
+    } else if (!parts_.link.CommOK() && keeper_.wasOnLine()) {
+        keeper_.beginLoss();
+    }
+    setRunMode(kIdle);
+}
+
+void Monitor::systemSent(bool accepted) {
+    systemKnown_ = systemKnown_ || accepted;
+    changed();
+}
+
+void Monitor::filmUnconfirmed() {
+    choice_.unconfirm();
+    changed();
+}
+
+// ---- captions
+
 std::string Monitor::shutterCaption() const {
-    return shutterState_ > 0 ? "Close Shutter" : "Open Shutter";
+    return desk_.shutterState() > 0 ? "Close Shutter" : "Open Shutter";
 }
 
 std::string Monitor::startStopCaption() const {
     return runMode_ == kRunning ? "STOP" : "START";
-}
-
-const FilmRecord* Monitor::currentFilm() const {
-    return currentFilm_ >= 0 && currentFilm_ <= 99 ? &parts_.films[static_cast<std::size_t>(currentFilm_)]
-                                                   : nullptr;
-}
-
-std::string Monitor::currentFilmName() const {
-    const FilmRecord* film = currentFilm();
-    return film != nullptr ? film->FilmName : std::string(8, ' ');
 }
 
 void Monitor::changed() {

@@ -7,10 +7,14 @@
 #include "monitor/AnswerRecord.h"
 #include "monitor/ChartFeed.h"
 #include "monitor/DataLog.h"
+#include "monitor/FilmChoice.h"
+#include "monitor/InstrumentRefresh.h"
+#include "monitor/LinkKeeper.h"
 #include "monitor/MonitorWindow.h"
 #include "monitor/PointStore.h"
 #include "monitor/PollTimer.h"
 #include "monitor/Readouts.h"
+#include "monitor/RequestDesk.h"
 #include "monitor/RunModes.h"
 #include "monitor/Settings.h"
 #include "platform/Clock.h"
@@ -19,6 +23,7 @@
 #include "util/ProgramName.h"
 
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <string>
 #include <vector>
@@ -39,29 +44,20 @@ struct MonitorParts {
     GraphSet graphs;
     Progress& progress;
     SleepInhibitor& sleep;
+    MessageBoxes& boxes;
     const Clock& clock;
-    EventPump& pump;
-    /// Loads and saves Monitor.ini.
+    /// Load and save Monitor.ini; saving gives the reason of a failure, empty on success.
     std::function<void()> LoadSettings;
-    std::function<void()> SaveSettings;
+    std::function<std::string()> SaveSettings;
+    /// Reports what a step of closing throws; closing goes on.
+    std::function<void(const std::exception&)> fault;
 };
 
-/// The running program without its windows: start-up and shutdown, run mode, the acquisition cycle, the
-/// operator's requests. All operations run on the user-interface thread; those that talk to the instrument
-/// pump events and hold an ActionQueue::Scope, so that no tick, menu action or close request starts inside
-/// them.
-class Monitor {
+/// The running program without its windows: start-up and shutdown, run mode and the acquisition cycle. All
+/// operations run on the user-interface thread; those that talk to the instrument pump events and hold an
+/// ActionQueue::Scope, so that no tick, menu action or close request starts inside them.
+class Monitor : private RunHost {
 public:
-    static constexpr std::int16_t kShutterUnknown = -999; ///< the shutter query failed
-
-    /// Requests that wait for the next tick.
-    struct Requests {
-        bool startStop = false;
-        bool zero = false;
-        bool shutter = false;
-        bool film = false;
-    };
-
     explicit Monitor(const MonitorParts& parts);
     void setWindow(MonitorWindow& window) { window_ = &window; }
 
@@ -70,18 +66,18 @@ public:
     /// Start-up: settings, graphs, window, link, instrument. Pumps. False when the program must end at once
     /// because it is exiting already.
     bool Form_Load();
-    /// Saves the settings, ends a run's log, closes the other windows. Never cancelled. Call when idle only.
-    void Form_QueryUnload();
-    /// Tells a long refresh of the window to end early because the program is about to close.
-    void announceClose() { closing_ = true; }
+    /// Saves the settings, ends a run's log, closes the other windows. Never cancelled; a failure to save is
+    /// told in a box, except at the session's end. Call when idle only.
+    void Form_QueryUnload(bool sessionEnds = false);
 
     // Run mode.
 
-    [[nodiscard]] std::int16_t RunMode() const { return runMode_; }
+    [[nodiscard]] std::int16_t RunMode() const override { return runMode_; }
     void setRunMode(std::int16_t mode);
     /// Refreshes the window from the instrument. Pumps.
     void InitForm();
-    void ZeroAll();
+    /// The start values of a run: empty charts, elapsed time 0, and "T". Its status. Pumps.
+    std::uint16_t ZeroAll() override;
 
     // The cycle.
 
@@ -94,34 +90,44 @@ public:
     void cmdShutter_Click();
     /// `index` is the chosen entry of the film list, from 0.
     void cboFilms_Click(int index);
-    [[nodiscard]] const Requests& requests() const { return requests_; }
+    /// Carries out what waits before a window opens that holds the timer; what the link cannot take is
+    /// dropped and said. Pumps.
+    void carryOutBeforeWindow();
     /// The view menu's sensor items, 1 rate, 2 thickness, 3 frequency: the fields change with their labels,
     /// also while nothing is read.
     void sensorItemClicked(std::int16_t item);
+
+    // Windows that work the instrument themselves.
+
+    /// A find by the operator has connected.
+    void linkFound();
+    /// A window has begun to hold the timer.
+    void holdsChanged() { changed(); }
+    /// The communications window closes: opens the link again where `reopen`, without a box, and goes to run
+    /// mode 1. With the `sameLink` as when it opened, attempts to open a lost link go on. Pumps.
+    void linkSetupClosed(bool reopen, bool sameLink);
+    void systemSent(bool accepted);
+    void filmUnconfirmed();
 
     // What the window shows.
 
     [[nodiscard]] const std::string& title() const { return title_; }
     [[nodiscard]] bool controlsVisible() const { return controlsVisible_; } ///< on line at the last refresh
     [[nodiscard]] bool started() const { return started_; }                 ///< the first refresh is done
-    [[nodiscard]] bool locked() const { return locked_; }                   ///< setup menus and film list
-    [[nodiscard]] bool commMenuEnabled() const { return !locked_; }
-    [[nodiscard]] const std::vector<std::string>& filmNames() const { return filmNames_; } ///< UTF-8
-    [[nodiscard]] int filmIndex() const { return filmIndex_; }                             ///< -1 none
-    [[nodiscard]] std::int16_t shutterState() const { return shutterState_; }
+    [[nodiscard]] bool locked() const { return runMode_ == kRunning; }      ///< setup menus and film list
+    [[nodiscard]] const FilmChoice& films() const { return choice_; }
+    [[nodiscard]] const RequestDesk& requests() const { return desk_; }
     [[nodiscard]] std::string shutterCaption() const;
     [[nodiscard]] std::string startStopCaption() const;
     [[nodiscard]] const Readings& readings() const { return readings_; }
-    /// The film last selected on the instrument; null when there is none yet.
-    [[nodiscard]] const FilmRecord* currentFilm() const;
-    /// Name of the instrument's current film, 8 characters (bytes); blanks when there is none.
-    [[nodiscard]] std::string currentFilmName() const;
+    /// Sensors read and shown: in a run those that it began with.
+    [[nodiscard]] int sensorCount() const;
 
     // Freshness and faults, for notices and the status bar.
 
     [[nodiscard]] const AnswerRecord& answers() const { return answers_; }
     /// The link was lost since it was last on line and is being opened again from the tick.
-    [[nodiscard]] bool reconnecting() const { return reconnecting_; }
+    [[nodiscard]] bool reconnecting() const { return keeper_.lost(); }
     /// A message in words that stays until the next run starts: another instrument after a loss; empty when
     /// none.
     [[nodiscard]] const std::string& notice() const { return notice_; }
@@ -129,24 +135,24 @@ public:
     [[nodiscard]] bool systemKnown() const { return systemKnown_; }
     [[nodiscard]] const LocalTime& runStart() const { return runStart_; }
 
-    [[nodiscard]] MonitorParts& parts() { return parts_; }
-
 private:
-    void ReadDRX();
-    void takeRequests();
-    void takeFilmRequest();
-    void takeZeroRequest();
-    void takeShutterRequest();
-    void queryShutter();
-    void takeStartStopRequest();
+    void toggleRun() override;
+    void filmChanged() override;
+    void shutterQueried() override { changed(); }
+
+    void poll();
+    Commands::ReadResult ReadDRX();
+    void storeReading();
+    void takeStopWithoutLink();
+    void reopen();
+    void reopened();
+    void showOffLine();
+    void takeRefresh(InstrumentRefresh::Result result);
+    void changeMode(std::int16_t mode, bool refresh);
     void startRun();
-    bool readFilms(); ///< false when a film could not be read: the list ends before it
-    void selectFilmAfterRefresh(int asked, bool whole);
-    void enterMode(std::int16_t mode);
-    [[nodiscard]] bool linkFine();
-    [[nodiscard]] bool readyToPoll();
-    void reconnect();
+    void endRun();
     void refreshReadouts();
+    void step(const std::function<void()>& action);
     void changed();
 
     MonitorParts parts_;
@@ -154,26 +160,21 @@ private:
     PointStore points_;
     ChartFeed charts_;
     AnswerRecord answers_;
+    LinkKeeper keeper_;
+    FilmChoice choice_;
+    RequestDesk desk_;
+    InstrumentRefresh refresh_;
     Readings readings_;
-    Requests requests_;
     std::int16_t runMode_ = kStarting;
-    std::int16_t shutterState_ = 0;
-    int currentFilm_ = -1; ///< number of the film last selected on the instrument, -1 none yet
     std::string title_ = kProgramName;
-    std::vector<std::string> filmNames_;
-    int filmIndex_ = -1;
     bool controlsVisible_ = false;
     bool started_ = false;
-    bool locked_ = false;
-    bool closing_ = false;
-    bool wasOnLine_ = false;
-    bool reconnecting_ = false;
-    bool gapPending_ = false;
+    bool refreshOwed_ = false; ///< a refresh was cut, or could not be made: the next tick that can makes it
+    bool stepLost_ = false;    ///< the last refresh had answers out of step
+    bool gapPending_ = false; ///< no reading was taken since the last stored one, though one should have been
     bool systemKnown_ = false;
-    int refusals_ = 0;
-    double lastAttempt_ = -1;
+    int runSensors_ = 0; ///< sensors that the run in progress began with
     LocalTime runStart_;
-    std::string versionAtLoss_;
     std::string notice_;
 };
 

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "platform/Clock.h"
 #include "platform/Desktop.h"
 
+#include <cstddef>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -27,20 +30,34 @@ public:
         std::string reason_;
     };
 
-    explicit PollTimer(Ticker& ticker)
-        : ticker_(ticker) {}
+    PollTimer(Ticker& ticker, const Clock& clock)
+        : ticker_(ticker)
+        , clock_(clock) {}
 
     void setWanted(bool wanted);
     [[nodiscard]] bool wanted() const { return wanted_; }
     [[nodiscard]] bool held() const { return !holds_.empty(); }
+    /// Seconds since `time` (monotonic) in which a window held the timer; exact for the last few holds.
+    [[nodiscard]] double heldSince(double time) const;
     /// Reason of the newest hold; empty when there is none.
     [[nodiscard]] std::string holdReason() const { return holds_.empty() ? std::string() : holds_.back(); }
 
 private:
+    /// One stretch of time without polling.
+    struct Pause {
+        double from = 0;
+        double to = 0;
+    };
+    static constexpr std::size_t kPausesKept = 16;
+
     void apply();
+    void beginPause();
+    void endPause();
 
     Ticker& ticker_;
+    const Clock& clock_;
     bool wanted_ = false;
+    std::deque<Pause> pauses_; ///< the last one still grows while held
     std::vector<std::string> holds_;
 };
 

@@ -77,15 +77,24 @@ void Readouts::graphItemClicked(std::int16_t item) {
     }
 }
 
-void Readouts::refresh(std::int16_t runMode, const Readings& readings, const FilmRecord* currentFilm,
+void Readouts::refresh(std::int16_t runMode, const Readings* readings, const FilmRecord* currentFilm,
                        int sensorCount) {
     if (runMode == kStarting) {
         return;
     }
-    if (runMode == kRunning) {
-        refreshRun(readings, currentFilm);
+    if (runMode == kRunning && readings != nullptr) {
+        refreshRun(*readings, currentFilm);
     }
-    refreshFilm(readings, currentFilm);
+    if (currentFilm != nullptr) {
+        set(FinalThickness, threeFigureText(currentFilm->EndThick, locale_), false);
+    }
+    if (readings != nullptr) {
+        judgeFinal(*readings, currentFilm);
+        refreshReading(*readings, sensorCount);
+    }
+}
+
+void Readouts::refreshReading(const Readings& readings, int sensorCount) {
     set(AverageRate, rateText(readings.averageRate, locale_),
         readings.failed[valueIndex(Value::AverageRate)]);
     set(AverageThickness, threeFigureText(readings.averageThickness, locale_),
@@ -111,13 +120,10 @@ void Readouts::refreshRun(const Readings& readings, const FilmRecord* film) {
         failed);
 }
 
-void Readouts::refreshFilm(const Readings& readings, const FilmRecord* film) {
+void Readouts::judgeFinal(const Readings& readings, const FilmRecord* film) {
     if (film == nullptr) {
         finalReached_ = false;
-        return;
-    }
-    set(FinalThickness, threeFigureText(film->EndThick, locale_), false);
-    if (!readings.failed[valueIndex(Value::AverageThickness)]) {
+    } else if (!readings.failed[valueIndex(Value::AverageThickness)]) {
         finalReached_ = film->EndThick > 0 && !below(readings.averageThickness, film->EndThick);
     }
 }

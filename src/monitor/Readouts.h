@@ -47,9 +47,10 @@ public:
 
     // The fields.
 
-    /// After each reading and after a film change. `currentFilm` is null where there is no valid film;
-    /// `sensorCount` 0..6. Does nothing in run mode 0.
-    void refresh(std::int16_t runMode, const Readings& readings, const FilmRecord* currentFilm,
+    /// After each reading and after a film change. `readings` is null before the first one: then only what
+    /// the film tells is shown. `currentFilm` is null where there is no valid film; `sensorCount` 0..6. Does
+    /// nothing in run mode 0.
+    void refresh(std::int16_t runMode, const Readings* readings, const FilmRecord* currentFilm,
                  int sensorCount);
 
     [[nodiscard]] const Texts& texts() const { return texts_; }
@@ -66,7 +67,8 @@ public:
 
 private:
     void refreshRun(const Readings& readings, const FilmRecord* film);
-    void refreshFilm(const Readings& readings, const FilmRecord* film);
+    void refreshReading(const Readings& readings, int sensorCount);
+    void judgeFinal(const Readings& readings, const FilmRecord* film);
     void refreshSensor(const Readings& readings, int sensor);
     void judgeCrystals(const Readings& readings, int sensorCount);
     [[nodiscard]] bool outsideLimits(double frequency) const;

@@ -8,7 +8,9 @@
 namespace drx9 {
 
 namespace {
-constexpr double kSpeakOfSilence = 2; ///< s without an answer from which on it is said in words
+constexpr double kSpeakOfSilence = 1.5; ///< s without any answer from which on it is said in words
+constexpr double kSpeakOfAge = 2;       ///< s without a reading from which on its age is shown
+constexpr int kSpeakOfStrays = 2;       ///< readings out of step in a row
 constexpr double kLongestClock = 362400;
 constexpr std::size_t kBriefReply = 40; ///< characters of a reason that leave the log's field its room
 
@@ -34,9 +36,21 @@ bool offLine(const StatusFacts& facts) {
     return facts.started && !facts.controlsVisible;
 }
 
+/// Readings are missing that nothing of ours holds back.
+bool missing(const StatusFacts& facts) {
+    return facts.controlsVisible && facts.pauseReason.empty() && facts.stale;
+}
+
 bool noReply(const StatusFacts& facts) {
-    return facts.controlsVisible && facts.pauseReason.empty() && facts.stale &&
-           facts.replyAge >= kSpeakOfSilence;
+    return missing(facts) && facts.replyAge >= kSpeakOfSilence;
+}
+
+bool outOfStep(const StatusFacts& facts) {
+    return facts.controlsVisible && facts.pauseReason.empty() && facts.strays >= kSpeakOfStrays;
+}
+
+bool slow(const StatusFacts& facts) {
+    return missing(facts) && facts.readingAge >= kSpeakOfAge;
 }
 
 std::string lines(int count) {
@@ -96,42 +110,6 @@ std::string crystalList(const std::bitset<kMaxSensors>& crystals) {
 }
 } // namespace
 
-StatusFacts statusFacts(Monitor& monitor, double now) {
-    const MonitorParts& parts = monitor.parts();
-    StatusFacts facts;
-    facts.runMode = monitor.RunMode();
-    facts.controlsVisible = monitor.controlsVisible();
-    facts.started = monitor.started();
-    facts.hasReading = monitor.answers().hasReading();
-    facts.stale = monitor.answers().stale(now) || monitor.reconnecting();
-    facts.readingAge = now - monitor.answers().lastGoodReading();
-    facts.replyAge = now - parts.link.lastReplyTime();
-    facts.pauseReason =
-        parts.log.asking() ? "the question about the log file waits" : parts.timer.holdReason();
-    facts.link = parts.settings.link;
-    const bool known = facts.controlsVisible || !parts.discovery.failure().empty();
-    facts.lastExchange = known ? monitor.answers().lastExchange() : commStatusText(parts.link.CommStatus());
-    facts.instrumentNotice = monitor.notice();
-    facts.lastReading = monitor.answers().lastGoodReadingTime();
-    facts.runStart = monitor.runStart();
-    facts.shutter = monitor.shutterState();
-    facts.requests = monitor.requests();
-    facts.systemKnown = monitor.systemKnown();
-    facts.simulate = parts.settings.system.Simulate != 0;
-    facts.etch = parts.settings.system.EtchMode != 0;
-    for (int sensor = 1; sensor <= kMaxSensors; ++sensor) {
-        facts.crystals[static_cast<std::size_t>(sensor - 1)] = parts.readouts.crystalMarked(sensor);
-    }
-    facts.log = parts.settings.log;
-    facts.logPath = parts.log.fullPath();
-    facts.logError = parts.log.lastError();
-    facts.logging = parts.log.isWriting();
-    facts.logLines = parts.log.linesWritten();
-    facts.logLost = parts.log.linesLost();
-    facts.elapsed = monitor.readings().elapsed;
-    return facts;
-}
-
 std::string ageText(double seconds) {
     const auto rounded = [](double value) { return std::to_string(std::lround(value)); };
     if (seconds < 100) {
@@ -141,7 +119,7 @@ std::string ageText(double seconds) {
 }
 
 std::string readingAgeMark(const StatusFacts& facts) {
-    const bool old = facts.hasReading && facts.stale && facts.readingAge >= kSpeakOfSilence;
+    const bool old = facts.hasReading && facts.stale && facts.readingAge >= kSpeakOfAge;
     return old ? ageText(facts.readingAge) + " old" : "";
 }
 
@@ -159,8 +137,18 @@ Notice gravestNotice(const StatusFacts& facts) {
         const std::string text = "No reply for " + ageText(facts.replyAge);
         return {NoReply, text + ". Trying again.", text};
     }
+    if (outOfStep(facts)) {
+        const std::string since = facts.hasReading ? " since " + timeOfDayText(facts.lastReading) : "";
+        return {OutOfStep, "Answers out of step: no readings" + since, "Answers out of step"};
+    }
     if (!facts.logError.empty() && facts.log.Type != kLogNone) {
         return {Log, "Log not written: " + facts.logError, "Log not written"};
+    }
+    if (!facts.requestNotice.empty()) {
+        return {Request, facts.requestNotice, facts.requestFailed};
+    }
+    if (slow(facts)) {
+        return {Slow, "Slow answers: a reading takes " + ageText(facts.readingAge), "Slow answers"};
     }
     if (!facts.pauseReason.empty() && facts.controlsVisible) {
         return {Paused, "Readings paused: " + facts.pauseReason, "Readings paused"};
@@ -215,13 +203,17 @@ StatusText staRun(const StatusFacts& facts) {
     return run;
 }
 
+StatusText staRequest(const StatusFacts& facts) {
+    return {facts.requestFailed, facts.requestFailed, StatusText::Tone::Warn};
+}
+
 StatusText staShutter(const StatusFacts& facts) {
     if (!facts.hasReading || !facts.controlsVisible) {
         return {};
     }
     const char* state = facts.shutter > 0 ? "open" : "closed";
     std::string text = std::string("Shutter ") + (facts.stale ? "was " : "") + state;
-    if (facts.shutter == Monitor::kShutterUnknown) {
+    if (facts.shutter == RequestDesk::kShutterUnknown) {
         text = "Shutter unknown";
     }
     return {text, text};
@@ -253,7 +245,11 @@ StatusText staLog(const StatusFacts& facts) {
         return {"Log: " + facts.logPath + ", " + lines(facts.logLost) + " not written",
                 "Log not written, " + lines(facts.logLost) + " lost", StatusText::Tone::Alarm};
     }
-    const std::string mode = facts.log.Type == kLogAppend ? " (Append)" : " (Overwrite)";
+    if (!facts.logCutError.empty()) {
+        return {"Log: " + facts.logPath + ", old part not deleted: " + facts.logCutError,
+                "Log: old part not deleted", StatusText::Tone::Warn};
+    }
+    const std::string mode = facts.log.Type == kLogOverwrite ? " (Overwrite)" : " (Append)";
     StatusText log{"Log: " + facts.logPath + mode, "Log: " + name + mode};
     const std::string span = spanText(facts);
     if (!span.empty()) {

@@ -1,8 +1,13 @@
 #pragma once
 
-#include "monitor/Monitor.h"
+#include "link/Records.h"
+#include "monitor/RequestDesk.h"
+#include "monitor/RunModes.h"
+#include "monitor/Settings.h"
+#include "util/LocalTime.h"
 
 #include <bitset>
+#include <cstdint>
 #include <string>
 
 namespace drx9 {
@@ -17,7 +22,7 @@ struct StatusText {
 
 /// The gravest thing that the operator must know. None has empty texts.
 struct Notice {
-    enum class Subject { None, Connecting, NoReply, Log, Paused, Crystal };
+    enum class Subject { None, Connecting, NoReply, OutOfStep, Log, Request, Slow, Paused, Crystal };
     Subject subject = Subject::None;
     std::string text;
     std::string brief;
@@ -32,6 +37,7 @@ struct StatusFacts {
     bool stale = false;
     double readingAge = 0;   ///< s since the last good reading
     double replyAge = 0;     ///< s since the last good reply of any kind
+    int strays = 0;          ///< readings in a row that were left out, their answers being out of step
     std::string pauseReason; ///< empty when no window holds the polling
     LinkSettings link;
     std::string lastExchange = "OK";
@@ -39,7 +45,10 @@ struct StatusFacts {
     LocalTime lastReading;
     LocalTime runStart;
     std::int16_t shutter = 0;
-    Monitor::Requests requests;
+    Requests requests;         ///< that wait
+    std::string requestFailed; ///< "Zero: no reply"; empty when the last request was accepted
+    std::string requestNotice; ///< the same as a sentence for the plate, for a while
+    std::string filmMark;      ///< why the film in use is marked; empty when it is not
     bool systemKnown = false;
     bool simulate = false;
     bool etch = false;
@@ -47,14 +56,12 @@ struct StatusFacts {
     DataLogSettings log;
     std::string logPath;
     std::string logError;
-    bool logging = false; ///< a run is being logged
+    std::string logCutError; ///< why the old part of a large log could not be deleted
+    bool logging = false;    ///< a run is being logged
     int logLines = 0;
     int logLost = 0;
     double elapsed = 0; ///< s of the run
 };
-
-/// `now` is monotonic.
-StatusFacts statusFacts(Monitor& monitor, double now);
 
 /// "14 s", from 100 s on "2 min", from 100 min on "2 h".
 std::string ageText(double seconds);
@@ -69,6 +76,7 @@ Notice gravestNotice(const StatusFacts& facts);
 StatusText staLink(const StatusFacts& facts);
 StatusText staReply(const StatusFacts& facts);
 StatusText staRun(const StatusFacts& facts);
+StatusText staRequest(const StatusFacts& facts);
 StatusText staShutter(const StatusFacts& facts);
 StatusText staMode(const StatusFacts& facts);
 StatusText staLog(const StatusFacts& facts);

@@ -3,7 +3,6 @@
 #include "controls/AppIcon.h"
 #include "controls/HairLine.h"
 #include "controls/WindowPlaces.h"
-#include "monitor/frmDataLog.h"
 #include "util/ProgramName.h"
 
 #include <QApplication>
@@ -25,10 +24,8 @@ constexpr double kFirstPaintLimit = 0.25; ///< s to wait for the window system t
 frmMain::frmMain(const MainWindowParts& parts)
     : parts_(parts)
     , monitor_(parts.monitor)
-    , readouts_(parts.monitor.parts().readouts)
-    , actions_(parts.monitor.parts().actions)
-    , pump_(parts.monitor.parts().pump)
-    , clock_(parts.monitor.parts().clock)
+    , readouts_(parts.readouts)
+    , actions_(parts.actions)
     , menus_(*this, menuHandlers(),
              [this](std::function<void()> action) { actions_.runWhenIdle(std::move(action)); }) {
     setObjectName(QStringLiteral("frmMain"));
@@ -51,14 +48,13 @@ frmMain::~frmMain() {
 }
 
 MainMenus::Handlers frmMain::menuHandlers() {
-    const auto later = [this] { notInThisBuild(); };
     MainMenus::Handlers handlers;
-    handlers.dataLog = [this] { showDataLog(); };
+    handlers.dataLog = [this] { openWindow(dataLog_, parts_.windows.dataLog); };
     handlers.exit = [this] { close(); };
-    handlers.films = later;
-    handlers.system = later;
-    handlers.comm = later;
-    handlers.graphSet = later;
+    handlers.films = [this] { openHolding(films_, parts_.windows.films); };
+    handlers.system = [this] { openHolding(system_, parts_.windows.system); };
+    handlers.comm = [this] { openHolding(comm_, parts_.windows.comm); };
+    handlers.graphSet = [this] { openWindow(graphSet_, parts_.windows.graphSet); };
     handlers.graph = [this](std::int16_t item) {
         readouts_.graphItemClicked(item);
         changed();
@@ -134,12 +130,12 @@ void frmMain::showWindow() {
     heartbeat_.start();
     bar_->filmList()->setFocus();
     // The first paint comes when the window system asks for it.
-    const double limit = clock_.monotonic() + kFirstPaintLimit;
-    pump_.processPending();
-    while (windowHandle() != nullptr && !windowHandle()->isExposed() && clock_.monotonic() < limit) {
-        pump_.sleepUntil(limit);
+    const double limit = parts_.clock.monotonic() + kFirstPaintLimit;
+    parts_.pump.processPending();
+    while (windowHandle() != nullptr && !windowHandle()->isExposed() && parts_.clock.monotonic() < limit) {
+        parts_.pump.sleepUntil(limit);
     }
-    pump_.processPending();
+    parts_.pump.processPending();
     keepOnScreen();
 }
 
@@ -176,7 +172,7 @@ void frmMain::changed() {
 }
 
 void frmMain::beat() {
-    const StatusFacts facts = statusFacts(monitor_, clock_.monotonic());
+    const StatusFacts facts = parts_.status.facts();
     const Notice notice = gravestNotice(facts);
     readoutPanel_->showLooks(readoutLooks(facts));
     bar_->showNotice(static_cast<int>(notice.subject), QString::fromStdString(notice.text),
@@ -199,22 +195,31 @@ void frmMain::closeOtherWindows() {
 
 void frmMain::closeEvent(QCloseEvent* event) {
     if (!closed_ && !closeAsked_) {
-        closeAsked_ = true;
-        monitor_.announceClose();
-        inCloseEvent_ = true;
-        actions_.runWhenIdle([this] {
-            monitor_.Form_QueryUnload();
-            closed_ = true;
-            if (!inCloseEvent_) {
-                close();
-            }
-        });
-        inCloseEvent_ = false;
+        askToClose();
     }
     event->setAccepted(closed_);
     if (closed_) {
         heartbeat_.stop();
     }
+}
+
+void frmMain::askToClose() {
+    if (QApplication::activeModalWidget() != nullptr && !parts_.questions.sessionEnds()) {
+        return; // the dialog is answered first
+    }
+    closeAsked_ = true;
+    inCloseEvent_ = true;
+    actions_.runWhenIdle(
+        [this] {
+            parts_.questions.askAll(parts_.fault);
+            monitor_.Form_QueryUnload(parts_.questions.sessionEnds());
+            closed_ = true;
+            if (!inCloseEvent_) {
+                close();
+            }
+        },
+        ActionQueue::For::Close);
+    inCloseEvent_ = false;
 }
 
 void frmMain::resizeEvent(QResizeEvent* event) {

@@ -1,22 +1,22 @@
 #pragma once
 
 #include "graphs/controls/ChartControl.h"
+#include "monitor/CloseQuestions.h"
 #include "monitor/Monitor.h"
 #include "monitor/MonitorWindow.h"
-#include "monitor/StatusTexts.h"
+#include "monitor/StatusBoard.h"
 #include "monitor/frmMainMenus.h"
 #include "monitor/frmMainReadoutPanel.h"
 #include "monitor/frmMainRunBar.h"
 #include "monitor/frmMainStatusLine.h"
 #include "monitor/frmMainSteps.h"
-#include "platform/FilePort.h"
 #include "platform/MessageBoxes.h"
-#include "util/Paths.h"
 
 #include <QMainWindow>
 #include <QPointer>
 #include <QTimer>
 
+#include <exception>
 #include <functional>
 #include <optional>
 #include <string>
@@ -25,20 +25,37 @@ class QStackedLayout;
 
 namespace drx9 {
 
-class frmDataLog;
 class WindowPlaces;
 
-/// What the main window works with beside the monitor's own parts. `help` and `places` may be null,
-/// `desktopChanged` empty.
+/// Makes a window that opens from the main one, owned by `owner`; empty where this build has none. The window
+/// deletes itself when it closes.
+using WindowMaker = std::function<QWidget*(QWidget* owner)>;
+
+/// The windows that open from the menus.
+struct OtherWindows {
+    WindowMaker dataLog;
+    WindowMaker films;
+    WindowMaker system;
+    WindowMaker comm;
+    WindowMaker graphSet;
+};
+
+/// What the main window works with. `help` and `places` may be null, `desktopChanged` empty.
 struct MainWindowParts {
     Monitor& monitor;
+    Readouts& readouts;
+    const StatusBoard& status;
+    const SystemParameters& system;
+    ActionQueue& actions;
+    PollTimer& timer;
+    CloseQuestions& questions;
+    EventPump& pump;
+    const Clock& clock;
     ChartSet& charts; ///< the window takes the charts into its layout and owns them from then on
-    FilePort& files;
-    const Paths& paths;
     MessageBoxes& boxes;
-    FileDialogs& dialogs;
-    Shell& shell;
-    HelpViewer* help;
+    std::function<void(const std::exception&)> fault; ///< takes what a question before closing throws
+    OtherWindows windows = {};
+    HelpViewer* help = nullptr;
     WindowPlaces* places = nullptr;
     std::function<void()> desktopChanged = {}; ///< the desktop's colours are others now
 };
@@ -80,13 +97,15 @@ private:
     void keepOnScreen();
     void chooseStep();
     void beat();
+    void askToClose();
 
     // Keys and the windows that open from here (frmMainWindows.cpp).
 
     void buildKeys();
     void addKey(const QKeySequence& key, std::function<void()> action);
     void nextRegion(int direction);
-    void showDataLog();
+    void openWindow(QPointer<QWidget>& window, const WindowMaker& make);
+    void openHolding(QPointer<QWidget>& window, const WindowMaker& make);
     void showHelp();
     void showAbout();
     void notInThisBuild();
@@ -107,8 +126,6 @@ private:
     Monitor& monitor_;
     Readouts& readouts_;
     ActionQueue& actions_;
-    EventPump& pump_;
-    const Clock& clock_;
 
     MainMenus menus_;
     QStackedLayout* charts_ = nullptr;
@@ -116,7 +133,11 @@ private:
     RunBar* bar_ = nullptr;
     StatusLine* status_ = nullptr;
 
-    QPointer<frmDataLog> dataLog_;
+    QPointer<QWidget> dataLog_;
+    QPointer<QWidget> films_;
+    QPointer<QWidget> system_;
+    QPointer<QWidget> comm_;
+    QPointer<QWidget> graphSet_;
     QTimer heartbeat_;
     std::optional<Step> step_;
     std::string shownTitle_;

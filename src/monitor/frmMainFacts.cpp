@@ -35,19 +35,19 @@ void frmMain::showTitle() {
 
 MainMenus::Facts frmMain::menuFacts() const {
     return {.locked = monitor_.locked(),
-            .commEnabled = monitor_.commMenuEnabled(),
+            .commEnabled = !monitor_.locked(),
             .graphItem = readouts_.checkedGraphItem(),
             .sensorItem = readouts_.checkedSensorItem()};
 }
 
 RunBar::Facts frmMain::barFacts() const {
-    const Monitor::Requests& requests = monitor_.requests();
+    const Requests& requests = monitor_.requests().waiting();
     return {.started = monitor_.started(),
             .onLine = monitor_.controlsVisible(),
             .running = monitor_.RunMode() == kRunning,
             .filmsLocked = monitor_.locked(),
-            .films = monitor_.filmNames(),
-            .filmIndex = monitor_.filmIndex(),
+            .films = monitor_.films().names(),
+            .filmIndex = monitor_.films().index(),
             .shutterCaption = monitor_.shutterCaption(),
             .zeroDown = requests.zero,
             .shutterDown = requests.shutter,
@@ -56,7 +56,7 @@ RunBar::Facts frmMain::barFacts() const {
 
 ReadoutPanel::Facts frmMain::readoutFacts() const {
     ReadoutPanel::Facts facts{.texts = readouts_.texts(), .labels = readouts_.labels()};
-    facts.sensorCount = monitor_.parts().link.sensorCount();
+    facts.sensorCount = monitor_.sensorCount();
     for (int sensor = 1; sensor <= kMaxSensors; ++sensor) {
         if (readouts_.crystalMarked(sensor)) {
             facts.crystalMark[static_cast<std::size_t>(sensor - 1)] = crystalMark(sensor);
@@ -67,7 +67,7 @@ ReadoutPanel::Facts frmMain::readoutFacts() const {
 }
 
 QString frmMain::crystalMark(int sensor) const {
-    const SystemParameters& system = monitor_.parts().settings.system;
+    const SystemParameters& system = parts_.system;
     const double frequency = monitor_.readings().frequency[static_cast<std::size_t>(sensor - 1)];
     const std::string text = "Frequency " + plainNumber(frequency) + " Hz, limits " +
                              plainNumber(system.FreqMin) + " to " + plainNumber(system.FreqMax) + " MHz";
@@ -75,7 +75,7 @@ QString frmMain::crystalMark(int sensor) const {
 }
 
 double frmMain::gaugeShare() const {
-    const FilmRecord* film = monitor_.currentFilm();
+    const FilmRecord* film = monitor_.films().current();
     if (film == nullptr || !monitor_.answers().hasReading()) {
         return 0;
     }
@@ -107,7 +107,7 @@ void frmMain::showCharts() {
     if (charts_->currentIndex() != wanted - 1) {
         charts_->setCurrentIndex(wanted - 1);
     }
-    const int sensors = monitor_.parts().link.sensorCount();
+    const int sensors = monitor_.sensorCount();
     for (int number = 1; number <= 4; ++number) {
         parts_.charts.chart(number).setSensorCount(sensors);
     }

@@ -3,7 +3,6 @@
 
 #include "controls/Readout.h"
 #include "controls/WindowPlaces.h"
-#include "monitor/frmDataLog.h"
 #include "util/ProgramName.h"
 #include "util/frmAbout.h"
 
@@ -19,21 +18,28 @@ void frmMain::notInThisBuild() {
     parts_.boxes.show("Not in this build.", kProgramName, MessageIcon::Information);
 }
 
-void frmMain::showDataLog() {
-    if (dataLog_ == nullptr) {
-        const MonitorParts& parts = monitor_.parts();
-        dataLog_ = new frmDataLog({parts.settings.log, parts.log, parts_.files, parts_.dialogs, parts_.shell,
-                                   parts_.boxes, parts.actions},
-                                  this);
-        dataLog_->setAttribute(Qt::WA_DeleteOnClose);
-        connect(dataLog_, &frmDataLog::settingsChanged, this, &frmMain::beat);
+void frmMain::openWindow(QPointer<QWidget>& window, const WindowMaker& make) {
+    if (!make) {
+        notInThisBuild();
+        return;
+    }
+    if (window == nullptr) {
+        window = make(this);
         if (parts_.places != nullptr) {
-            parts_.places->follow(*dataLog_);
+            parts_.places->follow(*window);
         }
     }
-    dataLog_->show();
-    dataLog_->raise();
-    dataLog_->activateWindow();
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
+/// A window that holds the timer: what was requested before is carried out before it opens.
+void frmMain::openHolding(QPointer<QWidget>& window, const WindowMaker& make) {
+    if (make && window == nullptr) {
+        monitor_.carryOutBeforeWindow();
+    }
+    openWindow(window, make);
 }
 
 void frmMain::showHelp() {

@@ -7,7 +7,8 @@ namespace drx9 {
 class Clock {
 public:
     virtual ~Clock() = default;
-    /// Seconds since an arbitrary point; never goes back, runs on over midnight and clock changes.
+    /// Seconds since an arbitrary point; never goes back, runs on over midnight, clock changes, and while the
+    /// machine sleeps.
     [[nodiscard]] virtual double monotonic() const = 0;
     [[nodiscard]] virtual LocalTime local() const = 0;
 };

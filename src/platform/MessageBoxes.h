@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace drx9 {
@@ -10,6 +11,7 @@ enum class MessageIcon { None, Information, Question, Exclamation, Critical };
 enum class Messages {
     Blocking,    ///< the operator asked for it and waits
     NonBlocking, ///< unattended: polling, logging and reconnecting must go on behind the box
+    Silent,      ///< no box; the caller tells it elsewhere
 };
 
 /// Message boxes over the window that is active. The blocking ones run the event loop until answered. Texts
@@ -28,6 +30,13 @@ public:
     virtual void showNonBlocking(const std::string& text, const std::string& title, MessageIcon icon) = 0;
     /// Takes the non-blocking box away; no effect where none stands.
     virtual void closeNonBlocking() = 0;
+    /// Asks and returns at once; `answered` is called later from the event loop: true for Yes, false for No,
+    /// Esc and the close box. At most one stands: a new question takes the place of one that was not
+    /// answered, whose `answered` is then never called.
+    virtual void askYesNoLater(const std::string& text, const std::string& title, MessageIcon icon,
+                               std::function<void(bool)> answered) = 0;
+    /// Takes the question away; `answered` is never called.
+    virtual void dropQuestion() = 0;
 };
 
 } // namespace drx9

@@ -46,6 +46,24 @@ std::string upperAscii(std::string_view text) {
     return out;
 }
 
+std::string upperAnsi(std::string_view bytes) {
+    std::string out(bytes);
+    std::transform(out.begin(), out.end(), out.begin(), [](char c) {
+        const auto code = static_cast<unsigned char>(c);
+        switch (code) {
+        case 0x9A: // the three whose upper case stands sixteen before them, and y with two dots
+        case 0x9C:
+        case 0x9E:
+            return static_cast<char>(code - 0x10);
+        case 0xFF:
+            return static_cast<char>(0x9F);
+        default:
+            return code >= 0xE0 && code != 0xF7 ? static_cast<char>(code - 0x20) : upper(c);
+        }
+    });
+    return out;
+}
+
 bool equalNoCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](char x, char y) { return upper(x) == upper(y); });

@@ -9,6 +9,8 @@ namespace drx9 {
 
 std::string trimmed(std::string_view text); ///< without leading and trailing blanks (0x20 only)
 std::string upperAscii(std::string_view text);
+/// Windows-1252 letters in upper case, accented ones too; "ß" has none and stays.
+std::string upperAnsi(std::string_view bytes);
 bool equalNoCase(std::string_view a, std::string_view b); ///< ASCII letters
 /// Bytes of Windows-1252 to UTF-8 and back; characters that it does not hold become "?". The five unassigned
 /// codes map to the control characters of the same number.

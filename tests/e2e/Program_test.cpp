@@ -115,8 +115,9 @@ protected:
     QString text(const char* name) { return find(name).property("text").toString(); }
     QString notice() { return find<NoticePlate>("lblNotice").text(); }
     double number(const char* name) { return text(name).toDouble(); }
-    Monitor& monitor() { return program->monitor(); }
-    double now() { return monitor().parts().clock.monotonic(); }
+    Core& core() { return program->core(); }
+    Monitor& monitor() { return core().monitor; }
+    double now() { return program->clock().monotonic(); }
     QString contentOf(const char* file) {
         QFile in(folderPath() + "/" + file);
         return in.open(QIODevice::ReadOnly) ? in.readAll() : QString();
@@ -287,7 +288,7 @@ TEST_P(LogInTrouble, LosesNothingThatWasWrittenAndSaysWhatIsLost) {
     startRun();
     ASSERT_FALSE(HasFatalFailure());
     QDir folder(folderPath());
-    DataLog& log = monitor().parts().log;
+    DataLog& log = core().log;
     const int before = log.linesWritten();
     trouble.begin(folder);
     if (trouble.linesLost) {
@@ -342,7 +343,7 @@ TEST_F(ProgramFixture, DISABLED_LogsUntilItIsKilled) {
     startRun();
     for (int told = 0; monitor().RunMode() == kRunning;) {
         QTest::qWait(1);
-        if (const int lines = monitor().parts().log.linesWritten(); lines > told) {
+        if (const int lines = core().log.linesWritten(); lines > told) {
             std::printf("logged %d\n", told = lines);
             std::fflush(stdout);
         }
@@ -386,7 +387,7 @@ struct Moment {
     const char* name;
     const char* faults;   ///< of the instrument from the start on
     const char* cutInRun; ///< what it is told once a run is on; null: no run is started
-    bool (*come)(const Monitor& monitor);
+    bool (*come)(const Core& core);
     const char* boxes = ""; ///< texts of those that stand in the way
 };
 
@@ -408,7 +409,7 @@ TEST_P(Closing, EndsTheProgramFromWithinAnExchange) {
     double asked = -1;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
-        if (asked < 0 && monitor().parts().link.exchanging() && moment.come(monitor())) {
+        if (asked < 0 && core().link.exchanging() && moment.come(core())) {
             asked = now();
             program->window().close();
             EXPECT_TRUE(program->window().isVisible()) << "not before the exchange has ended";
@@ -430,11 +431,10 @@ TEST_P(Closing, EndsTheProgramFromWithinAnExchange) {
 INSTANTIATE_TEST_SUITE_P(
     Moments, Closing,
     testing::Values(
-        Moment{"Connecting", "silent", nullptr, [](const Monitor& m) { return !m.started(); },
-               "Instrument not found."},
-        Moment{"ReadingFilms", "none", nullptr, [](const Monitor& m) { return m.filmNames().size() > 5; }},
-        Moment{"InARun", "none", "state?", [](const Monitor& m) { return m.RunMode() == kRunning; }},
-        Moment{"LostInARun", "none", "faults silent", [](const Monitor& m) { return m.reconnecting(); }}),
+        Moment{"Connecting", "silent", nullptr, [](const Core& c) { return !c.monitor.started(); }},
+        Moment{"ReadingFilms", "none", nullptr, [](const Core& c) { return c.link.CommLastPacket()[2] == 'A' && c.link.accepted() > 7; }},
+        Moment{"InARun", "none", "state?", [](const Core& c) { return c.monitor.RunMode() == kRunning; }},
+        Moment{"LostInARun", "none", "faults silent", [](const Core& c) { return c.monitor.reconnecting(); }}),
     [](const auto& c) { return c.param.name; });
 
 } // namespace

@@ -17,7 +17,7 @@ namespace drx9 {
 /// Cancel); when the object goes, each expected box that never came fails it too.
 class FakeMessageBoxes : public MessageBoxes {
 public:
-    enum class Kind { Show, YesNo, OkCancel, NonBlocking };
+    enum class Kind { Show, YesNo, OkCancel, NonBlocking, Later };
     struct Box {
         Kind kind = Kind::Show;
         std::string text;
@@ -69,6 +69,17 @@ public:
         come({Kind::NonBlocking, text, title, icon, false});
     }
     void closeNonBlocking() override { nonBlocking_.clear(); }
+    void askYesNoLater(const std::string& text, const std::string& title, MessageIcon icon,
+                       std::function<void(bool)> answered) override {
+        later_ = std::move(answered);
+        come({Kind::Later, text, title, icon, false});
+    }
+    void dropQuestion() override { later_ = {}; }
+    /// Answers the question that stands; it must.
+    void answerLater(bool yes) {
+        ASSERT_TRUE(later_);
+        std::exchange(later_, {})(yes);
+    }
 
 private:
     struct Expected {
@@ -101,6 +112,7 @@ private:
     std::vector<std::string> allowed_;
     std::vector<Box> shown_;
     std::string nonBlocking_;
+    std::function<void(bool)> later_;
 };
 
 } // namespace drx9

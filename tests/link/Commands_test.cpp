@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <optional>
 
 namespace drx9 {
 namespace {
@@ -22,7 +23,7 @@ protected:
         wire.forget();
         return texts;
     }
-    Commands::ReadResult read() { return commands.Comm_GetData(readings, {}); }
+    Commands::ReadResult read() { return commands.Comm_GetData(readings, bench.link.sensorCount(), {}); }
 
     LinkBench bench{2};
     FakeWire& wire = bench.socket.wire;
@@ -79,13 +80,21 @@ TEST_F(CommandsTest, AFailedExchangeCountsAsZeroAndTwoTimeOutsEndTheReading) {
     marks.set(valueIndex(Value::Frequency)).set(valueIndex(Value::Rate)).set(valueIndex(Value::AverageRate));
     EXPECT_EQ(readings.failed, marks.set(valueIndex(Value::AverageThickness)));
 
+    packets["L1"] = packets["M"] = good("2");
+    packets["O"] = good("1");
+    bench.link.setCommStatus(comm::kOk);
+    sent();
+    EXPECT_EQ(read(), Commands::ReadResult::Done);
+    EXPECT_EQ(sent(), (Sent{"P1", "L1", "P2", "M", "O"})) << "the letter that failed, alone";
+    EXPECT_EQ(readings.rate[0], 2);
+
     bench.link.setCommStatus(comm::kOk);
     packets = {{"P1", good("7")}, {"L1", good("8")}, {"N1", ""}, {"P2", ""}};
     sent();
     EXPECT_EQ(read(), Commands::ReadResult::LinkDead);
     EXPECT_EQ(sent(), (Sent{"P1", "L1", "N1", "P2"}));
     EXPECT_EQ(commands.readFailure(), "P2: Timeout");
-    EXPECT_EQ(readings.rate[0], 0) << "nothing of it was stored";
+    EXPECT_EQ(readings.rate[0], 2) << "nothing of it was stored";
 
     bench.link.setCommStatus(comm::kOk);
     packets["N1"] = packets["P2"] = packets["L2"] = packets["N2"] = packets["M"] = packets["O"] = good("9");
@@ -118,12 +127,11 @@ TEST_F(CommandsTest, ALateAnswerIsNotTakenForAnotherValue) {
         const char* failure;
     } cases[] = {
         {"P1", 1.3, Commands::ReadResult::OutOfStep, "P1: Timeout, answered late"},
-        {"N2", 1.9, Commands::ReadResult::OutOfStep, "N2: Timeout, answered late"},
+        {"N2", 1.9, Commands::ReadResult::OutOfStep, "N2: Timeout, answers out of step"},
         {"O", 1.2, Commands::ReadResult::OutOfStep, "O: Timeout, answered late"},
         {"M", 0.9, Commands::ReadResult::Done, ""},
         {"U?", 1.2, Commands::ReadResult::Done, ""}, // before the reading
-        {"O", 1.6, Commands::ReadResult::Done,
-         "O: Timeout"}, // nothing came: opening the link anew sees to it
+        {"O", 1.6, Commands::ReadResult::OutOfStep, "O: Timeout, answers out of step"},
     };
     packets["U?"] = good("1");
     for (const auto& c : cases) {
@@ -192,16 +200,18 @@ TEST_F(CommandsTest, AnAnswerThatComesTwiceMovesNoValue) {
 
 TEST_F(CommandsTest, AReadingIsAbandonedBetweenExchangesButNotOnceComplete) {
     int asked = 0;
-    EXPECT_EQ(commands.Comm_GetData(readings, [&] { return ++asked == 3; }), Commands::ReadResult::Abandoned);
+    EXPECT_EQ(commands.Comm_GetData(readings, bench.link.sensorCount(), [&] { return ++asked == 3; }),
+              Commands::ReadResult::Abandoned);
     EXPECT_EQ(sent(), (Sent{"P1", "L1", "N1"}));
     EXPECT_EQ(readings.rate[0], 0);
-    EXPECT_EQ(commands.Comm_GetData(readings, [this] { return wire.commands().size() == 8; }),
+    EXPECT_EQ(commands.Comm_GetData(readings, bench.link.sensorCount(),
+                                    [this] { return wire.commands().size() == 8; }),
               Commands::ReadResult::Done);
 }
 
 TEST_F(CommandsTest, ABusyLinkIsSaidAndNothingSent) {
     bench.link.setCommStatus(comm::kChecksum);
-    bench.boxes.expectShow("Get Data Error");
+    bench.boxes.expectNonBlocking("Get Data Error");
     bench.boxes.expectShow("Get Film Error: Busy");
     EXPECT_EQ(read(), Commands::ReadResult::Busy);
     FilmRecord film;
@@ -259,6 +269,8 @@ TEST(Payloads, FilmWrite) {
     film.TimeSet = 0.25;
     film.SensorAvg = 63;
     EXPECT_EQ(filmPayload(film), "ALUM_2__ 2.701 100 1.000 0.000 0.000  .25  63");
+    film.FilmName = "\xE9l\xDF\xFF\x9A";
+    EXPECT_EQ(filmPayload(film).substr(0, 9), "\xC9L\xDF\x9F\x8A___ ");
     film.FilmName = "longer than eight";
     EXPECT_EQ(filmPayload(film).substr(0, 9), "LONGER_T ");
 }
@@ -296,46 +308,65 @@ TEST_F(CommandsTest, SystemRecordsByteForByte) {
     EXPECT_EQ(sent(), Sent{b}) << "the second only when the first was accepted";
 }
 
-TEST_F(CommandsTest, SystemRepliesGiveWhatCanBeRead) {
+TEST_F(CommandsTest, SystemRecordsAreTakenWholeOrNotAtAll) {
+    const std::array<double, 7> kept{9, 9, 9, 9, 9, 9, 9};
     const struct {
         const char* reply;
-        bool complete;
+        bool taken;
         std::array<double, 7> values;
     } cases[] = {
         {"4.5 6.1 -5 100 0 1.5 1", true, {4.5, 6.1, -5, 100, 0, 1.5, 1}},
         {" .5   +2  1E2 100 0 1.5 1  ", true, {.5, 2, 100, 100, 0, 1.5, 1}},
-        {"1 2 3 4 5 6 7 8 9", true, {1, 2, 3, 4, 5, 6, 7}},
-        {"1 2 3", false, {1, 2, 3, 9, 9, 9, 9}},
-        {"1 2,5 x 4 5 6x 7", false, {1, 9, 9, 4, 5, 9, 7}},
-        {"1 nan inf 1E999 - + .", false, {1, 9, 9, 9, 9, 9, 9}},
-        {"", false, {9, 9, 9, 9, 9, 9, 9}},
+        {"5.0MHz 2 3 4 5 6 7on", true, {5, 2, 3, 4, 5, 6, 7}},
+        {"1 2 3 4 5 6 7 8", false, kept},
+        {"1 2 3 4 5 6", false, kept},
+        {"1 2,5 3 4 5 6 7", false, kept},
+        {"1 2 x 4 5 6 7", false, kept},
+        {"1 nan 3 4 5 6 7", false, kept},
+        {"1 2 3 4 5 6 1E999", false, kept},
+        {"", false, kept},
     };
     for (const auto& c : cases) {
         SystemParameters p{9, 9, 9, 9, 9, {}, 9, 9, 9, 9, 9, 9, 9};
         packets["B?"] = good("1 0 1 0 2.5 101 102 103 104 105 106");
         packets["C?"] = good(c.reply);
-        EXPECT_EQ(commands.Comm_GetSystem(p), c.complete) << c.reply;
+        EXPECT_EQ(commands.Comm_GetSystem(p), c.taken) << c.reply;
         const std::array second{p.FreqMin,  p.FreqMax,  p.RateMin, p.RateMax,
                                 p.ThickMin, p.ThickMax, p.EtchMode};
-        EXPECT_EQ(second, c.values);
-        EXPECT_EQ(p.Tooling, (std::array<double, 6>{101, 102, 103, 104, 105, 106}));
+        EXPECT_EQ(second, c.values) << c.reply;
+        EXPECT_EQ(p.Tooling, (std::array<double, 6>{101, 102, 103, 104, 105, 106}))
+            << "the first stands alone";
     }
-    SystemParameters p;
-    packets["B?"] = good("1 0 1 0 2.5 101 102 103 104 105");
-    packets["C?"] = good("1 2 3 4 5 6 7");
-    EXPECT_FALSE(commands.Comm_GetSystem(p)) << "the first one lacks a field";
-    EXPECT_EQ(p.EtchMode, 7) << "and the second is asked for all the same";
 
+    // A film's answer, and then the first record's, come too late.
     wire.setAnswerer([&](const std::string& command) {
         wire.arrive(packets[command], command == "C?" ? 0 : 1.1);
         return std::string();
     });
-    packets["A1?"] = good("GOLD     19.30 100 0.381 1 2 3 4");
+    packets["A1?"] = good("GOLD 1 1 2 3 4 5 6 7 8 9");
+    packets["C?"] = good("1 2 3 4 5 6 7");
     bench.link.Comm_Send("A1?");
+    SystemParameters p;
     p.Simulate = p.EtchMode = 9;
-    EXPECT_FALSE(commands.Comm_GetSystem(p)) << "the first record comes too late, and so did the film";
-    EXPECT_EQ(p.Simulate, 9) << "not the density";
-    EXPECT_EQ(p.EtchMode, 7);
+    EXPECT_FALSE(commands.Comm_GetSystem(p));
+    EXPECT_EQ(p.Simulate, 9) << "neither the film nor an answer after its time-out";
+    EXPECT_EQ(p.EtchMode, 7) << "in step";
+}
+
+TEST_F(CommandsTest, AShutterQueryIsAnsweredOrNot) {
+    const std::pair<std::string, std::optional<std::int16_t>> cases[] = {
+        {good("1"), std::int16_t{1}},
+        {good("open"), std::int16_t{0}},
+        {good(""), std::nullopt},
+        {replyPacket('B', "1"), std::nullopt},
+        {"", std::nullopt}};
+    for (const auto& [packet, answer] : cases) {
+        packets["U?"] = packet;
+        EXPECT_EQ(commands.queryUnit(), answer) << packet;
+    }
+    bench.pump.atPump(
+        2, [this] { EXPECT_EQ(commands.Comm_GetUnit(), comm::kBusy) << "not that of the one before"; });
+    bench.link.Comm_Send("M");
 }
 
 } // namespace

@@ -151,6 +151,7 @@ TEST_P(EachLink, WaitsASecondAsleepButNotWhenNothingWasSent) {
         EXPECT_NEAR(bench.clock.monotonic() - start, closedAtPump == 0 ? 0.0 : 1.0, 1e-9) << closedAtPump;
         EXPECT_LE(bench.pump.pumps() - pumps, closedAtPump == 0 ? 1 : GetParam() == 1 ? 200 : 10);
         bench.use(GetParam());
+        link.forget(); // as an opening does
     }
 }
 
@@ -164,6 +165,42 @@ TEST_P(EachLink, TakesPiecesAndDropsALateReply) {
     bench.clock.advance(0.5);
     bench.wire().answer(good("own"), 0.2);
     EXPECT_EQ(exchanged(bench), "0 own");
+}
+
+TEST_P(EachLink, ACommandWaitsForTheLateAnswerOfTheOneBefore) {
+    const struct {
+        double late; ///< s after the send that the first answer comes; 0: never
+        bool closes; ///< the program is asked to close meanwhile
+        double wait; ///< s from the time-out to the next send
+        bool noted;
+    } cases[] = {
+        {1.2, false, 0.2, true}, {0, false, 0.5, false}, {0, true, 0, false}, {1.45, false, 0.45, true}};
+    for (const auto& c : cases) {
+        LinkBench fresh(GetParam());
+        fresh.wire().answer(c.late > 0 ? good("late") : "", c.late);
+        fresh.wire().answer(good("own"), 0.01);
+        EXPECT_EQ(exchanged(fresh), "1 ");
+        if (c.closes) {
+            fresh.pump.atPump(1, [&] { fresh.actions.runWhenIdle([] {}, ActionQueue::For::Close); });
+        }
+        fresh.link.watch().begin();
+        const double start = fresh.clock.monotonic();
+        EXPECT_EQ(exchanged(fresh, "S"), "0 own") << c.late;
+        EXPECT_NEAR(fresh.clock.monotonic() - start - 0.01, c.wait, 0.021) << c.late;
+        EXPECT_FALSE(fresh.link.watch().broken()) << "what came before the watch's first send is not its own";
+    }
+    bench.wire().answer(good("late"), 1.2);
+    link.watch().begin();
+    exchanged(bench);
+    link.settle();
+    EXPECT_TRUE(link.watch().late());
+    EXPECT_EQ(link.CommStatus(), comm::kTimeout) << "of the exchange that timed out";
+}
+
+TEST_P(EachLink, ALongCommandIsCapped) {
+    bench.wire().answer(good(""));
+    exchanged(bench, std::string(300, 'x'));
+    EXPECT_EQ(bench.wire().commands(), std::vector<std::string>{std::string(221, 'x')});
 }
 
 TEST_P(EachLink, ACommandGivenInAWaitGoesNext) {
@@ -200,14 +237,31 @@ TEST_P(EachLink, AnExceptionLeavesNoBusyBehind) {
     EXPECT_EQ(bench.wire().commands(), (std::vector<std::string>{"P1", "P2"})) << "T belonged to what failed";
 }
 
-TEST_P(EachLink, AMenuActionWaitsForTheExchange) {
+TEST_P(EachLink, ActionsWaitForTheExchangeAndForNoOther) {
     std::string order;
     bench.wire().answer(good("1"), 0.1);
-    bench.pump.atPump(2, [&] { bench.actions.runWhenIdle([&] { order += "action"; }); });
+    bench.actions.setFaultHandler([&](const std::exception& error) { order += error.what(); });
+    bench.pump.atPump(2, [&] {
+        bench.actions.runWhenIdle([&] {
+            order += "dialog ";
+            bench.pump.runPosted(); // it runs the event loop: the action behind it takes its turn
+            EXPECT_FALSE(bench.actions.waiting()) << "polling must go on under the dialog";
+            throw std::runtime_error("fault ");
+        });
+        bench.actions.runWhenIdle([&] { order += "second "; });
+    });
     link.Comm_Send("P1");
     order += "exchange ";
     bench.pump.runPosted();
-    EXPECT_EQ(order, "exchange action");
+    EXPECT_EQ(order, "exchange dialog second fault ");
+    {
+        const ActionQueue::Scope busy(bench.actions);
+        bench.actions.runWhenIdle([&] { order += "dropped"; });
+        bench.actions.runWhenIdle([&] { order += "close"; }, ActionQueue::For::Close);
+        bench.actions.runWhenIdle([&] { order += "dropped"; });
+    }
+    bench.pump.runPosted();
+    EXPECT_EQ(order, "exchange dialog second fault close");
 }
 
 TEST(Link, AStatusOfOneUnderTheWaitMeansLost) {

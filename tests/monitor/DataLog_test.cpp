@@ -75,7 +75,7 @@ TEST_F(DataLogTest, SpanAndInterval) {
     } cases[] = {
         {0, 300, 5, {5, 10}}, // not before a whole interval
         {0, 4, 1, {1, 2, 3, 4}}, {3, 5, 1, {3, 4, 5}},
-        {6, 7, 5, {}}, // the interval goes on outside the span: due at 5 and 10
+        {6, 7, 5, {6}}, // the interval counts inside the span only
         {5, 5, 1, {}},           {0, 1, 0, {0.25, 0.5, 0.75, 1}},
     };
     for (const auto& c : cases) {
@@ -106,29 +106,61 @@ TEST_F(DataLogTest, TheClockIsComparedInSinglePrecision) {
     EXPECT_EQ(log.linesWritten(), 1);
 }
 
-TEST_F(DataLogTest, ALargeFileIsOfferedForDeletion) {
+TEST_F(DataLogTest, ALargeFileIsOfferedForDeletionWithoutHoldingTheRunUp) {
+    const std::string old(1000000, 'x');
+    const std::string question = "Log file size is 1000002. Delete?";
     const struct {
         std::int16_t type;
         std::size_t size;
-        bool asks, yes, left;
+        bool asks;
+        int answer;       ///< 1 yes, 0 no, -1 none before the next run
+        const char* left; ///< of what stood before
     } cases[] = {
-        {kLogAppend, 999999, false, false, true},
-        {kLogAppend, 1000000, true, false, true},
-        {kLogAppend, 1000000, true, true, false},
-        {kLogOverwrite, 1000000, false, false, false},
+        {kLogAppend, 999999, false, -1, "all"}, {kLogAppend, 1000000, true, 0, "all"},
+        {kLogAppend, 1000000, true, 1, "none"}, {kLogOverwrite, 1000000, false, -1, "none"},
+        {7, 1000000, true, -1, "all"}, // a mode that is none counts as Append
     };
     for (const auto& c : cases) {
-        files.put(kPath, std::string(c.size, 'x'));
+        SCOPED_TRACE(c.size);
+        files.put(kPath, old.substr(0, c.size));
         settings.Type = c.type;
         settings.File = "drx9.txt";
         if (c.asks) {
             pump.atPump(1, [&] { files.append(kPath, "yz"); }); // the size is read again after the pump
-            boxes.expect(FakeMessageBoxes::Kind::YesNo, "Log file size is 1000002. Delete?", c.yes,
-                         [&] { settings.File = "other.txt"; }); // the log window stays open
+            boxes.expect(FakeMessageBoxes::Kind::Later, question);
         }
         log.InitDataLog();
-        EXPECT_EQ(files.exists(kPath), c.left) << c.size;
+        log.startBlock("FILM    ");
+        run(1);
+        settings.File = "other.txt"; // the log window stays open
+        if (c.answer >= 0) {
+            boxes.answerLater(c.answer == 1);
+        }
+        const std::string text = files.text(kPath);
+        EXPECT_EQ(text.find("Start:"), c.left == std::string("all") ? c.size + (c.asks ? 2 : 0) : 0U);
+        EXPECT_NE(text.find("1.00\t"), std::string::npos) << "the run's lines are there";
     }
+    // A Yes that cannot be carried out is told, and the file is whole.
+    files.put(kPath, old + "yz");
+    settings.Type = kLogAppend;
+    settings.File = "drx9.txt";
+    boxes.expect(FakeMessageBoxes::Kind::Later, question);
+    log.InitDataLog();
+    log.startBlock("FILM    ");
+    const std::string whole = files.text(kPath);
+    faulty.fillAfter(10);
+    boxes.answerLater(true);
+    EXPECT_EQ(log.cutError(), "No space left on device");
+    EXPECT_EQ(files.text(kPath), whole);
+    // Another file of that name was not asked about.
+    faulty.heal();
+    boxes.expect(FakeMessageBoxes::Kind::Later,
+                 "Log file size is " + std::to_string(whole.size()) + ". Delete?");
+    log.InitDataLog();
+    files.remove(kPath);
+    files.put(kPath, old + old);
+    boxes.answerLater(true);
+    EXPECT_EQ(files.text(kPath).size(), 2 * old.size());
 }
 
 TEST_F(DataLogTest, LostTextsAreCountedAndNeverQueued) {

@@ -2,14 +2,13 @@
 
 namespace drx9 {
 
-MonitorFixture::MonitorFixture(std::int16_t commType) {
-    settings.link.CommType = commType;
-    settings.link.EAddress = "127.0.0.1";
-    settings.Display = 1;
-    settings.Graph = 1;
-    settings.log.Type = kLogAppend;
-    settings.log.End = 100000;
-    files.makeFolder("/app");
+MonitorFixture::MonitorFixture(std::int16_t commType)
+    : core({files, clock, pump, boxes, serial, socket, usb, ticker, progress, sleep,
+            GraphSet{&averageRate, &rates, &averageThickness, &thicknesses}},
+           Paths{"/app", "/app"}, NumberLocale{}, AppInfo{}) {
+    files.put("/app/Monitor.ini", "[Display]\r\nView=1\r\n[Graph]\r\nView=1\r\n[CommSettings]\r\nCommType=" +
+                                      std::to_string(commType) +
+                                      "\r\nEAddress=127.0.0.1\r\n[DataLog]\r\nType=2\r\nEnd=100000\r\n");
     ticker.events = &events;
     progress.pump = &pump;
     window.events = &events;
@@ -18,22 +17,11 @@ MonitorFixture::MonitorFixture(std::int16_t commType) {
         wire->setAnswerer([this](const std::string& command) { return answer(command); }, 0.002);
     }
     usb.devices.push_back({"83F5", "0A7C21"});
-    errors = std::make_unique<CErrHandler>(CErrHandlerParts{files, boxes, clock, locale, AppInfo{}, paths});
-    discovery =
-        std::make_unique<Discovery>(link, settings.link, transports, pump, clock, actions, boxes, *errors);
-    log = std::make_unique<DataLog>(files, clock, locale, paths, boxes, pump, settings.log);
-    monitor = std::make_unique<Monitor>(MonitorParts{
-        settings, films, link, commands, *discovery, actions, *log, readouts, timer,
-        GraphSet{&averageRate, &rates, &averageThickness, &thicknesses}, progress, sleep, clock, pump, [] {},
-        [this] {
-            ++saves;
-            events.emplace_back("settings saved");
-        }});
-    monitor->setWindow(window);
+    monitor.setWindow(window);
 }
 
 void MonitorFixture::bringUp() {
-    ASSERT_TRUE(monitor->Form_Load());
+    ASSERT_TRUE(monitor.Form_Load());
     tick();
     events.clear();
     socket.wire.forget();
@@ -59,8 +47,9 @@ std::string MonitorFixture::logText() const {
 
 std::string MonitorFixture::answer(const std::string& command) {
     events.push_back(command);
-    if (const auto hook = onCommand.find(command); hook != onCommand.end()) {
-        hook->second();
+    if (const auto found = onCommand.find(command); found != onCommand.end()) {
+        const std::function<void()> hook = found->second; // it may take itself out
+        hook();
     }
     const auto given = special.find(command);
     if (given != special.end()) {

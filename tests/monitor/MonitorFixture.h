@@ -1,13 +1,12 @@
 #pragma once
 
+#include "core/Core.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeEventPump.h"
 #include "fakes/FakeLinks.h"
 #include "fakes/FakeMessageBoxes.h"
 #include "fakes/MemoryFilePort.h"
 #include "link/Crc.h"
-#include "monitor/Monitor.h"
-#include "monitor/cFile.h"
 
 #include <gtest/gtest.h>
 
@@ -127,7 +126,7 @@ public:
 
     /// Brings the program up on line and carries out the first film selection; forgets what happened so far.
     void bringUp();
-    void tick() { monitor->tmrUpdate_Timer(); }
+    void tick() { monitor.tmrUpdate_Timer(); }
     void tickAfter(double seconds) {
         clock.advance(seconds);
         tick();
@@ -146,26 +145,18 @@ public:
     FakeSocket socket{pump};
     FakeUsb usb{pump};
     MemoryFilePort files;
-    Paths paths{"/app", "/app"};
-    NumberLocale locale;
-    Settings settings;
-    Films films;
-    ActionQueue actions{pump};
-    Transports transports{SerialTransport(serial), UsbTransport(usb), SocketTransport(socket)};
-    Link link{settings.link, transports, pump, clock, actions};
-    Commands commands{link, boxes, clock};
-    std::unique_ptr<CErrHandler> errors;
-    std::unique_ptr<Discovery> discovery;
-    std::unique_ptr<DataLog> log;
-    Readouts readouts{locale, settings.system};
     FakeTicker ticker;
-    PollTimer timer{ticker};
     FakeGraph averageRate{1, events}, rates{6, events}, averageThickness{1, events}, thicknesses{6, events};
     FakeProgress progress;
     FakeSleepInhibitor sleep;
     FakeWindow window;
-    std::unique_ptr<Monitor> monitor;
-    int saves = 0;
+    Core core;
+    Settings& settings{core.settings};
+    ActionQueue& actions{core.actions};
+    Link& link{core.link};
+    DataLog& log{core.log};
+    PollTimer& timer{core.timer};
+    Monitor& monitor{core.monitor};
 
     // The instrument.
     int sensors = 2;

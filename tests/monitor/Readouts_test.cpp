@@ -21,7 +21,7 @@ protected:
     /// One more reading, a quarter of a second after the last.
     void read(std::int16_t mode, int sensors = kMaxSensors) {
         readings.elapsed += 0.25;
-        readouts.refresh(mode, readings, &film, sensors);
+        readouts.refresh(mode, &readings, &film, sensors);
     }
 };
 
@@ -65,10 +65,10 @@ TEST_F(ReadoutsTest, WhatEachRunModeRefreshes) {
 
     readings.elapsed = 5;
     readings.averageThickness = 0.5;
-    readouts.refresh(kIdle, readings, nullptr, 4); // keeps the run's texts and the film's
+    readouts.refresh(kIdle, &readings, nullptr, 4); // keeps the run's texts and the film's
     expected[Readouts::AverageThickness] = "0.500";
     EXPECT_EQ(readouts.texts(), expected);
-    readouts.refresh(kRunning, readings, nullptr, 4);
+    readouts.refresh(kRunning, &readings, nullptr, 4);
     expected[Readouts::ElapsedTime] = "0:00:05";
     EXPECT_EQ(readouts.texts(), expected);
 }
@@ -151,7 +151,7 @@ TEST_F(ReadoutsTest, CrystalsAreMarkedAfterTwoBadReadings) {
         read(kIdle);
         readings.frequency[2] = c.frequency;
         read(kIdle);
-        readouts.refresh(kIdle, readings, &film, kMaxSensors); // the same reading, after a film change
+        readouts.refresh(kIdle, &readings, &film, kMaxSensors); // the same reading, after a film change
         EXPECT_FALSE(readouts.crystalMarked(3)) << c.frequency;
         read(kIdle);
         EXPECT_EQ(readouts.crystalMarked(3), c.marked) << c.frequency;

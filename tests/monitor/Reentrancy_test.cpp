@@ -11,12 +11,14 @@ struct Scene : MonitorFixture {
     bool actionRan = false;
     bool actionRanInside = false;
 
-    void whenIdle(const std::function<void()>& action) {
-        actions.runWhenIdle([this, action] {
-            actionRan = true;
-            actionRanInside = actionRanInside || actions.busy() || link.exchanging();
-            action();
-        });
+    void whenIdle(const std::function<void()>& action, ActionQueue::For purpose = ActionQueue::For::Other) {
+        actions.runWhenIdle(
+            [this, action] {
+                actionRan = true;
+                actionRanInside = actionRanInside || actions.busy() || link.exchanging();
+                action();
+            },
+            purpose);
     }
     /// A beat of the timer; it sends nothing while something is under way.
     void beat() {
@@ -26,8 +28,7 @@ struct Scene : MonitorFixture {
         EXPECT_TRUE(!busy || socket.wire.packets().size() == sent) << "a tick inside an operation";
     }
     void close() {
-        monitor->announceClose();
-        whenIdle([this] { monitor->Form_QueryUnload(); });
+        whenIdle([this] { monitor.Form_QueryUnload(); }, ActionQueue::For::Close);
     }
 };
 
@@ -37,12 +38,12 @@ struct Deed {
 };
 
 void tickAfter(Scene& t, void (Monitor::*click)()) {
-    (t.monitor.get()->*click)();
+    (t.monitor.*click)();
     t.tick();
 }
 
 const Deed kOperations[] = {
-    {"program start", [](Scene& t) { t.monitor->Form_Load(); }},
+    {"program start", [](Scene& t) { t.monitor.Form_Load(); }},
     {"tick", [](Scene& t) { t.tick(); }},
     {"start and stop",
      [](Scene& t) {
@@ -52,7 +53,7 @@ const Deed kOperations[] = {
     {"zero", [](Scene& t) { tickAfter(t, &Monitor::cmdZero_Click); }},
     {"film",
      [](Scene& t) {
-         t.monitor->cboFilms_Click(1);
+         t.monitor.cboFilms_Click(1);
          t.tick();
      }},
     {"shutter", [](Scene& t) { tickAfter(t, &Monitor::cmdShutter_Click); }},
@@ -60,10 +61,10 @@ const Deed kOperations[] = {
 
 const Deed kEvents[] = {
     {"tick", [](Scene& t) { t.beat(); }},
-    {"start", [](Scene& t) { t.monitor->cmdStartStop_Click(); }},
-    {"zero", [](Scene& t) { t.monitor->cmdZero_Click(); }},
-    {"shutter", [](Scene& t) { t.monitor->cmdShutter_Click(); }},
-    {"film", [](Scene& t) { t.monitor->cboFilms_Click(3); }},
+    {"start", [](Scene& t) { t.monitor.cmdStartStop_Click(); }},
+    {"zero", [](Scene& t) { t.monitor.cmdZero_Click(); }},
+    {"shutter", [](Scene& t) { t.monitor.cmdShutter_Click(); }},
+    {"film", [](Scene& t) { t.monitor.cboFilms_Click(3); }},
     {"menu", [](Scene& t) { t.whenIdle([] {}); }},
     {"close", [](Scene& t) { t.close(); }},
     {"command", [](Scene& t) { t.link.Comm_Send("M"); }},
@@ -101,15 +102,15 @@ void expectSane(Scene& t, const std::string& event, bool start) {
     EXPECT_FALSE(t.actions.waiting());
     EXPECT_FALSE(t.actionRanInside) << "an action ran inside an operation";
     EXPECT_EQ(t.actionRan, event == "menu" || event == "close");
-    EXPECT_EQ(t.monitor->RunMode() == kExiting, event == "close");
+    EXPECT_EQ(t.monitor.RunMode() == kExiting, event == "close");
     if (event == "close" ||
         (start && event == "dead port")) { // off line from the start: nothing more is tried
         return;
     }
     EXPECT_TRUE(t.link.CommOK());
-    const Monitor::Requests& waiting = t.monitor->requests();
+    const Requests& waiting = t.monitor.requests().waiting();
     EXPECT_FALSE(waiting.film || waiting.zero || waiting.shutter || waiting.startStop);
-    EXPECT_FALSE(t.monitor->answers().stale(t.clock.monotonic()));
+    EXPECT_FALSE(t.monitor.answers().stale(t.clock.monotonic()));
 }
 
 TEST(Reentrancy, EachEventInEachPumpOfEachOperation) {

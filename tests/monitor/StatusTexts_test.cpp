@@ -135,7 +135,7 @@ TEST(StatusTexts, FieldsOfTheBar) {
         {"shutter", [](StatusFacts& f) { f.shutter = 1; }, staShutter, "Shutter open", "Shutter open"},
         {"shutter was", [](StatusFacts& f) { silentFor(f, 3), f.shutter = 1; }, staShutter,
          "Shutter was open", "Shutter was open"},
-        {"shutter query failed", [](StatusFacts& f) { f.shutter = Monitor::kShutterUnknown; }, staShutter,
+        {"shutter query failed", [](StatusFacts& f) { f.shutter = RequestDesk::kShutterUnknown; }, staShutter,
          "Shutter unknown", "Shutter unknown"},
         {"shutter before any reading", [](StatusFacts& f) { f.hasReading = false; }, staShutter, "", ""},
         {"modes", [](StatusFacts& f) { f.systemKnown = f.simulate = f.etch = true; }, staMode,

@@ -13,10 +13,11 @@ namespace {
 class DataLogWindow : public UiFixture {
 protected:
     void open() {
+        settings.log.Type = kLogAppend;
         settings.log.Start = 3725;
         settings.log.End = 7384;
         settings.log.Interval = 61;
-        dialog = new frmDataLog({settings.log, *log, files, dialogs, shell, boxes, actions}, window.get());
+        dialog = new frmDataLog({settings.log, log, files, dialogs, shell, boxes, actions}, window.get());
         dialog->show();
     }
     int value(const char* name) { return find<QSpinBox>(name)->value(); }

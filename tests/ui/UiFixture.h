@@ -1,7 +1,7 @@
 #pragma once
 
+#include "app/OtherWindows.h"
 #include "monitor/MonitorFixture.h"
-#include "monitor/frmMain.h"
 
 #include <QApplication>
 #include <QTest>
@@ -35,8 +35,8 @@ class UiFixture : public MonitorFixture {
 protected:
     UiFixture() {
         window = std::make_unique<frmMain>(
-            MainWindowParts{*monitor, charts, files, paths, boxes, dialogs, shell, nullptr});
-        monitor->setWindow(*window);
+            mainWindowParts(core, pump, clock, charts, {files, boxes, dialogs, shell}));
+        monitor.setWindow(*window);
         window->show();
         window->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));

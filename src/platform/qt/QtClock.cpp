@@ -3,11 +3,19 @@
 #include <QDateTime>
 
 #include <chrono>
+#include <ctime>
 
 namespace drx9 {
 
 double QtClock::monotonic() const {
+#ifdef __linux__
+    // Linux stops its steady clock while the machine sleeps; a run's time goes on.
+    timespec now{};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+#else
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+#endif
 }
 
 LocalTime QtClock::local() const {

@@ -2,6 +2,8 @@
 
 #include <QApplication>
 
+#include <utility>
+
 namespace drx9 {
 
 namespace {
@@ -36,6 +38,17 @@ QPointer<QMessageBox> makeBox(const std::string& text, const std::string& title,
     return box;
 }
 
+/// A box that comes of itself: it stops nothing and takes no focus.
+QPointer<QMessageBox> makeUnattended(const std::string& text, const std::string& title, MessageIcon icon,
+                                     const char* name) {
+    QPointer<QMessageBox> box = makeBox(text, title, icon);
+    box->setObjectName(name);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setAttribute(Qt::WA_ShowWithoutActivating);
+    box->setModal(false);
+    return box;
+}
+
 /// The button pressed; `escape` also for Esc, the close box and a window that went away under the box.
 QMessageBox::StandardButton ask(const QPointer<QMessageBox>& box, QMessageBox::StandardButtons buttons,
                                 QMessageBox::StandardButton escape) {
@@ -54,6 +67,7 @@ QMessageBox::StandardButton ask(const QPointer<QMessageBox>& box, QMessageBox::S
 
 QtMessageBoxes::~QtMessageBoxes() {
     delete nonBlocking_.data();
+    delete question_.data();
 }
 
 void QtMessageBoxes::show(const std::string& text, const std::string& title, MessageIcon icon,
@@ -77,12 +91,8 @@ bool QtMessageBoxes::askOkCancel(const std::string& text, const std::string& tit
 
 void QtMessageBoxes::showNonBlocking(const std::string& text, const std::string& title, MessageIcon icon) {
     if (!nonBlocking_) {
-        nonBlocking_ = makeBox(text, title, icon);
-        nonBlocking_->setObjectName("MsgBoxNonBlocking");
-        nonBlocking_->setAttribute(Qt::WA_DeleteOnClose);
-        nonBlocking_->setAttribute(Qt::WA_ShowWithoutActivating);
+        nonBlocking_ = makeUnattended(text, title, icon, "MsgBoxNonBlocking");
         nonBlocking_->setStandardButtons(QMessageBox::Ok);
-        nonBlocking_->setModal(false);
     }
     fill(*nonBlocking_, text, title, icon);
     nonBlocking_->show();
@@ -90,6 +100,25 @@ void QtMessageBoxes::showNonBlocking(const std::string& text, const std::string&
 
 void QtMessageBoxes::closeNonBlocking() {
     delete nonBlocking_.data();
+}
+
+void QtMessageBoxes::askYesNoLater(const std::string& text, const std::string& title, MessageIcon icon,
+                                   std::function<void(bool)> answered) {
+    dropQuestion();
+    question_ = makeUnattended(text, title, icon, "MsgBoxQuestion");
+    question_->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    question_->setEscapeButton(QMessageBox::No);
+    // Enter must not answer Yes: the box comes of itself.
+    question_->setDefaultButton(QMessageBox::No);
+    QMessageBox* box = question_;
+    QObject::connect(box, &QMessageBox::finished, box, [box, answered = std::move(answered)] {
+        answered(box->standardButton(box->clickedButton()) == QMessageBox::Yes);
+    });
+    question_->show();
+}
+
+void QtMessageBoxes::dropQuestion() {
+    delete question_.data();
 }
 
 } // namespace drx9

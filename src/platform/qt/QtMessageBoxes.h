@@ -22,9 +22,14 @@ public:
     /// Does not take the focus: a key meant for the window must not answer it.
     void showNonBlocking(const std::string& text, const std::string& title, MessageIcon icon) override;
     void closeNonBlocking() override;
+    /// "MsgBoxQuestion"; takes no focus either.
+    void askYesNoLater(const std::string& text, const std::string& title, MessageIcon icon,
+                       std::function<void(bool)> answered) override;
+    void dropQuestion() override;
 
 private:
     QPointer<QMessageBox> nonBlocking_;
+    QPointer<QMessageBox> question_;
 };
 
 } // namespace drx9

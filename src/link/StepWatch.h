@@ -1,0 +1,35 @@
+#pragma once
+
+namespace drx9 {
+
+/// Tells whether commands and answers have stayed in step since begin(). The wire numbers neither: an answer
+/// that comes twice, or late, is taken for the next command's, whose own is then one too many.
+class StepWatch {
+public:
+    /// Watches from behind the next send on: what is dropped before that belongs to earlier commands.
+    void begin() { begins_ = true; }
+
+    /// An answer came after its time-out.
+    [[nodiscard]] bool late() const { return late_; }
+    /// An answer came that no command had asked for. The last answer once more does not count.
+    [[nodiscard]] bool surplus() const { return surplus_; }
+    /// Nobody can tell which answer belongs to which command.
+    [[nodiscard]] bool broken() const { return late_ || surplus_; }
+
+    // Told by the link.
+
+    void noteSend() {
+        if (begins_) {
+            begins_ = late_ = surplus_ = false;
+        }
+    }
+    void noteLate() { late_ = true; }
+    void noteSurplus() { surplus_ = true; }
+
+private:
+    bool begins_ = false;
+    bool late_ = false;
+    bool surplus_ = false;
+};
+
+} // namespace drx9

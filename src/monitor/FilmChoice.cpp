@@ -1,0 +1,117 @@
+#include "monitor/FilmChoice.h"
+
+#include "util/Text.h"
+
+#include <utility>
+
+namespace drx9 {
+
+namespace {
+constexpr double kNothingRestartsFaster = 3; // s
+constexpr std::size_t kNameLength = 8;
+
+/// What tells one link from another; the baud rate does not.
+std::string identity(const LinkSettings& link) {
+    switch (link.CommType) {
+    case 1:
+        return "USB " + link.USBSerNum;
+    case 2:
+        return link.EAddress + ":" + link.EPort;
+    default:
+        return "COM" + std::to_string(link.Port);
+    }
+}
+} // namespace
+
+std::string filmListName(const FilmRecord& film) {
+    std::string name = film.FilmName;
+    name.erase(name.find_last_not_of(' ') + 1);
+    return utf8FromAnsi(name);
+}
+
+FilmChoice::FilmChoice(const Films& films, const Link& link, Discovery& discovery,
+                       const LinkSettings& settings, const PollTimer& timer, const Clock& clock)
+    : films_(films)
+    , link_(link)
+    , settings_(settings)
+    , timer_(timer)
+    , clock_(clock) {
+    discovery.addListener(*this);
+}
+
+void FilmChoice::clearList() {
+    names_.clear();
+    index_ = -1;
+}
+
+bool FilmChoice::setList(std::vector<std::string> names, int asked, bool whole) {
+    names_ = std::move(names);
+    const int listed = static_cast<int>(names_.size());
+    index_ = -1;
+    if (asked >= 0 && asked < listed) {
+        index_ = asked;
+        return false;
+    }
+    if (current_ >= 1 && current_ <= listed) {
+        index_ = current_ - 1;
+        return false;
+    }
+    if (listed == 0 || (!whole && current_ >= 1)) {
+        return false; // the film in use is only not listed
+    }
+    index_ = 0; // counts as a selection, so that list and instrument agree
+    return true;
+}
+
+const FilmRecord* FilmChoice::current() const {
+    return current_ >= 0 && current_ <= 99 ? &films_[static_cast<std::size_t>(current_)] : nullptr;
+}
+
+std::string FilmChoice::currentName() const {
+    return current() != nullptr ? current()->FilmName : std::string(kNameLength, ' ');
+}
+
+std::string FilmChoice::nameBesideList() const {
+    return index_ < 0 && current_ >= 1 ? filmListName(*current()) : std::string();
+}
+
+void FilmChoice::selected(int number, bool confirmed) {
+    current_ = number;
+    confirmed_ = confirmed;
+    confirmedAtLoss_ = confirmedAtLoss_ && confirmed;
+    linkThen_ = identity(settings_);
+    versionThen_ = link_.CommVersion();
+}
+
+void FilmChoice::unconfirm() {
+    confirmed_ = confirmedAtLoss_ = false;
+}
+
+std::string FilmChoice::mark() const {
+    if (current_ < 1) {
+        return {};
+    }
+    if (!confirmed_) {
+        return "The instrument has not confirmed this film. Choose it again to be sure.";
+    }
+    return index_ < 0 ? "The film list could not be read as far as this film, which is in use."
+                      : std::string();
+}
+
+bool FilmChoice::takeRepeat() {
+    return std::exchange(confirmedAtLoss_, false) && link_.CommVersion() == versionThen_ && index_ >= 0;
+}
+
+void FilmChoice::linkOpening() {
+    const double last = link_.lastReplyTime();
+    const double silence = clock_.monotonic() - last - timer_.heldSince(last);
+    if (silence > kNothingRestartsFaster || identity(settings_) != linkThen_) {
+        confirmed_ = false;
+    }
+}
+
+void FilmChoice::linkOpened() {
+    confirmed_ = confirmed_ && link_.CommVersion() == versionThen_;
+}
+
+} // namespace drx9

@@ -1,0 +1,72 @@
+#include "monitor/InstrumentRefresh.h"
+
+#include "monitor/FilmChoice.h"
+#include "util/Numbers.h"
+
+#include <algorithm>
+
+namespace drx9 {
+
+namespace {
+constexpr int kMostFilms = 99;
+
+/// Percent of `done` out of `count`, as a whole number.
+std::int16_t percent(int done, int count) {
+    return toInt16(done * 100.0 / count);
+}
+} // namespace
+
+InstrumentRefresh::Result InstrumentRefresh::run() {
+    Result result;
+    Films films = parts_.films;
+    parts_.link.watch().begin();
+    readFilms(films, result);
+    parts_.link.settle();
+    if (parts_.link.watch().broken()) {
+        result.end = End::OutOfStep;
+        return result;
+    }
+    if (!parts_.actions.waiting() || parts_.actions.waitingFor(ActionQueue::For::System)) {
+        readRecord(result);
+    } else {
+        result.end = End::Cut;
+    }
+    if (result.end == End::Read) {
+        parts_.films = films;
+    }
+    return result;
+}
+
+void InstrumentRefresh::readFilms(Films& films, Result& result) {
+    parts_.progress.ProgressShow("Reading DRX-9 Films", ProgressOwner::MainWindow);
+    const int count = std::min<int>(parts_.link.FilmCount(), kMostFilms);
+    for (int i = 1; i <= count; ++i) {
+        if (parts_.actions.waiting()) {
+            result.end = End::Cut;
+            break;
+        }
+        parts_.progress.setProgress(percent(i, count));
+        FilmRecord& film = films[static_cast<std::size_t>(i)];
+        const bool failed = parts_.commands.Comm_GetFilm(i, film, Messages::NonBlocking);
+        if (failed) {
+            parts_.answers.noteExchange("A", parts_.link.outcome());
+            break;
+        }
+        result.films.push_back(filmListName(film));
+    }
+    parts_.progress.ProgressHide();
+    result.allFilms = static_cast<int>(result.films.size()) == count;
+}
+
+void InstrumentRefresh::readRecord(Result& result) {
+    result.recordAsked = true;
+    result.recordRead = parts_.commands.Comm_GetSystem(parts_.system);
+    parts_.answers.noteExchange("C?", parts_.link.outcome());
+    if (parts_.link.watch().surplus()) {
+        result.end = End::OutOfStep;
+    } else if (!result.recordRead) {
+        parts_.answers.noteFailure("B?: not read"); // the outcome is that of "C?"
+    }
+}
+
+} // namespace drx9

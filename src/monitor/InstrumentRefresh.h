@@ -1,0 +1,55 @@
+#pragma once
+
+#include "link/ActionQueue.h"
+#include "link/Commands.h"
+#include "link/Link.h"
+#include "link/Records.h"
+#include "monitor/AnswerRecord.h"
+#include "platform/Progress.h"
+
+#include <string>
+#include <vector>
+
+namespace drx9 {
+
+/// Reads from the instrument what the main window shows beside the readings: the film list and the system
+/// record.
+class InstrumentRefresh {
+public:
+    struct Parts {
+        Commands& commands;
+        Link& link;
+        Films& films;
+        SystemParameters& system;
+        AnswerRecord& answers;
+        ActionQueue& actions;
+        Progress& progress;
+    };
+    enum class End {
+        Read,
+        Cut,       ///< an action waited; nothing but a complete system record was taken
+        OutOfStep, ///< nobody can tell which answer belongs to which film; nothing was taken
+    };
+    struct Result {
+        End end = End::Read;
+        std::vector<std::string> films; ///< names in UTF-8, up to the first film that could not be read
+        bool allFilms = false;
+        bool recordAsked = false;
+        bool recordRead = false; ///< meaningful when recordAsked
+    };
+
+    explicit InstrumentRefresh(const Parts& parts)
+        : parts_(parts) {}
+
+    /// Ends early, after the film in hand, where an action waits; for the system window the record is read
+    /// all the same. The films of the list are taken into `films` when the result is Read. Pumps events.
+    Result run();
+
+private:
+    void readFilms(Films& films, Result& result);
+    void readRecord(Result& result);
+
+    Parts parts_;
+};
+
+} // namespace drx9

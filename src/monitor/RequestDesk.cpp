@@ -1,0 +1,155 @@
+#include "monitor/RequestDesk.h"
+
+#include "monitor/RunModes.h"
+
+#include <utility>
+
+namespace drx9 {
+
+namespace {
+constexpr double kLongestLossForStart = 3; // s
+
+/// The status that failed first.
+std::uint16_t firstFailure(std::uint16_t first, std::uint16_t second) {
+    return first != comm::kOk ? first : second;
+}
+} // namespace
+
+RequestDesk::RequestDesk(const Parts& parts)
+    : parts_(parts)
+    , report_(parts.clock) {}
+
+bool RequestDesk::mayGoOn(bool all) const {
+    return parts_.keeper.fine() && !parts_.actions.closing() && (all || !parts_.actions.waiting());
+}
+
+void RequestDesk::carryOut(RunHost& host, bool all) {
+    report_.beginRound();
+    if (mayGoOn(all)) {
+        takeFilm(host);
+    }
+    if (mayGoOn(all)) {
+        takeZero(host);
+    }
+    // The shutter, its query and the start that it raises belong together.
+    const bool shutter = mayGoOn(all) && takeShutter(host);
+    if (host.RunMode() == kStarting || !mayGoOn(all || shutter)) {
+        return;
+    }
+    queryShutter(host);
+    // A query that failed does not hold a start or stop up.
+    const bool waits = parts_.actions.closing() || (parts_.actions.waiting() && !all && !shutter);
+    if (!waits && std::exchange(flags_.startStop, false)) {
+        host.toggleRun();
+    }
+}
+
+void RequestDesk::takeFilm(RunHost& host) {
+    if (!std::exchange(flags_.film, false) || parts_.choice.index() < 0) {
+        return; // an empty selection drops the request
+    }
+    const int number = parts_.choice.index() + 1;
+    StepWatch& watch = parts_.link.watch();
+    watch.begin();
+    const std::uint16_t status = note("D", parts_.commands.Comm_SelectFilm(number));
+    if (status == comm::kOk) {
+        readFilm(number);
+    }
+    parts_.choice.selected(number, status == comm::kOk && !watch.broken());
+    report_.ended("Film", status);
+    host.filmChanged();
+}
+
+void RequestDesk::readFilm(int number) {
+    FilmRecord film;
+    const bool failed = parts_.commands.Comm_GetFilm(number, film, Messages::NonBlocking);
+    note("A", parts_.link.outcome());
+    if (!failed && !parts_.link.watch().broken()) {
+        parts_.films[static_cast<std::size_t>(number)] = film;
+    }
+}
+
+void RequestDesk::takeZero(RunHost& host) {
+    if (!std::exchange(flags_.zero, false)) {
+        return;
+    }
+    std::uint16_t status = note("S", parts_.commands.Comm_ZeroThickness());
+    status =
+        firstFailure(status, note("T", parts_.commands.Comm_ZeroTime())); // ZeroAll sends it once more: kept
+    status = firstFailure(status, host.ZeroAll());
+    report_.ended("Zero", status);
+}
+
+bool RequestDesk::takeShutter(const RunHost& host) {
+    if (!std::exchange(flags_.shutter, false)) {
+        return false;
+    }
+    if (shutterState_ == 0) {
+        openShutter(host);
+    } else {
+        report_.ended("Shutter",
+                      note("U", parts_.commands.Comm_SetUnit(0))); // also after a failed query: kept
+    }
+    return true;
+}
+
+void RequestDesk::openShutter(const RunHost& host) {
+    const std::uint16_t status = note("U", parts_.commands.Comm_SetUnit(1));
+    report_.ended("Shutter", status);
+    if (host.RunMode() != kIdle) {
+        return;
+    }
+    if (status == comm::kOk) {
+        flags_.startStop = true; // opening the shutter while idle starts a run in the same tick
+    } else if (Exchange{status, {}}.unanswered()) {
+        unansweredOpening_ = parts_.clock.monotonic();
+    }
+}
+
+void RequestDesk::queryShutter(RunHost& host) {
+    const std::optional<std::int16_t> answer = parts_.commands.queryUnit();
+    shutterState_ = answer.value_or(kShutterUnknown);
+    note("U?", parts_.link.outcome());
+    if (answer) {
+        startBehindShutter(*answer, host.RunMode());
+    }
+    host.shutterQueried();
+}
+
+void RequestDesk::startBehindShutter(std::int16_t answer, std::int16_t runMode) {
+    const std::optional<double> sent = std::exchange(unansweredOpening_, std::nullopt);
+    if (sent && answer > 0 && runMode == kIdle && parts_.keeper.silenceSince(*sent) <= kLongestLossForStart) {
+        flags_.startStop = true;
+    }
+}
+
+bool RequestDesk::takeStop(std::int16_t runMode) {
+    return runMode == kRunning && std::exchange(flags_.startStop, false);
+}
+
+void RequestDesk::dropWaiting() {
+    const std::pair<bool, const char*> waiting[] = {{flags_.film, "Film"},
+                                                    {flags_.zero, "Zero"},
+                                                    {flags_.shutter, "Shutter"},
+                                                    {flags_.startStop, "Start"}};
+    report_.beginRound();
+    for (const auto& [flag, name] : waiting) {
+        if (flag) {
+            report_.notSent(name);
+        }
+    }
+    flags_ = {};
+    unansweredOpening_.reset();
+}
+
+void RequestDesk::runStarts() {
+    report_.clear();
+    unansweredOpening_.reset();
+}
+
+std::uint16_t RequestDesk::note(const char* command, std::uint16_t status) {
+    parts_.answers.noteExchange(command, status);
+    return status;
+}
+
+} // namespace drx9

@@ -1,0 +1,351 @@
+// What becomes of the operator's requests when the instrument does not take them, and of the film in use when
+// the link is lost.
+#include "monitor/MonitorFixture.h"
+
+#include <algorithm>
+
+namespace drx9 {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+/// Something other than readings, refreshes and openings.
+bool actsOnTheProcess(const std::string& command) {
+    return command[0] == 'S' || command[0] == 'T' || command[0] == 'D' ||
+           (command[0] == 'U' && command != "U?");
+}
+
+class RequestsTest : public MonitorFixture {
+protected:
+    RequestsTest() { boxes.allow("Instrument not found."); }
+
+    /// Ticks for so long; the commands of that time that act on the process.
+    Texts actsDuring(double seconds) {
+        events.clear();
+        for (const double end = clock.monotonic() + seconds; clock.monotonic() < end;) {
+            tickAfter(0.25);
+        }
+        Texts acts;
+        std::copy_if(events.begin(), events.end(), std::back_inserter(acts), actsOnTheProcess);
+        return acts;
+    }
+    void click(const std::string& what) {
+        what == "zero"      ? monitor.cmdZero_Click()
+        : what == "shutter" ? monitor.cmdShutter_Click()
+        : what == "start"   ? monitor.cmdStartStop_Click()
+                            : monitor.cboFilms_Click(2);
+    }
+    [[nodiscard]] const RequestReport& report() const { return monitor.requests().report(); }
+    void loseLink() {
+        silent = true;
+        socket.drop();
+        socket.refusal = "Connection refused";
+    }
+    void returnLink() {
+        silent = false;
+        socket.refusal.clear();
+    }
+};
+
+TEST_F(RequestsTest, ARequestIsCarriedOutOnceAndItsFailureTold) {
+    const std::string refused = replyPacket('E', "");
+    const struct {
+        const char* click;
+        const char* command; ///< that is not accepted
+        std::string answer;
+        Texts acts; ///< of the next ten seconds, over whatever the failure brings about
+        const char* told;
+    } cases[] = {
+        {"zero", "S", "", {"S", "T", "T"}, "Zero: no reply"},
+        {"zero", "T", refused, {"S", "T", "T"}, "Zero: Bad Mode"},
+        {"film", "D3", "", {"D3"}, "Film: no reply"},
+        {"film", "D3", refused, {"D3"}, "Film: Bad Mode"},
+        {"shutter", "U1", refused, {"U1"}, "Shutter: Bad Mode"},
+        {"shutter", "U1", "", {"U1"}, "Shutter: no reply"}, // and the shutter stays closed: no run starts
+        {"zero", "", "", {"S", "T", "T"}, ""},
+    };
+    bringUp();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.click) + " " + c.command);
+        actsDuring(12); // what an earlier loss repeats is over
+        special[c.command] = c.answer;
+        onCommand[c.command] = [this, &c] {
+            pump.atTime(clock.monotonic() + 0.5, [this, &c] { special.erase(c.command); });
+        };
+        click(c.click);
+        tick();
+        const std::string told = report().text();
+        EXPECT_EQ(told, c.told);
+        EXPECT_EQ(report().notice(), *c.told == 0 ? "" : told + ". Press again if needed.");
+        Texts acts = actsDuring(0); // of the tick above: read from the wire's own list
+        acts.clear();
+        for (const std::string& command : socket.wire.commands()) {
+            if (actsOnTheProcess(command)) {
+                acts.push_back(command);
+            }
+        }
+        EXPECT_EQ(acts, c.acts);
+        special.erase(c.command);
+        const Texts later = actsDuring(10);
+        for (const std::string& act : later) {
+            EXPECT_EQ(act, "D1") << "nothing but the confirmed film after a loss";
+        }
+        EXPECT_EQ(monitor.RunMode(), kIdle);
+        EXPECT_EQ(report().notice(), "") << "ten seconds";
+        socket.wire.forget();
+        onCommand.clear();
+        monitor.cboFilms_Click(0);
+        actsDuring(1);
+        EXPECT_EQ(report().text(), "") << "until the next request";
+        socket.wire.forget();
+    }
+}
+
+TEST_F(RequestsTest, AStartBehindAnUnansweredOpeningFollowsTheShutter) {
+    const struct {
+        const char* name;
+        int shutter; ///< state afterwards
+        double gone; ///< s that the link is lost
+        bool starts;
+    } cases[] = {{"opened", 1, 0, true}, {"closed", 0, 0, false}, {"long gone", 1, 4, false}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        bringUp();
+        special["U1"] = "";
+        monitor.cmdShutter_Click();
+        tick();
+        EXPECT_EQ(monitor.RunMode(), kIdle);
+        shutter = c.shutter;
+        if (c.gone > 0) {
+            loseLink();
+            actsDuring(c.gone);
+            returnLink();
+        }
+        special.erase("U1");
+        actsDuring(4);
+        EXPECT_EQ(monitor.RunMode(), c.starts ? kRunning : kIdle);
+        monitor.setRunMode(kIdle);
+        shutter = 0;
+        tick();
+    }
+}
+
+TEST_F(RequestsTest, StopAloneDoesNotWaitForTheLink) {
+    bringUp();
+    monitor.cmdStartStop_Click();
+    tick();
+    tickAfter(0.25);
+    for (const bool connected : {true, false}) {
+        ASSERT_EQ(monitor.RunMode(), kRunning);
+        silent = true;
+        if (!connected) {
+            loseLink();
+            tick();
+        }
+        monitor.cmdStartStop_Click();
+        monitor.cmdZero_Click();
+        events.clear();
+        tick();
+        EXPECT_EQ(monitor.RunMode(), kIdle);
+        EXPECT_NE(logText().find("\r\nEnd:     Date: "), std::string::npos);
+        EXPECT_EQ(std::count(events.begin(), events.end(), "U?"), 0);
+        EXPECT_FALSE(monitor.locked());
+        EXPECT_TRUE(ticker.on) << "attempts go on";
+        EXPECT_TRUE(monitor.requests().waiting().zero) << "only the stop does not wait";
+        returnLink();
+        const Texts acts = actsDuring(4);
+        EXPECT_EQ(std::count(acts.begin(), acts.end(), "S"), 1);
+        EXPECT_NE(std::find(events.begin(), events.end(), "A9?"), events.end()) << "the refresh was owed";
+        monitor.cmdStartStop_Click();
+        tick();
+        tickAfter(0.25);
+    }
+}
+
+TEST_F(RequestsTest, AConfirmedFilmGoesOutOnceAfterALossInIdle) {
+    const struct {
+        const char* name;
+        bool running;
+        bool confirmed; ///< before the loss
+        double gone;
+        const char* version; ///< afterwards
+        Texts acts;
+        bool marked;
+    } cases[] = {
+        {"idle", false, true, 5, "DRX-9 Ver 4.08", {"D3"}, false},
+        {"another instrument", false, true, 5, "DRX-9 Ver 4.12", {}, true},
+        {"run, short", true, true, 0.5, "DRX-9 Ver 4.08", {}, false},
+        {"run, long", true, true, 5, "DRX-9 Ver 4.08", {}, true},
+        {"never confirmed", false, false, 5, "DRX-9 Ver 4.08", {}, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        version = "DRX-9 Ver 4.08";
+        bringUp();
+        special["D3"] = replyPacket(c.confirmed ? 'A' : 'B', "");
+        monitor.cboFilms_Click(2);
+        tick();
+        EXPECT_EQ(monitor.films().mark().empty(), c.confirmed);
+        if (c.running) {
+            monitor.cmdStartStop_Click();
+            tick();
+        }
+        loseLink();
+        actsDuring(c.gone);
+        returnLink();
+        version = c.version;
+        special["A3?"] = replyPacket('A', "FILM_3  2.7 100 1 6 4 1 3");
+        EXPECT_EQ(actsDuring(6), c.acts);
+        EXPECT_EQ(monitor.films().mark().empty(), !c.marked);
+        monitor.setRunMode(kIdle);
+    }
+    special["D3"] = ""; // not accepted: the loss that this causes repeats nothing
+    monitor.cboFilms_Click(2);
+    EXPECT_EQ(actsDuring(8), Texts{"D3"});
+    EXPECT_FALSE(monitor.films().mark().empty());
+}
+
+TEST_F(RequestsTest, AFilmBeforeTheFirstReadingShowsNoReading) {
+    ASSERT_TRUE(monitor.Form_Load());
+    special["P1"] = special["P2"] = ""; // the reading fails, and so does the next
+    onCommand["D1"] = [] { FAIL() << "the link is dead"; };
+    tick();
+    onCommand.clear();
+    monitor.carryOutBeforeWindow();
+    EXPECT_EQ(core.readouts.texts()[Readouts::AverageRate], "");
+}
+
+TEST_F(RequestsTest, AListThatEndsBeforeTheFilmInUseShowsItMarked) {
+    bringUp();
+    monitor.cboFilms_Click(2);
+    tick();
+    special["A3?"] = replyPacket('A', "short");
+    boxes.allow("Get Film Error: ");
+    monitor.setRunMode(kIdle);
+    EXPECT_EQ(monitor.films().index(), -1);
+    EXPECT_EQ(monitor.films().nameBesideList(), "FILM_3");
+    EXPECT_FALSE(monitor.films().mark().empty());
+    EXPECT_EQ(actsDuring(1), Texts{});
+}
+
+// ---- what waits
+
+TEST_F(RequestsTest, AWaitingActionCutsARefreshAndAReconnectBetweenExchanges) {
+    const struct {
+        const char* at; ///< command in whose exchange the action comes
+        ActionQueue::For purpose;
+        Texts rest; ///< commands behind it, until the action has run
+    } cases[] = {
+        {"A4?", ActionQueue::For::Other, {}},
+        {"A4?", ActionQueue::For::System, {"B?", "C?"}},
+        {"A9?", ActionQueue::For::Other, {}},
+        {"@", ActionQueue::For::Other, {"J"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.at);
+        bringUp();
+        socket.drop();
+        link.setCommStatus(comm::kLost);
+        bool ran = false;
+        onCommand[c.at] = [&] {
+            onCommand.clear();
+            actions.runWhenIdle([&] { ran = true; }, c.purpose);
+        };
+        tickAfter(2);
+        const auto at = std::find(events.begin(), events.end(), c.at);
+        ASSERT_NE(at, events.end());
+        Texts rest(at + 1, events.end());
+        std::erase(rest, "timer on");
+        EXPECT_EQ(rest, c.rest);
+        EXPECT_TRUE(link.CommOK());
+        EXPECT_EQ(monitor.films().names().size(), 9U) << "the list that stood before";
+        pump.runPosted();
+        EXPECT_TRUE(ran);
+        events.clear();
+        tickAfter(0.25);
+        EXPECT_EQ(std::count(events.begin(), events.end(), "A9?"), 1) << "made anew as a whole";
+        EXPECT_EQ(std::count(events.begin(), events.end(), "C?"), 1);
+        tickAfter(0.25);
+        EXPECT_FALSE(monitor.answers().stale(clock.monotonic()));
+        monitor.setRunMode(kStarting);
+    }
+}
+
+TEST_F(RequestsTest, ACloseLetsNoFurtherRequestBegin) {
+    bringUp();
+    onCommand["D3"] = [this] {
+        actions.runWhenIdle([this] { monitor.Form_QueryUnload(); }, ActionQueue::For::Close);
+    };
+    monitor.cboFilms_Click(2);
+    monitor.cmdShutter_Click();
+    EXPECT_EQ(requestsOfTick(), (Texts{"D3", "A3?"}));
+    pump.runPosted();
+    EXPECT_EQ(monitor.RunMode(), kExiting);
+    EXPECT_EQ(shutter, 0);
+}
+
+TEST_F(RequestsTest, RequestsAreCarriedOutOrDroppedBeforeAWindowHoldsTheTimer) {
+    bringUp();
+    monitor.cmdZero_Click();
+    monitor.carryOutBeforeWindow();
+    EXPECT_FALSE(monitor.requests().waiting().zero);
+    EXPECT_EQ(report().text(), "");
+    link.setCommStatus(comm::kLost);
+    monitor.cmdZero_Click();
+    socket.wire.forget();
+    monitor.carryOutBeforeWindow();
+    EXPECT_TRUE(socket.wire.commands().empty());
+    EXPECT_FALSE(monitor.requests().waiting().zero) << "must not come true when the window closes";
+    EXPECT_EQ(report().text(), "Zero: not sent");
+}
+
+// ---- out of step
+
+TEST_F(RequestsTest, ReadingsOutOfStepAreSaidAndOpenTheLinkAgain) {
+    bringUp();
+    tick();
+    onCommand["M"] = [this] { socket.wire.arrive(replyPacket('A', "77")); }; // one that nobody asked for
+    for (int i = 1; i <= 4; ++i) {
+        tickAfter(0.25);
+        EXPECT_EQ(monitor.answers().straysInARow(), i);
+    }
+    const std::string notice = gravestNotice(core.status.facts()).text;
+    EXPECT_EQ(notice.rfind("Answers out of step: no readings since 10:30:", 0), 0U) << notice;
+    EXPECT_EQ(socket.connects, 1);
+    tickAfter(0.25);
+    EXPECT_EQ(socket.connects, 2);
+    onCommand.clear();
+    tickAfter(0.25);
+    tickAfter(0.25);
+    EXPECT_EQ(monitor.answers().straysInARow(), 0);
+}
+
+TEST_F(RequestsTest, ARefreshOutOfStepKeepsTheListAndReadsNoRecord) {
+    bringUp();
+    special["B?"] = replyPacket('A', "1 1 1 1 1 1 1 1 1 1 1");
+    onCommand["A5?"] = [this] { socket.wire.arrive(replyPacket('A', "OTHER     1 1 1 1 1 1 1")); };
+    onCommand["A6?"] = [this] { special["A6?"] = replyPacket('A', "CHANGED   1 1 1 1 1 1 1"); };
+    monitor.setRunMode(kIdle);
+    EXPECT_EQ(monitor.films().names().at(5), "FILM_6");
+    EXPECT_FALSE(monitor.systemKnown());
+    EXPECT_NE(settings.system.Simulate, 1);
+    EXPECT_EQ(monitor.answers().lastExchange(), "Films and parameters not read: answers out of step");
+}
+
+TEST_F(RequestsTest, ARunKeepsTheSensorsThatItBeganWith) {
+    bringUp();
+    monitor.cmdStartStop_Click();
+    tick();
+    loseLink();
+    tickAfter(2);
+    returnLink();
+    sensors = 4;
+    tickAfter(2);
+    events.clear();
+    tickAfter(0.25);
+    EXPECT_EQ(link.sensorCount(), 4);
+    EXPECT_EQ(std::count(events.begin(), events.end(), "P3"), 0);
+}
+
+} // namespace
+} // namespace drx9

@@ -1,11 +1,11 @@
 #include "app/Program.h"
+#include "controls/Theme.h"
 #include "platform/DataFolder.h"
 #include "platform/os/OsFilePort.h"
 #include "platform/qt/EventLoopChoice.h"
 #include "platform/qt/LocaleFromSystem.h"
 #include "platform/qt/SingleInstance.h"
 #include "util/ProgramName.h"
-#include "controls/Theme.h"
 
 #include <QApplication>
 #include <QStandardPaths>
@@ -27,8 +27,9 @@ public:
         try {
             return QApplication::notify(receiver, event);
         } catch (const std::exception& error) {
-            if (report)
+            if (report) {
                 report(error);
+            }
             return false;
         }
     }

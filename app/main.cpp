@@ -28,8 +28,9 @@ public:
         try {
             return QApplication::notify(receiver, event);
         } catch (const std::exception& error) {
-            if (report)
+            if (report) {
                 report(error);
+            }
             return false;
         }
     }

@@ -57,9 +57,11 @@ cpu_set_t startProcessors() {
 void pin(bool last) {
     static const cpu_set_t allowed = startProcessors();
     int chosen = -1;
-    for (int cpu = 0; cpu < CPU_SETSIZE; ++cpu)
-        if (CPU_ISSET(cpu, &allowed) && (chosen < 0 || last))
+    for (int cpu = 0; cpu < CPU_SETSIZE; ++cpu) {
+        if (CPU_ISSET(cpu, &allowed) && (chosen < 0 || last)) {
             chosen = cpu;
+        }
+    }
     cpu_set_t one;
     CPU_ZERO(&one);
     CPU_SET(chosen, &one);
@@ -70,8 +72,9 @@ void pin(bool last) {
 bool readAll(int fd, char* bytes, std::size_t size) {
     for (std::size_t have = 0; have < size;) {
         const ssize_t got = ::read(fd, bytes + have, size - have);
-        if (got <= 0)
+        if (got <= 0) {
             return false;
+        }
         have += static_cast<std::size_t>(got);
     }
     return true;
@@ -172,8 +175,9 @@ private:
 void exchangeBare(benchmark::State& state, int fd) {
     char reply[64];
     for ([[maybe_unused]] auto _ : state) {
-        if (!writeAll(fd, kRequest) || !readAll(fd, reply, kReply.size()))
+        if (!writeAll(fd, kRequest) || !readAll(fd, reply, kReply.size())) {
             return state.SkipWithError("the server went away");
+        }
     }
 }
 
@@ -207,8 +211,9 @@ struct Program {
 
     void exchange(benchmark::State& state) {
         for ([[maybe_unused]] auto _ : state) {
-            if (link.Comm_Send("P1") != kData)
+            if (link.Comm_Send("P1") != kData) {
                 return state.SkipWithError("no reply");
+            }
         }
     }
 
@@ -229,8 +234,9 @@ void BM_TcpProgram(benchmark::State& state) {
     TcpServer server;
     Program program(2);
     if (!program.transports.socket.open("127.0.0.1", std::to_string(server.port()), program.pump,
-                                        program.clock))
+                                        program.clock)) {
         return state.SkipWithError("no connection");
+    }
     program.exchange(state);
     program.transports.closeAll();
     program.pump.processPending();
@@ -241,8 +247,9 @@ void BM_PtyProgram(benchmark::State& state) {
     PtyServer server;
     Program program(0);
     QFile::link(QString::fromStdString(server.path()), program.folder.filePath("COM1"));
-    if (!program.transports.serial.open(1, 19200).empty())
+    if (!program.transports.serial.open(1, 19200).empty()) {
         return state.SkipWithError("the port does not open");
+    }
     program.exchange(state);
     program.transports.closeAll();
     program.pump.processPending();
@@ -253,8 +260,9 @@ void BM_ProcessPending(benchmark::State& state) {
     pin(false);
     const QtClock clock;
     QtEventPump pump(clock);
-    for ([[maybe_unused]] auto _ : state)
+    for ([[maybe_unused]] auto _ : state) {
         pump.processPending();
+    }
 }
 
 /// A reply that never comes: the wait must end at 1.0 s and cost nothing. The CPU column is the figure;
@@ -267,8 +275,9 @@ void BM_TimeOut(benchmark::State& state) {
     ::listen(listener, 1);
     Program program(2);
     if (!program.transports.socket.open("127.0.0.1", std::to_string(portOf(listener)), program.pump,
-                                        program.clock))
+                                        program.clock)) {
         return state.SkipWithError("no connection");
+    }
     double late = 0;
     for ([[maybe_unused]] auto _ : state) {
         const double start = program.clock.monotonic();

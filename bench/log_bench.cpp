@@ -48,10 +48,12 @@ struct Bench {
     void lines(benchmark::State& state) {
         const Readings readings = sixSensors();
         double elapsed = 0;
-        for ([[maybe_unused]] auto _ : state)
+        for ([[maybe_unused]] auto _ : state) {
             log.UpdateDataLog(readings, elapsed += 0.25, kMaxSensors);
-        if (log.linesLost() > 0)
+        }
+        if (log.linesLost() > 0) {
             state.SkipWithError("lines were lost");
+        }
     }
 
     QtClock clock;
@@ -88,8 +90,9 @@ void BM_BareOpenWriteClose(benchmark::State& state) {
     const std::string line(165, 'x');
     for ([[maybe_unused]] auto _ : state) {
         const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
-        if (::write(fd, line.data(), line.size()) < 0)
+        if (::write(fd, line.data(), line.size()) < 0) {
             return state.SkipWithError("not written");
+        }
         ::close(fd);
     }
 }

@@ -6,10 +6,10 @@
 // the same commands at the same pace over a blocking socket and does nothing with the replies.
 
 #include "app/Program.h"
+#include "controls/Theme.h"
 #include "link/Crc.h"
 #include "platform/os/OsFilePort.h"
 #include "platform/qt/EventLoopChoice.h"
-#include "controls/Theme.h"
 
 #include <QApplication>
 #include <QEventLoop>
@@ -68,8 +68,9 @@ void runEvents(double seconds) {
 template<class Condition>
 bool waitFor(Condition condition) {
     for (const double limit = now() + 60; !condition();) {
-        if (now() > limit)
+        if (now() > limit) {
             return false;
+        }
         runEvents(0.02);
     }
     return true;
@@ -111,8 +112,9 @@ public:
         program = std::make_unique<Program>(*files_, Paths{path, path}, locale_);
         program->start();
         onLine = waitFor([&] { return monitor().RunMode() == kIdle && monitor().answers().hasReading(); });
-        if (!onLine)
+        if (!onLine) {
             std::puts("The program did not come on line.");
+        }
     }
     ~Running() {
         program->window().close();
@@ -136,9 +138,11 @@ public:
 double bareShare(double seconds) {
     const Simulator simulator({"--baud", kPace});
     std::vector<std::string> commands = {commandPacket("M"), commandPacket("O"), commandPacket("U?")};
-    for (const char sensor : {'1', '2', '3', '4', '5', '6'})
-        for (const char kind : {'P', 'L', 'N'})
+    for (const char sensor : {'1', '2', '3', '4', '5', '6'}) {
+        for (const char kind : {'P', 'L', 'N'}) {
             commands.push_back(commandPacket(std::string(1, kind) + sensor));
+        }
+    }
     const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
     const int on = 1;
     ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
@@ -146,27 +150,31 @@ double bareShare(double seconds) {
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     address.sin_port = htons(static_cast<std::uint16_t>(simulator.port()));
-    if (::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
+    if (::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
         return -1;
+    }
     const Share share;
     double tick = now();
     for (const double end = now() + seconds; now() < end; tick = std::max(tick + 0.25, now())) {
         for (const std::string& command : commands) {
             char reply[512];
             std::size_t have = 0;
-            if (::write(fd, command.data(), command.size()) < 0)
+            if (::write(fd, command.data(), command.size()) < 0) {
                 return -1;
+            }
             // The second byte is 35 more than the length of status letter and data; four bytes stand round
             // them.
             while (have < 2 || have < static_cast<std::size_t>(reply[1]) - 35 + 4) {
                 const ssize_t got = ::read(fd, reply + have, sizeof reply - have);
-                if (got <= 0)
+                if (got <= 0) {
                     return -1;
+                }
                 have += static_cast<std::size_t>(got);
             }
         }
-        if (const double rest = tick + 0.25 - now(); rest > 0)
+        if (const double rest = tick + 0.25 - now(); rest > 0) {
             ::usleep(static_cast<useconds_t>(rest * 1e6));
+        }
     }
     const double percent = share.percent();
     ::close(fd);
@@ -224,8 +232,9 @@ public:
 
 protected:
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint)
+        if (event->type() == QEvent::Paint) {
             paintedAt = now();
+        }
         return false;
     }
 };
@@ -245,16 +254,18 @@ void clickFeedback() {
         double pressed = 0;
         QTimer moment;
         QObject::connect(&moment, &QTimer::timeout, &moment, [&] {
-            if (pressed > 0 || !running.program->core().link.exchanging())
+            if (pressed > 0 || !running.program->core().link.exchanging()) {
                 return;
+            }
             pressed = now();
             post(QEvent::MouseButtonPress, QRectF(button.rect()).center());
         });
         moment.start(7 + i);
-        if (waitFor([&] { return pressed > 0 && watch.paintedAt > pressed; }))
+        if (waitFor([&] { return pressed > 0 && watch.paintedAt > pressed; })) {
             waits.push_back(watch.paintedAt - pressed);
-        else
+        } else {
             std::printf("press %d was not painted\n", i);
+        }
         post(QEvent::MouseMove, QPointF(-50, -50)); // let go beside the button: no click
         post(QEvent::MouseButtonRelease, QPointF(-50, -50));
         runEvents(0.05);
@@ -283,8 +294,9 @@ void atRest() {
 
 int main(int argc, char** argv) {
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
-    if (!qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+    if (!qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     const EventLoopChoice choice; // as the program does
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
@@ -293,14 +305,18 @@ int main(int argc, char** argv) {
     const QStringList what = QCoreApplication::arguments().mid(2);
     const auto wanted = [&](const char* name) { return what.isEmpty() || what.contains(name); };
     QTimer::singleShot(0, &app, [&] {
-        if (wanted("rest"))
+        if (wanted("rest")) {
             atRest();
-        if (wanted("click"))
+        }
+        if (wanted("click")) {
             clickFeedback();
-        if (wanted("gone"))
+        }
+        if (wanted("gone")) {
             deviceGone(seconds);
-        if (wanted("polling"))
+        }
+        if (wanted("polling")) {
             polling(seconds);
+        }
         QApplication::quit();
     });
     return QApplication::exec();

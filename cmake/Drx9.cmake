@@ -26,17 +26,39 @@ if(DRX9_FUZZ)
   target_compile_options(drx9_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# drx9_core_library(FOLDER [DEPENDS other folders]): all of src/FOLDER that is standard C++. Forms, controls and
+# drx9_arrows(NAME [QT] [DEPENDS other names...]): notes who may stand on whom, and who may see Qt.
+function(drx9_arrows name)
+  cmake_parse_arguments(ARG "QT" "" "DEPENDS" ${ARGN})
+  list(JOIN ARG_DEPENDS " " depends)
+  set(qt)
+  if(ARG_QT)
+    set(qt " QT")
+  endif()
+  set_property(GLOBAL APPEND PROPERTY DRX9_ARROWS "${name}${qt}: ${depends}")
+endfunction()
+
+# drx9_write_arrows(FILE): one line a name, "NAME[ QT]: NAME NAME ...".
+function(drx9_write_arrows file)
+  get_property(arrows GLOBAL PROPERTY DRX9_ARROWS)
+  list(JOIN arrows "\n" text)
+  file(GENERATE OUTPUT ${file} CONTENT "${text}\n")
+endfunction()
+
+# What the names of a DEPENDS are as targets, and the flags of all.
+function(drx9_targets result)
+  list(TRANSFORM ARGN PREPEND drx9_)
+  set(${result} drx9_flags ${ARGN} PARENT_SCOPE)
+endfunction()
+
+# drx9_core_library(FOLDER [DEPENDS other names]): all of src/FOLDER that is standard C++. Forms, controls and
 # platform/qt are left to the user interface's libraries.
 function(drx9_core_library folder)
   cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  drx9_arrows(${folder} DEPENDS ${ARG_DEPENDS})
+  drx9_targets(depends ${ARG_DEPENDS})
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp
        ${PROJECT_SOURCE_DIR}/src/${folder}/os/*.cpp)
   list(FILTER sources EXCLUDE REGEX "/frm[^/]*$")
-  set(depends drx9_flags)
-  foreach(other IN LISTS ARG_DEPENDS)
-    list(APPEND depends drx9_${other})
-  endforeach()
   if(sources)
     add_library(drx9_${folder} STATIC ${sources})
     target_include_directories(drx9_${folder} PUBLIC ${PROJECT_SOURCE_DIR}/src)
@@ -48,24 +70,50 @@ function(drx9_core_library folder)
   endif()
 endfunction()
 
-# drx9_qt_library(NAME GLOBS patterns...): a library that may see Qt.
+# drx9_qt_library(NAME [DEPENDS other names] GLOBS patterns... [LIBS targets...]): a library that may see Qt. Without
+# LIBS it is one of the windows' libraries: these share their precompiled headers, and so must see the same of Qt.
 function(drx9_qt_library name)
-  cmake_parse_arguments(ARG "" "" "GLOBS;LIBS" ${ARGN})
-  set(patterns)
-  foreach(pattern IN LISTS ARG_GLOBS)
-    list(APPEND patterns ${PROJECT_SOURCE_DIR}/${pattern})
-  endforeach()
-  file(GLOB sources CONFIGURE_DEPENDS ${patterns})
-  if(NOT sources)
-    add_library(${name} INTERFACE)
-    target_link_libraries(${name} INTERFACE ${ARG_LIBS})
+  cmake_parse_arguments(ARG "" "" "DEPENDS;GLOBS;LIBS" ${ARGN})
+  drx9_arrows(${name} QT DEPENDS ${ARG_DEPENDS})
+  if(NOT DRX9_UI)
     return()
   endif()
-  add_library(${name} STATIC ${sources})
-  set_target_properties(${name} PROPERTIES AUTOMOC ON)
-  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
-  target_link_libraries(${name} PUBLIC ${ARG_LIBS} drx9_flags)
-  target_precompile_headers(${name} PRIVATE ${DRX9_QT_HEADERS})
+  drx9_targets(depends ${ARG_DEPENDS})
+  set(libraries ${ARG_LIBS})
+  if(NOT ARG_LIBS)
+    set(libraries Qt6::Widgets QCustomPlotQt6::QCustomPlotQt6)
+  endif()
+  list(TRANSFORM ARG_GLOBS PREPEND ${PROJECT_SOURCE_DIR}/)
+  file(GLOB sources CONFIGURE_DEPENDS ${ARG_GLOBS})
+  if(NOT sources)
+    add_library(drx9_${name} INTERFACE)
+    target_link_libraries(drx9_${name} INTERFACE ${depends} ${libraries})
+    return()
+  endif()
+  add_library(drx9_${name} STATIC ${sources})
+  set_target_properties(drx9_${name} PROPERTIES AUTOMOC ON)
+  target_include_directories(drx9_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(drx9_${name} PUBLIC ${depends} ${libraries})
+  if(ARG_LIBS OR name STREQUAL "controls")
+    target_precompile_headers(drx9_${name} PRIVATE ${DRX9_QT_HEADERS})
+  else()
+    target_precompile_headers(drx9_${name} REUSE_FROM drx9_controls)
+  endif()
+endfunction()
+
+# drx9_windows(FOLDER [DEPENDS other names]): the windows of src/FOLDER, and the controls that only they use. They stand
+# on the folder's own logic. drx9_ui is all windows.
+function(drx9_windows folder)
+  cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  drx9_qt_library(${folder}_windows DEPENDS ${folder} ${ARG_DEPENDS}
+                  GLOBS src/${folder}/frm*.cpp src/${folder}/frm*.h src/${folder}/controls/*.cpp
+                        src/${folder}/controls/*.h)
+  if(DRX9_UI)
+    if(NOT TARGET drx9_ui)
+      add_library(drx9_ui INTERFACE)
+    endif()
+    target_link_libraries(drx9_ui INTERFACE drx9_${folder}_windows)
+  endif()
 endfunction()
 
 # drx9_test(FOLDER LIBS targets... [QT]): all tests/FOLDER/*_test.cpp as one program, each case a ctest case.

@@ -1,5 +1,5 @@
 // Any bytes as Monitor.ini: nothing crashes, a change is read back, everything else stays as it was.
-#include "ini_file.h"
+#include "monitor/IniChecks.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
 // A stream of bytes from the instrument, fed to the packet parser.
-#include "LinkChecks.h"
+#include "link/LinkChecks.h"
 
 #include <cstddef>
 #include <cstdint>

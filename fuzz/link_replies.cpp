@@ -1,5 +1,5 @@
 // The data of one reply, read as a film and as both system records.
-#include "LinkChecks.h"
+#include "link/LinkChecks.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,5 @@
-// Reads the includes of src/ and holds them against the arrows that the folders allow: who may stand on whom.
+// Holds the includes of src, app and simulator against the arrows that CMake's libraries state: who may stand
+// on whom.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -6,105 +7,132 @@
 #include <map>
 #include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 
 namespace {
 namespace fs = std::filesystem;
 
-const fs::path kSource = fs::path(DRX9_SOURCE_DIR) / "src";
+const fs::path kRoot = DRX9_SOURCE_DIR;
 
-/// Folders that a folder's logic may include, itself left out.
-const std::map<std::string, std::set<std::string>> kMayInclude = {
-    {"util", {}},
-    {"platform", {"util"}},
-    {"controls", {"util", "platform"}},
-    {"errors", {"util", "platform"}},
-    {"jet", {"util", "platform"}},
-    {"link", {"util", "platform", "errors"}},
-    {"system", {"util", "platform", "errors", "link", "jet"}},
-    {"films", {"util", "platform", "errors", "link", "jet", "system"}},
-    {"graphs", {"util", "platform", "errors", "link", "jet"}},
-    {"monitor", {"util", "platform", "errors", "link", "jet", "graphs", "system", "films"}},
+struct Unit {
+    bool qt = false;
+    std::set<std::string> standsOn; ///< also what these stand on
 };
+using Units = std::map<std::string, Unit>;
 
-bool isIn(const fs::path& path, const char* folder) {
-    return path.parent_path().filename() == folder;
-}
-
-/// A window or a control: may see Qt.
-bool isForm(const fs::path& path) {
-    return path.filename().string().rfind("frm", 0) == 0 || isIn(path, "controls");
-}
-
-std::string subsystemOf(const fs::path& path) {
-    const std::string first = path.begin()->string();
-    return kMayInclude.count(first) != 0 ? first : "";
-}
-
-/// Why a file of src may not include a window or a control; empty when it may.
-std::string windowFault(const fs::path& file, const fs::path& include) {
-    const std::string target = subsystemOf(include);
-    const bool main = file.filename().string().rfind("frmMain", 0) == 0;
-    if (!isForm(file)) {
-        return "logic includes a window";
+/// CMake names each library after those that it stands on, so one pass takes all they stand on along.
+Units readUnits() {
+    Units units;
+    std::ifstream file(DRX9_ARROWS);
+    for (std::string line; std::getline(file, line);) {
+        const std::size_t colon = line.find(':');
+        std::istringstream head(line.substr(0, colon));
+        std::istringstream targets(line.substr(colon + 1));
+        std::string name;
+        std::string qt;
+        head >> name >> qt;
+        Unit unit{qt == "QT", {}};
+        for (std::string target; targets >> target;) {
+            EXPECT_EQ(units.count(target), 1U) << name << " stands on " << target << ", which comes later";
+            unit.standsOn.insert(target);
+            unit.standsOn.merge(std::set(units[target].standsOn));
+        }
+        units[name] = unit;
     }
-    if (include.filename().string().rfind("frmMain", 0) == 0 && !main) {
-        return "a window includes the main window";
-    }
-    return isIn(include, "controls") || main || target == subsystemOf(file) || target == "util"
-               ? ""
-               : "a window of another subsystem";
+    return units;
 }
 
-/// Why an include is not allowed; empty when it is. Both paths are relative to src.
-std::string fault(const fs::path& file, const std::string& include) {
+bool startsWith(const std::string& text, const char* start) {
+    return text.rfind(start, 0) == 0;
+}
+
+bool isForm(const fs::path& file) {
+    return startsWith(file.filename().string(), "frm");
+}
+
+bool isMainWindow(const fs::path& file) {
+    return startsWith(file.filename().string(), "frmMain");
+}
+
+/// The unit of a file; its path is as in an #include: relative to src, or to the root for the other two
+/// folders.
+std::string unitOf(const fs::path& file) {
+    const std::string folder = file.begin()->string();
+    const std::string last = file.parent_path().filename().string();
+    if (folder == "platform" && last == "qt") {
+        return "platform_qt";
+    }
+    if (folder == "app" && last == "mdbtool") {
+        return last;
+    }
+    const bool window = isForm(file) || (last == "controls" && folder != last);
+    return window ? folder + "_windows" : folder;
+}
+
+/// Why a file may not include that; empty when it may.
+std::string fault(const Units& units, const fs::path& file, const fs::path& include) {
     static const std::regex qtHeader("Q[A-Z].*|Qt.*|qcustomplot\\.h");
-    const bool ports = isIn(file, "qt");
-    if (std::regex_match(include, qtHeader)) {
-        return isForm(file) || ports ? "" : "Qt outside forms, controls and platform/qt";
+    const std::string from = unitOf(file);
+    const Unit& unit = units.at(from);
+    if (std::regex_match(include.string(), qtHeader)) {
+        return unit.qt ? "" : "Qt where there are no windows";
     }
-    if (include.rfind("platform/qt/", 0) == 0 && !ports) {
-        return "the ports' Qt implementations are known to main alone";
+    const std::string to = unitOf(include);
+    if (units.count(to) == 0 || to == from) {
+        const bool inward = isMainWindow(include) && !isMainWindow(file);
+        return inward ? "a window includes the main window" : "";
     }
-    if (isForm(include)) {
-        return windowFault(file, include);
+    if (unit.standsOn.count(to) == 0) {
+        return from + " may not stand on " + to;
     }
-    const std::string target = subsystemOf(include);
-    const std::string folder = subsystemOf(file);
-    const bool allowed = target.empty() || target == folder || kMayInclude.at(folder).count(target) != 0;
-    return allowed ? "" : folder + " may not stand on " + target;
+    const bool opens = isForm(include) && from != "app" && !isMainWindow(file);
+    return opens ? "only the main window opens other folders' windows" : "";
 }
 
-TEST(Includes, FollowTheAllowedArrows) {
+TEST(Includes, FollowTheArrowsThatCMakeStates) {
+    const Units units = readUnits();
     const std::regex include("^\\s*#\\s*include\\s*[<\"]([^>\"]+)[>\"]");
     int files = 0;
-    for (const auto& entry : fs::recursive_directory_iterator(kSource)) {
-        const fs::path file = fs::relative(entry.path(), kSource);
-        if (file.extension() != ".h" && file.extension() != ".cpp") {
-            continue;
-        }
-        ++files;
-        ASSERT_NE(subsystemOf(file), "") << "unknown folder of " << file;
-        std::ifstream in(entry.path());
-        std::smatch match;
-        for (std::string line; std::getline(in, line);) {
-            if (std::regex_search(line, match, include)) {
-                EXPECT_EQ(fault(file, match[1]), "") << file << " includes " << match[1];
+    for (const char* folder : {"src", "app", "simulator"}) {
+        const fs::path base = folder == std::string("src") ? kRoot / "src" : kRoot;
+        for (const auto& entry : fs::recursive_directory_iterator(kRoot / folder)) {
+            const fs::path file = fs::relative(entry.path(), base);
+            if (file.extension() != ".h" && file.extension() != ".cpp") {
+                continue;
+            }
+            ++files;
+            ASSERT_EQ(units.count(unitOf(file)), 1U) << file << " belongs to no library";
+            std::ifstream in(entry.path());
+            std::smatch match;
+            for (std::string line; std::getline(in, line);) {
+                if (std::regex_search(line, match, include)) {
+                    EXPECT_EQ(fault(units, file, fs::path(match[1].str())), "")
+                        << file << " includes " << match[1];
+                }
             }
         }
     }
-    EXPECT_GT(files, 20);
+    EXPECT_GT(files, 100);
 }
 
-// Whoever stands on a folder may stand on what that stands on, and nothing on itself: so there is no circle.
-TEST(Includes, TheArrowsHaveNoCircleAndEachFolderIntroducesItself) {
-    for (const auto& [folder, targets] : kMayInclude) {
-        EXPECT_TRUE(fs::exists(kSource / folder / "README.md")) << folder;
-        for (const std::string& target : targets) {
-            for (const std::string& further : kMayInclude.at(target)) {
-                EXPECT_EQ(targets.count(further), 1U) << folder << " to " << further;
-                EXPECT_NE(further, folder);
-            }
+TEST(Includes, EachFolderIntroducesItself) {
+    for (const auto& entry : fs::directory_iterator(kRoot / "src")) {
+        EXPECT_TRUE(fs::exists(entry.path() / "README.md")) << entry.path();
+    }
+}
+
+// What must not be given away in CMake.
+TEST(Includes, TheGroundStandsOnNothingAndTheCoreHasNoWindow) {
+    const Units units = readUnits();
+    EXPECT_TRUE(units.at("util").standsOn.empty());
+    EXPECT_EQ(units.at("platform").standsOn, std::set<std::string>{"util"});
+    EXPECT_EQ(units.at("controls").standsOn, (std::set<std::string>{"platform", "util"}));
+    for (const auto& [name, unit] : units) {
+        for (const std::string& target : unit.standsOn) {
+            EXPECT_TRUE(unit.qt || !units.at(target).qt)
+                << name << " has no windows but stands on " << target;
+            EXPECT_TRUE(target != "platform_qt" || name == "app") << name << " names a port's implementation";
         }
     }
 }

@@ -208,6 +208,11 @@ TEST(Row, ReadsBackWhatItWrites) {
     }
 }
 
+std::string printed(const Value& value) {
+    const auto* const text = std::get_if<std::string>(&value);
+    return text != nullptr ? "'" + *text + "'" : std::to_string(std::get<double>(value));
+}
+
 TEST(Query, IsReadAsJetReadsIt) {
     struct Case {
         const char* text;

@@ -1,4 +1,4 @@
-#include "../../fuzz/JetFuzz.h"
+#include "DatabaseChecks.h"
 #include "JetTestSupport.h"
 
 #include <chrono>
@@ -27,11 +27,9 @@ std::string soundFile(Generation generation, std::size_t size = 0) {
     }
     const auto set = database->OpenRecordset("Table 1");
     for (std::int64_t id = 100000; database->shared().store().size() < size; ++id) {
-        set->AddNew();
-        set->SetValue("Id", id);
-        set->SetValue("Name", std::string(static_cast<std::size_t>(id % 50), 'k') + std::to_string(id));
-        set->SetValue("Note", std::string(id % 11 == 0 ? 6000 : 100, 'm'));
-        set->Update();
+        addRow(*set, {{"Id", id},
+                      {"Name", std::string(static_cast<std::size_t>(id % 50), 'k') + std::to_string(id)},
+                      {"Note", std::string(id % 11 == 0 ? 6000 : 100, 'm')}});
     }
     database->CommitTrans();
     return files.text(kPath);

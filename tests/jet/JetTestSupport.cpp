@@ -15,40 +15,34 @@ std::string faultsOf(FilePort& files, const std::string& path) {
     return text;
 }
 
-std::string printed(const Value& value) {
-    struct Printer {
-        std::string operator()(const Null&) const { return "null"; }
-        std::string operator()(bool flag) const { return flag ? "true" : "false"; }
-        std::string operator()(const std::string& text) const { return "'" + text + "'"; }
-        std::string operator()(const Binary& binary) const {
-            return std::to_string(std::hash<std::string>{}(binary.bytes));
+std::vector<std::vector<Value>> rowsOf(Database& database, const std::string& table) {
+    std::vector<std::vector<Value>> rows;
+    for (auto set = database.OpenRecordset(table); !set->Eof(); set->MoveNext()) {
+        auto& row = rows.emplace_back();
+        for (const auto& name : set->FieldNames()) {
+            row.push_back(set->Value(name));
         }
-        std::string operator()(const Guid& guid) const {
-            return std::string(guid.bytes.begin(), guid.bytes.end());
-        }
-        std::string operator()(const Numeric& numeric) const { return numeric.digits; }
-        std::string operator()(Currency currency) const {
-            return std::to_string(currency.tenThousandths) + "c";
-        }
-        std::string operator()(DateTime date) const { return std::to_string(date.days) + "d"; }
-        std::string operator()(std::int64_t whole) const { return std::to_string(whole); }
-        std::string operator()(float number) const { return std::to_string(number); }
-        std::string operator()(double number) const { return std::to_string(number); }
-    };
-    return std::visit(Printer{}, value);
+    }
+    return rows;
 }
 
-std::vector<std::string> rowsOf(Database& database, const std::string& table) {
-    std::vector<std::string> rows;
-    for (auto set = database.OpenRecordset(table); !set->Eof(); set->MoveNext()) {
-        std::string row;
-        for (const auto& name : set->FieldNames()) {
-            row += name + "=" + printed(set->Value(name)) + " ";
-        }
-        rows.push_back(row);
+namespace {
+void setAll(Recordset& set, const Values& values) {
+    for (const auto& [field, value] : values) {
+        set.SetValue(field, value);
     }
-    std::sort(rows.begin(), rows.end());
-    return rows;
+    set.Update();
+}
+} // namespace
+
+void addRow(Recordset& set, const Values& values) {
+    set.AddNew();
+    setAll(set, values);
+}
+
+void editRow(Recordset& set, const Values& values) {
+    set.Edit();
+    setAll(set, values);
 }
 
 std::string failure(const std::function<void()>& work) {
@@ -93,14 +87,12 @@ void makeOldLibrary(FilePort& files, Generation generation, const std::vector<st
                          {{.name = "PRIMARYKEY", .columns = {{"FilmName", true}}, .primary = true}}};
     const TableSpec material{
         "Material", {column("Material", Text, 20), column("Density", Double), column("ZFactor", Double)}, {}};
+    (void)files.makeFolder("/data");
     DBEngine engine(files);
     const auto database = engine.CreateDatabase(kPath, generation, {film, material}, kCreated);
     const auto set = database->OpenRecordset("Film");
     for (const auto& name : films) {
-        set->AddNew();
-        set->SetValue("FilmName", name);
-        set->SetValue("Tooling", 100.0 + static_cast<double>(set->RecordCount()));
-        set->Update();
+        addRow(*set, {{"FilmName", name}, {"Tooling", 100.0 + static_cast<double>(set->RecordCount())}});
     }
 }
 
@@ -235,10 +227,8 @@ void Model::insertDuplicate(const std::string& name, TableModel& table) {
         return;
     }
     const auto set = database_.OpenRecordset(name);
-    set->AddNew();
-    set->SetValue("Id", table.rows.begin()->first);
-    set->SetValue("Note", std::string(3000, 'n'));
-    EXPECT_NE(failure([&] { set->Update(); }), "");
+    const Values values = {{"Id", table.rows.begin()->first}, {"Note", std::string(3000, 'n')}};
+    EXPECT_NE(failure([&] { addRow(*set, values); }), "");
 }
 
 void Model::transaction() {

@@ -21,9 +21,13 @@ inline constexpr Generation kBoth[] = {Generation::Jet3, Generation::Jet4};
 /// Faults that the check finds in a file, one a line; empty for a sound one.
 std::string faultsOf(FilePort& files, const std::string& path = kPath);
 
-/// All rows of a table as texts, sorted: a column "name=value" each, for comparing tables whole.
-std::vector<std::string> rowsOf(Database& database, const std::string& table);
-std::string printed(const Value& value);
+/// All rows of a table, in the order in which it keeps them.
+std::vector<std::vector<Value>> rowsOf(Database& database, const std::string& table);
+
+using Values = std::vector<std::pair<std::string, Value>>;
+/// A new row of these values; or these values into the current row.
+void addRow(Recordset& set, const Values& values);
+void editRow(Recordset& set, const Values& values);
 
 /// What a JetError says while `work` runs; "" when there is none. Anything else that is thrown passes.
 std::string failure(const std::function<void()>& work);

@@ -10,7 +10,6 @@ namespace {
 class Objects : public testing::TestWithParam<Generation> {
 protected:
     void SetUp() override {
-        files.put("/data/x", "");
         makeOldLibrary(files, GetParam(), {"Zinc-2", "alu", "Co-op", "coo", "Very long film name"});
     }
     MemoryFilePort files;
@@ -67,13 +66,8 @@ TEST_P(Objects, ConvertAnOldLibrary) {
 TEST_P(Objects, FindRowsByQuery) {
     const auto database = engine.OpenDatabase(kPath);
     const auto set = database->OpenRecordset("Material");
-    for (const double density : {2.7, 19.3}) {
-        set->AddNew();
-        set->SetValue("Material", density < 3 ? std::string("Aluminum") : std::string("O'Gold"));
-        set->SetValue("Density", density);
-        set->SetValue("ZFactor", 1.08);
-        set->Update();
-    }
+    addRow(*set, {{"Material", std::string("Aluminum")}, {"Density", 2.7}, {"ZFactor", 1.08}});
+    addRow(*set, {{"Material", std::string("O'Gold")}, {"Density", 19.3}, {"ZFactor", 1.08}});
     struct Case {
         const char* query;
         long position;
@@ -100,9 +94,7 @@ TEST_P(Objects, ShareOneStorePerFile) {
     const auto other = engine.OpenDatabase(kPath);
     const auto set = one->OpenRecordset("Film");
     const auto reader = other->OpenRecordset("Film");
-    set->Edit();
-    set->SetValue("Tooling", 42.0);
-    set->Update();
+    editRow(*set, {{"Tooling", 42.0}});
     EXPECT_EQ(reader->Value("Tooling"), Value(42.0));
     set->Delete();
     EXPECT_EQ(set->AbsolutePosition(), -1);
@@ -128,11 +120,7 @@ TEST_P(Objects, RefuseAndLeaveNothingBehind) {
     const auto rows = rowsOf(*database, "Film");
     const auto set = database->OpenRecordset("Film");
     const auto add = [&](const char* field, const Value& value) {
-        return failure([&] {
-            set->AddNew();
-            set->SetValue(field, value);
-            set->Update();
-        });
+        return failure([&] { addRow(*set, {{field, value}}); });
     };
     EXPECT_NE(add("FilmName", std::string("ALU ")).find("takes it only once"), std::string::npos);
     EXPECT_NE(add("Tooling", 1.0).find("does not take an empty value"), std::string::npos);
@@ -151,13 +139,7 @@ TEST_P(Objects, RefuseAndLeaveNothingBehind) {
 TEST_P(Objects, HonourOtherPrograms) {
     const auto database = engine.OpenDatabase(kPath);
     const auto set = database->OpenRecordset("Film");
-    const auto change = [&] {
-        return failure([&] {
-            set->Edit();
-            set->SetValue("Tooling", 1.0);
-            set->Update();
-        });
-    };
+    const auto change = [&] { return failure([&] { editRow(*set, {{"Tooling", 1.0}}); }); };
     std::string lock(64, '\0');
     lock.replace(0, 5, "LAB-3");
     lock.replace(32, 5, "Admin");
@@ -177,9 +159,7 @@ TEST_P(Objects, HonourOtherPrograms) {
     EXPECT_NE(set->Value("Tooling"), Value(1.0));
     // Opened again it is read anew.
     const auto fresh = engine.OpenDatabase(kPath)->OpenRecordset("Film");
-    fresh->Edit();
-    fresh->SetValue("Tooling", 2.0);
-    fresh->Update();
+    editRow(*fresh, {{"Tooling", 2.0}});
     files.find(kPath)->writeProtected = true;
     fresh->Edit();
     EXPECT_NE(failure([&] { fresh->Update(); }), "");
@@ -202,11 +182,7 @@ TEST_P(Objects, CompareValuesToTheLastDigitAndCharacter) {
     const auto set = database->OpenRecordset("E");
     for (std::int64_t i = 0; i < 2; ++i) {
         const std::string note = std::string(300, 'x') + std::to_string(i);
-        set->AddNew();
-        set->SetValue("Id", i);
-        set->SetValue("Amount", Currency{INT64_MAX - i});
-        set->SetValue("Note", note);
-        set->Update();
+        addRow(*set, {{"Id", i}, {"Amount", Currency{INT64_MAX - i}}, {"Note", note}});
         EXPECT_EQ(database->OpenRecordset("E", {{"Amount", Currency{INT64_MAX - i}}})->RecordCount(), 1u);
         EXPECT_EQ(database->OpenRecordset("E", {{"Note", note}})->RecordCount(), 1u);
     }
@@ -234,10 +210,8 @@ TEST_P(Objects, KeepARelationshipWithinATable) {
     // Which row (+: a new one), its A, its Up, and ! for what is forbidden.
     for (const std::string step : {"+aa", "+da", "0Ad", "+ef!", "0bd!", "1dd", "0bb"}) {
         set->AbsolutePosition(step[0] - '0');
-        step[0] == '+' ? set->AddNew() : set->Edit();
-        set->SetValue("A", step.substr(1, 1));
-        set->SetValue("Up", step.substr(2, 1));
-        const auto message = failure([&] { set->Update(); });
+        const Values values = {{"A", step.substr(1, 1)}, {"Up", step.substr(2, 1)}};
+        const auto message = failure([&] { step[0] == '+' ? addRow(*set, values) : editRow(*set, values); });
         EXPECT_EQ(message.find("a relationship forbids it") != std::string::npos, step.size() == 4) << step;
     }
     set->MoveFirst();
@@ -248,34 +222,27 @@ TEST_P(Objects, KeepARelationshipWithinATable) {
 /// Rows that outgrow their page keep their place; freed pages are used again.
 TEST_P(Objects, MoveRowsAndReuseSpace) {
     const auto database = engine.OpenDatabase(kPath);
-    TableSpec spec{"T", {}, {{.name = "P", .columns = {{"A", true}}, .primary = true}}};
-    spec.columns.push_back(column("A", ColumnType::Long));
-    for (const char* name : {"B", "C", "D"}) {
-        spec.columns.push_back(column(name, ColumnType::Text, 255));
-    }
-    database->CreateTable(spec, kCreated);
+    database->CreateTable({"T",
+                           {column("A", ColumnType::Long), column("B", ColumnType::Text, 255),
+                            column("C", ColumnType::Text, 255)},
+                           {{.name = "P", .columns = {{"A", true}}, .primary = true}}},
+                          kCreated);
     const auto set = database->OpenRecordset("T");
     const auto fill = [&](std::int64_t first, std::int64_t last) {
         database->BeginTrans();
         for (std::int64_t i = first; i <= last; ++i) {
-            set->AddNew();
-            set->SetValue("A", i);
-            set->Update();
+            addRow(*set, {{"A", i}});
         }
         database->CommitTrans();
     };
     fill(1, 300);
     database->BeginTrans();
     for (set->MoveFirst(); !set->Eof(); set->MoveNext()) {
-        set->Edit();
-        set->SetValue("B", std::string(250, 'b'));
-        set->SetValue("C", std::string(200, 'c'));
-        set->Update();
+        editRow(*set, {{"B", std::string(250, 'b')}, {"C", std::string(200, 'c')}});
     }
     database->CommitTrans();
     EXPECT_EQ(faultsOf(files), "");
-    const auto inOrder = database->OpenRecordset("T");
-    EXPECT_EQ(inOrder->Value("A"), Value(std::int64_t{1}));
+    EXPECT_EQ(database->OpenRecordset("T")->Value("A"), Value(std::int64_t{1}));
     const auto size = files.size(kPath);
     for (int round = 0; round < 3; ++round) {
         database->BeginTrans();
@@ -294,21 +261,18 @@ TEST_P(Objects, MoveRowsAndReuseSpace) {
 /// Beyond 512 or 1024 pages every map must grow; indexes get nodes over nodes.
 TEST_P(Objects, GrowBeyondTheFirstMaps) {
     const auto database = engine.OpenDatabase(kPath);
-    TableSpec spec{"Big",
-                   {},
-                   {{.name = "ByText", .columns = {{"T", true}}},
-                    {.name = "P", .columns = {{"A", true}}, .primary = true}}};
-    spec.columns = {column("A", ColumnType::Long), column("T", ColumnType::Text, 200),
-                    column("B", ColumnType::Binary, 250)};
-    database->CreateTable(spec, kCreated);
+    database->CreateTable({"Big",
+                           {column("A", ColumnType::Long), column("T", ColumnType::Text, 200),
+                            column("B", ColumnType::Binary, 250)},
+                           {{.name = "ByText", .columns = {{"T", true}}},
+                            {.name = "P", .columns = {{"A", true}}, .primary = true}}},
+                          kCreated);
     database->BeginTrans();
     const auto set = database->OpenRecordset("Big");
     for (std::int64_t i = 0; i < 3500; ++i) {
-        set->AddNew();
-        set->SetValue("A", (i * 7919) % 3500);
-        set->SetValue("T", std::string(190, static_cast<char>('a' + i % 26)) + std::to_string(i));
-        set->SetValue("B", Binary{std::string(240, 'b')});
-        set->Update();
+        addRow(*set, {{"A", (i * 7919) % 3500},
+                      {"T", std::string(190, static_cast<char>('a' + i % 26)) + std::to_string(i)},
+                      {"B", Binary{std::string(240, 'b')}}});
     }
     database->CommitTrans();
     EXPECT_GT(*files.size(kPath), 1024u * 2048u);
@@ -347,15 +311,13 @@ TEST_P(Objects, IndexTreesGrowAndShrink) {
             }
             const auto set = database->OpenRecordset("Tree");
             for (std::size_t done = 0; done < ids.size() && !HasFailure(); ++done) {
+                const std::int64_t id = ids[done];
                 if (in) {
-                    const auto tail = std::to_string(10000 + ids[done]);
-                    set->AddNew();
-                    set->SetValue("Id", ids[done]);
-                    set->SetValue("T", tail + std::string(static_cast<std::size_t>(ids[done] % 180), 'k'));
-                    set->Update();
+                    addRow(*set, {{"Id", id},
+                                  {"T", std::to_string(10000 + id) +
+                                            std::string(static_cast<std::size_t>(id % 180), 'k')}});
                 } else {
-                    const auto row = database->OpenRecordset("Tree", {{"Id", Value(ids[done])}});
-                    row->Delete();
+                    database->OpenRecordset("Tree", {{"Id", Value(id)}})->Delete();
                 }
                 if (done % 41 == 0) {
                     sound(in ? done + 1 : ids.size() - done - 1);
@@ -371,17 +333,14 @@ TEST_P(Objects, IndexTreesGrowAndShrink) {
 /// The example in the format's description is what the engine writes.
 TEST(Format, IsDescribedToTheByte) {
     MemoryFilePort files;
-    files.put("/data/x", "");
+    (void)files.makeFolder("/data");
     DBEngine engine(files);
     const TableSpec spec{"Metal",
                          {column("Id", ColumnType::Long), column("Name", ColumnType::Text, 20)},
                          {{.name = "PrimaryKey", .columns = {{"Id", true}}, .primary = true}}};
     const auto set = engine.CreateDatabase(kPath, Generation::Jet4, {spec}, kCreated)->OpenRecordset("Metal");
     for (const auto& [id, name] : {std::pair<std::int64_t, std::string>{7, "Gold"}, {-2, "Al"}}) {
-        set->AddNew();
-        set->SetValue("Id", id);
-        set->SetValue("Name", name);
-        set->Update();
+        addRow(*set, {{"Id", id}, {"Name", name}});
     }
     std::ifstream description(DRX9_SOURCE_DIR "/docs/jet-format.md");
     const std::string bytes = files.text(kPath);

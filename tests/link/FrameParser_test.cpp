@@ -1,5 +1,5 @@
 // Packets, check characters, and the parser on its own.
-#include "../../fuzz/LinkChecks.h"
+#include "LinkChecks.h"
 
 #include <gtest/gtest.h>
 

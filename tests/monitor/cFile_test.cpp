@@ -1,6 +1,6 @@
 #include "monitor/cFile.h"
 
-#include "../../fuzz/ini_file.h"
+#include "IniChecks.h"
 #include "fakes/FaultyFilePort.h"
 #include "fakes/MemoryFilePort.h"
 #include "util/Text.h"

@@ -1,60 +1,46 @@
 #include <cmath>
-#include <set>
 
 #include "simulator/Bench.h"
 
 namespace drx9::sim {
 namespace {
 
-/// All readings every 250 ms of a run of `seconds`, with the shutter opened at once.
-std::vector<std::string> run(std::uint64_t seed, double seconds) {
+/// Some readings every 250 ms of a run with the shutter open.
+std::vector<std::string> run(std::uint64_t seed, bool frozen) {
     SimulatorOptions options;
     options.instrument.seed = seed;
+    options.instrument.frozen = frozen;
     Bench bench(options);
     bench.ask("U1");
     std::vector<std::string> readings;
-    for (double t = 0; t <= seconds; t += 0.25) {
-        for (const char* command : {"P1", "L1", "N1", "P6", "L6", "N6", "M", "O"}) {
-            readings.push_back(bench.ask(command, t));
+    for (double t = 0; t <= 20; t += 0.25) {
+        std::string all;
+        for (const char* command : {"P1", "L1", "N6", "O"}) {
+            all += bench.ask(command, t);
         }
+        readings.push_back(all);
     }
     return readings;
 }
 
-TEST(Deposition, IsTheSameForTheSameSeedOnly) {
-    EXPECT_EQ(run(7, 20), run(7, 20));
-    EXPECT_NE(run(7, 20), run(8, 20));
+TEST(Deposition, IsTheSameForTheSameSeedOnlyAndStandsStillWhenFrozen) {
+    EXPECT_EQ(run(7, false), run(7, false));
+    EXPECT_NE(run(7, false), run(8, false));
+    const auto frozen = run(7, true);
+    EXPECT_EQ(frozen.front(), frozen.back());
 }
 
 TEST(Deposition, RampsToALevelOfTheFilmAndFallsWhenShut) {
-    std::set<std::string> levels;
-    for (const int film : {1, 2, 3, 50, 99}) {
+    for (const int film : {1, 99}) {
         Bench bench;
         bench.ask("D" + std::to_string(film));
         bench.ask("U1", 10);
         EXPECT_LT(bench.number("M", 10), 0.1);
-        EXPECT_NEAR(bench.number("M", 11), 5, 3) << "half way";
         EXPECT_NEAR(bench.number("M", 30), 9.5, 2) << film;
-        levels.insert(bench.ask("M", 30));
+        EXPECT_NE(bench.ask("L1", 30), bench.ask("L2", 30));
         bench.ask("U0", 30);
         EXPECT_LT(std::abs(bench.number("M", 33)), 0.1);
     }
-    EXPECT_EQ(levels.size(), 5U);
-}
-
-TEST(Deposition, SensorsDifferAndRipple) {
-    Bench bench;
-    bench.ask("U1");
-    std::set<double> rates;
-    for (double t = 30; t < 60; t += 0.5) {
-        rates.insert(bench.number("L1", t));
-    }
-    EXPECT_NEAR(*rates.rbegin() - *rates.begin(), 0.8, 0.7);
-    std::set<std::string> sensors;
-    for (const char* sensor : {"L1", "L2", "L3", "L4", "L5", "L6"}) {
-        sensors.insert(bench.ask(sensor, 60));
-    }
-    EXPECT_GE(sensors.size(), 5U);
 }
 
 // The shown thickness is the integral of the shown rate, through openings and closings in mid-ramp and
@@ -78,58 +64,38 @@ TEST(Deposition, ThicknessIntegratesRate) {
     EXPECT_GT(sum, 0.05);
 }
 
-TEST(Deposition, ToolingOfFilmAndCrystalScalesThickness) {
-    struct {
-        const char* film; ///< per cent
-        const char* crystals;
-        double factor; ///< of sensor 2 against 100 % everywhere
-    } const cases[] = {{"100", "100 100", 1},
-                       {"150", "100 100", 1.5},
-                       {"100", "99 80", 0.8},
-                       {"50", "99 80", 0.4},
-                       {"0", "99 99", 0}};
-    double plain = 0;
-    for (const auto& one : cases) {
+TEST(Deposition, ToolingOfFilmAndCrystalScalesThicknessAndEtchTurnsIt) {
+    const auto thickness = [](const std::string& film, const char* crystals, const char* etch) {
         Bench bench;
-        bench.ask(std::string("A1TOOLED__ 2.700 ") + one.film + " 1.080 0.000 0.000  0  63");
-        bench.ask(std::string("B 0.25 0 0 1 4 ") + one.crystals + " 100 100 100 100");
+        bench.ask("A1TOOLED__ 2.700 " + film + " 1.080 0.000 0.000  0  63");
+        bench.ask(std::string("B 0.25 0 0 1 4 ") + crystals + " 100 100 100 100");
+        bench.ask(std::string("C 5 6 0 20 0 5 ") + etch);
         bench.ask("U1", 5);
-        const double thickness = bench.number("N2", 25);
-        plain = one.factor == 1 ? thickness : plain;
-        EXPECT_NEAR(thickness, plain * one.factor, 0.0002) << one.film << ' ' << one.crystals;
-    }
+        return bench.number("N2", 25);
+    };
+    const double plain = thickness("100", "100 100", "0");
     EXPECT_GT(plain, 0.1);
+    EXPECT_NEAR(thickness("150", "100 100", "0"), 1.5 * plain, 0.0002);
+    EXPECT_NEAR(thickness("50", "99 80", "0"), 0.4 * plain, 0.0002);
+    EXPECT_NEAR(thickness("100", "100 100", "1"), -plain, 0.0002);
 }
 
 TEST(Deposition, FrequencyFallsWithMassAndNeverRepeats) {
     Bench bench;
-    EXPECT_NEAR(bench.number("P1", 0), 5.9e6, 1e4);
-    std::string last;
-    for (int i = 0; i < 2000; ++i) {
-        const std::string text = bench.ask("P1", 0);
-        ASSERT_NE(text, last) << i;
-        last = text;
-    }
     const double fresh = bench.number("P1", 0);
+    EXPECT_NEAR(fresh, 5.9e6, 1e4);
+    EXPECT_NE(bench.ask("P1", 0), bench.ask("P1", 0));
     bench.ask("U1", 0);
     const double thickness = bench.number("N1", 60);
     // 2.7 g/cm³ on quartz of 2.649 g/cm³ and 1.668e5 Hz cm: f0² ρ d / (ρq N)
     EXPECT_NEAR(fresh - bench.number("P1", 60), fresh * fresh * 2.7e-5 * thickness / (2.649 * 1.668e5), 15);
     bench.ask("S", 60);
     EXPECT_NEAR(bench.number("N1", 60), 0, 1e-9);
+    EXPECT_NEAR(bench.simulator.instrument().timer(61), 61, 1e-9);
     EXPECT_LT(bench.number("P1", 60), fresh - 500) << "zeroing does not wash the crystal";
-}
-
-TEST(Deposition, ZeroAndTimerStartAgain) {
-    for (const char* command : {"S", "T"}) {
-        Bench bench;
-        bench.ask("U1", 0);
-        EXPECT_GT(bench.number("O", 20), 0.1);
-        bench.ask(command, 20);
-        EXPECT_NEAR(bench.number("O", 20), 0, 1e-9) << command;
-        EXPECT_NEAR(bench.number("O", 21), 0.0098, 0.002) << "and goes on growing";
-        EXPECT_NEAR(bench.simulator.instrument().timer(21), *command == 'T' ? 1 : 21, 1e-9);
-    }
+    bench.ask("T", 61);
+    EXPECT_NEAR(bench.number("O", 62), 0.0098, 0.002) << "starts at zero again and goes on growing";
+    EXPECT_NEAR(bench.simulator.instrument().timer(62), 1, 1e-9);
 }
 
 // How often it is looked at makes no difference.
@@ -143,11 +109,8 @@ TEST(Deposition, ShutsAtTheFinalThicknessAtTheRightMoment) {
     for (double t = 0; t < 100; t += 0.01) {
         often.ask("N3", t);
     }
-    for (Bench* bench : {&seldom, &often}) {
-        EXPECT_EQ(bench->ask("U?", 100), "A0");
-        EXPECT_NEAR(bench->number("O", 100), 0.203, 0.002); // what is under way still lands
-    }
-    EXPECT_EQ(seldom.ask("O", 100), often.ask("O", 100));
+    EXPECT_EQ(seldom.ask("U?", 100), "A0");
+    EXPECT_NEAR(seldom.number("O", 100), 0.203, 0.002); // what is under way still lands
     EXPECT_EQ(seldom.ask("N3", 100), often.ask("N3", 100));
     seldom.ask("U1", 100); // opened beyond the end: stays open
     EXPECT_EQ(seldom.ask("U?", 200), "A1");
@@ -172,42 +135,16 @@ TEST(Deposition, ACrystalFailsStaysAndCanBeMended) {
     Bench bench(options); // crystals fail after 20 simulated, 2 real seconds
     bench.ask("U1", 0);
     EXPECT_GT(bench.number("P3", 1.9), 5.8e6);
-    EXPECT_GT(bench.number("L3", 1.9), 7);
     const double thickness = bench.number("N3", 2);
     EXPECT_EQ(bench.ask("P3", 3), "A0.0");
     EXPECT_NEAR(bench.number("P4", 3), 4.2e6, 10);
     EXPECT_EQ(bench.ask("L3", 3), "A0.00");
-    EXPECT_NEAR(bench.number("N3", 4), thickness, 1e-4);
     bench.simulator.setFaults({}, 5);
     EXPECT_GT(bench.number("P3", 5), 5.8e6);
     EXPECT_NEAR(bench.number("N3", 5), thickness, 1e-4) << "what it missed is not made up for";
-    EXPECT_GT(bench.number("N3", 6), thickness + 0.05);
     bench.simulator.setFaults(withFaults("crystal3=20s").faults, 7);
     EXPECT_GT(bench.number("P3", 8.9), 5.8e6);
     EXPECT_EQ(bench.ask("P3", 9.1), "A0.0") << "counted from when it was set";
-}
-
-TEST(Deposition, FrozenRepeatsEveryReading) {
-    SimulatorOptions options;
-    options.instrument.frozen = true;
-    Bench bench(options);
-    bench.ask("U1", 1);
-    for (const char* command : {"P1", "L1", "N1", "M", "O"}) {
-        const std::string early = bench.ask(command, 2);
-        EXPECT_EQ(bench.ask(command, 50), early) << command;
-    }
-}
-
-TEST(Deposition, EtchModeAndResolutionChangeWhatIsShown) {
-    Bench bench;
-    bench.ask("U1", 0);
-    const double rate = bench.number("L1", 30);
-    bench.ask("C 5 6 0 20 0 5 1", 30);
-    EXPECT_NEAR(bench.number("L1", 30), -rate, 0.1);
-    EXPECT_LT(bench.number("O", 30), 0);
-    bench.ask("B 0.25 0 0 0 4 100 100 100 100 100 100", 30);
-    const std::string coarse = bench.ask("M", 30);
-    EXPECT_EQ(coarse.size() - coarse.find('.'), 2U) << coarse;
 }
 
 } // namespace

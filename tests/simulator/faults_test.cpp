@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <map>
 
 #include "simulator/Bench.h"
 
@@ -7,20 +6,10 @@ namespace drx9::sim {
 namespace {
 
 TEST(Faults, ListIsReadOrRefusedAsAWhole) {
-    const std::pair<const char*, std::size_t> good[] = {
-        {"", 0},
-        {"none", 0},
-        {"lose=5,late=7:1500ms,cut=3,corrupt=2%,refuse=L1:B,noise,close=30s,silent=10s:5s,crystal3=20s,split,"
-         "stray,zeros",
-         12},
-        {"late,cut=2:4,split=1:20ms,silent,close,refuse=*,crystal6=2m:out", 7}};
-    for (const auto& [text, count] : good) {
-        const FaultList list = parseFaults(text);
-        EXPECT_EQ(list.faults.size(), count) << text;
-        EXPECT_EQ(list.error, "") << text;
-    }
-    for (const char* wrong : {"lost=5", "lose=x", "lose=0", "lose=0%", "lose=101%", "late=7:-1s", "late=7:1h",
-                              "cut=2:0", "refuse", "refuse=L1:BB", "crystal7=20s", "crystal3=20s:in", ""}) {
+    EXPECT_EQ(parseFaults("none").faults.size(), 0U);
+    EXPECT_EQ(parseFaults("late,cut=2:4,split=1:20ms,silent,refuse=*,crystal6=2m:out").faults.size(), 6U);
+    for (const char* wrong : {"lost=5", "lose=x", "lose=0", "lose=101%", "late=7:-1s", "late=7:1h", "cut=2:0",
+                              "refuse", "refuse=L1:BB", "crystal7=20s", "crystal3=20s:in", ""}) {
         const FaultList list = parseFaults(std::string("lose=5,") + wrong + ",cut");
         EXPECT_TRUE(list.faults.empty()) << wrong;
         EXPECT_NE(list.error.find('"' + std::string(wrong) + '"'), std::string::npos) << list.error;
@@ -38,48 +27,36 @@ int differingBits(const std::string& one, const std::string& other) {
     return bits;
 }
 
-/// What became of a reply, seen from the other end; "good" also when zeros or noise happen to be none.
-std::string seen(const std::string& bytes, const std::string& good) {
-    std::string squeezed = bytes;
-    std::erase(squeezed, '\0');
-    if (bytes == good || bytes.empty()) {
-        return bytes.empty() ? "nothing" : "good";
-    }
-    if (squeezed == good) {
-        return "zeros";
-    }
-    if (bytes.size() == good.size()) {
-        return differingBits(bytes, good) == 1 ? "bit" : "bits";
-    }
-    if (good.starts_with(bytes)) {
-        return "cut";
-    }
-    if (bytes.starts_with(good)) {
-        return bytes.size() == good.size() + 1 ? "stray" : "tail";
-    }
-    return bytes.ends_with(good) && bytes.find('!') == bytes.size() - good.size() ? "noise" : "?";
-}
-
 TEST(Faults, EachFallsOnEveryNthReply) {
+    using Text = const std::string&;
+    static const std::string good = replyPacket('A', "0");
     struct {
         const char* list;
-        const char* struck;
-    } const cases[] = {{"lose=3", "nothing"}, {"cut=3", "cut"},        {"cut=3:4", "cut"},
-                       {"corrupt=3", "bit"},  {"noise=3", "noise"},    {"stray=3", "stray"},
-                       {"zeros=3", "zeros"},  {"silent=0s", "nothing"}};
-    const std::string good = replyPacket('A', "0");
+        bool (*struck)(Text bytes);
+    } const cases[] = {
+        {"lose=3", [](Text bytes) { return bytes.empty(); }},
+        {"cut=3", [](Text bytes) { return bytes.size() < good.size() && good.starts_with(bytes); }},
+        {"cut=3:4", [](Text bytes) { return bytes == good.substr(0, 4); }},
+        {"corrupt=3",
+         [](Text bytes) { return bytes.size() == good.size() && differingBits(bytes, good) == 1; }},
+        {"noise=3",
+         [](Text bytes) { return bytes.size() > good.size() && bytes.find(good) == bytes.find('!'); }},
+        {"stray=3", [](Text bytes) { return bytes.size() == good.size() + 1 && bytes.starts_with(good); }},
+        {"zeros=3",
+         [](Text bytes) {
+             std::string squeezed = bytes;
+             return std::erase(squeezed, '\0') > 0 && squeezed == good;
+         }},
+    };
     for (const auto& one : cases) {
         Bench bench(withFaults(one.list));
-        const std::string list = one.list;
         int struck = 0;
         for (int i = 1; i <= 60; ++i) {
             const std::string bytes = bench.raw("U?");
-            const bool due = i % 3 == 0 || list == "silent=0s";
-            EXPECT_TRUE(!due || list != "cut=3:4" || bytes.size() == 4);
-            EXPECT_TRUE(due || bytes == good) << list << " at " << i;
-            struck += due && seen(bytes, good) == one.struck ? 1 : 0;
+            EXPECT_TRUE(i % 3 == 0 || bytes == good) << one.list << " at " << i;
+            struck += i % 3 == 0 && one.struck(bytes) ? 1 : 0;
         }
-        EXPECT_GE(struck, list == "zeros=3" ? 18 : 20) << list; // now and then chance puts no zeros in
+        EXPECT_GE(struck, 18) << one.list; // now and then chance puts no zeros in
     }
 }
 
@@ -98,38 +75,27 @@ TEST(Faults, ALostReplyIsStillAnObeyedCommandARefusedOneIsNot) {
 }
 
 TEST(Faults, AShareIsRandomAndTheSeedDecides) {
-    std::map<std::uint64_t, std::string> patterns;
-    for (const std::uint64_t seed : {1U, 2U}) {
+    const auto pattern = [](std::uint64_t seed) {
         SimulatorOptions options = withFaults("lose=30%");
         options.instrument.seed = seed;
-        for (int repeat = 0; repeat < 2; ++repeat) {
-            Bench bench(options);
-            std::string pattern;
-            for (int i = 0; i < 500; ++i) {
-                pattern += bench.raw("S").empty() ? 'x' : '.';
-            }
-            const auto lost = std::count(pattern.begin(), pattern.end(), 'x');
-            EXPECT_GT(lost, 100);
-            EXPECT_LT(lost, 200);
-            EXPECT_TRUE(repeat == 0 || patterns[seed] == pattern);
-            patterns[seed] = pattern;
+        Bench bench(options);
+        std::string text;
+        for (int i = 0; i < 500; ++i) {
+            text += bench.raw("S").empty() ? 'x' : '.';
         }
-    }
-    EXPECT_NE(patterns[1], patterns[2]);
+        return text;
+    };
+    const std::string one = pattern(1);
+    EXPECT_NEAR(static_cast<double>(std::count(one.begin(), one.end(), 'x')), 150, 50);
+    EXPECT_EQ(pattern(1), one);
+    EXPECT_NE(pattern(2), one);
 }
 
 TEST(Faults, SilenceHasAStartAndAnEndAndConnectionsATerm) {
-    Bench bench(withFaults("silent=10s:5s,close=30s"));
-    for (const double t : {0.0, 9.9, 15.1}) {
-        EXPECT_EQ(bench.ask("U?", t), "A0") << t;
-    }
+    Bench bench;
     bench.simulator.setFaults(withFaults("silent=10s:5s").faults, 16); // counted from when it was set
-    struct {
-        double time;
-        const char* reply;
-    } const cases[] = {{16, "A0"}, {25.9, "A0"}, {26, ""}, {30.9, ""}, {31.1, "A0"}};
-    for (const auto& one : cases) {
-        EXPECT_EQ(bench.ask("U?", one.time), one.reply) << one.time;
+    for (const auto& [time, reply] : {std::pair{25.9, "A0"}, {26.0, ""}, {30.9, ""}, {31.1, "A0"}}) {
+        EXPECT_EQ(bench.ask("U?", time), reply) << time;
     }
     EXPECT_EQ(bench.simulator.dropTime(bench.line), kNever);
     bench.simulator.setFaults(withFaults("close=30s").faults, 40);
@@ -147,7 +113,7 @@ std::vector<double> times(Bench& bench, double from, double to) {
 }
 
 TEST(Line, PacesBothDirectionsAtTenBitsAByte) {
-    for (const unsigned baud : {300U, 9600U, 19200U, 115200U}) {
+    for (const unsigned baud : {300U, 19200U}) {
         SimulatorOptions options;
         options.baud = baud;
         Bench bench(options);
@@ -195,6 +161,12 @@ TEST(Simulator, TracesAndCountsEveryCommand) {
     EXPECT_EQ(bench.simulator.count("A*"), 1U);
     EXPECT_EQ(bench.simulator.count("A"), 0U);
     EXPECT_EQ(bench.simulator.count("*"), 4U);
+    std::string bad = commandPacket("U1");
+    bad.back() = static_cast<char>(bad.back() ^ 1);
+    bench.line.receive(bad, 3);
+    EXPECT_EQ(bench.sentBy(4), "");
+    EXPECT_NE(bench.trace.back().find("not answered"), std::string::npos);
+    EXPECT_EQ(bench.ask("U?", 4), "A0");
     bench.simulator.resetCounts();
     EXPECT_EQ(bench.simulator.count(""), 0U);
 }

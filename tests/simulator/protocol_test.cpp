@@ -78,15 +78,12 @@ TEST(Films, KeepWhatWasWrittenInTheirOwnDigits) {
     } cases[] = {
         {"ALU_____ " + kNewFilm, "ALU      2.700 100 1.080 5.000 2.500 60 63"},
         {"MY_FILM_ " + kNewFilm, "MY_FILM  2.700 100 1.080 5.000 2.500 60 63"}, // only padding becomes blank
-        {"________ " + kNewFilm, "         2.700 100 1.080 5.000 2.500 60 63"},
         {"WHAT?!__ " + kNewFilm,
          "WHAT?!   2.700 100 1.080 5.000 2.500 60 63"}, // a sync byte inside a command
         {"A_______ 2.7004 99.6 1 5 .0005 -1.5 1", "A        2.700 100 1.000 5.000 0.001 -1.5 1"},
-        {"SHORT__ " + kNewFilm, ""},
         {"TOOLONG__ " + kNewFilm, ""},
         {"ALU_____" + kNewFilm, ""},
         {"ALU_____ 2.700 100 1.080 5.000 2.500  60", ""},
-        {"ALU_____ 2.700 100 1.080 5.000 2.500  60  63  1", ""},
         {"ALU_____ 2,700 100 1.080 5.000 2.500  60  63", ""},
         {"ALU_____ -2.7 100 1.080 5.000 2.500  60  63", ""},
         {"ALU_____ 2.7 100 1.080 5.000 2.500  60  256", ""},
@@ -154,17 +151,6 @@ TEST(Framing, NoFlippedBitIsTakenForACommand) {
         const std::string next = commandPacket("P1");
         EXPECT_NE(parsed(flipped + next).find("P1|"), std::string::npos) << "lost after bit " << bit;
     }
-}
-
-TEST(Framing, ABadPacketIsNotAnswered) {
-    Bench bench;
-    std::string packet = commandPacket("U1");
-    packet.back() = static_cast<char>(packet.back() ^ 1);
-    bench.line.receive(packet, 0);
-    EXPECT_EQ(bench.sentBy(1), "");
-    EXPECT_EQ(bench.ask("U?", 1), "A0");
-    ASSERT_EQ(bench.trace.size(), 2U);
-    EXPECT_NE(bench.trace[0].find("not answered"), std::string::npos);
 }
 
 } // namespace

@@ -26,13 +26,15 @@ bool gtkDrawsDialogs() {
 
 EventLoopChoice::EventLoopChoice() {
     ours_ = !qEnvironmentVariableIsSet(kVariable) && !gtkDrawsDialogs();
-    if (ours_)
+    if (ours_) {
         qputenv(kVariable, "1");
+    }
 }
 
 EventLoopChoice::~EventLoopChoice() {
-    if (ours_)
+    if (ours_) {
         qunsetenv(kVariable);
+    }
 }
 
 } // namespace drx9

@@ -27,8 +27,9 @@ bool LibraryUsbBridge::resolveAll() {
 std::unique_ptr<LibraryUsbBridge> LibraryUsbBridge::load(const std::string& path) {
     std::unique_ptr<LibraryUsbBridge> bridge(new LibraryUsbBridge);
     bridge->library_.setFileName(QString::fromStdString(path));
-    if (!bridge->library_.load() || !bridge->resolveAll())
+    if (!bridge->library_.load() || !bridge->resolveAll()) {
         return nullptr;
+    }
     return bridge;
 }
 
@@ -66,8 +67,9 @@ int LibraryUsbBridge::SI_SetBaudRate(std::int32_t handle, std::uint32_t baud) {
 }
 
 int LibraryUsbBridge::SI_Close(std::int32_t handle) {
-    if (open_.count(handle) == 0)
+    if (open_.count(handle) == 0) {
         return kInvalidHandle;
+    }
     const int status = call_.close(deviceOf(handle));
     open_.erase(handle);
     return status;
@@ -80,8 +82,9 @@ int LibraryUsbBridge::SI_FlushBuffers(std::int32_t handle, std::uint8_t transmit
 
 int LibraryUsbBridge::SI_Write(std::int32_t handle, std::string_view bytes, std::uint32_t& written) {
     written = 0;
-    if (open_.count(handle) == 0)
+    if (open_.count(handle) == 0) {
         return kInvalidHandle;
+    }
     std::string copy(bytes); // the library takes a buffer that it may write to
     return call_.write(deviceOf(handle), copy.data(), static_cast<Dword>(copy.size()), &written, nullptr);
 }
@@ -89,8 +92,9 @@ int LibraryUsbBridge::SI_Write(std::int32_t handle, std::string_view bytes, std:
 int LibraryUsbBridge::SI_Read(std::int32_t handle, std::uint8_t* buffer, std::uint32_t count,
                               std::uint32_t& read) {
     read = 0;
-    if (open_.count(handle) == 0)
+    if (open_.count(handle) == 0) {
         return kInvalidHandle;
+    }
     const int status = call_.read(deviceOf(handle), buffer, count, &read, nullptr);
     read = std::min(read, count);
     return status;

@@ -16,13 +16,16 @@ namespace {
 void preset(QFileDialog& dialog, const FileDialogRequest& request) {
     const QString name = QDir::fromNativeSeparators(QString::fromStdString(request.fileName));
     const QString folder = QDir::fromNativeSeparators(QString::fromStdString(request.initialFolder));
-    if (!folder.isEmpty())
+    if (!folder.isEmpty()) {
         dialog.setDirectory(folder);
-    if (name.isEmpty())
+    }
+    if (name.isEmpty()) {
         return;
+    }
     const QFileInfo file(folder.isEmpty() ? QDir() : QDir(folder), name);
-    if (file.dir().exists())
+    if (file.dir().exists()) {
         dialog.setDirectory(file.dir());
+    }
     dialog.selectFile(file.fileName());
 }
 
@@ -32,15 +35,18 @@ std::string run(const FileDialogRequest& request, bool save) {
     dialog->setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog->setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     dialog->setOption(QFileDialog::DontConfirmOverwrite, !request.overwritePrompt);
-    if (!request.title.empty())
+    if (!request.title.empty()) {
         dialog->setWindowTitle(QString::fromStdString(request.title));
-    if (!request.filter.empty())
+    }
+    if (!request.filter.empty()) {
         dialog->setNameFilters(nameFilters(request.filter));
+    }
     dialog->setDefaultSuffix(QString::fromStdString(request.defaultExtension));
     preset(*dialog, request);
     const bool accepted = dialog->exec() == QDialog::Accepted;
-    if (!dialog) // went away with the window it stood over
+    if (!dialog) { // went away with the window it stood over
         return {};
+    }
     const QStringList files = dialog->selectedFiles();
     delete dialog.data();
     return accepted && !files.isEmpty() ? QDir::toNativeSeparators(files.front()).toStdString()
@@ -54,8 +60,9 @@ QStringList nameFilters(const std::string& filter) {
     QStringList filters;
     for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
         QString title = parts[i];
-        if (const qsizetype bracket = title.lastIndexOf(" ("); bracket > 0 && title.endsWith(')'))
+        if (const qsizetype bracket = title.lastIndexOf(" ("); bracket > 0 && title.endsWith(')')) {
             title.truncate(bracket);
+        }
         QString patterns = parts[i + 1];
         // "*.*" means every file, also one without a dot.
         patterns = patterns.replace(';', ' ').replace("*.*", "*");

@@ -44,14 +44,16 @@ class QtSleepInhibitor::Backend : public QObject {
 public:
     void hold(const std::string& reason) {
         ++holding_;
-        if (sessionBusStands())
+        if (sessionBusStands()) {
             askScreenSaver(QString::fromStdString(reason));
+        }
     }
 
     void release() {
         ++holding_;
-        if (giveBack_.type() != QDBusMessage::InvalidMessage)
+        if (giveBack_.type() != QDBusMessage::InvalidMessage) {
             QDBusConnection::sessionBus().send(giveBack_);
+        }
         giveBack_ = {};
     }
 
@@ -62,8 +64,9 @@ private:
         call << QGuiApplication::applicationDisplayName() << reason;
         whenAnswered(call, [this, reason](const QDBusMessage& answer, bool wanted) {
             if (answer.type() == QDBusMessage::ErrorMessage) {
-                if (wanted)
+                if (wanted) {
                     askPortal(reason);
+                }
                 return;
             }
             QDBusMessage back =
@@ -78,8 +81,9 @@ private:
             QDBusMessage::createMethodCall(kPortal, kPortalPath, "org.freedesktop.portal.Inhibit", "Inhibit");
         call << QString() << kSuspendAndIdle << QVariantMap{{"reason", reason}};
         whenAnswered(call, [this](const QDBusMessage& answer, bool wanted) {
-            if (answer.type() == QDBusMessage::ErrorMessage)
+            if (answer.type() == QDBusMessage::ErrorMessage) {
                 return;
+            }
             const QString request = answer.arguments().value(0).value<QDBusObjectPath>().path();
             keepOrGiveBack(
                 QDBusMessage::createMethodCall(kPortal, request, "org.freedesktop.portal.Request", "Close"),
@@ -98,10 +102,11 @@ private:
     }
 
     void keepOrGiveBack(const QDBusMessage& giveBack, bool wanted) {
-        if (wanted)
+        if (wanted) {
             giveBack_ = giveBack;
-        else
+        } else {
             QDBusConnection::sessionBus().send(giveBack);
+        }
     }
 
     unsigned holding_ =
@@ -123,19 +128,22 @@ QtSleepInhibitor::QtSleepInhibitor()
     : backend_(std::make_unique<Backend>()) {}
 
 QtSleepInhibitor::~QtSleepInhibitor() {
-    if (held_)
+    if (held_) {
         backend_->release();
+    }
 }
 
 void QtSleepInhibitor::hold(const std::string& reason) {
-    if (!held_)
+    if (!held_) {
         backend_->hold(reason);
+    }
     held_ = true;
 }
 
 void QtSleepInhibitor::release() {
-    if (held_)
+    if (held_) {
         backend_->release();
+    }
     held_ = false;
 }
 

@@ -19,8 +19,9 @@ QtSocketControl::QtSocketControl(EventPump& pump)
     : pump_(pump) {}
 
 QtSocketControl::~QtSocketControl() {
-    if (socket_)
+    if (socket_) {
         socket_->disconnect(this);
+    }
 }
 
 void QtSocketControl::setRemote(const std::string& host, int port) {
@@ -62,21 +63,24 @@ void QtSocketControl::connected() {
 /// Runs inside a signal of the socket, which must outlive it: the socket itself is dropped from the event
 /// loop.
 void QtSocketControl::failed(const std::string& reason) {
-    if (state_ == kFailed)
+    if (state_ == kFailed) {
         return;
+    }
     state_ = kFailed;
     reason_ = reason;
     const auto dropIt = [this, socket = socket_.get()] {
-        if (socket == socket_.get()) // no new connect() meanwhile
+        if (socket == socket_.get()) { // no new connect() meanwhile
             drop();
+        }
     };
     QMetaObject::invokeMethod(socket_.get(), dropIt, Qt::QueuedConnection);
     pump_.wake();
 }
 
 void QtSocketControl::drop() {
-    if (!socket_)
+    if (!socket_) {
         return;
+    }
     socket_->disconnect(this);
     socket_->abort();
     socket_.release()->deleteLater();
@@ -93,26 +97,31 @@ void QtSocketControl::receive() {
     qint64 count = sizeof chunk;
     while (count == sizeof chunk && received_.size() < kMostWaiting) {
         count = socket_->read(chunk, sizeof chunk);
-        if (count > 0)
+        if (count > 0) {
             received_.append(chunk, static_cast<std::size_t>(count));
+        }
     }
-    if (count < 0)
+    if (count < 0) {
         failed(socket_->errorString().toStdString());
+    }
 }
 
 void QtSocketControl::sendData(std::string_view bytes) {
-    if (state_ != kConnected)
+    if (state_ != kConnected) {
         return;
+    }
     justSent_ = true;
-    if (socket_->write(bytes.data(), static_cast<qint64>(bytes.size())) < 0)
+    if (socket_->write(bytes.data(), static_cast<qint64>(bytes.size())) < 0) {
         failed(socket_->errorString().toStdString());
+    }
 }
 
 /// Asks the system for what the event loop has not told yet: a late reply that is to be dropped may be there.
 /// Not right after a packet, when nothing can have come.
 std::size_t QtSocketControl::bytesReceived() {
-    if (!std::exchange(justSent_, false) && received_.empty() && state_ == kConnected)
+    if (!std::exchange(justSent_, false) && received_.empty() && state_ == kConnected) {
         receive();
+    }
     return received_.size();
 }
 

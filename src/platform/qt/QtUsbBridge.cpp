@@ -24,8 +24,9 @@ std::string libraryIn(const std::string& folder) {
 
 QtUsbBridge::QtUsbBridge(const std::string& programFolder) {
     std::unique_ptr<LibraryUsbBridge> library = LibraryUsbBridge::load(libraryIn(programFolder));
-    if (!library)
+    if (!library) {
         library = LibraryUsbBridge::load(kLibrary);
+    }
     if (library) {
         library_ = library->path();
         driver_ = std::move(library);

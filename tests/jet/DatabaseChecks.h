@@ -1,100 +1,25 @@
 #pragma once
 
+#include "fakes/MemoryFilePort.h"
 #include "jet/Check.h"
 #include "jet/Database.h"
-#include "platform/FilePort.h"
 
 #include <cstdlib>
 
+/// What must hold of a database file of any bytes. Ends the process where it does not: what a fuzzer takes
+/// for a finding, and a test for a failure.
 namespace drx9::fuzz {
 
-/// One file in memory under any name; enough of a file port to open a database and commit to it.
-class OneFilePort : public FilePort {
-public:
-    explicit OneFilePort(std::string bytes)
-        : bytes_(std::move(bytes)) {}
-
-    [[nodiscard]] bool exists(const std::string& path) const override { return path == kPath; }
-    [[nodiscard]] std::optional<std::uint64_t> size(const std::string&) const override {
-        return bytes_.size();
-    }
-    [[nodiscard]] std::optional<FileIdentity> identity(const std::string&) const override {
-        return FileIdentity{1, 1, bytes_.size(), version_};
-    }
-    [[nodiscard]] bool writable(const std::string&) const override { return true; }
-    [[nodiscard]] bool folderWritable(const std::string&) const override { return true; }
-    [[nodiscard]] std::string resolveLinks(const std::string& path) const override { return path; }
-    std::unique_ptr<InputFile> open(const std::string&, FileStatus&) const override {
-        return std::make_unique<Input>(*this);
-    }
-    FileStatus read(const std::string&, std::string& bytes) const override {
-        bytes = bytes_;
-        return {};
-    }
-    FileStatus append(const std::string&, std::string_view) override { return {}; }
-    FileStatus remove(const std::string&) override { return {}; }
-    FileStatus makeFolder(const std::string&) override { return {}; }
-    [[nodiscard]] std::vector<std::string> list(const std::string&) const override { return {}; }
-    std::unique_ptr<OutputFile> create(const std::string&, const std::string&, FileStatus&) override {
-        return std::make_unique<Output>(*this);
-    }
-    FileStatus rename(const std::string&, const std::string&) override {
-        bytes_ = written_;
-        ++version_;
-        return {};
-    }
-    FileStatus flushFolder(const std::string&) override { return {}; }
-    [[nodiscard]] std::string currentFolder() const override { return "/"; }
-    [[nodiscard]] std::uint64_t processId() const override { return 1; }
-
-    static constexpr const char* kPath = "/fuzz.mdb";
-    [[nodiscard]] const std::string& bytes() const { return bytes_; }
-
-private:
-    class Input : public InputFile {
-    public:
-        explicit Input(const OneFilePort& port)
-            : bytes_(port.bytes_)
-            , identity_(port.identity(kPath)) {}
-        FileStatus read(std::uint64_t at, std::span<char> bytes) override {
-            bytes_.copy(bytes.data(), bytes.size(), at);
-            return {};
-        }
-        [[nodiscard]] std::optional<FileIdentity> identity() const override { return identity_; }
-
-    private:
-        const std::string bytes_;
-        const std::optional<FileIdentity> identity_;
-    };
-    class Output : public OutputFile {
-    public:
-        explicit Output(OneFilePort& port)
-            : port_(port) {
-            port_.written_.clear();
-        }
-        FileStatus write(std::string_view bytes) override {
-            port_.written_ += bytes;
-            return {};
-        }
-        FileStatus flush() override { return {}; }
-        FileStatus close() override { return {}; }
-
-    private:
-        OneFilePort& port_;
-    };
-
-    std::string bytes_;
-    std::string written_;
-    std::int64_t version_ = 0;
-};
+inline constexpr const char* kFuzzed = "/fuzz.mdb";
 
 /// Opens the bytes as a database and reads everything in it: values, indexes, structure. Damage ends in
 /// JetError, and nothing else.
 inline void readAll(std::string_view bytes) {
-    OneFilePort files{std::string(bytes)};
+    MemoryFilePort files;
+    files.put(kFuzzed, bytes);
     try {
         jet::DBEngine engine(files);
-        const auto database = engine.OpenDatabase(OneFilePort::kPath);
+        const auto database = engine.OpenDatabase(kFuzzed);
         jet::PageStore& store = database->shared().store();
         jet::checkDatabase(store);
         for (const auto& entry : jet::Catalog(store).tables()) {
@@ -114,19 +39,19 @@ inline void readAll(std::string_view bytes) {
         }
     } catch (const jet::JetError&) {
     }
-    if (files.bytes() != bytes) {
+    if (files.find(kFuzzed)->bytes != bytes) {
         std::abort(); // reading must not change the file
     }
 }
 
 /// One change, committed by itself; a refusal leaves the file as it was.
 template<class Work>
-void changeOnce(OneFilePort& files, const Work& work) {
-    const std::string before = files.bytes();
+void changeOnce(MemoryFilePort& files, const Work& work) {
+    const std::string before = files.find(kFuzzed)->bytes;
     try {
         work();
     } catch (const jet::JetError&) {
-        if (files.bytes() != before) {
+        if (files.find(kFuzzed)->bytes != before) {
             std::abort();
         }
     }
@@ -135,10 +60,11 @@ void changeOnce(OneFilePort& files, const Work& work) {
 /// Opens the bytes as a database, changes rows, columns and indexes of its tables and checks the file. A file
 /// without faults must have none afterwards.
 inline void changeAndCheck(std::string_view bytes) {
-    OneFilePort files{std::string(bytes)};
+    MemoryFilePort files;
+    files.put(kFuzzed, bytes);
     try {
         jet::DBEngine engine(files);
-        const auto database = engine.OpenDatabase(OneFilePort::kPath);
+        const auto database = engine.OpenDatabase(kFuzzed);
         const bool sound = jet::checkDatabase(database->shared().store()).faults.empty();
         std::size_t tables = 0;
         for (const auto& name : database->TableNames()) {

@@ -198,22 +198,35 @@ void frmMain::closeOtherWindows() {
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
+    if (!closed_ && QApplication::activeModalWidget() != nullptr) {
+        event->ignore();
+        return;
+    }
     if (!closed_ && !closeAsked_) {
         closeAsked_ = true;
         monitor_.announceClose();
         inCloseEvent_ = true;
-        actions_.runWhenIdle([this] {
-            monitor_.Form_QueryUnload();
-            closed_ = true;
-            if (!inCloseEvent_) {
-                close();
-            }
-        });
+        actions_.runWhenIdle([this] { unload(); });
         inCloseEvent_ = false;
     }
     event->setAccepted(closed_);
     if (closed_) {
         heartbeat_.stop();
+    }
+}
+
+/// What goes wrong here is reported; the window closes all the same.
+void frmMain::unload() {
+    try {
+        monitor_.Form_QueryUnload();
+    } catch (...) {
+        closed_ = true;
+        QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+        throw;
+    }
+    closed_ = true;
+    if (!inCloseEvent_) {
+        close();
     }
 }
 

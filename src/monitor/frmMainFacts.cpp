@@ -2,6 +2,7 @@
 #include "monitor/frmMain.h"
 
 #include "util/Numbers.h"
+#include "util/Text.h"
 
 #include <QStackedLayout>
 
@@ -19,6 +20,12 @@ MarkLabel::Tone toneOf(StatusText::Tone tone) {
     default:
         return MarkLabel::Tone::Plain;
     }
+}
+
+/// A film's name as the list shows it.
+QString listName(std::string name) {
+    name.erase(name.find_last_not_of(' ') + 1);
+    return QString::fromStdString(utf8FromAnsi(name));
 }
 
 StatusLine::Text shown(const StatusText& text) {
@@ -48,6 +55,8 @@ RunBar::Facts frmMain::barFacts() const {
             .filmsLocked = monitor_.locked(),
             .films = monitor_.filmNames(),
             .filmIndex = monitor_.filmIndex(),
+            .filmName = listName(monitor_.currentFilmName()),
+            .held = monitor_.parts().timer.held(),
             .shutterCaption = monitor_.shutterCaption(),
             .zeroDown = requests.zero,
             .shutterDown = requests.shutter,

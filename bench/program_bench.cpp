@@ -1,10 +1,12 @@
 // The whole program against drx9sim, in figures. Prints one line a figure; asserts nothing. Under a display
 // it uses it, elsewhere it runs offscreen:
 //   xvfb-run -s "-screen 0 1280x800x24" program_bench [SECONDS [WHAT ...]]
-// WHAT is rest, click, gone or polling (all when not told), each share is taken over SECONDS (20).
+// WHAT is start, rest, click, gone or polling (all when not told), each share is taken over SECONDS (20).
+// The first paint's reference is a bare window with the same menus, as many controls and four plots.
 // The processor's share is that of the thread the windows run in. Its reference is a bare client, which sends
 // the same commands at the same pace over a blocking socket and does nothing with the replies.
 
+#include "BareWindow.h"
 #include "app/Program.h"
 #include "controls/Theme.h"
 #include "link/Crc.h"
@@ -12,6 +14,7 @@
 #include "platform/qt/EventLoopChoice.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QEventLoop>
 #include <QMouseEvent>
 #include <QProcess>
@@ -22,8 +25,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <fstream>
+#include <functional>
 #include <vector>
 
 #include <arpa/inet.h>
@@ -96,6 +101,29 @@ public:
 private:
     QProcess process_;
     int port_ = 0;
+};
+
+/// Acts when the first paint of a window has been put on the screen.
+class FirstPaint : public QObject {
+public:
+    FirstPaint(QWidget& window, std::function<void()> painted)
+        : painted_(std::move(painted)) {
+        window.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* window, QEvent* event) override {
+        if (event->type() == QEvent::Paint) {
+            window->removeEventFilter(this);
+            // A window paints and flushes all its widgets in one go: what is queued runs after that.
+            QMetaObject::invokeMethod(
+                this, [this] { painted_(); }, Qt::QueuedConnection);
+        }
+        return false;
+    }
+
+private:
+    std::function<void()> painted_;
 };
 
 /// The program in a folder of its own, on line.
@@ -276,6 +304,63 @@ void clickFeedback() {
         waits[waits.size() / 2] * 1000, waits.size(), waits.back() * 1000);
 }
 
+/// One start in a process of its own, which ends with its first paint: prints the seconds since `begun`. No
+/// instrument is needed, since the window is painted before the link is opened.
+[[noreturn]] void startOnce(bool bare, double begun) {
+    const QTemporaryDir folder;
+    const std::string path = folder.path().toStdString();
+    std::ofstream(path + "/Monitor.ini", std::ios::binary)
+        << "[Graph]\r\nView=2\r\n[CommSettings]\r\nEAddress=127.0.0.1\r\nCommType=2\r\nEPort=1\r\n";
+    const std::unique_ptr<FilePort> files = makeOsFilePort();
+    std::unique_ptr<BareWindow> bareWindow;
+    std::unique_ptr<Program> program;
+    if (bare) {
+        bareWindow = std::make_unique<BareWindow>();
+    } else {
+        program = std::make_unique<Program>(*files, Paths{path, path}, NumberLocale{});
+    }
+    QWidget& window = bare ? static_cast<QWidget&>(*bareWindow) : program->window();
+    FirstPaint paint(window, [begun, path] {
+        std::printf("%.6f\n", now() - begun);
+        std::fflush(stdout);
+        QDir(QString::fromStdString(path)).removeRecursively();
+        std::_Exit(0);
+    });
+    if (bare) {
+        window.show();
+    } else {
+        program->start();
+    }
+    QApplication::exec();
+    std::_Exit(1);
+}
+
+double timeOfStart(const char* kind) {
+    QProcess process;
+    process.start(QCoreApplication::applicationFilePath(), {kind, QString::number(now(), 'f', 6)});
+    process.waitForFinished();
+    return process.readAllStandardOutput().trimmed().toDouble();
+}
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+/// From the start of a process to its painted window, in turn; the first of each only warms up the files.
+void firstPaint() {
+    std::vector<double> bare;
+    std::vector<double> program;
+    for (int i = 0; i <= 10; ++i) {
+        bare.push_back(timeOfStart("start-bare"));
+        program.push_back(timeOfStart("start-program"));
+    }
+    const double ofBare = median({bare.begin() + 1, bare.end()});
+    const double ofProgram = median({program.begin() + 1, program.end()});
+    std::printf("start to first paint, median of 10: program %.0f ms, bare window %.0f ms, ratio %.2f\n",
+                ofProgram * 1000, ofBare * 1000, ofProgram / ofBare);
+}
+
 double residentMegabytes() {
     std::ifstream statm("/proc/self/statm");
     double total = 0;
@@ -301,10 +386,16 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     applyDesktopTheme(app);
+    if (argc > 2 && std::string(argv[1]).rfind("start-", 0) == 0) {
+        startOnce(std::string(argv[1]) == "start-bare", std::atof(argv[2]));
+    }
     const double seconds = argc > 1 ? std::atof(argv[1]) : 20;
     const QStringList what = QCoreApplication::arguments().mid(2);
     const auto wanted = [&](const char* name) { return what.isEmpty() || what.contains(name); };
     QTimer::singleShot(0, &app, [&] {
+        if (wanted("start")) {
+            firstPaint();
+        }
         if (wanted("rest")) {
             atRest();
         }

@@ -1,5 +1,6 @@
 #include "controls/Gauge.h"
 
+#include "controls/AccessibleRoles.h"
 #include "controls/Theme.h"
 
 #include <QPainter>
@@ -18,6 +19,7 @@ Gauge::Gauge(QWidget* parent)
     : QWidget(parent) {
     setFixedHeight(kHeight);
     setFocusPolicy(Qt::NoFocus);
+    setAccessibleRole(*this, QAccessible::Indicator);
 }
 
 int Gauge::fillWidth() const {
@@ -28,6 +30,7 @@ void Gauge::setShare(double share) {
     const int before = fillWidth();
     share_ = std::clamp(std::isnan(share) ? 0.0 : share, 0.0, 1.0);
     if (fillWidth() != before) {
+        setAccessibleDescription(QStringLiteral("%1 %").arg(std::lround(share_ * 100)));
         update();
     }
 }

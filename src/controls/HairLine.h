@@ -1,5 +1,6 @@
 #pragma once
 
+#include "controls/AccessibleRoles.h"
 #include "controls/Theme.h"
 
 #include <QPainter>
@@ -12,6 +13,7 @@ class HairLine : public QWidget {
 public:
     HairLine(Qt::Orientation orientation, QWidget* parent)
         : QWidget(parent) {
+        setAccessibleRole(*this, QAccessible::Separator);
         if (orientation == Qt::Horizontal) {
             setFixedHeight(1);
         } else {

@@ -1,8 +1,8 @@
 #include "controls/MarkLabel.h"
 
+#include "controls/AccessibleRoles.h"
 #include "controls/Theme.h"
 
-#include <QAccessible>
 #include <QEvent>
 #include <QPainter>
 
@@ -18,6 +18,7 @@ MarkLabel::MarkLabel(QWidget* parent)
     : QWidget(parent) {
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     setForegroundRole(QPalette::WindowText);
+    setAccessibleRole(*this, QAccessible::StaticText);
 }
 
 void MarkLabel::say(const QString& text, Tone tone) {

@@ -1,5 +1,6 @@
 #include "controls/NoticePlate.h"
 
+#include "controls/AccessibleRoles.h"
 #include "controls/Theme.h"
 
 #include <QAccessible>
@@ -20,7 +21,11 @@ NoticePlate::NoticePlate(QWidget* parent)
     : QWidget(parent) {
     setFont(fontOfSize(font(), kTextPixels));
     setFixedHeight(kHeight);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    policy.setRetainSizeWhenHidden(true);
+    setSizePolicy(policy);
+    setAccessibleRole(*this, QAccessible::AlertMessage);
+    hide();
 }
 
 void NoticePlate::showNotice(int subject, const QString& text, const QString& brief) {
@@ -30,10 +35,12 @@ void NoticePlate::showNotice(int subject, const QString& text, const QString& br
     text_ = text;
     brief_ = brief;
     setToolTip(text);
-    setAccessibleName(text);
+    setAccessibleDescription(text);
+    setVisible(!text.isEmpty());
     update();
     if (subject_ != subject) {
         subject_ = subject;
+        setAccessibleName(text);
         announce();
     }
 }

@@ -1,5 +1,6 @@
 #include "controls/ReadOnlyLine.h"
 
+#include "controls/AccessibleRoles.h"
 #include "controls/PopUpMenu.h"
 
 #include <QContextMenuEvent>
@@ -8,6 +9,7 @@ namespace drx9 {
 
 ReadOnlyLine::ReadOnlyLine(QWidget* parent)
     : QLineEdit(parent) {
+    setAccessibleReadOnly(*this); // first: a reader that runs already asks as soon as something changes
     setReadOnly(true);
     setDragEnabled(false);
     setAcceptDrops(false);

@@ -35,6 +35,12 @@ bool SpinBox::isTyping() const {
     return text() != prefix() + textFromValue(value()) + suffix();
 }
 
+void SpinBox::finishTyping(const QWidget& window) {
+    if (auto* box = qobject_cast<SpinBox*>(window.focusWidget())) {
+        box->interpretText();
+    }
+}
+
 QString SpinBox::textFromValue(int value) const {
     return QStringLiteral("%1").arg(value, leastDigits_, 10, QLatin1Char('0'));
 }

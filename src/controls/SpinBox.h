@@ -21,6 +21,9 @@ public:
 
     /// Something is typed that is not a finished change yet.
     [[nodiscard]] bool isTyping() const;
+    /// As if the field of the window that has the focus had been left: before a button of that window acts,
+    /// which a key or a screen reader may press without moving the focus.
+    static void finishTyping(const QWidget& window);
 
 protected:
     [[nodiscard]] QString textFromValue(int value) const override;

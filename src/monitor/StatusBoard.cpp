@@ -44,8 +44,6 @@ void StatusBoard::addRequests(StatusFacts& facts) const {
     facts.requests = desk.waiting();
     facts.requestFailed = desk.report().text();
     facts.requestNotice = desk.report().notice();
-    // While a choice waits nobody can have confirmed it yet.
-    facts.filmMark = facts.requests.film ? std::string() : parts_.monitor.films().mark();
 }
 
 void StatusBoard::addLog(StatusFacts& facts) const {

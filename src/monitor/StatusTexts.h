@@ -48,7 +48,6 @@ struct StatusFacts {
     Requests requests;         ///< that wait
     std::string requestFailed; ///< "Zero: no reply"; empty when the last request was accepted
     std::string requestNotice; ///< the same as a sentence for the plate, for a while
-    std::string filmMark;      ///< why the film in use is marked; empty when it is not
     bool systemKnown = false;
     bool simulate = false;
     bool etch = false;

@@ -73,7 +73,11 @@ QGroupBox* frmDataLog::buildFile() {
         button->setObjectName(QStringLiteral("optLog_%1").arg(mode.index));
         button->setToolTip(QString::fromLatin1(mode.toolTip));
         button->setMinimumHeight(28);
-        connect(button, &QRadioButton::clicked, this, [this, index = mode.index] { optLog_Click(index); });
+        connect(button, &QRadioButton::toggled, this, [this, index = mode.index](bool on) {
+            if (on && !loading_) { // however it was switched on
+                optLog_Click(index);
+            }
+        });
         grid->addWidget(button, row, 0, Qt::AlignLeft);
         optLog_[static_cast<std::size_t>(mode.index)] = button;
     }
@@ -91,6 +95,7 @@ QGroupBox* frmDataLog::buildFile() {
     }
     path_ = new ReadOnlyLine(group);
     path_->setObjectName(QStringLiteral("txtLogFile"));
+    path_->setFocusPolicy(Qt::ClickFocus);
     path_->setAccessibleName(QStringLiteral("Log File"));
     grid->addWidget(path_, 3, 0, 1, 2);
     connect(cmdNew_, &QPushButton::clicked, this, &frmDataLog::cmdNew_Click);
@@ -168,7 +173,7 @@ QLayout* frmDataLog::buildBottom() {
 void frmDataLog::showSettings() {
     const std::size_t mode = parts_.settings.Type >= kLogNone && parts_.settings.Type <= kLogAppend
                                  ? static_cast<std::size_t>(parts_.settings.Type)
-                                 : std::size_t{kLogNone};
+                                 : std::size_t{kLogAppend};
     optLog_[mode]->setChecked(true);
     fill(start_, span_.start());
     fill(end_, span_.end());
@@ -222,6 +227,7 @@ void frmDataLog::showState() {
 }
 
 void frmDataLog::optLog_Click(int index) {
+    SpinBox::finishTyping(*this);
     parts_.settings.Type = static_cast<std::int16_t>(index);
     emit settingsChanged();
 }
@@ -249,6 +255,7 @@ void frmDataLog::spnInt_Change() {
 // Both open windows of their own: in mid-exchange they wait, or the run would stand still behind them.
 
 void frmDataLog::cmdNew_Click() {
+    SpinBox::finishTyping(*this);
     parts_.actions.runWhenIdle([self = QPointer<frmDataLog>(this)] {
         if (self != nullptr) {
             self->chooseFile();
@@ -257,6 +264,7 @@ void frmDataLog::cmdNew_Click() {
 }
 
 void frmDataLog::cmdView_Click() {
+    SpinBox::finishTyping(*this);
     parts_.actions.runWhenIdle([self = QPointer<frmDataLog>(this)] {
         if (self != nullptr) {
             self->viewFile();

@@ -65,7 +65,7 @@ struct MainWindowParts {
 /// instrument.
 ///
 /// changed() feeds all panels; ages and notices follow a heartbeat of their own too. Closing waits until
-/// nothing of the monitor is on the stack.
+/// nothing of the monitor is on the stack; under a modal window it is refused.
 class frmMain : public QMainWindow, public MonitorWindow {
     Q_OBJECT
 public:

@@ -48,6 +48,10 @@ RunBar::Facts frmMain::barFacts() const {
             .filmsLocked = monitor_.locked(),
             .films = monitor_.films().names(),
             .filmIndex = monitor_.films().index(),
+            .filmName = QString::fromStdString(monitor_.films().nameBesideList()),
+            // While a choice waits nobody can have confirmed it yet.
+            .filmMark = QString::fromStdString(requests.film ? std::string() : monitor_.films().mark()),
+            .held = parts_.timer.held(),
             .shutterCaption = monitor_.shutterCaption(),
             .zeroDown = requests.zero,
             .shutterDown = requests.shutter,
@@ -96,6 +100,7 @@ StatusLine::Facts frmMain::statusLineFacts(const StatusFacts& facts) {
     line[StatusLine::Link] = shown(staLink(facts));
     line[StatusLine::Reply] = shown(staReply(facts));
     line[StatusLine::Run] = shown(staRun(facts));
+    line[StatusLine::Request] = shown(staRequest(facts));
     line[StatusLine::Shutter] = shown(staShutter(facts));
     line[StatusLine::Mode] = shown(staMode(facts));
     line[StatusLine::Log] = shown(staLog(facts));

@@ -1,8 +1,10 @@
 #include "monitor/frmMainMenus.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QPointer>
 
 #include <utility>
 
@@ -60,13 +62,18 @@ QAction* MainMenus::addItem(QMenu* menu, const char* name, const char* caption, 
     item->setAutoRepeat(false);
     item->setMenuRole(QAction::NoRole);
     menu->addAction(item);
-    connect(item, &QAction::triggered, this, [this, when, action = std::move(action)] {
+    connect(item, &QAction::triggered, this, [this, item, when, action = std::move(action)] {
         showFacts(shown_); // a check mark follows what is so, not the click
         if (when == When::AtOnce) {
             action();
-        } else {
-            later_(action);
+            return;
         }
+        // At its turn the item may be locked, or a window may stand in the way: then it is dropped.
+        later_([item = QPointer<QAction>(item), action] {
+            if (item != nullptr && item->isEnabled() && QApplication::activeModalWidget() == nullptr) {
+                action();
+            }
+        });
     });
     return item;
 }
@@ -74,41 +81,41 @@ QAction* MainMenus::addItem(QMenu* menu, const char* name, const char* caption, 
 void MainMenus::buildFileAndEdit(QMainWindow& window) {
     QMenu* file = namedMenu(window, "mnuFile", "&File");
     setupItems_[0] =
-        addItem(file, "mnuFileLog", "&Data Log", {Qt::CTRL | Qt::Key_L}, When::Idle, handlers_.dataLog);
+        addItem(file, "mnuFileLog", "&Data Log", {Qt::CTRL | Qt::Key_L}, When::AtOnce, handlers_.dataLog);
     addSeparator(file, "mnuFileSep1");
-    addItem(file, "mnuFileExit", "E&xit", {Qt::CTRL | Qt::Key_Q}, When::Idle, handlers_.exit);
+    addItem(file, "mnuFileExit", "E&xit", {Qt::CTRL | Qt::Key_Q}, When::AtOnce, handlers_.exit);
 
     QMenu* setup = namedMenu(window, "mnuSetup", "&Edit");
     setupItems_[1] = addItem(setup, "mnuSetupFilms", "&Films", {}, When::Idle, handlers_.films);
     setupItems_[2] = addItem(setup, "mnuSetupSystem", "&System", {}, When::Idle, handlers_.system);
     comm_ = addItem(setup, "mnuSetupComm", "&Communcations", {}, When::Idle, handlers_.comm);
     addSeparator(setup, "mnuSetupSep2");
-    addItem(setup, "mnuSetupGraphs", "&Graph", {}, When::Idle, handlers_.graphSet);
+    addItem(setup, "mnuSetupGraphs", "&Graph", {}, When::AtOnce, handlers_.graphSet);
 }
 
 void MainMenus::buildView(QMainWindow& window) {
     QMenu* view = namedMenu(window, "mnuView", "&View");
     for (std::size_t i = 0; i < kGraphs.size(); ++i) {
         const auto item = static_cast<std::int16_t>(i + 1);
-        graphItems_[i] = addItem(view, kGraphs[i].name, kGraphs[i].caption, viewKey(item), When::Idle,
+        graphItems_[i] = addItem(view, kGraphs[i].name, kGraphs[i].caption, viewKey(item), When::AtOnce,
                                  [this, item] { handlers_.graph(item); });
         graphItems_[i]->setCheckable(true);
     }
     addSeparator(view, "mnuGraphSep1");
     for (std::size_t i = 0; i < kSensors.size(); ++i) {
         const auto item = static_cast<std::int16_t>(i + 1);
-        sensorItems_[i] = addItem(view, kSensors[i].name, kSensors[i].caption, viewKey(item + 4), When::Idle,
-                                  [this, item] { handlers_.sensors(item); });
+        sensorItems_[i] = addItem(view, kSensors[i].name, kSensors[i].caption, viewKey(item + 4),
+                                  When::AtOnce, [this, item] { handlers_.sensors(item); });
         sensorItems_[i]->setCheckable(true);
     }
 }
 
 void MainMenus::buildHelp(QMainWindow& window) {
     QMenu* help = namedMenu(window, "mnuHelp", "&Help");
-    QAction* index = addItem(help, "mnuHelpHelp", "&Help", {Qt::Key_F1}, When::Idle, handlers_.help);
+    QAction* index = addItem(help, "mnuHelpHelp", "&Help", {Qt::Key_F1}, When::AtOnce, handlers_.help);
     index->setShortcutContext(Qt::ApplicationShortcut); // in every window
     addSeparator(help, "mnuHelpSep1");
-    setupItems_[3] = addItem(help, "mnuHelpAbout", "&About", {}, When::Idle, handlers_.about);
+    setupItems_[3] = addItem(help, "mnuHelpAbout", "&About", {}, When::AtOnce, handlers_.about);
 }
 
 void MainMenus::showFacts(const Facts& facts) {

@@ -36,7 +36,9 @@ public:
         int graphItem = 0; ///< checked item from 1, 0 none
         int sensorItem = 0;
     };
-    /// Runs an action once nothing of ours is on the stack.
+    /// Items that only touch windows act at once, also in mid-exchange; those that talk to the instrument
+    /// wait, for `later`. Closing (exit) sees to its own waiting. Runs an action once nothing of ours is on
+    /// the stack.
     using Later = std::function<void(std::function<void()>)>;
 
     MainMenus(QMainWindow& window, Handlers handlers, Later later);

@@ -1,5 +1,6 @@
 #include "monitor/frmMainReadoutPanel.h"
 
+#include "controls/AccessibleRoles.h"
 #include "controls/Gauge.h"
 #include "controls/HairLine.h"
 #include "controls/MarkLabel.h"
@@ -69,6 +70,8 @@ ReadoutPanel::ReadoutPanel(QWidget* between, QWidget* parent)
     for (std::size_t field = 1; field < Readouts::kFields; ++field) {
         buildReadout(field);
     }
+    setAccessibleRole(*this, QAccessible::Grouping);
+    setAccessibleName(QStringLiteral("Readouts"));
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -137,6 +140,7 @@ QWidget* ReadoutPanel::buildBand() {
     grid->setColumnMinimumWidth(7, kRightMargin);
     grid->setRowMinimumHeight(2, kGaugeGap);
     gauge_ = new Gauge(band_);
+    gauge_->setAccessibleName(QStringLiteral("Average thickness of the final thickness"));
     grid->addWidget(gauge_, 3, 2, 1, 3);
     return band_;
 }

@@ -1,14 +1,16 @@
 #include "monitor/frmMainRunBar.h"
 
+#include "controls/AccessibleRoles.h"
 #include "controls/MarkLabel.h"
 #include "controls/NoticePlate.h"
+#include "controls/PickList.h"
 #include "controls/Readout.h"
 #include "controls/StartStopButton.h"
 #include "controls/Theme.h"
+#include "controls/WarnMark.h"
 #include "monitor/frmMainSteps.h"
 
 #include <QApplication>
-#include <QComboBox>
 #include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -23,6 +25,7 @@ namespace {
 constexpr int kMargin = 16;
 constexpr int kRightMargin = 24;
 constexpr int kOffLinePixels = 24;
+constexpr int kMarkGap = 4;
 constexpr int kZeroWidth = 104;
 constexpr int kLeastShutterWidth = 148;
 
@@ -77,7 +80,7 @@ RunBar::RunBar(QWidget* parent)
     cell->setContentsMargins(0, 0, 0, 0);
     cell->addWidget(buildRunRow(), 0, 0);
     cell->addWidget(buildOffLineRow(), 0, 0);
-    connect(cboFilms_, &QComboBox::activated, this, &RunBar::filmChosen);
+    connect(cboFilms_, &PickList::activated, this, &RunBar::filmChosen);
     connect(cmdZero_, &QPushButton::clicked, this, &RunBar::zeroPressed);
     connect(cmdShutter_, &QPushButton::clicked, this, &RunBar::shutterPressed);
     connect(cmdStartStop_, &QPushButton::clicked, this, &RunBar::startStopPressed);
@@ -85,12 +88,15 @@ RunBar::RunBar(QWidget* parent)
     setTabOrder(cmdZero_, cmdShutter_);
     setTabOrder(cmdShutter_, cmdStartStop_);
     applyTheme();
+    setAccessibleRole(*this, QAccessible::Grouping);
+    setAccessibleName(QStringLiteral("Run"));
 }
 
 QWidget* RunBar::buildRunRow() {
     auto* rowWidget = new QWidget(this);
     lblFilm_ = new QLabel(QStringLiteral("Film"), rowWidget);
-    cboFilms_ = new QComboBox(rowWidget);
+    mrkFilm_ = new WarnMark(rowWidget);
+    cboFilms_ = new PickList(rowWidget);
     lblNotice_ = new NoticePlate(rowWidget);
     cmdZero_ = new QPushButton(QStringLiteral("Zero"), rowWidget);
     cmdShutter_ = new QPushButton(QStringLiteral("Open Shutter"), rowWidget);
@@ -101,6 +107,7 @@ QWidget* RunBar::buildRunRow() {
     design(cmdZero_, "cmdZero", "Zero DRX-9 thickness.");
     design(cmdShutter_, "cmdShutter", "Open/Close DRX-9 shutter & start graphing.");
     design(cmdStartStop_, "cmdStartStop", "Start/Stop graphing.");
+    mrkFilm_->setObjectName(QStringLiteral("mrkFilm"));
     lblFilm_->setBuddy(cboFilms_);
     cboFilms_->setAccessibleName(QStringLiteral("Film"));
     cboFilms_->setMaxVisibleItems(20);
@@ -110,7 +117,9 @@ QWidget* RunBar::buildRunRow() {
     row->setContentsMargins(kMargin, 0, kRightMargin - StartStopButton::kRing, 0);
     row->setSpacing(0);
     row->addWidget(lblFilm_);
-    row->addSpacing(8);
+    row->addSpacing(kMarkGap);
+    row->addWidget(mrkFilm_);
+    row->addSpacing(kMarkGap);
     row->addWidget(cboFilms_);
     row->addSpacing(kMargin);
     row->addWidget(lblNotice_, 1);
@@ -158,7 +167,7 @@ void RunBar::showFacts(const Facts& facts) {
     setDownIfDiffers(cmdShutter_, facts.shutterDown, shown_.shutterDown);
     setDownIfDiffers(cmdStartStop_, facts.startStopDown, shown_.startStopDown);
     placeFocus(comesOnLine, startsRun);
-    setEnabledIfDiffers(cboFilms_, !facts.filmsLocked);
+    allow(facts);
     shown_ = facts;
     shown_.films = {};
 }
@@ -171,9 +180,13 @@ void RunBar::showFilms(const Facts& facts) {
             cboFilms_->addItem(QString::fromStdString(name));
         }
     }
+    if (cboFilms_->placeholderText() != facts.filmName) { // first: an empty one makes Qt choose an entry
+        cboFilms_->setPlaceholderText(facts.filmName);
+    }
     if (cboFilms_->currentIndex() != facts.filmIndex) {
         cboFilms_->setCurrentIndex(facts.filmIndex);
     }
+    mrkFilm_->setExplanation(facts.onLine ? facts.filmMark : QString());
 }
 
 void RunBar::placeFocus(bool comesOnLine, bool startsRun) {
@@ -182,6 +195,20 @@ void RunBar::placeFocus(bool comesOnLine, bool startsRun) {
     }
     if (startsRun && (focusIsSpare() || window()->focusWidget() == cboFilms_)) { // the list gets locked now
         cmdStartStop_->setFocus();
+    }
+}
+
+/// A hold takes the focus out of the bar and gives it back.
+void RunBar::allow(const Facts& facts) {
+    if (facts.held && !shown_.held) {
+        focusBeforeHold_ = isAncestorOf(window()->focusWidget()) ? window()->focusWidget() : nullptr;
+    }
+    setEnabledIfDiffers(cboFilms_, !facts.filmsLocked && !facts.held);
+    for (QPushButton* button : {cmdZero_, cmdShutter_, static_cast<QPushButton*>(cmdStartStop_)}) {
+        setEnabledIfDiffers(button, !facts.held);
+    }
+    if (!facts.held && shown_.held && focusBeforeHold_ != nullptr && focusIsSpare()) {
+        focusBeforeHold_->setFocus();
     }
 }
 
@@ -247,6 +274,8 @@ void RunBar::changeEvent(QEvent* event) {
 void RunBar::applyTheme() {
     const Theme theme = Theme::of(QApplication::palette());
     QPalette films;
+    films.setColor(QPalette::PlaceholderText, theme.text);
+    films.setColor(QPalette::Disabled, QPalette::PlaceholderText, theme.muted);
     for (const QPalette::ColorRole role : {QPalette::Text, QPalette::ButtonText, QPalette::WindowText}) {
         films.setColor(QPalette::Disabled, role, theme.muted);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 
@@ -7,16 +8,16 @@
 #include <string>
 #include <vector>
 
-class QComboBox;
 class QHBoxLayout;
 class QLabel;
 class QPushButton;
 
 namespace drx9 {
 
-class MarkLabel;
 class NoticePlate;
+class PickList;
 class StartStopButton;
+class WarnMark;
 struct StepMeasures;
 
 /// The main window's bar: film list, notice plate, Zero, shutter, START/STOP; off line a row of words in
@@ -29,9 +30,12 @@ public:
         bool onLine = false;
         bool running = false;
         bool filmsLocked = false;
-        std::span<const std::string> films; ///< UTF-8; read in showFacts() only
-        int filmIndex = -1;                 ///< -1 none
-        std::string shutterCaption;
+        std::span<const std::string> films = {}; ///< UTF-8; read in showFacts() only
+        int filmIndex = -1;                      ///< -1 none
+        QString filmName = {}; ///< of the film in use, shown where the list does not hold it
+        QString filmMark = {}; ///< why that film is not sure; empty: the instrument confirmed it
+        bool held = false;     ///< a window has paused the polling: nothing would carry a request out
+        std::string shutterCaption = {};
         // A button whose request waits stays down.
         bool zeroDown = false;
         bool shutterDown = false;
@@ -73,11 +77,13 @@ private:
     QWidget* buildOffLineRow();
     void showFilms(const Facts& facts);
     void placeFocus(bool comesOnLine, bool startsRun);
+    void allow(const Facts& facts);
     [[nodiscard]] bool focusIsSpare() const;
     void applyTheme();
 
     QLabel* lblFilm_ = nullptr;
-    QComboBox* cboFilms_ = nullptr;
+    WarnMark* mrkFilm_ = nullptr;
+    PickList* cboFilms_ = nullptr;
     NoticePlate* lblNotice_ = nullptr;
     QPushButton* cmdZero_ = nullptr;
     QPushButton* cmdShutter_ = nullptr;
@@ -85,6 +91,7 @@ private:
     QWidget* offLineRow_ = nullptr;
     QLabel* offLineHint_ = nullptr;
     const QWidget* spareFocus_ = nullptr;
+    QPointer<QWidget> focusBeforeHold_;
     std::vector<std::string> shownFilms_;
     Facts shown_;
 };

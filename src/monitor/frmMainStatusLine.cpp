@@ -17,6 +17,7 @@ struct FieldDesign {
 constexpr std::array<FieldDesign, StatusLine::kFields> kDesigns{{{"staLink", false},
                                                                  {"staReply", true},
                                                                  {"staRun", true},
+                                                                 {"staRequest", true},
                                                                  {"staShutter", true},
                                                                  {"staMode", true},
                                                                  {"staLog", false}}};

@@ -21,7 +21,7 @@ public:
         MarkLabel::Tone tone = MarkLabel::Tone::Plain;
         bool operator==(const Text&) const = default;
     };
-    enum Field : std::size_t { Link, Reply, Run, Shutter, Mode, Log, kFields };
+    enum Field : std::size_t { Link, Reply, Run, Request, Shutter, Mode, Log, kFields };
     using Facts = std::array<Text, kFields>;
 
     explicit StatusLine(QWidget* parent);

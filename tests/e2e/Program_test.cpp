@@ -1,10 +1,11 @@
 // The whole program against the simulated instrument, over every link.
 #include "app/Program.h"
-#include "platform/os/OsFilePort.h"
 #include "controls/MarkLabel.h"
 #include "controls/NoticePlate.h"
+#include "platform/os/OsFilePort.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
@@ -171,8 +172,10 @@ TEST_P(OnEveryLink, ADayAtTheInstrument) {
     ASSERT_TRUE(waitFor([&] { return onLine(); }));
     EXPECT_EQ(program->window().windowTitle(), "DRX9 Comm - [Ver. 4.12]");
 
-    QTest::keyClick(&films(), Qt::Key_Down);
-    QTest::keyClick(&films(), Qt::Key_Down);
+    QTest::keyClick(&films(), Qt::Key_F4);
+    for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}) {
+        QTest::keyClick(films().view(), key);
+    }
     EXPECT_TRUE(waitFor([&] { return ask("count D3") == "1"; }));
     find<QAction>("mnuSensorFreq").trigger();
     for (const char* sensor :

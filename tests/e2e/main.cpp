@@ -1,6 +1,7 @@
 // The tests run inside the application's event loop, as the program does.
-#include "platform/qt/EventLoopChoice.h"
 #include "controls/Theme.h"
+#include "fakes/CriticalMessages.h"
+#include "platform/qt/EventLoopChoice.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -16,6 +17,7 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     drx9::applyDesktopTheme(app);
+    drx9::CriticalMessages::failTests();
     QTimer::singleShot(0, &app, [] { QApplication::exit(RUN_ALL_TESTS()); });
     return QApplication::exec();
 }

@@ -8,11 +8,13 @@
 #include "controls/Theme.h"
 #include "monitor/frmDataLog.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QLabel>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QSet>
+#include <QWheelEvent>
 
 namespace drx9 {
 namespace {
@@ -123,10 +125,32 @@ TEST_F(MainWindow, ButtonsRaiseRequestsAndStayDownUntilTheyAreCarriedOut) {
 
 TEST_F(MainWindow, OnlyTheOperatorsChoiceOfAFilmIsARequest) {
     bringUp();
+    auto* list = find<QComboBox>("cboFilms");
+    list->setFocus();
+    for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_PageDown, Qt::Key_End, Qt::Key_Home}) {
+        QTest::keyClick(list, key);
+        EXPECT_EQ(list->currentIndex(), 0) << key;
+    }
+    QWheelEvent wheel(QPointF(5, 5), list->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(list, &wheel);
+    EXPECT_EQ(list->currentIndex(), 0);
     EXPECT_FALSE(monitor.requests().waiting().film);
-    QTest::keyClick(find<QComboBox>("cboFilms"), Qt::Key_Down);
-    EXPECT_TRUE(monitor.requests().waiting().film);
-    EXPECT_EQ(requestsOfTick().front(), "D2");
+    const std::pair<Qt::Key, const char*> ways[] = {{Qt::Key_F4, "D2"}, {Qt::Key_Space, "D3"}};
+    for (const auto& [open, command] : ways) {
+        QTest::keyClick(list, open);
+        ASSERT_TRUE(list->view()->isVisible());
+        QTest::keyClick(list->view(), Qt::Key_Down);
+        EXPECT_FALSE(monitor.requests().waiting().film) << "only looked at";
+        QTest::keyClick(list->view(), Qt::Key_Return);
+        EXPECT_TRUE(monitor.requests().waiting().film);
+        EXPECT_EQ(requestsOfTick().front(), command);
+    }
+    QTest::keyClicks(list, "F"); // typed: the opened list looks for it
+    ASSERT_TRUE(list->view()->isVisible());
+    QTest::keyClicks(list->view(), "ILM_9");
+    QTest::keyClick(list->view(), Qt::Key_Return);
+    EXPECT_EQ(requestsOfTick().front(), "D9");
 }
 
 TEST_F(MainWindow, ARunLocksSetupAndTurnsTheButtonRed) {
@@ -193,10 +217,103 @@ TEST_F(MainWindow, ViewItemsFollowWhatIsShownNotTheClick) {
     {
         const ActionQueue::Scope exchange(actions);
         choose("mnuGraphAvgRate");
-        EXPECT_FALSE(find<QAction>("mnuGraphAvgRate")->isChecked()) << "in mid-exchange it waits";
+        EXPECT_TRUE(find<QAction>("mnuGraphAvgRate")->isChecked());
+        choose("mnuSensorThick");
+        EXPECT_EQ(textOf("LblData_3"), "Thick 1 (kA)");
+    }
+}
+
+TEST_F(MainWindow, InMidExchangeWindowsOpenAtOnceAndWhatTalksWaits) {
+    bringUp();
+    {
+        const ActionQueue::Scope exchange(actions);
+        choose("mnuFileLog");
+        EXPECT_NE(window->findChild<frmDataLog*>(), nullptr);
+        for (const char* name : {"mnuSetupGraphs", "mnuHelpHelp"}) {
+            boxes.expectShow("Not in this build.");
+            choose(name);
+            EXPECT_TRUE(boxes.allCame()) << name;
+        }
+        choose("mnuSetupFilms");
+        choose("mnuSetupSystem");
+        choose("mnuSetupComm");
+        EXPECT_EQ(boxes.shown().size(), 2u);
+        find<QAction>("mnuSetupFilms")->setEnabled(false); // as when a run has begun meanwhile
+    }
+    boxes.expectShow("Not in this build."); // System's stands for a window that holds the others up
+    boxes.expectShow("Not in this build.");
+    pump.runPosted();
+    EXPECT_EQ(boxes.shown().size(), 4u) << "an item that is locked at its turn is dropped";
+    choose("mnuSetupFilms");
+    EXPECT_EQ(boxes.shown().size(), 4u);
+}
+
+TEST_F(MainWindow, AModalWindowRefusesThePlainCloseAndDropsWhatWaits) {
+    bringUp();
+    QDialog modal(window.get());
+    {
+        const ActionQueue::Scope exchange(actions);
+        choose("mnuSetupSystem");
+        modal.setModal(true);
+        modal.show();
     }
     pump.runPosted();
-    EXPECT_TRUE(find<QAction>("mnuGraphAvgRate")->isChecked());
+    EXPECT_TRUE(boxes.shown().empty());
+    window->close();
+    pump.runPosted();
+    EXPECT_TRUE(window->isVisible());
+    modal.close();
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(MainWindow, AWindowThatHoldsTheTimerLocksTheRunBar) {
+    bringUp();
+    find<QWidget>("cmdShutter")->setFocus();
+    {
+        const PollTimer::Hold hold(timer, "System Parameters is open");
+        window->changed();
+        for (const char* name : {"cboFilms", "cmdZero", "cmdShutter", "cmdStartStop"}) {
+            EXPECT_FALSE(find<QWidget>(name)->isEnabled()) << name;
+        }
+        for (const Qt::Key key : {Qt::Key_F7, Qt::Key_F8, Qt::Key_F9}) {
+            QTest::keyClick(window.get(), key, Qt::ShiftModifier);
+        }
+        const Requests& requests = monitor.requests().waiting();
+        EXPECT_FALSE(requests.zero || requests.shutter || requests.startStop);
+    }
+    window->changed();
+    EXPECT_TRUE(find<QWidget>("cmdZero")->isEnabled());
+    EXPECT_EQ(window->focusWidget(), find<QWidget>("cmdShutter")) << "the focus comes back";
+}
+
+TEST(RunBarPanel, ShowsAFilmThatTheListDoesNotHoldAndMarksIt) {
+    RunBar bar(nullptr);
+    bar.setStep(measuresOf(SizeStep::S));
+    EXPECT_LE(bar.minimumSizeHint().width(), 940);
+    bar.show();
+    const std::vector<std::string> films{"ALUM_5K", "CHROME"};
+    auto* list = bar.findChild<QComboBox*>("cboFilms");
+    auto* mark = bar.findChild<QWidget*>("mrkFilm");
+    const int left = list->x();
+    const struct {
+        int index;
+        const char* name;
+        const char* mark;
+    } cases[] = {{0, "ALUM_5K", ""}, {-1, "GOLD", "Not confirmed"}, {-1, "", ""}, {1, "CHROME", "No reply"}};
+    for (const auto& c : cases) {
+        bar.showFacts({.started = true,
+                       .onLine = true,
+                       .films = films,
+                       .filmIndex = c.index,
+                       .filmName = QString::fromLatin1(c.name),
+                       .filmMark = QString::fromLatin1(c.mark)});
+        EXPECT_EQ(list->currentIndex(), c.index) << c.name;
+        EXPECT_EQ(list->placeholderText().toStdString(), c.name);
+        EXPECT_EQ(mark->isVisible(), c.mark[0] != 0) << c.name;
+        EXPECT_EQ(mark->toolTip().toStdString(), c.mark);
+        EXPECT_EQ(list->x(), left) << "nothing moves by itself";
+    }
 }
 
 TEST_F(MainWindow, ClosingWaitsForTheExchangeInHand) {

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QWidget>
+
+namespace drx9 {
+
+/// A warning triangle alone. What it means is its tooltip, and what a screen reader says; with nothing to say
+/// it is hidden and keeps its place.
+class WarnMark : public QWidget {
+    Q_OBJECT
+public:
+    explicit WarnMark(QWidget* parent = nullptr);
+
+    void setExplanation(const QString& text);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace drx9

@@ -17,12 +17,6 @@ SpinnerScale rangingScale(double value) {
     return value >= kSwitch && value * kCoarse.multiplier <= kCoarse.most ? kCoarse : kFine;
 }
 
-std::string plain(double value, const NumberLocale& locale) {
-    std::string text = plainNumber(value);
-    std::replace(text.begin(), text.end(), '.', locale.decimal);
-    return text;
-}
-
 std::optional<double> typedNumber(std::string_view text) {
     std::string number(text);
     std::replace(number.begin(), number.end(), ',', '.');
@@ -31,6 +25,12 @@ std::optional<double> typedNumber(std::string_view text) {
     return parseLocaleNumber(number, onlyDecimal);
 }
 } // namespace
+
+std::string plainText(double value, const NumberLocale& locale) {
+    std::string text = plainNumber(value);
+    std::replace(text.begin(), text.end(), '.', locale.decimal);
+    return text;
+}
 
 SpinnerField::SpinnerField(const SpinnerRange& range)
     : range_(range)
@@ -108,18 +108,18 @@ bool SpinnerField::isExact() const {
     return touched_ || plainNumber(shown()) == plainNumber(stored_);
 }
 
-std::string SpinnerField::text(const NumberLocale& locale) const {
-    return plain(shown(), locale);
+std::string SpinnerField::textOf(int position, const NumberLocale& locale) const {
+    return plainText(static_cast<double>(position) / scale_.multiplier, locale);
 }
 
 std::string SpinnerField::storedText(const NumberLocale& locale) const {
-    return plain(stored_, locale);
+    return plainText(stored_, locale);
 }
 
 std::string SpinnerField::rangeText(const NumberLocale& locale) const {
     const SpinnerScale& top = range_.ranging ? kCoarse : range_.scale;
-    return plain(static_cast<double>(top.least) / top.multiplier, locale) + " to " +
-           plain(static_cast<double>(top.most) / top.multiplier, locale);
+    return plainText(static_cast<double>(top.least) / top.multiplier, locale) + " to " +
+           plainText(static_cast<double>(top.most) / top.multiplier, locale);
 }
 
 } // namespace drx9

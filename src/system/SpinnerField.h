@@ -21,6 +21,9 @@ struct SpinnerRange {
     bool ranging = false; ///< switches between a fine and a coarse scale; the two above are then not used
 };
 
+/// Plain number-to-text conversion with the locale's decimal sign.
+std::string plainText(double value, const NumberLocale& locale);
+
 /// One number of the system parameters window: the value that the record holds and the spinner that shows it.
 ///
 /// A spinner cannot show every value (out of range, more decimals than its step). Until the operator touches
@@ -54,7 +57,9 @@ public:
     [[nodiscard]] double value() const { return touched_ ? shown() : stored_; }
 
     /// The shown value in plain form with the locale's decimal sign: ".25", "10".
-    [[nodiscard]] std::string text(const NumberLocale& locale) const;
+    [[nodiscard]] std::string text(const NumberLocale& locale) const { return textOf(position_, locale); }
+    /// Another position of the present scale.
+    [[nodiscard]] std::string textOf(int position, const NumberLocale& locale) const;
     /// The record's value in the same form.
     [[nodiscard]] std::string storedText(const NumberLocale& locale) const;
     /// What may be typed: ".01 to 99.99".

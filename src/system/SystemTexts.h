@@ -8,9 +8,10 @@ namespace drx9 {
 
 /// Texts of the system parameters window that tell something, apart from its captions.
 namespace systemText {
+inline constexpr const char* kHoldReason = "System Parameters is open";
 inline constexpr const char* kFrequenciesTooClose = "Min. Freq too close to Max Freq.";
 inline constexpr const char* kChanged = "Changed here, not sent to the DRX-9 yet";
-inline constexpr const char* kNotRead = "Not read. Save overwrites the DRX-9's values.";
+inline constexpr const char* kNotRead = "Not read from the DRX-9. Save overwrites its values.";
 inline constexpr const char* kSending = "Sending";
 inline constexpr const char* kSent = "Sent "; ///< then the time of day
 inline constexpr const char* kFirstRecord = "First record";

@@ -21,6 +21,7 @@ class frmSystem::Sending {
 public:
     explicit Sending(frmSystem& window)
         : window_(&window) {
+        window.closeWanted_ = false;
         window.state_.sending = true;
         window.showState();
     }
@@ -116,7 +117,7 @@ void frmSystem::showState() {
     lblState_->setToolTip(text);
 }
 
-void frmSystem::number_Change(const Number& number) {
+void frmSystem::numberChanged(const Number& number) {
     state_.refused.clear();
     saveSpoiled_ = false;
     if (fields_.keepFrequenciesApart(number.parameter)) {
@@ -127,7 +128,7 @@ void frmSystem::number_Change(const Number& number) {
     showState();
 }
 
-void frmSystem::number_Refused(const Number& number) {
+void frmSystem::numberRefused(const Number& number) {
     state_.refused = number.label.toStdString() + systemText::kTakes +
                      number.field->rangeText(parts_.locale) + (number.unit.empty() ? "" : " " + number.unit);
     // A press on Save that made the operator leave the field does not send the number that stood before.

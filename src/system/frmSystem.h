@@ -95,8 +95,8 @@ private:
     void cmdRead_Click();
     void cmdSave_Click();
     void cmdOK_Click();
-    void number_Change(const Number& number);
-    void number_Refused(const Number& number);
+    void numberChanged(const Number& number);
+    void numberRefused(const Number& number);
     void optMode_Click(Mode& mode, bool on);
     bool finishTyped();
     void tellTooClose();

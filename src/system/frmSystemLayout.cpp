@@ -81,8 +81,8 @@ void frmSystem::buildNumber(QGridLayout& grid, const Row& row, const QString& to
     numbers_.push_back(std::make_unique<Number>(
         Number{row.field, box, mark, row.label, row.unit, parameter ? row.index : -1}));
     const Number& number = *numbers_.back();
-    connect(box, &SystemSpinBox::edited, this, [this, &number] { number_Change(number); });
-    connect(box, &SystemSpinBox::refused, this, [this, &number] { number_Refused(number); });
+    connect(box, &SystemSpinBox::edited, this, [this, &number] { numberChanged(number); });
+    connect(box, &SystemSpinBox::refused, this, [this, &number] { numberRefused(number); });
 }
 
 QGroupBox* frmSystem::buildGroup(const char* name, const char* caption, const std::vector<Row>& rows,

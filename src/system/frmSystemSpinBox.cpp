@@ -13,12 +13,10 @@ constexpr int kMostCharacters = 12;
 }
 
 SystemSpinBox::SystemSpinBox(SpinnerField& field, const NumberLocale& locale, QWidget* parent)
-    : QSpinBox(parent)
+    : SpinBox(parent)
     , field_(field)
     , locale_(locale) {
-    setKeyboardTracking(false);
     setAlignment(Qt::AlignRight);
-    setFocusPolicy(Qt::StrongFocus);
     lineEdit()->setMaxLength(kMostCharacters);
     // From elsewhere: an assistive tool sets the value itself.
     connect(this, &QSpinBox::valueChanged, this, [this](int value) {
@@ -29,23 +27,19 @@ SystemSpinBox::SystemSpinBox(SpinnerField& field, const NumberLocale& locale, QW
     refresh();
 }
 
-void SystemSpinBox::setNames(const QString& spinner, const QString& text, const QString& accessible) {
-    setObjectName(spinner);
-    setAccessibleName(accessible);
-    lineEdit()->setObjectName(text);
-    lineEdit()->setAccessibleName(accessible);
-}
-
 void SystemSpinBox::refresh() {
     const QSignalBlocker blocker(this);
-    setRange(field_.minimum(), field_.maximum());
+    if (minimum() != field_.minimum() || maximum() != field_.maximum()) {
+        setRange(field_.minimum(), field_.maximum()); // lets go of a pressed arrow: only with the scale
+    }
     setValue(field_.position());
     lineEdit()->setModified(false);
 }
 
 bool SystemSpinBox::typed() const {
-    // A text that an assistive tool puts in is no modification.
-    return lineEdit()->isModified() || lineEdit()->text() != textFromValue(value());
+    // What is shown already may be typed once more, and then it is meant; a text that an assistive tool puts
+    // in is no modification.
+    return lineEdit()->isModified() || isTyping();
 }
 
 bool SystemSpinBox::finish() {
@@ -93,33 +87,21 @@ QValidator::State SystemSpinBox::validate(QString& text, int&) const {
 }
 
 QAbstractSpinBox::StepEnabled SystemSpinBox::stepEnabled() const {
-    return held_ ? StepEnabled(StepNone) : QSpinBox::stepEnabled();
+    return held_ ? StepEnabled(StepNone) : SpinBox::stepEnabled();
 }
 
 void SystemSpinBox::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         finish();
     }
-    QSpinBox::keyPressEvent(event);
+    SpinBox::keyPressEvent(event);
 }
 
 void SystemSpinBox::focusOutEvent(QFocusEvent* event) {
-    if (event->reason() == Qt::ActiveWindowFocusReason || event->reason() == Qt::PopupFocusReason) {
-        // Not left: what is half typed stays. The base would take it.
-        lineEdit()->event(event);
-        QWidget::focusOutEvent(event);
-        return;
+    if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason) {
+        finish();
     }
-    finish();
-    QSpinBox::focusOutEvent(event);
-}
-
-void SystemSpinBox::wheelEvent(QWheelEvent* event) {
-    if (hasFocus()) {
-        QSpinBox::wheelEvent(event);
-    } else {
-        event->ignore(); // a parameter never changes under a passing wheel
-    }
+    SpinBox::focusOutEvent(event);
 }
 
 } // namespace drx9

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "controls/SpinBox.h"
 #include "system/SpinnerField.h"
-
-#include <QSpinBox>
 
 namespace drx9 {
 
@@ -10,14 +9,12 @@ namespace drx9 {
 /// with either decimal sign. What is typed counts when the box is left for another control of its window,
 /// with Enter, with a step, or when finish() is called; a number that the field does not take leaves it as it
 /// was.
-class SystemSpinBox : public QSpinBox {
+class SystemSpinBox : public SpinBox {
     Q_OBJECT
 public:
     /// The field and the locale outlive the box.
     SystemSpinBox(SpinnerField& field, const NumberLocale& locale, QWidget* parent);
 
-    /// Object names of the box and of its text, and what a screen reader calls both.
-    void setNames(const QString& spinner, const QString& text, const QString& accessible);
     /// Shows the field after it was filled or pushed. Says nothing.
     void refresh();
     /// Takes what is typed. False when the field refused it.
@@ -38,7 +35,6 @@ protected:
     [[nodiscard]] StepEnabled stepEnabled() const override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
-    void wheelEvent(QWheelEvent* event) override;
 
 private:
     [[nodiscard]] bool typed() const;

@@ -167,6 +167,16 @@ TEST_F(SystemWindow, KeysStepAndTypeOverBothScales) {
     EXPECT_EQ(state(), "");
 }
 
+TEST_F(SystemWindow, APressedArrowGoesOn) {
+    record.ThickMax = 9.999;
+    open();
+    QSpinBox* box = spin("spnSysParam_6");
+    const QPoint down(box->width() - 12, box->height() - 8);
+    QTest::mousePress(box, Qt::LeftButton, {}, down);
+    EXPECT_TRUE(QTest::qWaitFor([box] { return box->value() < 9997; }));
+    QTest::mouseRelease(box, Qt::LeftButton, {}, down);
+}
+
 TEST_F(SystemWindow, FrequenciesPushEachOtherAndTellOnce) {
     record.FreqMax = 5.1;
     open();

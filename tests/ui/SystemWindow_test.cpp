@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace drx9 {
 namespace {
 
@@ -40,7 +42,7 @@ struct FakeSystemRecord : SystemRecordAccess {
 };
 
 class SystemWindow : public testing::Test, protected LinkBench {
-protected:
+public:
     SystemWindow()
         : LinkBench(2) {
         link.setCommOK(true);
@@ -94,40 +96,33 @@ protected:
 TEST_F(SystemWindow, TabsThroughEveryControlByItsName) {
     open();
     const char* const analog = "Analog output option settings.";
-    const char* const tooling = "Overall tooling factor for each sensor.";
-    struct Stop {
-        const char* name;
-        const char* accessible;
-        const char* toolTip;
-    };
-    const std::vector<Stop> stops{{"spnSysParam_0", "Timebase, s", ""},
-                                  {"spnRateFilt", "Filter", ""},
-                                  {"spnSysParam_1", "Min Frequency, MHz", ""},
-                                  {"spnSysParam_2", "Max Frequency, MHz", ""},
-                                  {"spnSysParam_4", "Max Rate, A/s", analog},
-                                  {"spnSysParam_3", "Min Rate, A/s", analog},
-                                  {"spnSysParam_5", "Min Thickness, kA", analog},
-                                  {"spnSysParam_6", "Max Thickness, kA", analog},
-                                  {"spnXTool_1", "Crystal 1", tooling},
-                                  {"spnXTool_2", "Crystal 2", tooling},
-                                  {"spnXTool_3", "Crystal 3", tooling},
-                                  {"spnXTool_4", "Crystal 4", tooling},
-                                  {"spnXTool_5", "Crystal 5", tooling},
-                                  {"spnXTool_6", "Crystal 6", tooling},
-                                  {"optEtchMode_0", "Etch Mode, Off", "Reverses thickness/rate sense."},
-                                  {"optRateRes_1", "Rate Resolution, High", ""},
-                                  {"optFreqDisp_0", "Freq Display, Off", ""},
-                                  {"optSimMode_0", "Simulate Mode, Off", "Enable/disable sensor simulation."},
-                                  {"cmdRead", "Read", "Read the DRX-9 system parameters."},
-                                  {"cmdSave", "Save", "Send system parameters to the DRX-9."},
-                                  {"cmdOK", "Close", "Close form."}};
+    using Stop = std::array<std::string, 3>; // object name, accessible name, tooltip
+    std::vector<Stop> stops{{"spnSysParam_0", "Timebase, s", ""},
+                            {"spnRateFilt", "Filter", ""},
+                            {"spnSysParam_1", "Min Frequency, MHz", ""},
+                            {"spnSysParam_2", "Max Frequency, MHz", ""},
+                            {"spnSysParam_4", "Max Rate, A/s", analog},
+                            {"spnSysParam_3", "Min Rate, A/s", analog},
+                            {"spnSysParam_5", "Min Thickness, kA", analog},
+                            {"spnSysParam_6", "Max Thickness, kA", analog},
+                            {"optEtchMode_0", "Etch Mode, Off", "Reverses thickness/rate sense."},
+                            {"optRateRes_1", "Rate Resolution, High", ""},
+                            {"optFreqDisp_0", "Freq Display, Off", ""},
+                            {"optSimMode_0", "Simulate Mode, Off", "Enable/disable sensor simulation."},
+                            {"cmdRead", "Read", "Read the DRX-9 system parameters."},
+                            {"cmdSave", "Save", "Send system parameters to the DRX-9."},
+                            {"cmdOK", "Close", "Close form."}};
+    for (int crystal = 6; crystal >= 1; --crystal) {
+        const std::string number = std::to_string(crystal);
+        stops.insert(stops.begin() + 8,
+                     {"spnXTool_" + number, "Crystal " + number, "Overall tooling factor for each sensor."});
+    }
     for (const Stop& stop : stops) {
         QWidget* focus = window->focusWidget();
-        ASSERT_NE(focus, nullptr);
-        EXPECT_EQ(focus->objectName().toStdString(), stop.name);
         const QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(focus);
-        EXPECT_EQ(accessible->text(QAccessible::Name).toStdString(), stop.accessible);
-        EXPECT_EQ(accessible->text(QAccessible::Description).toStdString(), stop.toolTip) << stop.name;
+        EXPECT_EQ((Stop{focus->objectName().toStdString(), accessible->text(QAccessible::Name).toStdString(),
+                        accessible->text(QAccessible::Description).toStdString()}),
+                  stop);
         QTest::keyClick(focus, Qt::Key_Tab);
     }
     for (const QPushButton* button : window->findChildren<QPushButton*>()) {
@@ -234,7 +229,9 @@ TEST_F(SystemWindow, AFailedSaveTellsWhichRecord) {
             link.setCommOK(false);
         }
         wire().forget();
+        pump.atPump(1, [this] { click("cmdOK"); }); // not closed, or nobody would see the reason
         click("cmdSave");
+        EXPECT_TRUE(window->isVisible());
         EXPECT_EQ(wire().commands(), c.sent);
         EXPECT_EQ(state(), c.state);
         EXPECT_EQ(record.Timebase, 0.26) << "the program's record holds it all the same";
@@ -260,6 +257,9 @@ TEST_F(SystemWindow, WhatIsNotShownExactlyIsMarkedAndKept) {
 TEST_F(SystemWindow, ARefusedNumberStopsTheSaveThatItCameWith) {
     open();
     type("spnSysParam_0", "200");
+    owner.activateWindow(); // another window in front: still being typed
+    QCoreApplication::processEvents();
+    EXPECT_EQ(text("spnSysParam_0"), "200");
     click("cmdSave");
     EXPECT_TRUE(wire().commands().empty());
     EXPECT_EQ(state(), "Timebase takes .01 to 99.99 s");
@@ -306,28 +306,6 @@ TEST_F(SystemWindow, MayGoInTheMidstOfASave) {
     pump.atPump(2, [this] { delete window.data(); });
     find<QPushButton>("cmdSave")->click();
     EXPECT_EQ(wire().commands().size(), 2U);
-}
-
-TEST_F(SystemWindow, CloseInAFailingSaveLeavesTheReasonToBeSeen) {
-    open();
-    silent = 'B';
-    pump.atPump(2, [this] { click("cmdOK"); });
-    click("cmdSave");
-    EXPECT_TRUE(window->isVisible());
-    EXPECT_EQ(state(), "First record not accepted: Timeout");
-    click("cmdOK");
-    EXPECT_FALSE(window->isVisible());
-}
-
-TEST_F(SystemWindow, HalfTypedStaysUnderAnotherWindow) {
-    open();
-    type("spnSysParam_0", "1.");
-    QWidget other;
-    other.show();
-    other.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
-    EXPECT_EQ(text("spnSysParam_0"), "1.");
-    EXPECT_EQ(state(), "");
 }
 
 } // namespace

@@ -19,7 +19,7 @@ bool isProduct(UsbBridge& bridge, std::uint32_t index) {
 }
 
 std::string counted(int count, const std::string& noun) {
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+    return (count == 0 ? "No" : std::to_string(count)) + " " + noun + (count < 2 ? "" : "s");
 }
 
 /// First character of well-formed UTF-8 that Windows-1252 does not hold; empty when it holds all.

@@ -84,7 +84,11 @@ frmComm::frmComm(const CommWindowParts& parts, QWidget* owner)
     devices_.start(kDevicesMs);
 }
 
-frmComm::~frmComm() = default;
+/// Where the owner goes first: a field that still has the focus is left in the base class's destructor.
+frmComm::~frmComm() {
+    txtEAddr_->disconnect(this);
+    txtEport_->disconnect(this);
+}
 
 void frmComm::Form_Load() {
     parts_.setup.linkSetupOpened();

@@ -22,8 +22,9 @@ namespace drx9 {
 
 namespace {
 constexpr int kListWidth = 160;
-constexpr int kNoteWidth = 184; ///< beside a list
-constexpr int kPortWidth = 72;  ///< five digits
+constexpr int kGap = 8;
+constexpr const char* kLongNote = "0A7C21 is set: choose one"; ///< the room beside a list
+constexpr int kPortWidth = 72;                                 ///< five digits
 constexpr int kButtonWidth = 92;
 constexpr int kRowHeight = 28;
 constexpr int kStateLines = 3; ///< the longest reason, with the command that mends it
@@ -59,11 +60,15 @@ protected:
     }
 };
 
+int noteWidth(const QWidget* page) {
+    return page->fontMetrics().horizontalAdvance(QString::fromLatin1(kLongNote)) + 2;
+}
+
 QLabel* note(const char* name, QWidget* page) {
     auto* label = new QLabel(page);
     label->setObjectName(QString::fromLatin1(name));
     label->setForegroundRole(kMutedRole);
-    label->setFixedWidth(kNoteWidth);
+    label->setFixedWidth(noteWidth(page));
     return label;
 }
 
@@ -85,8 +90,8 @@ QLineEdit* field(const char* name, const char* toolTip, QLabel* label, QWidget* 
 QGridLayout* pageLayout(QWidget* page) {
     auto* grid = new QGridLayout(page);
     grid->setContentsMargins(0, 0, 0, 0);
-    grid->setHorizontalSpacing(8);
-    grid->setVerticalSpacing(8);
+    grid->setHorizontalSpacing(kGap);
+    grid->setVerticalSpacing(kGap);
     grid->setColumnStretch(3, 1);
     grid->setRowStretch(2, 1);
     return grid;
@@ -185,7 +190,7 @@ QWidget* frmComm::buildUsbPage() {
     connect(cboUSB_, &QComboBox::activated, this, &frmComm::cboUSB_Click);
     lblSerialNumber_ = note("lblSerialNumber", page);
     lblBridges_ = note("lblBridges", page);
-    lblBridges_->setFixedWidth(kListWidth + 8 + kNoteWidth);
+    lblBridges_->setFixedWidth(kListWidth + kGap + noteWidth(page));
     lblBridges_->setWordWrap(true);
     lblBridges_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     const int line = lblBridges_->fontMetrics().lineSpacing();
@@ -238,8 +243,8 @@ QWidget* frmComm::buildTerminal() {
     connect(cmdSend_, &QPushButton::clicked, this, &frmComm::cmdSend_Click);
     auto* grid = new QGridLayout(frame);
     grid->setContentsMargins(12, 12, 12, 12);
-    grid->setHorizontalSpacing(8);
-    grid->setVerticalSpacing(8);
+    grid->setHorizontalSpacing(kGap);
+    grid->setVerticalSpacing(kGap);
     grid->addWidget(lblCommand, 0, 0);
     grid->addWidget(txtSend_, 0, 1);
     grid->addWidget(cmdSend_, 0, 2);
@@ -259,7 +264,7 @@ QLayout* frmComm::buildBottom() {
     cmdOK_ = button("cmdOK", "&Close", "Close this form.");
     connect(cmdOK_, &QPushButton::clicked, this, &frmComm::reject);
     auto* row = new QHBoxLayout;
-    row->setSpacing(8);
+    row->setSpacing(kGap);
     row->addWidget(stateMark_);
     row->addWidget(lblState_, 1);
     row->addWidget(cmdOK_);

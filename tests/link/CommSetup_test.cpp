@@ -139,6 +139,7 @@ TEST(CommSetupTest, BridgesAreCountedWithoutOpeningThem) {
     usb.devices = {{"83f5", "A"}, {"EA60", "B"}, {"83F5", "C", false}};
     EXPECT_EQ(attachedBridges(usb), 2);
     EXPECT_TRUE(usb.handles().empty());
+    EXPECT_EQ(bridgeText(0, 0), "No DRX-9 bridge attached");
     EXPECT_EQ(bridgeText(1, 1), "1 DRX-9 bridge attached");
     EXPECT_EQ(bridgeText(1, 2), "2 DRX-9 bridges attached, 1 listed: press Find");
     EXPECT_EQ(serialNumberText(2, false, "0A7C21"), "0A7C21 is set: choose one");

@@ -144,6 +144,9 @@ CommState CommSetup::state(const LinkSettings& now, const Facts& facts) const {
     if (!sameLink(searched_, now)) {
         return {"Not tried yet: " + linkName(now) + ". Find looks for the instrument there.", Tone::Plain};
     }
+    if (facts.ok && !facts.open) {
+        return {"Off line: " + linkName(now) + " is no longer open", Tone::Alarm};
+    }
     if (facts.ok) {
         return {facts.version.empty() ? "On line" : "On line: Ver. " + facts.version, Tone::Plain};
     }
@@ -151,7 +154,7 @@ CommState CommSetup::state(const LinkSettings& now, const Facts& facts) const {
 }
 
 CommState CommSetup::silence(const LinkSettings& now, const Facts& facts) {
-    if (facts.ok) {
+    if (facts.ok && facts.open) {
         return {"No answer on " + linkName(now) + " to this command", CommState::Tone::Warn};
     }
     return {"Off line: no answer on " + linkName(now), CommState::Tone::Alarm};

@@ -59,6 +59,8 @@ public:
     struct Facts {
         bool ok = false;     ///< Link::CommOK
         std::string version; ///< Link::Comm_VersionText
+        bool open = true;    ///< port, device or socket of the chosen link
+        bool operator==(const Facts&) const = default;
     };
 
     /// `failure` is why the link is not on line; empty when unknown.

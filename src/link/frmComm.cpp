@@ -323,6 +323,9 @@ void frmComm::changeEvent(QEvent* event) {
 
 /// A box over the window has the common pointer, whatever waits below it.
 bool frmComm::event(QEvent* event) {
+    if (event->type() == QEvent::Show) {
+        say(state_); // only now its place is known
+    }
     const bool operates = busy_ && isVisible();
     if (operates && event->type() == QEvent::WindowBlocked) {
         QApplication::changeOverrideCursor(Qt::ArrowCursor);

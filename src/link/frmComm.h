@@ -83,6 +83,7 @@ private:
     void showUsb();
     void showState();
     void say(const CommState& state);
+    [[nodiscard]] QString fitted(const QString& text) const;
     void refillUsb();
     void followDevices();
     [[nodiscard]] CommSetup::Facts facts() const;
@@ -137,6 +138,7 @@ private:
     QWidget* stateMark_ = nullptr;
     QLabel* lblState_ = nullptr;
     CommState state_;
+    CommSetup::Facts shownFacts_; ///< when state_ was said
 };
 
 } // namespace drx9

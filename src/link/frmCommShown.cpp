@@ -25,7 +25,8 @@ void setShortened(QLabel* label, const std::string& text) {
 } // namespace
 
 CommSetup::Facts frmComm::facts() const {
-    return {parts_.link.CommOK(), parts_.link.Comm_VersionText()};
+    return {parts_.link.CommOK(), parts_.link.Comm_VersionText(),
+            parts_.transports.of(parts_.settings.CommType).isOpen()};
 }
 
 /// Why the last search failed, with what the bridge's port says to it.
@@ -81,24 +82,43 @@ void frmComm::followDevices() {
     case LinkPage::Ethernet:
         break;
     }
+    if (!(facts() == shownFacts_)) {
+        showState();
+    }
 }
 
 void frmComm::showState() {
     say(setup_.state(parts_.settings, facts()));
 }
 
+/// The text, without its middle where it is longer than its place.
+QString frmComm::fitted(const QString& text) const {
+    const QRect room(0, 0, lblState_->width(), QWIDGETSIZE_MAX);
+    QString shown = text;
+    for (qsizetype keep = text.size() - 1; keep > 1; --keep) {
+        const QRect needed = lblState_->fontMetrics().boundingRect(room, Qt::TextWordWrap, shown);
+        if (!isVisible() || needed.height() <= lblState_->height()) {
+            break;
+        }
+        shown = text.left(keep / 2) + QStringLiteral("\u2026") + text.right(keep - keep / 2);
+    }
+    return shown;
+}
+
 void frmComm::say(const CommState& state) {
     state_ = state;
+    shownFacts_ = facts();
     const Theme theme = Theme::of(palette());
     QPalette colours = lblState_->palette();
     colours.setColor(QPalette::WindowText, state.tone == CommState::Tone::Warn    ? theme.warn
                                            : state.tone == CommState::Tone::Alarm ? theme.alarm
                                                                                   : theme.muted);
     lblState_->setPalette(colours);
-    lblState_->setText(q(state.text));
-    lblState_->setToolTip(q(state.text));
     stateMark_->setPalette(colours);
     stateMark_->setVisible(state.tone != CommState::Tone::Plain);
+    layout()->activate();
+    lblState_->setText(fitted(q(state.text)));
+    lblState_->setToolTip(q(state.text));
 }
 
 void frmComm::refillUsb() {

@@ -69,6 +69,8 @@ TEST(CommSetupTest, TheBottomLineTellsOnlyWhatIsKnownOfTheLinkThatIsSet) {
     CommSetup setup(now, ok, "");
     EXPECT_EQ(setup.state(now, ok), (CommState{"On line: Ver. 4.12", Tone::Plain}));
     EXPECT_EQ(setup.state(now, {true, ""}).text, "On line");
+    EXPECT_EQ(setup.state(now, {true, "4.12", false}),
+              (CommState{"Off line: 192.168.1.200:2101 is no longer open", Tone::Alarm}));
     now.EAddress = "10.0.0.1";
     EXPECT_EQ(setup.state(now, ok).text.rfind("Not tried yet: 10.0.0.1:2101.", 0), 0U);
     setup.searched(now, "No connection to 10.0.0.1 port 2101: refused");

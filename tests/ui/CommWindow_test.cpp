@@ -219,6 +219,9 @@ TEST_F(CommWindow, FindTellsTheVersionOrTheReason) {
     EXPECT_EQ(bench.socket.host, "10.0.0.1");
     EXPECT_EQ(textOf("txtSend"), "");
     EXPECT_EQ(textOf("lblState"), "On line: Ver. 4.12");
+    bench.socket.drop();
+    EXPECT_TRUE(QTest::qWaitFor(
+        [this] { return textOf("lblState") == "Off line: 10.0.0.1:2101 is no longer open"; }));
     type("txtEport", "9999"); // nor left when a screen reader presses it
     bench.socket.connectDelay = -1;
     QAccessible::queryAccessibleInterface(find<QWidget>("cmdFind"))

@@ -29,7 +29,7 @@ std::string firstStranger(const std::string& text) {
         while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
             ++end;
         }
-        const std::string character = text.substr(at, end - at);
+        std::string character = text.substr(at, end - at);
         if (utf8FromAnsi(ansiFromUtf8(character)) != character) {
             return character;
         }

@@ -5,6 +5,7 @@
 
 #include <QComboBox>
 #include <QLabel>
+#include <QLayout>
 #include <QRadioButton>
 #include <QSignalBlocker>
 #include <QStackedWidget>

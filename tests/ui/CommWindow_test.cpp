@@ -58,7 +58,7 @@ protected:
         settings.Port = 3;
         owner.show();
     }
-    ~CommWindow() override { delete window.data(); }
+    void TearDown() override { delete window.data(); }
 
     std::string answer(const std::string& command) const {
         if (silent) {

@@ -1,6 +1,7 @@
 // The communications window's controls and where they stand.
 #include "link/frmComm.h"
 
+#include "controls/ReadOnlyLine.h"
 #include "controls/Theme.h"
 
 #include <QButtonGroup>
@@ -78,8 +79,7 @@ QLabel* caption(const char* name, const char* text, QWidget* parent) {
     return label;
 }
 
-QLineEdit* field(const char* name, const char* toolTip, QLabel* label, QWidget* parent) {
-    auto* edit = new QLineEdit(parent);
+QLineEdit* field(QLineEdit* edit, const char* name, const char* toolTip, QLabel* label) {
     edit->setObjectName(QString::fromLatin1(name));
     edit->setToolTip(QString::fromLatin1(toolTip));
     edit->setMinimumHeight(kRowHeight);
@@ -208,9 +208,10 @@ QWidget* frmComm::buildEthernetPage() {
     auto* page = new QWidget(pages_);
     auto* lblEAddress = caption("lblEAddress", "Address", page);
     auto* lblPort = caption("lblPort", "Port", page);
-    txtEAddr_ = field("txtEAddr", "KTC-5 Ethernet address, typically 192.168.1.200", lblEAddress, page);
+    txtEAddr_ = field(new QLineEdit(page), "txtEAddr", "KTC-5 Ethernet address, typically 192.168.1.200",
+                      lblEAddress);
     txtEAddr_->setFixedWidth(kListWidth);
-    txtEport_ = field("txtEport", "KTC-5 Ethernet port, typically 2101.", lblPort, page);
+    txtEport_ = field(new QLineEdit(page), "txtEport", "KTC-5 Ethernet port, typically 2101.", lblPort);
     txtEport_->setFixedWidth(kPortWidth);
     connect(txtEAddr_, &QLineEdit::editingFinished, this, &frmComm::txtEAddr_LostFocus);
     connect(txtEport_, &QLineEdit::editingFinished, this, &frmComm::txtEPort_LostFocus);
@@ -231,10 +232,9 @@ QWidget* frmComm::buildTerminal() {
     frame->setAccessibleName(QStringLiteral("Commands"));
     auto* lblCommand = caption("Label2", "Command:", frame);
     auto* lblResponse = caption("Label3", "Response:", frame);
-    txtSend_ = field("txtSend", "Enter a command to send.", lblCommand, frame);
+    txtSend_ = field(new QLineEdit(frame), "txtSend", "Enter a command to send.", lblCommand);
     txtSend_->installEventFilter(this);
-    txtRcv_ = field("txtRcv", "Instrument response to the command.", lblResponse, frame);
-    txtRcv_->setReadOnly(true);
+    txtRcv_ = field(new ReadOnlyLine(frame), "txtRcv", "Instrument response to the command.", lblResponse);
     QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     fixed.setPixelSize(fontInfo().pixelSize());
     txtSend_->setFont(fixed);

@@ -13,7 +13,6 @@ namespace drx9 {
 namespace {
 
 using Tone = CommState::Tone;
-using Change = std::function<void(LinkSettings&)>;
 
 LinkSettings settingsOf(std::int16_t type) {
     LinkSettings settings;
@@ -24,28 +23,20 @@ LinkSettings settingsOf(std::int16_t type) {
 }
 
 TEST(CommSetupTest, AnotherLinkIsOneThatLeadsElsewhere) {
-    const Change port = [](LinkSettings& s) { s.Port = 4; };
-    const Change baud = [](LinkSettings& s) { s.Baud = 9600; };
-    const Change serial = [](LinkSettings& s) { s.USBSerNum = "0A7C22"; };
-    const Change letters = [](LinkSettings& s) { s.USBSerNum = "0a7c21"; };
-    const Change address = [](LinkSettings& s) { s.EAddress = "10.0.0.1"; };
-    const Change ethernetPort = [](LinkSettings& s) { s.EPort = "2102"; };
-    const Change type = [](LinkSettings& s) { s.CommType = static_cast<std::int16_t>((s.CommType + 1) % 3); };
-    const Change unknownType = [](LinkSettings& s) { s.CommType = 7; };
     const struct {
         const char* name;
-        Change change;
+        std::function<void(LinkSettings&)> change;
         std::array<bool, 3> same; ///< by the type that was chosen at opening
     } cases[] = {
-        {"nothing", [](LinkSettings&) {}, {true, true, true}},
-        {"port", port, {false, true, true}},
-        {"rate", baud, {false, true, true}},
-        {"serial number", serial, {true, false, true}},
-        {"its letters' case", letters, {true, true, true}},
-        {"address", address, {true, true, false}},
-        {"Ethernet port", ethernetPort, {true, true, false}},
-        {"type", type, {false, false, false}},
-        {"a type that counts as RS-232", unknownType, {true, false, false}},
+        {"nothing", [](auto&) {}, {true, true, true}},
+        {"port", [](auto& s) { s.Port = 4; }, {false, true, true}},
+        {"rate", [](auto& s) { s.Baud = 9600; }, {false, true, true}},
+        {"serial number", [](auto& s) { s.USBSerNum = "0A7C22"; }, {true, false, true}},
+        {"its letters' case", [](auto& s) { s.USBSerNum = "0a7c21"; }, {true, true, true}},
+        {"address", [](auto& s) { s.EAddress = "10.0.0.1"; }, {true, true, false}},
+        {"Ethernet port", [](auto& s) { s.EPort = "2102"; }, {true, true, false}},
+        {"type", [](auto& s) { s.CommType = s.CommType == 1 ? 2 : 1; }, {false, false, false}},
+        {"a type that counts as RS-232", [](auto& s) { s.CommType = 7; }, {true, false, false}},
     };
     for (const auto& c : cases) {
         for (std::int16_t opened = 0; opened < 3; ++opened) {
@@ -100,10 +91,8 @@ TEST(CommSetupTest, TypedCommandsAreFramedWholeOrRefusedInWords) {
         bool changesFilm = false;
     } cases[] = {
         {"P1", "P1", ""},
-        {"  @ ", "  @ ", ""},
         {"", "", ""},
         {"A\xE2\x80\x9C?", "A\x93?", ""}, // film 99
-        {"\xC3\xA9?", "\xE9?", ""},
         {"D12", "D12", "", true},
         {"Z", "Z", "", true},
         {" d1", " d1", "", true},
@@ -123,14 +112,8 @@ TEST(CommSetupTest, TypedCommandsAreFramedWholeOrRefusedInWords) {
         }
         EXPECT_EQ(command.changesFilm, c.changesFilm);
     }
-}
-
-TEST(CommSetupTest, TheResponseIsTheReplyOrTheStatusText) {
     EXPECT_EQ(responseText(comm::kOk, "caf\xE9"), "caf\xC3\xA9");
-    EXPECT_EQ(responseText(comm::kOk, ""), "");
-    EXPECT_EQ(responseText(comm::kTimeout, "x"), "Timeout");
-    EXPECT_EQ(responseText(comm::kBadCommand, ""), "Bad Command");
-    EXPECT_EQ(responseText(77, ""), "Unknown Error");
+    EXPECT_EQ(responseText(77, "x"), "Unknown Error");
 }
 
 TEST(CommSetupTest, BridgesAreCountedWithoutOpeningThem) {
@@ -145,18 +128,6 @@ TEST(CommSetupTest, BridgesAreCountedWithoutOpeningThem) {
     EXPECT_EQ(bridgeText(1, 1), "1 DRX-9 bridge attached");
     EXPECT_EQ(bridgeText(1, 2), "2 DRX-9 bridges attached, 1 listed: press Find");
     EXPECT_EQ(serialNumberText(2, false, "0A7C21"), "0A7C21 is set: choose one");
-    EXPECT_EQ(serialNumberText(2, true, "0A7C21"), "serial number");
-}
-
-TEST(CommSetupTest, SettingsOutsideTheListsAreSaidNotChanged) {
-    EXPECT_EQ(baudEntry(19200), std::optional<std::size_t>(3));
-    EXPECT_EQ(baudEntry(14400), std::nullopt);
-    EXPECT_EQ(baudText(14400), "14400 baud is set");
-    EXPECT_EQ(portEntry(9), std::optional<std::size_t>(8));
-    EXPECT_EQ(portEntry(0), std::nullopt);
-    EXPECT_EQ(portEntry(10), std::nullopt);
-    EXPECT_EQ(deviceText(12, ""), "COM12 is set: choose another");
-    EXPECT_EQ(deviceText(3, ""), "no device");
 }
 
 TEST(CommandHistoryTest, WalksBothWaysAndGivesTheTypedLineBack) {
@@ -172,14 +143,6 @@ TEST(CommandHistoryTest, WalksBothWaysAndGivesTheTypedLineBack) {
     EXPECT_EQ(history.newer("@"), "P1");
     EXPECT_EQ(history.newer("P1"), "half");
     EXPECT_EQ(history.newer("half"), "half");
-    for (std::size_t i = 0; i < 2 * CommandHistory::kMost; ++i) {
-        history.add("P" + std::to_string(i));
-    }
-    std::string line;
-    for (std::size_t i = 0; i < 2 * CommandHistory::kMost; ++i) {
-        line = history.older(line);
-    }
-    EXPECT_EQ(line, "P100");
 }
 
 } // namespace

@@ -290,7 +290,12 @@ void frmComm::reject() {
         closeWanted_ = true;
         return;
     }
-    whenIdle(&frmComm::Form_Unload);
+    if (parts_.actions.busy()) {
+        whenIdle(&frmComm::Form_Unload);
+        return;
+    }
+    takeAddress();
+    Form_Unload(); // not by the queue, which takes nothing more once the program closes
 }
 
 void frmComm::Form_Unload() {

@@ -25,7 +25,7 @@ public:
     /// Takes one byte; only called when inBufferCount() is at least 1.
     virtual std::uint8_t input() = 0;
     virtual void output(std::string_view bytes) = 0;
-    /// Device behind COMn for people ("/dev/ttyUSB0"), empty when there is none.
+    /// Device that is present behind COMn, for people ("/dev/ttyUSB0"); empty when there is none.
     [[nodiscard]] virtual std::string deviceName(int port) const = 0;
 };
 
@@ -65,6 +65,8 @@ public:
     /// Returns at once with what waits, at most `count` bytes, into `buffer`.
     virtual int SI_Read(std::int32_t handle, std::uint8_t* buffer, std::uint32_t count,
                         std::uint32_t& read) = 0;
+    /// Why a device did not open since they were last counted, for people; empty when unknown.
+    [[nodiscard]] virtual std::string reason() const { return {}; }
 };
 
 } // namespace drx9

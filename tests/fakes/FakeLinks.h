@@ -22,7 +22,10 @@ public:
     std::string settings;
     int calls = 0; ///< calls that change something: shows that a port was not touched
 
-    void setCommPort(int) override { ++calls; }
+    void setCommPort(int port) override {
+        ++calls;
+        number = port;
+    }
     void setSettings(const std::string& text) override {
         ++calls;
         settings = text;
@@ -46,8 +49,11 @@ public:
         }
     }
     [[nodiscard]] std::string deviceName(int port) const override {
-        return "/dev/fake" + std::to_string(port);
+        const auto given = devices.find(port);
+        return given == devices.end() ? "/dev/fake" + std::to_string(port) : given->second;
     }
+    std::map<int, std::string> devices; ///< behind COMn; "/dev/faken" where none is given
+    int number = 0;                     ///< last one that was set
 
 private:
     bool open_ = false;
@@ -184,6 +190,8 @@ public:
         read = static_cast<std::uint32_t>(bytes.size());
         return result(handle);
     }
+    [[nodiscard]] std::string reason() const override { return why; }
+    std::string why; ///< a device did not open
 
 private:
     static constexpr int kFailure = 3; ///< what a failing call returns

@@ -82,8 +82,12 @@ TEST(QtShellTest, OpensAndStartsOrSaysWhyNot) {
     EXPECT_EQ(opener.opened.toLocalFile(), name);
     EXPECT_EQ(shell.openDocument("/missing.txt"), "/missing.txt: there is no such file.");
     EXPECT_EQ(shell.startProgram(name.toStdString()),
-              name.toStdString() + " is not a program that can be run.");
-    EXPECT_EQ(shell.startProgram("no-such-program.exe"), "no-such-program.exe was not found.");
+              name.toStdString() + " is not a program that can be run here.");
+    EXPECT_EQ(shell.startProgram("no-such-program.exe").rfind("no-such-program.exe was not found", 0), 0U);
+    const QString tool = folder.filePath("tool.exe"); // another system's: marked as a program, and none here
+    QFile::copy(name, tool);
+    QFile(tool).setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    EXPECT_NE(shell.startProgram(tool.toStdString()), "");
     EXPECT_EQ(shell.startProgram("true"), "");
     QDesktopServices::unsetUrlHandler("file");
 }

@@ -124,6 +124,7 @@ TEST_F(QtSerialControlTest, SaysWhyItDoesNotOpen) {
         EXPECT_NE(serial.open().find(reason), std::string::npos) << port;
         EXPECT_FALSE(serial.isOpen());
     }
+    EXPECT_EQ(serial.deviceName(2), "") << "nothing is there";
 }
 
 } // namespace

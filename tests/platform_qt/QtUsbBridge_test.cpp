@@ -99,6 +99,7 @@ TEST_F(QtUsbBridgeTest, BridgeThatShowsAsASerialPort) {
     EXPECT_EQ(bridge.SI_Close(handle), 0);
     EXPECT_NE(bridge.SI_Open(0, handle), 0);
     EXPECT_EQ(handle, 0);
+    EXPECT_EQ(bridge.reason(), pty.path + " is not there: is the adapter plugged in?");
 }
 
 TEST_F(QtUsbBridgeTest, LibraryInTheProgramsFolder) {

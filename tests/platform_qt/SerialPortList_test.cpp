@@ -71,4 +71,11 @@ TEST(SerialPortListTest, RefusalsSayWhatToDo) {
     EXPECT_EQ(text(true, false, ""), "/dev/ttyUSB0: Permission denied");
 }
 
+TEST(SerialPortListTest, DevicesOutsideTheNamesAreToldHowToGetOne) {
+    EXPECT_EQ(mappingText({}, "/opt/drx9"), "");
+    EXPECT_EQ(mappingText({"/dev/ttyUSB12"}, "/opt/drx9"),
+              "Only /dev/ttyUSB12 is there. Make a link to it: ln -s /dev/ttyUSB12 \"/opt/drx9/COM1\"");
+    EXPECT_NE(mappingText({"COM12"}, "").find("Device Manager"), std::string::npos);
+}
+
 } // namespace

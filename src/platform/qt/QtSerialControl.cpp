@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSerialPortInfo>
 #include <QStringList>
 #include <QTimer>
 
@@ -14,6 +15,7 @@ namespace {
 constexpr std::size_t kInputBuffer = 2048;
 constexpr int kFirstLook = 500;  // ms after the start, if nobody asks before
 constexpr int kLookAgain = 1000; // ms
+constexpr int kLastPort = 9;     // "COM9"
 
 } // namespace
 
@@ -78,6 +80,18 @@ QtSerialControl::~QtSerialControl() {
 }
 
 std::string QtSerialControl::deviceName(int port) const {
+    const std::string path = pathOf(port);
+#ifdef Q_OS_WIN
+    const QString name = QString::fromStdString(path);
+    const QSerialPortInfo info(name);
+    return info.isNull() ? std::string() : (name + QLatin1String(", ") + info.description()).toStdString();
+#else
+    return QFileInfo::exists(QString::fromStdString(path)) ? path : std::string();
+#endif
+}
+
+/// The device to open, whether it is there or not; empty where none is known.
+std::string QtSerialControl::pathOf(int port) const {
     const std::string name = "COM" + std::to_string(port);
 #ifdef Q_OS_WIN
     return name;
@@ -90,6 +104,22 @@ std::string QtSerialControl::deviceName(int port) const {
 #endif
 }
 
+/// The reason, and what to do where devices are present but none of COM1 to COM9 leads to one.
+std::string QtSerialControl::withHint(const std::string& reason) const {
+    for (int port = 1; port <= kLastPort; ++port)
+        if (!deviceName(port).empty())
+            return reason;
+    std::vector<std::string> present;
+    for (const SerialDevice& device : presentSerialDevices())
+        present.push_back(device.path);
+#ifdef Q_OS_WIN
+    const std::string hint = mappingText(present, {});
+#else
+    const std::string hint = mappingText(present, programFolder_);
+#endif
+    return hint.empty() ? reason : reason + ' ' + hint;
+}
+
 void QtSerialControl::lookForDevices() const {
     if (lookedAt_.isValid() && lookedAt_.elapsed() < kLookAgain)
         return;
@@ -99,15 +129,15 @@ void QtSerialControl::lookForDevices() const {
 
 std::string QtSerialControl::open() {
     close();
-    const std::string device = deviceName(number_);
+    const std::string device = pathOf(number_);
     if (device.empty())
-        return "There is no serial device for COM" + std::to_string(number_) + ".";
+        return withHint("There is no serial device for COM" + std::to_string(number_) + ".");
     auto port = std::make_unique<QSerialPort>(QString::fromStdString(device));
     if (!applySettings(*port, settings_))
         return "Not the settings of a serial port: " + settings_;
     port->setReadBufferSize(kInputBuffer);
     if (!port->open(QIODevice::ReadWrite))
-        return whyNotOpen(*port, device);
+        return withHint(whyNotOpen(*port, device));
     // A pseudo-terminal has no such lines; what it answers is of no account.
     port->setDataTerminalReady(false);
     port->setRequestToSend(false);

@@ -34,6 +34,8 @@ public:
     [[nodiscard]] std::string deviceName(int port) const override;
 
 private:
+    [[nodiscard]] std::string pathOf(int port) const;
+    [[nodiscard]] std::string withHint(const std::string& reason) const;
     void lookForDevices() const;
     void receive();
     void errorOccurred(QSerialPort::SerialPortError error);

@@ -9,6 +9,20 @@
 
 namespace drx9 {
 
+namespace {
+
+/// Why a name that findExecutable() does not find is no program, for people.
+std::string whyNotAProgram(const QString& name, const QString& folder) {
+    const std::string program = name.toStdString();
+    if (QFileInfo(name).isFile() || QFileInfo(folder + '/' + name).isFile())
+        return program + " is not a program that can be run here.";
+    if (QFileInfo(name).isAbsolute())
+        return program + " was not found.";
+    return program + " was not found, neither in " + folder.toStdString() + " nor where programs are kept.";
+}
+
+} // namespace
+
 std::string QtShell::openDocument(const std::string& path) {
     const QFileInfo file(QString::fromStdString(path));
     if (!file.exists())
@@ -22,15 +36,17 @@ std::string QtShell::openDocument(const std::string& path) {
 
 std::string QtShell::startProgram(const std::string& program) {
     const QString name = QString::fromStdString(program);
-    QString found = QStandardPaths::findExecutable(name, {QCoreApplication::applicationDirPath()});
+    const QString folder = QCoreApplication::applicationDirPath();
+    QString found = QStandardPaths::findExecutable(name, {folder});
     if (found.isEmpty())
         found = QStandardPaths::findExecutable(name);
-    if (found.isEmpty()) {
-        return QFileInfo(name).isFile() ? program + " is not a program that can be run."
-                                        : program + " was not found.";
-    }
-    if (!QProcess::startDetached(found, {}, QFileInfo(found).absolutePath()))
-        return program + " could not be started.";
+    if (found.isEmpty())
+        return whyNotAProgram(name, folder);
+    QProcess process;
+    process.setProgram(found);
+    process.setWorkingDirectory(QFileInfo(found).absolutePath());
+    if (!process.startDetached())
+        return program + " could not be started: " + process.errorString().toStdString() + '.';
     return {};
 }
 

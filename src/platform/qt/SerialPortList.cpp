@@ -98,6 +98,15 @@ std::vector<SerialDevice> presentSerialDevices() {
     return devices;
 }
 
+std::string mappingText(const std::vector<std::string>& present, const std::string& programFolder) {
+    if (present.empty())
+        return {};
+    if (programFolder.empty())
+        return "Only " + present.front() + " is there: give it a number from 1 to 9 in the Device Manager.";
+    return "Only " + present.front() + " is there. Make a link to it: ln -s " + present.front() + " \"" +
+           programFolder + "/COM1\"";
+}
+
 std::string refusalText(const SerialRefusal& refusal) {
     if (!refusal.exists)
         return refusal.device + " is not there: is the adapter plugged in?";

@@ -51,6 +51,10 @@ struct SerialRefusal {
     std::string error; ///< the system's own words
 };
 
+/// What to do where devices are present but none of COM1 to COM9 leads to one: a symbolic link in the
+/// program's folder, or, where that is empty (Windows), another number. Empty when no device is present.
+std::string mappingText(const std::vector<std::string>& present, const std::string& programFolder);
+
 /// Why it would not open and what to do about it, for people.
 std::string refusalText(const SerialRefusal& refusal);
 

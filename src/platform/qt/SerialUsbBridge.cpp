@@ -33,6 +33,7 @@ QSerialPort* SerialUsbBridge::portOf(std::int32_t handle) const {
 
 int SerialUsbBridge::SI_GetNumDevices(std::uint32_t& count) {
     devices_ = lister_();
+    reason_.clear();
     count = static_cast<std::uint32_t>(devices_.size());
     return devices_.empty() ? kNotFound : kSuccess;
 }
@@ -54,8 +55,10 @@ int SerialUsbBridge::SI_Open(std::uint32_t index, std::int32_t& handle) {
     auto open = std::make_unique<Open>();
     open->port = std::make_unique<QSerialPort>(QString::fromStdString(devices_[index].device));
     QSerialPort* port = open->port.get();
-    if (!applySettings(*port, "115200,N,8,1") || !port->open(QIODevice::ReadWrite))
+    if (!applySettings(*port, "115200,N,8,1") || !port->open(QIODevice::ReadWrite)) {
+        reason_ = whyNotOpen(*port, devices_[index].device);
         return kIoFailed;
+    }
     // A device that goes is closed from the event loop, outside its own signal, or its notifier would fire
     // for ever.
     QObject::connect(port, &QSerialPort::errorOccurred, port, [state = open.get(), port](auto error) {

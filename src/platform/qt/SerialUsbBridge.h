@@ -48,6 +48,7 @@ public:
     int SI_FlushBuffers(std::int32_t handle, std::uint8_t transmit, std::uint8_t receive) override;
     int SI_Write(std::int32_t handle, std::string_view bytes, std::uint32_t& written) override;
     int SI_Read(std::int32_t handle, std::uint8_t* buffer, std::uint32_t count, std::uint32_t& read) override;
+    [[nodiscard]] std::string reason() const override { return reason_; }
 
 private:
     struct Open {
@@ -62,6 +63,7 @@ private:
     std::vector<BridgePort> devices_;
     std::map<std::int32_t, std::unique_ptr<Open>> open_;
     std::int32_t lastHandle_ = 0;
+    std::string reason_;
 };
 
 } // namespace drx9

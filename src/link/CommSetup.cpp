@@ -1,0 +1,195 @@
+#include "link/CommSetup.h"
+
+#include "link/Link.h"
+#include "platform/LinkPorts.h"
+#include "util/Text.h"
+
+#include <algorithm>
+
+namespace drx9 {
+
+namespace {
+constexpr std::size_t kLongestCommand = 221; // characters; one more and the length byte would not hold it
+constexpr const char* kProduct = "83F5";     // tells the instrument's bridge from others of its family
+constexpr int kProductId = 4;                // option of SI_GetProductString
+
+bool isProduct(UsbBridge& bridge, std::uint32_t index) {
+    std::string product;
+    return bridge.SI_GetProductString(index, product, kProductId) != 0 || equalNoCase(product, kProduct);
+}
+
+std::string counted(int count, const std::string& noun) {
+    return (count == 0 ? "No" : std::to_string(count)) + " " + noun + (count < 2 ? "" : "s");
+}
+
+/// First character of well-formed UTF-8 that Windows-1252 does not hold; empty when it holds all.
+std::string firstStranger(const std::string& text) {
+    for (std::size_t at = 0; at < text.size();) {
+        std::size_t end = at + 1;
+        while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
+            ++end;
+        }
+        std::string character = text.substr(at, end - at);
+        if (utf8FromAnsi(ansiFromUtf8(character)) != character) {
+            return character;
+        }
+        at = end;
+    }
+    return {};
+}
+} // namespace
+
+LinkPage linkPage(std::int16_t commType) {
+    switch (commType) {
+    case 1:
+        return LinkPage::Usb;
+    case 2:
+        return LinkPage::Ethernet;
+    default:
+        return LinkPage::Serial;
+    }
+}
+
+std::optional<std::size_t> baudEntry(std::int32_t baud) {
+    const auto* const found = std::find(kBaudRates.begin(), kBaudRates.end(), baud);
+    return found == kBaudRates.end() ? std::nullopt
+                                     : std::optional(static_cast<std::size_t>(found - kBaudRates.begin()));
+}
+
+std::optional<std::size_t> portEntry(std::int16_t port) {
+    return port < 1 || port > kSerialPorts ? std::nullopt : std::optional(static_cast<std::size_t>(port) - 1);
+}
+
+std::string deviceText(std::int16_t port, const std::string& device) {
+    if (!portEntry(port)) {
+        return "COM" + std::to_string(port) + " is set: choose another";
+    }
+    return device.empty() ? "no device" : device;
+}
+
+std::string baudText(std::int32_t baud) {
+    return baudEntry(baud) ? "baud, 8 N 1" : std::to_string(baud) + " baud is set";
+}
+
+int attachedBridges(UsbBridge& bridge) {
+    std::uint32_t devices = 0;
+    if (bridge.SI_GetNumDevices(devices) != 0) {
+        return 0;
+    }
+    int count = 0;
+    for (std::uint32_t i = 0; i < devices; ++i) {
+        count += isProduct(bridge, i) ? 1 : 0;
+    }
+    return count;
+}
+
+std::string bridgeText(int listed, int attached) {
+    const std::string text = counted(attached, "DRX-9 bridge") + " attached";
+    return attached == listed ? text : text + ", " + std::to_string(listed) + " listed: press Find";
+}
+
+std::string serialNumberText(int listed, bool isListed, const std::string& chosen) {
+    if (listed == 0 || isListed) {
+        return "serial number";
+    }
+    return chosen + " is set: choose one";
+}
+
+std::string linkName(const LinkSettings& settings) {
+    switch (linkPage(settings.CommType)) {
+    case LinkPage::Usb:
+        return "USB " + settings.USBSerNum;
+    case LinkPage::Ethernet:
+        return settings.EAddress + ":" + settings.EPort;
+    default:
+        return "COM" + std::to_string(settings.Port) + " at " + std::to_string(settings.Baud);
+    }
+}
+
+bool sameLink(const LinkSettings& a, const LinkSettings& b) {
+    if (linkPage(a.CommType) != linkPage(b.CommType)) {
+        return false;
+    }
+    switch (linkPage(a.CommType)) {
+    case LinkPage::Usb:
+        return equalNoCase(a.USBSerNum, b.USBSerNum);
+    case LinkPage::Ethernet:
+        return a.EAddress == b.EAddress && a.EPort == b.EPort;
+    default:
+        return a.Port == b.Port && a.Baud == b.Baud;
+    }
+}
+
+CommSetup::CommSetup(const LinkSettings& opened, const Facts& facts, const std::string& failure)
+    : opened_(opened)
+    , searched_(opened)
+    , failure_(failure)
+    , wasGood_(facts.ok) {}
+
+void CommSetup::searched(const LinkSettings& settings, const std::string& failure) {
+    searched_ = settings;
+    failure_ = failure;
+    refusal_.clear();
+}
+
+void CommSetup::portOpened(std::int16_t port, const std::string& reason) {
+    refusal_ = reason.empty() ? reason : "Comm Port " + std::to_string(port) + " not available. " + reason;
+}
+
+CommState CommSetup::state(const LinkSettings& now, const Facts& facts) const {
+    using Tone = CommState::Tone;
+    if (linkPage(now.CommType) == LinkPage::Serial && !refusal_.empty()) {
+        return {"Off line: " + refusal_, Tone::Alarm};
+    }
+    if (!sameLink(searched_, now)) {
+        return {"Not tried yet: " + linkName(now) + ". Find looks for the instrument there.", Tone::Plain};
+    }
+    if (facts.ok && !facts.open) {
+        return {"Off line: " + linkName(now) + " is no longer open", Tone::Alarm};
+    }
+    if (facts.ok) {
+        return {facts.version.empty() ? "On line" : "On line: Ver. " + facts.version, Tone::Plain};
+    }
+    return {"Off line: " + (failure_.empty() ? "no answer on " + linkName(now) : failure_), Tone::Alarm};
+}
+
+CommState CommSetup::silence(const LinkSettings& now, const Facts& facts) {
+    if (facts.ok && facts.open) {
+        return {"No answer on " + linkName(now) + " to this command", CommState::Tone::Warn};
+    }
+    return {"Off line: no answer on " + linkName(now), CommState::Tone::Alarm};
+}
+
+bool CommSetup::reopens(const LinkSettings& now, const Facts& facts) const {
+    return wasGood_ || facts.ok || !isSameLink(now);
+}
+
+bool CommSetup::isSameLink(const LinkSettings& now) const {
+    return sameLink(opened_, now);
+}
+
+RawCommand rawCommand(const std::string& typed) {
+    RawCommand command;
+    const std::string stranger = firstStranger(typed);
+    command.bytes = ansiFromUtf8(typed);
+    if (!stranger.empty()) {
+        command.refusal = "Not sent: \"" + stranger + "\" is no character of Windows-1252.";
+    } else if (command.bytes.size() > kLongestCommand) {
+        command.refusal = "Not sent: " + counted(static_cast<int>(command.bytes.size()), "character") +
+                          ", the most is " + std::to_string(kLongestCommand) + ".";
+    }
+    const std::size_t first = command.bytes.find_first_not_of(' ');
+    const std::string letter = first == std::string::npos ? "" : upperAscii(command.bytes.substr(first, 1));
+    command.changesFilm = letter == "D" || letter == "Z";
+    return command;
+}
+
+std::string responseText(std::uint16_t outcome, const std::string& reply) {
+    return outcome == comm::kOk ? utf8FromAnsi(reply) : commStatusText(outcome);
+}
+
+bool isSilence(std::uint16_t outcome) {
+    return outcome == comm::kTimeout || outcome == comm::kPortNotReady || outcome == comm::kLost;
+}
+
+} // namespace drx9

@@ -1,0 +1,134 @@
+// What the communications window shows of the link and of the devices.
+#include "link/frmComm.h"
+
+#include "controls/Theme.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLayout>
+#include <QRadioButton>
+#include <QSignalBlocker>
+#include <QStackedWidget>
+
+namespace drx9 {
+
+namespace {
+QString q(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+void setShortened(QLabel* label, const std::string& text) {
+    const QString whole = q(text);
+    const QString fitting = label->fontMetrics().elidedText(whole, Qt::ElideMiddle, label->minimumWidth());
+    label->setText(fitting);
+    label->setToolTip(fitting == whole ? QString() : whole);
+}
+} // namespace
+
+CommSetup::Facts frmComm::facts() const {
+    return {parts_.link.CommOK(), parts_.link.Comm_VersionText(),
+            parts_.transports.of(parts_.settings.CommType).isOpen()};
+}
+
+/// Why the last search failed, with what the bridge's port says to it.
+std::string frmComm::failure() const {
+    const std::string& text = parts_.discovery.failure();
+    const bool usb = linkPage(parts_.settings.CommType) == LinkPage::Usb;
+    const std::string reason = usb ? parts_.transports.usb.bridge().reason() : std::string();
+    return text.empty() || reason.empty() ? text : text + " " + reason;
+}
+
+/// Shows the controls of the link that is set, also where an option was chosen that did not count.
+void frmComm::showLink() {
+    const auto page = static_cast<std::size_t>(linkPage(parts_.settings.CommType));
+    const QSignalBlocker blocker(optComm_[page]);
+    optComm_[page]->setChecked(true);
+    pages_->setCurrentIndex(static_cast<int>(page));
+    followDevices();
+}
+
+void frmComm::showSerial() {
+    for (int entry = 0; entry < cboRS232_->count(); ++entry) {
+        const std::string device = parts_.transports.serial.control().deviceName(entry + 1);
+        cboRS232_->setItemData(entry, device.empty() ? QStringLiteral("no device") : q(device),
+                               Qt::ToolTipRole);
+    }
+    const std::int16_t port = parts_.settings.Port;
+    const bool listed = portEntry(port).has_value();
+    const std::string device = listed ? parts_.transports.serial.control().deviceName(port) : std::string();
+    setShortened(lblDevice_, deviceText(port, device));
+    cboRS232_->setToolTip(q(device));
+    lblBaud_->setText(q(baudText(parts_.settings.Baud)));
+}
+
+void frmComm::showUsb() {
+    const int listed = cboUSB_->count();
+    lblBridges_->setText(q(bridgeText(listed, attachedBridges(parts_.transports.usb.bridge()))));
+    const bool isListed = cboUSB_->findText(q(parts_.settings.USBSerNum)) >= 0;
+    setShortened(lblSerialNumber_, serialNumberText(listed, isListed, parts_.settings.USBSerNum));
+}
+
+/// What stands beside the lists follows devices that come and go; the list of bridges itself does not.
+void frmComm::followDevices() {
+    if (busy_) {
+        return;
+    }
+    switch (linkPage(parts_.settings.CommType)) {
+    case LinkPage::Serial:
+        showSerial();
+        break;
+    case LinkPage::Usb:
+        showUsb();
+        break;
+    case LinkPage::Ethernet:
+        break;
+    }
+    if (!(facts() == shownFacts_)) {
+        showState();
+    }
+}
+
+void frmComm::showState() {
+    say(setup_.state(parts_.settings, facts()));
+}
+
+/// The text, without its middle where it is longer than its place.
+QString frmComm::fitted(const QString& text) const {
+    const QRect room(0, 0, lblState_->width(), QWIDGETSIZE_MAX);
+    QString shown = text;
+    for (qsizetype keep = text.size() - 1; keep > 1; --keep) {
+        const QRect needed = lblState_->fontMetrics().boundingRect(room, Qt::TextWordWrap, shown);
+        if (!isVisible() || needed.height() <= lblState_->height()) {
+            break;
+        }
+        shown = text.left(keep / 2) + QStringLiteral("\u2026") + text.right(keep - keep / 2);
+    }
+    return shown;
+}
+
+void frmComm::say(const CommState& state) {
+    state_ = state;
+    shownFacts_ = facts();
+    const Theme theme = Theme::of(palette());
+    QPalette colours = lblState_->palette();
+    colours.setColor(QPalette::WindowText, state.tone == CommState::Tone::Warn    ? theme.warn
+                                           : state.tone == CommState::Tone::Alarm ? theme.alarm
+                                                                                  : theme.muted);
+    lblState_->setPalette(colours);
+    stateMark_->setPalette(colours);
+    stateMark_->setVisible(state.tone != CommState::Tone::Plain);
+    layout()->activate();
+    lblState_->setText(fitted(q(state.text)));
+    lblState_->setToolTip(q(state.text));
+}
+
+void frmComm::refillUsb() {
+    cboUSB_->clear();
+    for (const std::string& serialNumber : parts_.discovery.USBSerialList()) {
+        cboUSB_->addItem(q(serialNumber));
+    }
+    const int chosen = cboUSB_->findText(q(parts_.settings.USBSerNum));
+    cboUSB_->setCurrentIndex(chosen < 0 && cboUSB_->count() > 0 ? 0 : chosen);
+}
+
+} // namespace drx9

@@ -120,15 +120,17 @@ TEST(Download, WritesNoMoreThanTheInstrumentHolds) {
 
 TEST(Download, TakesNamesAndNullsAsTheyAre) {
     // Looked up by the first 8 characters: a longer name finds another film, or none.
-    Transfer bench({{"O'Hara"}, {"TOO_LONG_1"}, {"a!\xC3\xA9", "Lead", {}, 2, {}, {}, {}}, {"NotAFilm"}}, 9,
+    Transfer bench({{"O'Hara"}, {"a!\xC3\xA9", "Lead", {}, 2, {}, {}, {}}, {"NotAFilm"}, {"TOO_LONG_1"}}, 9,
                    2);
     bench.boxes.expect(FakeMessageBoxes::Kind::OkCancel,
-                       "Film Name for film #3 = A_\xC3\x89.\nThe Film Name should be A!\xC3\x89", true);
+                       "Film Name for film #2 = A_\xC3\x89.\nThe Film Name should be A!\xC3\x89", true);
+    bench.boxes.expect(FakeMessageBoxes::Kind::OkCancel,
+                       "Film Name for film #3 = SILVER.\nThe Film Name should be NOTAFILM");
     bench.transfer.download(1);
-    EXPECT_EQ(bench.wire().commands()[1], "A3A_\xC9_____ 10.500 100 0.529 2.000 1.250  60  3")
+    EXPECT_EQ(bench.wire().commands(),
+              (Rows{"U?", "A2A_\xC9_____ 19.300 100 0.381 2.000 0.500  60  3", "A1?", "A2?", "A3?"}))
         << "density, Z factor and nulls stay the instrument's";
-    EXPECT_EQ(bench.wire().commands().size(), 1 + 1 + 4U);
-    EXPECT_EQ(bench.told(), "1 of 4 films sent. Not sent, cannot be looked up: O'Hara, TOO_LONG_1, NotAFilm. "
+    EXPECT_EQ(bench.told(), "1 of 4 films sent. Not sent, cannot be looked up: O'Hara, NotAFilm, TOO_LONG_1. "
                             "Material not in the library, density and Z factor left as they are: a!\xC3\xA9");
 }
 
@@ -250,7 +252,8 @@ TEST(Faults, AtEachExchangeOfADownload) {
             for (int f = 1; f <= 3; ++f) {
                 FilmRecord held;
                 parseFilmReply(bench.held(f), f, held);
-                const bool unsure = k == f + 1 && fault != Fault::Closing; // answered wrongly: either
+                const bool unsure =
+                    (k == f + 1 && fault != Fault::Closing) || (k <= f + 1 && fault == Fault::ForGood);
                 EXPECT_TRUE(unsure || bench.films[static_cast<std::size_t>(f)].FilmName == held.FilmName)
                     << f;
             }
@@ -278,7 +281,7 @@ TEST(Faults, ButtonsInMidTransferDoNothing) {
         });
     }
     bench.transfer.download(1);
-    EXPECT_GT(tries, 5);
+    EXPECT_GE(tries, 5);
     EXPECT_EQ(bench.wire().commands().size(), 5U);
     EXPECT_EQ(bench.told(), "2 films sent");
 }

@@ -1,6 +1,8 @@
 // The film library: files that are opened, converted, edited, copied; files and disks that fail.
 #include "films/FilmBench.h"
 
+#include "platform/os/OsFilePort.h"
+
 namespace drx9 {
 namespace {
 
@@ -327,6 +329,26 @@ TEST(FilmLibrary, AsksForAFileWhereThereIsNone) {
     EXPECT_EQ(bench.DBFileName, "/data/Shop.mdb");
     EXPECT_EQ(bench.editor.films().size(), 1U);
 }
+
+#ifdef DRX9_LIBRARY
+// The library that the build makes for new installations.
+TEST(ShippedLibrary, HoldsMaterialsAndOpensUnchanged) {
+    FilmBench bench;
+    std::string shipped;
+    ASSERT_TRUE(makeOsFilePort()->read(DRX9_LIBRARY, shipped).ok());
+    bench.memory.put(kLibrary, shipped);
+    EXPECT_EQ(bench.faults(), "");
+    bench.open();
+    EXPECT_EQ(bench.bytes(), shipped) << "no index on Film: nothing to convert";
+    EXPECT_EQ(bench.library.notice().text + bench.library.standing().text, "");
+    EXPECT_TRUE(bench.editor.films().empty());
+    const Rows materials = bench.rows("Material");
+    EXPECT_GT(materials.size(), 30U);
+    EXPECT_EQ(std::count(materials.begin(), materials.end(), "Gold|19.3|0.381"), 1);
+    bench.input.answer = "FIRST";
+    EXPECT_TRUE(bench.editor.addFilm("Gold", ""));
+}
+#endif
 
 } // namespace
 } // namespace drx9

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "errors/ErrorReport.h"
-#include "jet/Database.h"
+#include "films/JetHeaders.h"
 
 #include <memory>
 #include <string>

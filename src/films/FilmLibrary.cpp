@@ -83,6 +83,12 @@ void FilmLibrary::bind() {
             openFailure_ = statements_.reason();
         }
     }
+    // Until a film is chosen nothing is edited.
+    for (const Dat source : {Dat::DBSelected, Dat::Material}) {
+        if (at(source).records) {
+            at(source).records->AbsolutePosition(-1);
+        }
+    }
 }
 
 void FilmLibrary::release() {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "films/JetHeaders.h"
 #include "films/Statements.h"
-#include "jet/Database.h"
 #include "platform/Desktop.h"
 #include "platform/FilePort.h"
 #include "util/Paths.h"
@@ -53,7 +53,7 @@ public:
     ~FilmLibrary();
 
     /// Opens the current file, converted if it is of the old format, and binds all four sources to it. Where
-    /// it does not exist the operator is asked for another one.
+    /// it does not exist the operator is asked for another one. No film and no material is current then.
     void DBOpen();
     /// "Open Database": asks for a file and opens it. False when the operator cancelled.
     bool openDatabase();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "jet/Value.h"
+#include "films/JetHeaders.h"
 #include "util/NumberLocale.h"
 
 #include <optional>

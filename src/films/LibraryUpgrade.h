@@ -1,6 +1,6 @@
 #pragma once
 
-#include "jet/Database.h"
+#include "films/JetHeaders.h"
 #include "platform/FilePort.h"
 
 #include <string>

@@ -56,7 +56,8 @@ std::vector<std::string> FilmEditor::materials() {
 void FilmEditor::ShowDBFilm(const std::string& name) {
     const Found film = parts_.library.select(Dat::DBSelected, queries::chosenFilm(name));
     if (film == Found::Failed && name.find('\'') != std::string::npos) {
-        parts_.library.tell("\"" + trimmed(name) + "\" cannot be looked up: its name holds a quote");
+        parts_.library.tell("\"" + trimmed(name) + "\" cannot be looked up: its name holds a quote",
+                            NoticeTone::Warn);
     }
     selectMaterial(text(Dat::DBSelected, "Material"));
 }
@@ -84,7 +85,8 @@ ShownFilm FilmEditor::shown() {
     now.seconds = toInt16(std::clamp(std::floor(time - minutes * kSecondsPerMinute), 0.0, 59.0));
     if ((minutes > kMostMinutes || time < 0) && parts_.library.notice().text.empty()) {
         parts_.library.tell("Time setpoint of " + generalNumber(time, parts_.locale) +
-                            " s: more than its boxes can show");
+                                " s: more than its boxes can show",
+                            NoticeTone::Warn);
     }
     return now;
 }
@@ -103,7 +105,7 @@ void FilmEditor::editBox(FilmBox box, const std::string& typed) {
     const Bound& bound = kBound[static_cast<std::size_t>(box)];
     const auto value = typedNumber(typed, parts_.locale);
     if (!value) {
-        parts_.library.tell("\"" + typed + "\" is no number: the value stays as it was");
+        parts_.library.tell("\"" + typed + "\" is no number: the value stays as it was", NoticeTone::Warn);
         return;
     }
     parts_.library.edit(bound.source, {{bound.field, *value}});
@@ -122,7 +124,7 @@ bool FilmEditor::EditFilmName(const std::string& typed) {
         return false;
     }
     if (name.find('!') != std::string::npos) {
-        parts_.library.tell(cannotHold("!"));
+        parts_.library.tell(cannotHold("!"), NoticeTone::Warn);
         return false;
     }
     parts_.library.edit(Dat::DBSelected, {{"FilmName", name}});
@@ -156,7 +158,8 @@ void FilmEditor::changeMaterial(const std::string& typed) {
         parts_.library.edit(Dat::DBSelected, {{"Material", parts_.library.value(Dat::Material, "Material")}});
     } else if (!typed.empty()) {
         parts_.library.tell("No material \"" + typed + "\": the film keeps \"" +
-                            text(Dat::DBSelected, "Material") + "\"");
+                                text(Dat::DBSelected, "Material") + "\"",
+                            NoticeTone::Warn);
     }
 }
 
@@ -183,25 +186,27 @@ std::string FilmEditor::addMaterial() {
     return added ? name : std::string();
 }
 
-bool FilmEditor::addFilm(const std::string& material, const std::string& shownName) {
+bool FilmEditor::addFilm(const std::string& material) {
     const std::string answer = parts_.input.ask("Enter new film name:", "New Film");
     if (answer.empty()) {
         return false;
     }
     if (answer.find('!') != std::string::npos) {
-        parts_.library.tell(cannotHold("!"));
+        parts_.library.tell(cannotHold("!"), NoticeTone::Warn);
         return false;
     }
+    const std::string current = text(Dat::DBSelected, "FilmName");
     if (parts_.library.select(Dat::DBSelected, queries::filmTaken(answer)) == Found::Yes) {
         refuse("Duplicate name. Select another name for Film", "Film Name already Exists!");
-        ShowDBFilm(shownName);
+        ShowDBFilm(current);
         return false;
     }
     const std::string name = firstCharacters(answer, kFilmNameLength);
     const bool added = parts_.library.add(Dat::DBFilms, {{"FilmName", name}, {"Material", material}});
     parts_.library.refresh(Dat::DBFilms);
     if (parts_.library.select(Dat::DBSelected, queries::filmNamed(answer)) != Found::Yes && added) {
-        parts_.library.tell("Film \"" + name + "\" was added; choose it in the list to edit it");
+        parts_.library.tell("Film \"" + name + "\" was added; choose it in the list to edit it",
+                            NoticeTone::Plain);
     }
     selectMaterial(text(Dat::DBSelected, "Material"));
     return added;

@@ -67,9 +67,9 @@ public:
     void changeMaterial(const std::string& text);
     /// Asks for a name and adds a material. Its name, or "" when none was added.
     std::string addMaterial();
-    /// Asks for a name and adds a film with that material. `shown` is the film of the list, shown again where
-    /// the name is taken. True when one was added.
-    bool addFilm(const std::string& material, const std::string& shown);
+    /// Asks for a name and adds a film with that material, which becomes the current one. Where the name is
+    /// taken the current film stays. True when one was added.
+    bool addFilm(const std::string& material);
 
 private:
     [[nodiscard]] std::string text(Dat source, const char* field);

@@ -54,7 +54,7 @@ void FilmLibrary::DBOpen() {
     const std::string notLookedAt = upgrade();
     bind();
     if (!notLookedAt.empty() && openFailure_.empty()) {
-        tell("Not converted: " + notLookedAt, true);
+        tell("Not converted: " + notLookedAt, NoticeTone::Alarm);
     }
     caption_ = "Films - [" + trimmed(bareName(parts_.DBFileName)) + "]";
 }
@@ -63,7 +63,7 @@ void FilmLibrary::DBOpen() {
 std::string FilmLibrary::upgrade() {
     const bool ran = statements_.run([&] {
         const auto outcome = LibraryUpgrade(parts_.engine, parts_.files, path()).DBUpgrade();
-        tell(outcome.told, !outcome.told.empty() && !outcome.converted);
+        tell(outcome.told, outcome.converted ? NoticeTone::Warn : NoticeTone::Alarm);
     });
     return ran ? std::string() : statements_.reason();
 }
@@ -119,22 +119,24 @@ bool FilmLibrary::saveDatabaseAs() {
     }
     const std::string saved = bareName(chosen);
     if (const std::string reason = copyTo(parts_.paths.resolve(chosen)); !reason.empty()) {
-        tell("Not saved as " + saved + ": " + reason, true);
+        tell("Not saved as " + saved + ": " + reason, NoticeTone::Alarm);
         return false;
     }
     parts_.DBFileName = chosen;
     unsavedUpload_ = false;
     const bool elsewhere = !isSameFile(parts_.files, path(), boundPath_);
     tell("Saved as " + saved + "." +
-         (elsewhere ? " Changes here still go to " + bareName(boundPath_) + "; open " + saved + " to edit it."
-                    : ""));
+             (elsewhere
+                  ? " Changes here still go to " + bareName(boundPath_) + "; open " + saved + " to edit it."
+                  : ""),
+         NoticeTone::Plain);
     return true;
 }
 
 bool FilmLibrary::openUploadCopy() {
     if (const std::string reason = copyTo(parts_.paths.resolve(kUploadFile)); !reason.empty()) {
         tell("Nothing read: the library cannot be copied to " + std::string(kUploadFile) + ": " + reason,
-             true);
+             NoticeTone::Alarm);
         return false;
     }
     parts_.DBFileName = kUploadFile;
@@ -156,10 +158,10 @@ std::string FilmLibrary::copyTo(const std::string& target) {
 
 LibraryNotice FilmLibrary::standing() const {
     if (!openFailure_.empty()) {
-        return {bareName(boundPath_) + ": " + openFailure_, true};
+        return {bareName(boundPath_) + ": " + openFailure_, NoticeTone::Alarm};
     }
     const std::string reason = database_ ? database_->ReadOnlyReason() : std::string();
-    return reason.empty() ? LibraryNotice{} : LibraryNotice{"Read-only: " + reason, false};
+    return reason.empty() ? LibraryNotice{} : LibraryNotice{"Read-only: " + reason, NoticeTone::Warn};
 }
 
 // ---- The record sources ----
@@ -265,7 +267,7 @@ bool FilmLibrary::store(Source& source, const Values& values) {
 }
 
 bool FilmLibrary::notSaved() {
-    tell("Change not saved: " + plainReason(statements_.reason()), true);
+    tell("Change not saved: " + plainReason(statements_.reason()), NoticeTone::Alarm);
     return false;
 }
 
@@ -296,7 +298,7 @@ bool FilmLibrary::commitGathered() {
     gathering_ = false;
     const bool stored = statements_.run([&] { database_->CommitTrans(); });
     if (!stored) {
-        tell("Changes not saved: " + plainReason(statements_.reason()), true);
+        tell("Changes not saved: " + plainReason(statements_.reason()), NoticeTone::Alarm);
         for (Source& source : sources_) {
             statements_.run([&] { requery(source); });
         }

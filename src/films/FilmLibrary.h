@@ -25,10 +25,13 @@ enum class Dat : std::uint8_t {
 /// What a query came to. A query that fails (a quote in a name, a damaged file) leaves no row either.
 enum class Found : std::uint8_t { Yes, No, Failed };
 
+/// How the bottom line says it: something done, something to look at, something that is lost or not done.
+enum class NoticeTone : std::uint8_t { Plain, Warn, Alarm };
+
 /// What the window's bottom line says of the library.
 struct LibraryNotice {
     std::string text; ///< empty: nothing to say
-    bool alarm = false;
+    NoticeTone tone = NoticeTone::Plain;
 };
 
 struct FilmLibraryParts {
@@ -97,7 +100,7 @@ public:
     /// What came of the last operation; taken away by forgetNotice().
     [[nodiscard]] const LibraryNotice& notice() const { return notice_; }
     void forgetNotice() { notice_ = {}; }
-    void tell(std::string text, bool alarm = false) { notice_ = {std::move(text), alarm}; }
+    void tell(std::string text, NoticeTone tone) { notice_ = {std::move(text), tone}; }
     /// What holds as long as the file is open: that it could not be opened, or cannot be written and why.
     [[nodiscard]] LibraryNotice standing() const;
 

@@ -105,7 +105,7 @@ void FilmTransfer::upload() {
     parts_.list.ShowDBFilm();
     const LibraryNotice read = report.notice();
     parts_.library.tell(opened.text + (opened.text.empty() ? "" : ". ") + read.text + kNotSavedYet,
-                        opened.alarm || read.alarm);
+                        std::max({opened.tone, read.tone, NoticeTone::Warn}));
 }
 
 /// The number of the film that could not be read; 0 when all were, or the program closes.
@@ -178,7 +178,7 @@ void FilmTransfer::download(int index) {
     parts_.list.selectFirstRow();
     parts_.list.setHourglass(false);
     const LibraryNotice sent = report.notice();
-    parts_.library.tell(sent.text, sent.alarm);
+    parts_.library.tell(sent.text, sent.tone);
 }
 
 /// Where it is open the hourglass is left behind (kept).
@@ -188,7 +188,7 @@ bool FilmTransfer::shutterClosed() {
     if (!endExchange()) {
         parts_.library.tell("Nothing sent: whether the shutter is closed is not known (" +
                                 commStatusText(parts_.link.outcome()) + ")",
-                            true);
+                            NoticeTone::Alarm);
         parts_.list.setHourglass(false);
         return false;
     }
@@ -340,9 +340,9 @@ void FilmTransfer::resetToDefaults() {
     const std::uint16_t status = parts_.commands.Comm_FilmDefaults();
     parts_.list.setHourglass(false);
     if (status == comm::kOk) {
-        parts_.library.tell("The DRX-9 was reset to its default values");
+        parts_.library.tell("The DRX-9 was reset to its default values", NoticeTone::Plain);
     } else {
-        parts_.library.tell("Defaults not accepted: " + commStatusText(status), true);
+        parts_.library.tell("Defaults not accepted: " + commStatusText(status), NoticeTone::Alarm);
     }
 }
 

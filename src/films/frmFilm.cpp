@@ -29,6 +29,12 @@ constexpr const char* kUnsaved = "Uploaded data, not saved under another name ye
 QString shown(const std::string& text) {
     return QString::fromStdString(text);
 }
+
+MarkLabel::Tone toneOf(NoticeTone tone) {
+    return tone == NoticeTone::Plain  ? MarkLabel::Tone::Plain
+           : tone == NoticeTone::Warn ? MarkLabel::Tone::Warn
+                                      : MarkLabel::Tone::Alarm;
+}
 } // namespace
 
 frmFilm::frmFilm(FilmWindowParts parts, QWidget* owner)
@@ -244,7 +250,7 @@ void frmFilm::cmdAddFilm_Click() {
     finishEditing();
     whenIdle([this] {
         library_.forgetNotice();
-        if (editor_.addFilm(dbcMaterial_->currentText().toStdString(), filmName())) {
+        if (editor_.addFilm(dbcMaterial_->currentText().toStdString())) {
             showList();
             shownRow_ = -1;
         }
@@ -349,6 +355,7 @@ void frmFilm::showFilm() {
     if (now.film) {
         dbcMaterial_->setCurrentIndex(dbcMaterial_->findText(shown(now.materialName), Qt::MatchFixedString));
         dbcMaterial_->setEditText(shown(now.materialName));
+        dbcMaterial_->lineEdit()->setCursorPosition(0);
     }
     spnMinutes_->setValue(now.minutes);
     spnSeconds_->setValue(now.seconds);
@@ -369,19 +376,18 @@ void frmFilm::showInstrument() {
 void frmFilm::showState() {
     const LibraryNotice& notice = library_.notice();
     const LibraryNotice standing = library_.standing();
-    using enum MarkLabel::Tone;
-    std::pair<std::string, MarkLabel::Tone> said{"", Plain};
+    LibraryNotice said;
     if (!notice.text.empty()) {
-        said = {notice.text, notice.alarm ? Alarm : Plain};
+        said = notice;
     } else if (!standing.text.empty()) {
-        said = {standing.text, standing.alarm ? Alarm : Warn};
+        said = standing;
     } else if (library_.unsavedUpload()) {
-        said = {kUnsaved, Warn};
+        said = {kUnsaved, NoticeTone::Warn};
     } else if (wasOnline_ && !online()) {
-        said = {"Off line: the link was lost", Alarm};
+        said = {"Off line: the link was lost", NoticeTone::Alarm};
     }
-    state_->say(shown(said.first), said.second);
-    state_->setToolTip(shown(said.first));
+    state_->say(shown(said.text), toneOf(said.tone));
+    state_->setToolTip(shown(said.text));
 }
 
 // ---- For the transfer ----

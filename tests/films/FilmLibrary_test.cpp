@@ -236,11 +236,11 @@ TEST(FilmEditor, AddsFilmsAndMaterials) {
     bench.editor.ShowDBFilm("ALUMINIU");
     bench.input.answer = "aluminiu";
     bench.boxes.expectShow("Duplicate name. Select another name for Film");
-    EXPECT_FALSE(bench.editor.addFilm("Gold", "ALUMINIU"));
+    EXPECT_FALSE(bench.editor.addFilm("Gold"));
     EXPECT_EQ(bench.editor.shown().boxes[5], "ALUMINIU");
     for (const char* name : {"", "ALUMINIUM1", "a!b", "NewFilm"}) {
         bench.input.answer = name;
-        bench.editor.addFilm("Gold", "ALUMINIU");
+        bench.editor.addFilm("Gold");
     }
     EXPECT_EQ(bench.rows("Film"),
               (Rows{"1|ALUMINIU|Gold|100|1|0.5|60|3", "null|ALUMINIU|Gold|null|null|null|null|null",
@@ -346,7 +346,7 @@ TEST(ShippedLibrary, HoldsMaterialsAndOpensUnchanged) {
     EXPECT_GT(materials.size(), 30U);
     EXPECT_EQ(std::count(materials.begin(), materials.end(), "Gold|19.3|0.381"), 1);
     bench.input.answer = "FIRST";
-    EXPECT_TRUE(bench.editor.addFilm("Gold", ""));
+    EXPECT_TRUE(bench.editor.addFilm("Gold"));
 }
 #endif
 

@@ -1,6 +1,5 @@
 #include "films/FilmText.h"
 
-#include "jet/TextCodec.h"
 #include "util/Numbers.h"
 #include "util/Text.h"
 
@@ -55,15 +54,16 @@ bool isGrouped(std::string_view text, std::size_t sign) {
 } // namespace
 
 std::size_t characterCount(std::string_view text) {
-    return jet::toUtf16(text).size();
+    return utf16FromUtf8(text).size() / 2;
 }
 
 std::string firstCharacters(std::string_view text, std::size_t count) {
-    std::u16string units = jet::toUtf16(text);
-    units.resize(std::min(units.size(), count));
-    const bool cutInTwo = !units.empty() && units.back() >= 0xD800 && units.back() <= 0xDBFF;
-    units.resize(units.size() - (cutInTwo ? 1 : 0));
-    return jet::toUtf8(units);
+    std::string units = utf16FromUtf8(text); // two bytes each, the low one first
+    units.resize(std::min(units.size(), count * 2));
+    const auto last = units.empty() ? 0 : static_cast<unsigned char>(units.back());
+    const bool cutInTwo = last >= 0xD8 && last <= 0xDB;
+    units.resize(units.size() - (cutInTwo ? 2 : 0));
+    return utf8FromUtf16(units);
 }
 
 std::string fixedText(std::string_view text, std::size_t count) {

@@ -158,22 +158,6 @@ TEST(Damage, IsFoundByTheCheck) {
     EXPECT_GT(found, tried / 2);
 }
 
-/// The empty library that is installed with the program.
-TEST(Shipped, LibraryIsSoundAndEmpty) {
-    std::ifstream file(DRX9_SOURCE_DIR "/packaging/Monitor.mdb", std::ios::binary);
-    MemoryFilePort files;
-    files.put(kPath, std::string{std::istreambuf_iterator<char>(file), {}});
-    EXPECT_EQ(faultsOf(files), "");
-    DBEngine engine(files);
-    const auto database = engine.OpenDatabase(kPath);
-    EXPECT_EQ(database->TableNames(), (std::vector<std::string>{"Film", "Material"}));
-    for (const auto& name : database->TableNames()) {
-        EXPECT_TRUE(database->TableDefs(name).Indexes().empty()) << name; // one would mark an old library
-        EXPECT_EQ(database->TableDefs(name).RecordCount(), 0u) << name;
-    }
-    EXPECT_EQ(database->TableDefs("Film").Fields().front().Name, "FilmNum");
-}
-
 /// The fuzzers' seeds, and every input that once did harm.
 TEST(Damage, ReplaysTheFuzzCorpus) {
     std::size_t files = 0;

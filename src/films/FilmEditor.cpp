@@ -1,0 +1,215 @@
+#include "films/FilmEditor.h"
+
+#include "films/FilmQueries.h"
+#include "films/FilmText.h"
+#include "util/Numbers.h"
+#include "util/Text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace drx9 {
+
+namespace {
+constexpr double kSecondsPerMinute = 60;
+constexpr double kMostMinutes = 99;
+constexpr const char* kNewFilm = "NewFilm";
+constexpr const char* kUnitFilm = "UnitFilm";
+
+/// Where a bound box finds its value.
+struct Bound {
+    Dat source;
+    const char* field;
+};
+constexpr std::array<Bound, kFilmBoxes> kBound{{{Dat::DBSelected, "Tooling"},
+                                                {Dat::Material, "Density"},
+                                                {Dat::Material, "ZFactor"},
+                                                {Dat::DBSelected, "EndThick"},
+                                                {Dat::DBSelected, "ThickSet"},
+                                                {Dat::DBSelected, "FilmName"}}};
+
+std::string cannotHold(const std::string& what) {
+    return "Not stored: a film name cannot hold \"" + what + "\"";
+}
+} // namespace
+
+// ---- What is shown ----
+
+std::vector<FilmRow> FilmEditor::films() {
+    const auto numbers = parts_.library.column(Dat::DBFilms, "FilmNum");
+    const auto names = parts_.library.column(Dat::DBFilms, "FilmName");
+    std::vector<FilmRow> rows;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        rows.push_back({shownText(numbers[i], parts_.locale), textOf(names[i])});
+    }
+    return rows;
+}
+
+std::vector<std::string> FilmEditor::materials() {
+    std::vector<std::string> names;
+    for (const jet::Value& name : parts_.library.column(Dat::MatAll, "Material")) {
+        names.push_back(textOf(name));
+    }
+    return names;
+}
+
+void FilmEditor::ShowDBFilm(const std::string& name) {
+    const Found film = parts_.library.select(Dat::DBSelected, queries::chosenFilm(name));
+    if (film == Found::Failed && name.find('\'') != std::string::npos) {
+        parts_.library.tell("\"" + trimmed(name) + "\" cannot be looked up: its name holds a quote",
+                            NoticeTone::Warn);
+    }
+    selectMaterial(text(Dat::DBSelected, "Material"));
+}
+
+void FilmEditor::selectMaterial(const std::string& name) {
+    parts_.library.select(Dat::Material, queries::chosenMaterial(fitting(name)));
+}
+
+ShownFilm FilmEditor::shown() {
+    ShownFilm now;
+    now.film = parts_.library.found(Dat::DBSelected);
+    now.material = parts_.library.found(Dat::Material);
+    for (std::size_t i = 0; i < kFilmBoxes; ++i) {
+        now.boxes[i] =
+            trimmedRight(shownText(parts_.library.value(kBound[i].source, kBound[i].field), parts_.locale));
+    }
+    now.materialName = text(Dat::DBSelected, "Material");
+    const std::int32_t mask = toInt32(number("SensorAvg"));
+    for (std::size_t k = 0; k < kFilmSensors; ++k) {
+        now.sensors[k] = ((mask >> k) & 1) != 0;
+    }
+    const double time = number("TimeSet");
+    const double minutes = std::floor(time / kSecondsPerMinute);
+    now.minutes = toInt16(std::clamp(minutes, 0.0, kMostMinutes));
+    now.seconds = toInt16(std::clamp(std::floor(time - minutes * kSecondsPerMinute), 0.0, 59.0));
+    if ((minutes > kMostMinutes || time < 0) && parts_.library.notice().text.empty()) {
+        parts_.library.tell("Time setpoint of " + generalNumber(time, parts_.locale) +
+                                " s: more than its boxes can show",
+                            NoticeTone::Warn);
+    }
+    return now;
+}
+
+std::string FilmEditor::text(Dat source, const char* field) {
+    return textOf(parts_.library.value(source, field));
+}
+
+double FilmEditor::number(const char* field) {
+    return jet::asNumber(parts_.library.value(Dat::DBSelected, field)).value_or(0);
+}
+
+// ---- Edits ----
+
+void FilmEditor::editBox(FilmBox box, const std::string& typed) {
+    const Bound& bound = kBound[static_cast<std::size_t>(box)];
+    const auto value = typedNumber(typed, parts_.locale);
+    if (!value) {
+        parts_.library.tell("\"" + typed + "\" is no number: the value stays as it was", NoticeTone::Warn);
+        return;
+    }
+    parts_.library.edit(bound.source, {{bound.field, *value}});
+}
+
+bool FilmEditor::EditFilmName(const std::string& typed) {
+    if (!parts_.library.found(Dat::DBSelected)) {
+        return false;
+    }
+    const jet::Value filmNum = parts_.library.value(Dat::DBSelected, "FilmNum");
+    const std::string name = firstCharacters(
+        typed.empty() ? "FILM " + shownText(filmNum, NumberLocale{}) : typed, kFilmNameLength);
+    if (firstCharacters(name, std::string_view(kNewFilm).size()) == kNewFilm || name == kUnitFilm) {
+        refuse("UnitFilm and NewFilm cannot be used for\nfilm names. Please select another name.",
+               "Invalid Film Name!");
+        return false;
+    }
+    if (name.find('!') != std::string::npos) {
+        parts_.library.tell(cannotHold("!"), NoticeTone::Warn);
+        return false;
+    }
+    parts_.library.edit(Dat::DBSelected, {{"FilmName", name}});
+    parts_.library.refresh(Dat::DBFilms);
+    return true;
+}
+
+/// The mask is changed by adding and subtracting, not by setting a bit.
+void FilmEditor::clickSensor(std::size_t sensor, bool checked) {
+    const double bit = std::ldexp(1.0, static_cast<int>(sensor));
+    const double mask = number("SensorAvg");
+    parts_.library.edit(Dat::DBSelected, {{"SensorAvg", checked ? mask + bit : mask - bit}});
+}
+
+void FilmEditor::setTime(int minutes, int seconds) {
+    parts_.library.edit(Dat::DBSelected, {{"TimeSet", minutes * kSecondsPerMinute + seconds}});
+}
+
+/// No longer than the column takes.
+std::string FilmEditor::fitting(const std::string& material) {
+    const std::size_t size = parts_.library.columnSize("Material", "Material");
+    return size == 0 ? material : firstCharacters(material, size);
+}
+
+void FilmEditor::changeMaterial(const std::string& typed) {
+    selectMaterial(typed);
+    if (!parts_.library.found(Dat::DBSelected)) {
+        return;
+    }
+    if (parts_.library.found(Dat::Material)) {
+        parts_.library.edit(Dat::DBSelected, {{"Material", parts_.library.value(Dat::Material, "Material")}});
+    } else if (!typed.empty()) {
+        parts_.library.tell("No material \"" + typed + "\": the film keeps \"" +
+                                text(Dat::DBSelected, "Material") + "\"",
+                            NoticeTone::Warn);
+    }
+}
+
+// ---- New rows ----
+
+void FilmEditor::refuse(const std::string& what, const std::string& title) {
+    parts_.boxes.show(what, title, MessageIcon::Exclamation);
+}
+
+std::string FilmEditor::addMaterial() {
+    const std::string answer = fitting(parts_.input.ask("Enter new material name:", "New Material"));
+    if (answer.empty()) {
+        return {};
+    }
+    if (parts_.library.select(Dat::Material, queries::materialTaken(answer)) == Found::Yes) {
+        refuse("Duplicate name. Select another name for Material", "Material Name already Exists!");
+        selectMaterial(text(Dat::DBSelected, "Material"));
+        return {};
+    }
+    const std::string name = firstCharacters(answer, kMaterialNameLength);
+    const bool added =
+        parts_.library.add(Dat::MatAll, {{"Material", name}, {"Density", 1.0}, {"ZFactor", 1.0}});
+    parts_.library.refresh(Dat::MatAll);
+    return added ? name : std::string();
+}
+
+bool FilmEditor::addFilm(const std::string& material) {
+    const std::string answer = parts_.input.ask("Enter new film name:", "New Film");
+    if (answer.empty()) {
+        return false;
+    }
+    if (answer.find('!') != std::string::npos) {
+        parts_.library.tell(cannotHold("!"), NoticeTone::Warn);
+        return false;
+    }
+    const std::string current = text(Dat::DBSelected, "FilmName");
+    if (parts_.library.select(Dat::DBSelected, queries::filmTaken(answer)) == Found::Yes) {
+        refuse("Duplicate name. Select another name for Film", "Film Name already Exists!");
+        ShowDBFilm(current);
+        return false;
+    }
+    const std::string name = firstCharacters(answer, kFilmNameLength);
+    const bool added = parts_.library.add(Dat::DBFilms, {{"FilmName", name}, {"Material", material}});
+    parts_.library.refresh(Dat::DBFilms);
+    if (parts_.library.select(Dat::DBSelected, queries::filmNamed(answer)) != Found::Yes && added) {
+        parts_.library.tell("Film \"" + name + "\" was added; choose it in the list to edit it",
+                            NoticeTone::Plain);
+    }
+    selectMaterial(text(Dat::DBSelected, "Material"));
+    return added;
+}
+
+} // namespace drx9

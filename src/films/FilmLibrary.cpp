@@ -1,0 +1,309 @@
+#include "films/FilmLibrary.h"
+
+#include "films/FilmText.h"
+#include "films/LibraryUpgrade.h"
+#include "jet/LockFile.h"
+#include "platform/AtomicReplace.h"
+#include "util/Text.h"
+
+namespace drx9 {
+
+namespace {
+constexpr const char* kFilter = "DB Files (*.mdb)|*.mdb";
+constexpr std::string_view kNotSaved = "the change was not saved: ";
+
+bool isSameFile(const FilePort& files, const std::string& a, const std::string& b) {
+    const auto first = files.identity(a);
+    const auto second = files.identity(b);
+    return files.resolveLinks(a) == files.resolveLinks(b) ||
+           (first && second && first->node != 0 && first->device == second->device &&
+            first->node == second->node);
+}
+
+/// The engine's reason without its own beginning, for behind "Change not saved: ".
+std::string plainReason(const std::string& reason) {
+    return reason.rfind(kNotSaved, 0) == 0 ? reason.substr(kNotSaved.size()) : reason;
+}
+} // namespace
+
+FilmLibrary::FilmLibrary(const FilmLibraryParts& parts)
+    : parts_(parts) {
+    at(Dat::DBFilms).recordSource = at(Dat::DBSelected).recordSource = "Film";
+    at(Dat::MatAll).recordSource = at(Dat::Material).recordSource = "Material";
+}
+
+FilmLibrary::~FilmLibrary() {
+    release();
+}
+
+// ---- The file ----
+
+FileDialogRequest FilmLibrary::dialogRequest() const {
+    FileDialogRequest request;
+    request.filter = kFilter;
+    request.initialFolder = parts_.paths.programFolder;
+    return request;
+}
+
+void FilmLibrary::DBOpen() {
+    forgetNotice();
+    if (!parts_.files.exists(path())) {
+        const std::string chosen = parts_.dialogs.openFile(dialogRequest());
+        parts_.DBFileName = chosen.empty() ? parts_.DBFileName : chosen;
+    }
+    const std::string notLookedAt = upgrade();
+    bind();
+    if (!notLookedAt.empty() && openFailure_.empty()) {
+        tell("Not converted: " + notLookedAt, NoticeTone::Alarm);
+    }
+    caption_ = "Films - [" + trimmed(bareName(parts_.DBFileName)) + "]";
+}
+
+/// Why the file could not even be looked at; empty when it could.
+std::string FilmLibrary::upgrade() {
+    const bool ran = statements_.run([&] {
+        const auto outcome = LibraryUpgrade(parts_.engine, parts_.files, path()).DBUpgrade();
+        tell(outcome.told, outcome.converted ? NoticeTone::Warn : NoticeTone::Alarm);
+    });
+    return ran ? std::string() : statements_.reason();
+}
+
+void FilmLibrary::bind() {
+    release();
+    boundPath_ = path();
+    openFailure_.clear();
+    if (!statements_.run([&] { database_ = parts_.engine.OpenDatabase(boundPath_); })) {
+        openFailure_ = statements_.reason();
+    }
+    for (const auto& [source, table] : {std::pair{Dat::DBFilms, "Film"},
+                                        {Dat::DBSelected, "Film"},
+                                        {Dat::MatAll, "Material"},
+                                        {Dat::Material, "Material"}}) {
+        if (select(source, table) == Found::Failed && openFailure_.empty()) {
+            openFailure_ = statements_.reason();
+        }
+    }
+    // Until a film is chosen nothing is edited.
+    for (const Dat source : {Dat::DBSelected, Dat::Material}) {
+        if (at(source).records) {
+            at(source).records->AbsolutePosition(-1);
+        }
+    }
+}
+
+void FilmLibrary::release() {
+    for (Source& source : sources_) {
+        source.records.reset();
+    }
+    database_.reset();
+    gathering_ = false;
+}
+
+bool FilmLibrary::openDatabase() {
+    const std::string chosen = parts_.dialogs.openFile(dialogRequest());
+    if (chosen.empty()) {
+        return false;
+    }
+    parts_.DBFileName = chosen;
+    DBOpen();
+    return true;
+}
+
+bool FilmLibrary::saveDatabaseAs() {
+    FileDialogRequest request = dialogRequest();
+    request.defaultExtension = "mdb";
+    request.overwritePrompt = true;
+    const std::string chosen = parts_.dialogs.saveFile(request);
+    if (chosen.empty()) {
+        return false;
+    }
+    const std::string saved = bareName(chosen);
+    if (const std::string reason = copyTo(parts_.paths.resolve(chosen)); !reason.empty()) {
+        tell("Not saved as " + saved + ": " + reason, NoticeTone::Alarm);
+        return false;
+    }
+    parts_.DBFileName = chosen;
+    unsavedUpload_ = false;
+    const bool elsewhere = !isSameFile(parts_.files, path(), boundPath_);
+    tell("Saved as " + saved + "." +
+             (elsewhere
+                  ? " Changes here still go to " + bareName(boundPath_) + "; open " + saved + " to edit it."
+                  : ""),
+         NoticeTone::Plain);
+    return true;
+}
+
+bool FilmLibrary::openUploadCopy() {
+    if (const std::string reason = copyTo(parts_.paths.resolve(kUploadFile)); !reason.empty()) {
+        tell("Nothing read: the library cannot be copied to " + std::string(kUploadFile) + ": " + reason,
+             NoticeTone::Alarm);
+        return false;
+    }
+    parts_.DBFileName = kUploadFile;
+    DBOpen();
+    unsavedUpload_ = true;
+    return true;
+}
+
+/// Copies the current file; an empty text when the copy stands. A file copied onto itself stays as it is.
+std::string FilmLibrary::copyTo(const std::string& target) {
+    std::string bytes;
+    FileStatus status = parts_.files.read(path(), bytes);
+    if (status.ok() && !isSameFile(parts_.files, path(), target)) {
+        const std::string held = jet::lockReason(parts_.files, target);
+        status = held.empty() ? replaceFile(parts_.files, target, bytes) : FileStatus::failure(held);
+    }
+    return status.reason();
+}
+
+LibraryNotice FilmLibrary::standing() const {
+    if (!openFailure_.empty()) {
+        return {bareName(boundPath_) + ": " + openFailure_, NoticeTone::Alarm};
+    }
+    const std::string reason = database_ ? database_->ReadOnlyReason() : std::string();
+    return reason.empty() ? LibraryNotice{} : LibraryNotice{"Read-only: " + reason, NoticeTone::Warn};
+}
+
+// ---- The record sources ----
+
+/// Where another program has replaced the file, all sources look at the new one from here on. Gathered
+/// changes stay with the file that they were made for: their commit will fail and say so.
+void FilmLibrary::followFile() {
+    if (!database_) {
+        throw jet::JetError(jet::Fault::CannotOpen, openFailure_);
+    }
+    if (gathering_) {
+        return;
+    }
+    auto now = parts_.engine.OpenDatabase(boundPath_);
+    if (&now->shared() == &database_->shared()) {
+        return;
+    }
+    database_ = std::move(now);
+    for (Source& source : sources_) {
+        source.records.reset();
+        statements_.run([&] { requery(source); });
+    }
+}
+
+void FilmLibrary::requery(Source& source) {
+    source.records = database_->OpenRecordset(source.recordSource);
+}
+
+Found FilmLibrary::select(Dat source, const std::string& recordSource) {
+    at(source).recordSource = recordSource;
+    return refresh(source);
+}
+
+Found FilmLibrary::refresh(Dat source) {
+    at(source).records.reset();
+    const bool ran = statements_.run([&] {
+        followFile();
+        requery(at(source));
+    });
+    if (!ran) {
+        return Found::Failed;
+    }
+    return found(source) ? Found::Yes : Found::No;
+}
+
+bool FilmLibrary::found(Dat source) const {
+    return at(source).records && at(source).records->AbsolutePosition() != -1;
+}
+
+jet::Value FilmLibrary::value(Dat source, const char* field) {
+    jet::Value result;
+    if (found(source)) {
+        statements_.run([&] { result = at(source).records->Value(field); });
+    }
+    return result;
+}
+
+std::vector<jet::Value> FilmLibrary::column(Dat source, const char* field) {
+    std::vector<jet::Value> values;
+    jet::Recordset* const records = at(source).records.get();
+    if (records == nullptr) {
+        return values;
+    }
+    for (records->MoveFirst(); !records->Eof(); records->MoveNext()) {
+        values.push_back(value(source, field));
+    }
+    records->MoveFirst();
+    return values;
+}
+
+bool FilmLibrary::edit(Dat source, const Values& values) {
+    Values changed;
+    for (const auto& [field, wanted] : values) {
+        if (!storesSame(value(source, field), wanted)) {
+            changed.emplace_back(field, wanted);
+        }
+    }
+    if (!found(source) || changed.empty()) {
+        return found(source);
+    }
+    return statements_.run([&] { at(source).records->Edit(); }) ? store(at(source), changed) : notSaved();
+}
+
+bool FilmLibrary::add(Dat source, const Values& values) {
+    if (!at(source).records) {
+        return notSaved();
+    }
+    at(source).records->AddNew();
+    return store(at(source), values);
+}
+
+/// Sets the fields, each a statement of its own, and saves the row with those that could be set.
+bool FilmLibrary::store(Source& source, const Values& values) {
+    bool set = true;
+    for (const auto& assignment : values) {
+        set = statements_.run([&] { source.records->SetValue(assignment.first, assignment.second); }) && set;
+    }
+    const bool stored = statements_.run([&] { source.records->Update(); });
+    if (!stored) {
+        source.records->CancelUpdate();
+    }
+    return (stored && set) || notSaved();
+}
+
+bool FilmLibrary::notSaved() {
+    tell("Change not saved: " + plainReason(statements_.reason()), NoticeTone::Alarm);
+    return false;
+}
+
+std::size_t FilmLibrary::columnSize(const char* table, const char* field) {
+    std::size_t size = 0;
+    statements_.run([&] {
+        followFile();
+        for (const jet::Field& column : database_->TableDefs(table).Fields()) {
+            size = equalNoCase(column.Name, field) ? column.Size : size;
+        }
+    });
+    return size;
+}
+
+// ---- Gathered commits ----
+
+void FilmLibrary::gatherCommits() {
+    gathering_ = gathering_ || statements_.run([&] {
+        followFile();
+        database_->BeginTrans();
+    });
+}
+
+bool FilmLibrary::commitGathered() {
+    if (!gathering_) {
+        return true;
+    }
+    gathering_ = false;
+    const bool stored = statements_.run([&] { database_->CommitTrans(); });
+    if (!stored) {
+        tell("Changes not saved: " + plainReason(statements_.reason()), NoticeTone::Alarm);
+        for (Source& source : sources_) {
+            statements_.run([&] { requery(source); });
+        }
+    }
+    return stored;
+}
+
+} // namespace drx9

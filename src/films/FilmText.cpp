@@ -1,0 +1,133 @@
+#include "films/FilmText.h"
+
+#include "util/Numbers.h"
+#include "util/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace drx9 {
+
+namespace {
+
+/// Lower-case letters of Windows-1252 whose capitals do not lie 32 below.
+struct Capital {
+    unsigned char small;
+    unsigned char capital;
+};
+constexpr std::array<Capital, 4> kOddCapitals{{{0x9A, 0x8A}, {0x9C, 0x8C}, {0x9E, 0x8E}, {0xFF, 0x9F}}};
+
+char upperAnsi(char character) {
+    const auto code = static_cast<unsigned char>(character);
+    for (const Capital& odd : kOddCapitals) {
+        if (odd.small == code) {
+            return static_cast<char>(odd.capital);
+        }
+    }
+    const bool accented = code >= 0xE0 && code <= 0xFE && code != 0xF7;
+    return (code >= 'a' && code <= 'z') || accented ? static_cast<char>(code - 0x20) : character;
+}
+
+/// A single-precision value as the double with the same shortest decimal text: 0.1f is shown as 0.1.
+double shortest(float value) {
+    std::array<char, 32> text{};
+    const auto written = std::to_chars(text.data(), text.data() + text.size(), value);
+    double result = value;
+    std::from_chars(text.data(), written.ptr, result);
+    return result;
+}
+
+/// Digits in groups of three behind the first, as "12,000".
+bool isGrouped(std::string_view text, std::size_t sign) {
+    const auto digits = [](std::string_view part) {
+        return !part.empty() && part.find_first_not_of("0123456789") == std::string_view::npos;
+    };
+    std::string_view before = text.substr(0, sign);
+    before.remove_prefix(!before.empty() && (before.front() == '-' || before.front() == '+') ? 1 : 0);
+    const std::string_view after = text.substr(sign + 1);
+    return digits(before) && before.size() <= 3 && before.front() != '0' && digits(after) &&
+           after.size() == 3;
+}
+
+} // namespace
+
+std::size_t characterCount(std::string_view text) {
+    return utf16FromUtf8(text).size() / 2;
+}
+
+std::string firstCharacters(std::string_view text, std::size_t count) {
+    std::string units = utf16FromUtf8(text); // two bytes each, the low one first
+    units.resize(std::min(units.size(), count * 2));
+    const auto last = units.empty() ? 0 : static_cast<unsigned char>(units.back());
+    const bool cutInTwo = last >= 0xD8 && last <= 0xDB;
+    units.resize(units.size() - (cutInTwo ? 2 : 0));
+    return utf8FromUtf16(units);
+}
+
+std::string fixedText(std::string_view text, std::size_t count) {
+    const std::string cut = firstCharacters(text, count);
+    return cut + std::string(count - characterCount(cut), ' ');
+}
+
+std::string upperAnsi(std::string_view bytes) {
+    std::string upper(bytes);
+    std::transform(upper.begin(), upper.end(), upper.begin(), [](char c) { return upperAnsi(c); });
+    return upper;
+}
+
+std::string wireFilmName(std::string_view name) {
+    std::string sent = upperAnsi(name);
+    sent.resize(kFilmNameLength, ' ');
+    std::replace(sent.begin(), sent.end(), '!', '_');
+    return sent;
+}
+
+std::string trimmedRight(std::string_view text) {
+    return std::string(text.substr(0, text.find_last_not_of(' ') + 1));
+}
+
+std::string textOf(const jet::Value& value) {
+    const auto* text = std::get_if<std::string>(&value);
+    return text != nullptr ? *text : std::string();
+}
+
+std::string shownText(const jet::Value& value, const NumberLocale& locale) {
+    if (const auto* single = std::get_if<float>(&value)) {
+        return generalNumber(shortest(*single), locale);
+    }
+    const auto number = jet::asNumber(value);
+    return number ? generalNumber(*number, locale) : textOf(value);
+}
+
+std::optional<double> typedNumber(std::string_view text, const NumberLocale& locale) {
+    std::string plain = trimmed(text);
+    const std::size_t sign = plain.find_first_of(".,");
+    if (sign == std::string::npos || plain.find_first_of(".,", sign + 1) != std::string::npos ||
+        (plain[sign] == locale.group && isGrouped(plain, sign))) {
+        return parseLocaleNumber(plain, locale);
+    }
+    plain[sign] = '.';
+    return parseLocaleNumber(plain, NumberLocale{});
+}
+
+bool storesSame(const jet::Value& stored, const jet::Value& wanted) {
+    if (jet::isNull(stored) || jet::isNull(wanted)) {
+        return jet::isNull(stored) && jet::isNull(wanted);
+    }
+    const auto number = jet::asNumber(wanted);
+    const auto old = jet::asNumber(stored);
+    if (!number || !old) {
+        return stored == wanted;
+    }
+    if (std::holds_alternative<float>(stored)) {
+        return std::get<float>(stored) == static_cast<float>(*number);
+    }
+    if (std::holds_alternative<std::int64_t>(stored)) {
+        return *old == std::nearbyint(*number);
+    }
+    return *old == *number;
+}
+
+} // namespace drx9

@@ -1,0 +1,108 @@
+#pragma once
+
+#include "films/FilmLibrary.h"
+#include "films/TransferReport.h"
+#include "link/ActionQueue.h"
+#include "link/Commands.h"
+#include "link/MonitorAccess.h"
+#include "link/Records.h"
+#include "platform/Clock.h"
+#include "platform/MessageBoxes.h"
+#include "platform/Progress.h"
+#include "util/NumberLocale.h"
+
+#include <functional>
+#include <string>
+
+namespace drx9 {
+
+/// What a transfer asks of the film window: its list, and to show what has changed. Rows count from 0.
+class FilmListView {
+public:
+    virtual ~FilmListView() = default;
+    [[nodiscard]] virtual int rowCount() const = 0;
+    /// Makes a row the current one; which rows are selected stays.
+    virtual void setCurrentRow(int row) = 0;
+    [[nodiscard]] virtual bool isSelected(int row) const = 0;
+    /// Film name of the current row, as it is stored.
+    [[nodiscard]] virtual std::string filmName() const = 0;
+    /// Shows the current row's film.
+    virtual void ShowDBFilm() = 0;
+    /// Reads the film list and the material list anew.
+    virtual void refreshLists() = 0;
+    /// Selects the first row alone.
+    virtual void selectFirstRow() = 0;
+    /// The third sensor's box is enabled: the instrument has three sensors or more.
+    [[nodiscard]] virtual bool manySensors() const = 0;
+    virtual void setHourglass(bool on) = 0;
+};
+
+struct FilmTransferParts {
+    FilmLibrary& library;
+    Films& films; ///< holds what the instrument holds
+    Link& link;
+    Commands& commands;
+    MessageBoxes& boxes;
+    Progress& progress;
+    const Clock& clock;
+    ActionQueue& actions;
+    FilmMemoryAccess& memory;
+    const NumberLocale& locale;
+    FilmListView& list;
+    std::function<bool()> ends; ///< the program is closing; may be empty
+};
+
+/// Moves films between the library and the instrument. Every operation pumps events, from its first exchange
+/// to its last: nothing of ours runs meanwhile but what only looks, and another operation asked for then has
+/// no effect. It ends early when two exchanges in a row time out, or after the exchange in hand when the
+/// program closes. What came of it is the library's notice.
+class FilmTransfer {
+public:
+    explicit FilmTransfer(const FilmTransferParts& parts)
+        : parts_(parts) {}
+
+    /// Reads all films of the instrument into a copy of the library.
+    void upload();
+    /// Writes the selected films (0) or all films (1) to the instrument, then reads them back and asks about
+    /// each difference. The film in row k is written as film k + 1.
+    void download(int index);
+    /// "Z": the instrument's own films again.
+    void resetToDefaults();
+
+    [[nodiscard]] bool running() const { return running_; }
+    /// A transfer or a reset went to the instrument.
+    [[nodiscard]] bool reachedInstrument() const { return reachedInstrument_; }
+
+private:
+    class Run;
+    class Shown;
+    struct Mismatch;
+
+    int readFilms(TransferReport& report);
+    void storeRead(int film, TransferReport& report);
+    void commitDue(TransferReport& report);
+    bool shutterClosed();
+    void writeFilms(int index, TransferReport& report);
+    void writeRow(int film, TransferReport& report);
+    void VerifyFilms(int index, TransferReport& report);
+    bool verifyRow(int film, TransferReport& report);
+    bool compare(int film);
+    bool FilmMismatch(int film, const Mismatch& mismatch);
+    [[nodiscard]] bool takes(int film, int index) const;
+    [[nodiscard]] int rows() const;
+    void beginExchange();
+    /// Notes how the exchange ended; true when it was answered.
+    bool endExchange();
+    [[nodiscard]] bool stopped() const;
+
+    static constexpr int kDeadAfterTimeouts = 2;
+    static constexpr double kCommitAfter = 0.5; ///< s; with the longest exchange, a commit a second
+
+    FilmTransferParts parts_;
+    bool running_ = false;
+    bool reachedInstrument_ = false;
+    int timeouts_ = 0; ///< in a row
+    double lastCommit_ = 0;
+};
+
+} // namespace drx9

@@ -1,0 +1,445 @@
+#include "films/frmFilm.h"
+
+#include "controls/MarkLabel.h"
+#include "controls/SpinBox.h"
+#include "util/ProgramName.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QStandardItemModel>
+#include <QTreeView>
+
+#include <utility>
+
+namespace drx9 {
+
+namespace {
+constexpr std::size_t kFirstOfMany = 2; ///< index of the third sensor's box
+constexpr int kRowHeight = 28;
+constexpr const char* kUnsaved = "Uploaded data, not saved under another name yet";
+
+QString shown(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+MarkLabel::Tone toneOf(NoticeTone tone) {
+    return tone == NoticeTone::Plain  ? MarkLabel::Tone::Plain
+           : tone == NoticeTone::Warn ? MarkLabel::Tone::Warn
+                                      : MarkLabel::Tone::Alarm;
+}
+} // namespace
+
+frmFilm::frmFilm(FilmWindowParts parts, QWidget* owner)
+    : QDialog(owner,
+              Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowMinMaxButtonsHint)
+    , parts_(std::move(parts))
+    , library_({parts_.engine, parts_.files, parts_.paths, parts_.dialogs, parts_.DBFileName})
+    , editor_({library_, parts_.boxes, parts_.input, parts_.locale})
+    , transfer_({library_, parts_.films, parts_.link, parts_.commands, parts_.boxes, parts_.progress,
+                 parts_.clock, parts_.actions, parts_.memory, parts_.locale, *this, parts_.programCloses}) {
+    buildControls();
+    Form_Load();
+}
+
+frmFilm::~frmFilm() = default;
+
+// ---- Load and unload ----
+
+void frmFilm::Form_Load() {
+    timerHold_ = parts_.polling.holdTimer("Film Setup is open");
+    closeRound_ = parts_.round.beforeClose([this] { beforeProgramCloses(); });
+    wasOnline_ = online();
+    for (QPushButton* transfer : instrumentButtons_) {
+        transfer->setEnabled(wasOnline_);
+    }
+    manySensors_ = !wasOnline_ || parts_.link.sensorCount() > static_cast<int>(kFirstOfMany);
+    for (std::size_t k = kFirstOfMany; k < kFilmSensors; ++k) {
+        chkSensAvg_[k]->setEnabled(manySensors_);
+    }
+    library_.DBOpen();
+    showInstrument();
+    showLibrary();
+    lstDBFilms_->setFocus();
+}
+
+bool frmFilm::online() const {
+    return parts_.link.CommOK() && !parts_.link.CommVersion().empty();
+}
+
+void frmFilm::closeEvent(QCloseEvent* event) {
+    if (transfer_.running()) {
+        closeWanted_ = true;
+    } else if (!closed_ && !closeAsked_) {
+        closeAsked_ = true;
+        finishEditing();
+        inCloseEvent_ = true;
+        whenIdle([this] { Form_QueryUnload(); });
+        inCloseEvent_ = false;
+    }
+    event->setAccepted(closed_);
+}
+
+void frmFilm::Form_QueryUnload() {
+    askUnsaved();
+    closed_ = true;
+    if (transfer_.reachedInstrument()) {
+        hide();
+        parts_.memory.filmMemoryChanged();
+    }
+    timerHold_.reset();
+    if (!inCloseEvent_) {
+        close();
+    }
+}
+
+void frmFilm::askUnsaved() {
+    if (library_.unsavedUpload() &&
+        parts_.boxes.askYesNo("Save Uploaded Data to a database?", kProgramName, MessageIcon::Question)) {
+        library_.saveDatabaseAs();
+    }
+}
+
+void frmFilm::beforeProgramCloses() {
+    if (!closed_ && !parts_.round.sessionEnds()) {
+        finishEditing();
+        askUnsaved();
+    }
+    closed_ = true;
+}
+
+bool frmFilm::event(QEvent* event) {
+    if (event->type() == QEvent::WindowActivate && state_ != nullptr) {
+        showState(); // who else has the file open may have changed
+    }
+    return QDialog::event(event);
+}
+
+/// The wheel over the closed combo would give the film another material.
+bool frmFilm::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Wheel) {
+        event->ignore();
+        return true;
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+/// Runs the action when nothing of ours is on the stack, unless the window has gone by then.
+void frmFilm::whenIdle(std::function<void()> action) {
+    parts_.actions.runWhenIdle([self = QPointer<frmFilm>(this), action = std::move(action)] {
+        if (self != nullptr) {
+            action();
+        }
+    });
+}
+
+/// What is typed in the focused field is finished as if the field had been left.
+void frmFilm::finishEditing() {
+    QWidget* focus = QApplication::focusWidget();
+    if (focus != nullptr && isAncestorOf(focus) &&
+        (qobject_cast<QLineEdit*>(focus) != nullptr || qobject_cast<QAbstractSpinBox*>(focus) != nullptr ||
+         qobject_cast<QComboBox*>(focus) != nullptr)) {
+        focus->clearFocus();
+        focus->setFocus();
+    }
+}
+
+// ---- The operator's doings ----
+
+void frmFilm::mnuFileOpen_Click() {
+    finishEditing();
+    whenIdle([this] {
+        if (library_.openDatabase()) {
+            showLibrary();
+        }
+    });
+}
+
+void frmFilm::mnuFileSave_Click() {
+    finishEditing();
+    whenIdle([this] {
+        library_.saveDatabaseAs();
+        showState();
+    });
+}
+
+void frmFilm::lstDBFilms_Click(int row) {
+    library_.forgetNotice();
+    setCurrentRow(row);
+    ShowDBFilm();
+}
+
+void frmFilm::txtParam_Finished(FilmBox box) {
+    QLineEdit* field = txtParam_[static_cast<std::size_t>(box)];
+    if (filling_ || !field->isModified()) {
+        return;
+    }
+    field->setModified(false); // a message box takes the focus: once is enough
+    library_.forgetNotice();
+    if (box != FilmBox::FilmName) {
+        editor_.editBox(box, field->text().toStdString());
+    } else if (editor_.EditFilmName(field->text().toStdString())) {
+        showList();
+        moveListToFirstRow();
+    }
+    showFilm();
+}
+
+/// The current row moves; the renamed film stays shown and selected.
+void frmFilm::moveListToFirstRow() {
+    lstDBFilms_->setAutoScroll(false);
+    if (rowCount() > 0) {
+        setCurrentRow(0);
+    }
+    lstDBFilms_->setAutoScroll(true);
+}
+
+void frmFilm::dbcMaterial_Change() {
+    if (filling_) {
+        return;
+    }
+    dbcMaterial_->lineEdit()->setModified(false);
+    library_.forgetNotice();
+    editor_.changeMaterial(dbcMaterial_->currentText().toStdString());
+    const QString typed = dbcMaterial_->currentText();
+    showFilm();
+    if (!library_.found(Dat::DBSelected) || !library_.found(Dat::Material)) {
+        dbcMaterial_->setEditText(typed);
+    }
+}
+
+void frmFilm::chkSensAvg_Click(std::size_t sensor) {
+    library_.forgetNotice();
+    editor_.clickSensor(sensor, chkSensAvg_[sensor]->isChecked());
+    showFilm();
+}
+
+void frmFilm::spnTime_Change() {
+    if (filling_ || !library_.found(Dat::DBSelected)) {
+        return;
+    }
+    library_.forgetNotice();
+    editor_.setTime(spnMinutes_->value(), spnSeconds_->value());
+    showState();
+}
+
+void frmFilm::cmdNewMat_Click() {
+    finishEditing();
+    whenIdle([this] {
+        library_.forgetNotice();
+        const std::string added = editor_.addMaterial();
+        if (!added.empty()) {
+            editor_.changeMaterial(added);
+            showMaterials(shown(added));
+        }
+        showFilm();
+        if (!added.empty()) {
+            dbcMaterial_->setEditText(shown(added));
+        }
+    });
+}
+
+void frmFilm::cmdAddFilm_Click() {
+    finishEditing();
+    whenIdle([this] {
+        library_.forgetNotice();
+        if (editor_.addFilm(dbcMaterial_->currentText().toStdString())) {
+            showList();
+            shownRow_ = -1;
+        }
+        showFilm();
+    });
+}
+
+/// The whole window stands still as long as this lives, and gets its focus back.
+class frmFilm::StandStill {
+public:
+    explicit StandStill(frmFilm& window)
+        : window_(window)
+        , focus_(QApplication::focusWidget()) {
+        enable(false);
+    }
+    StandStill(const StandStill&) = delete;
+    StandStill& operator=(const StandStill&) = delete;
+    ~StandStill() {
+        enable(true);
+        if (focus_ != nullptr) {
+            focus_->setFocus();
+        }
+    }
+
+private:
+    void enable(bool on) {
+        window_.content_->setEnabled(on);
+        window_.menu_->setEnabled(on);
+    }
+
+    frmFilm& window_;
+    QPointer<QWidget> focus_;
+};
+
+void frmFilm::transferClick(std::function<void()> transfer) {
+    finishEditing();
+    whenIdle([this, transfer = std::move(transfer)] {
+        {
+            const StandStill still(*this);
+            transfer();
+        }
+        showInstrument();
+        showFilm();
+        if (closeWanted_) {
+            closeWanted_ = false;
+            close();
+        }
+    });
+}
+
+// ---- What is shown ----
+
+void frmFilm::showLibrary() {
+    lstDBFilms_->selectionModel()->clear();
+    shownRow_ = -1;
+    showList();
+    showMaterials({});
+    showFilm();
+}
+
+/// Row by row, so that the place in the list and the selection stay.
+void frmFilm::showList() {
+    filling_ = true;
+    setWindowTitle(shown(library_.caption()));
+    rows_ = editor_.films();
+    listModel_->setRowCount(static_cast<int>(rows_.size()));
+    for (int row = 0; row < listModel_->rowCount(); ++row) {
+        const FilmRow& film = rows_[static_cast<std::size_t>(row)];
+        for (const auto& [column, text] : {std::pair{0, film.number}, {1, film.name}}) {
+            if (listModel_->item(row, column) == nullptr) {
+                listModel_->setItem(row, column, new QStandardItem);
+                listModel_->item(row, column)->setSizeHint(QSize(0, kRowHeight));
+            }
+            listModel_->item(row, column)->setText(shown(text));
+        }
+        listModel_->item(row, 0)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    }
+    filling_ = false;
+}
+
+void frmFilm::showMaterials(const QString& chosen) {
+    const QSignalBlocker blocker(dbcMaterial_);
+    dbcMaterial_->clear();
+    for (const std::string& material : editor_.materials()) {
+        dbcMaterial_->addItem(shown(material));
+    }
+    dbcMaterial_->setCurrentIndex(dbcMaterial_->findText(chosen, Qt::MatchFixedString));
+    dbcMaterial_->setEditText(chosen);
+}
+
+void frmFilm::showFilm() {
+    filling_ = true;
+    const ShownFilm now = editor_.shown();
+    film_->setEnabled(now.film);
+    sensors_->setEnabled(now.film);
+    for (std::size_t i = 0; i < kFilmBoxes; ++i) {
+        const bool ofMaterial = i == static_cast<std::size_t>(FilmBox::Density) ||
+                                i == static_cast<std::size_t>(FilmBox::ZFactor);
+        txtParam_[i]->setText(shown(now.boxes[i]));
+        txtParam_[i]->setEnabled(ofMaterial ? now.material : now.film);
+    }
+    if (now.film) {
+        dbcMaterial_->setCurrentIndex(dbcMaterial_->findText(shown(now.materialName), Qt::MatchFixedString));
+        dbcMaterial_->setEditText(shown(now.materialName));
+        dbcMaterial_->lineEdit()->setCursorPosition(0);
+    }
+    spnMinutes_->setValue(now.minutes);
+    spnSeconds_->setValue(now.seconds);
+    for (std::size_t k = 0; k < kFilmSensors; ++k) {
+        chkSensAvg_[k]->setChecked(now.sensors[k]);
+    }
+    filling_ = false;
+    showState();
+}
+
+void frmFilm::showInstrument() {
+    const QString version = shown("Ver. " + parts_.link.Comm_VersionText() + ", " +
+                                  std::to_string(parts_.link.FilmCount()) + " films");
+    version_->setText(online() ? version : QStringLiteral("Off line"));
+}
+
+/// What came of the last operation goes before what lasts.
+void frmFilm::showState() {
+    const LibraryNotice& notice = library_.notice();
+    const LibraryNotice standing = library_.standing();
+    LibraryNotice said;
+    if (!notice.text.empty()) {
+        said = notice;
+    } else if (!standing.text.empty()) {
+        said = standing;
+    } else if (library_.unsavedUpload()) {
+        said = {kUnsaved, NoticeTone::Warn};
+    } else if (wasOnline_ && !online()) {
+        said = {"Off line: the link was lost", NoticeTone::Alarm};
+    }
+    state_->say(shown(said.text), toneOf(said.tone));
+    state_->setToolTip(shown(said.text));
+}
+
+// ---- For the transfer ----
+
+int frmFilm::rowCount() const {
+    return listModel_->rowCount();
+}
+
+void frmFilm::setCurrentRow(int row) {
+    const bool before = std::exchange(filling_, true);
+    lstDBFilms_->selectionModel()->setCurrentIndex(listModel_->index(row, 0), QItemSelectionModel::NoUpdate);
+    filling_ = before;
+}
+
+bool frmFilm::isSelected(int row) const {
+    return lstDBFilms_->selectionModel()->isRowSelected(row);
+}
+
+std::string frmFilm::filmName() const {
+    const int row = lstDBFilms_->currentIndex().row();
+    return row >= 0 && row < static_cast<int>(rows_.size()) ? rows_[static_cast<std::size_t>(row)].name
+                                                            : std::string();
+}
+
+void frmFilm::ShowDBFilm() {
+    shownRow_ = lstDBFilms_->currentIndex().row();
+    editor_.ShowDBFilm(filmName());
+    showFilm();
+}
+
+void frmFilm::refreshLists() {
+    library_.refresh(Dat::DBFilms);
+    library_.refresh(Dat::MatAll);
+    showList();
+    showMaterials(dbcMaterial_->currentText());
+}
+
+void frmFilm::selectFirstRow() {
+    filling_ = true;
+    lstDBFilms_->setCurrentIndex(listModel_->index(0, 0));
+    filling_ = false;
+    if (rowCount() > 0) {
+        ShowDBFilm();
+    }
+}
+
+void frmFilm::setHourglass(bool on) {
+    if (on) {
+        setCursor(Qt::WaitCursor);
+    } else {
+        unsetCursor();
+    }
+}
+
+} // namespace drx9

@@ -1,0 +1,157 @@
+#pragma once
+
+#include "films/FilmEditor.h"
+#include "films/FilmLibrary.h"
+#include "films/FilmTransfer.h"
+#include "link/MonitorAccess.h"
+
+#include <QDialog>
+#include <QPointer>
+
+#include <array>
+#include <functional>
+#include <memory>
+
+class QCheckBox;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QMenuBar;
+class QPushButton;
+class QStandardItemModel;
+class QTreeView;
+
+namespace drx9 {
+
+class MarkLabel;
+class SpinBox;
+
+struct FilmWindowParts {
+    jet::DBEngine& engine;
+    FilePort& files;
+    const Paths& paths;
+    std::string& DBFileName;
+    Films& films;
+    Link& link;
+    Commands& commands;
+    FileDialogs& dialogs;
+    InputBox& input;
+    MessageBoxes& boxes;
+    Progress& progress;
+    ActionQueue& actions;
+    const Clock& clock;
+    const NumberLocale& locale;
+    PollingAccess& polling;
+    FilmMemoryAccess& memory;
+    CloseRound& round;
+    std::function<bool()> programCloses; ///< asked between two exchanges of a transfer; may be empty
+};
+
+/// The film window: the library's films and materials, and their transfer to and from the instrument. Not
+/// modal, but the update timer stands still while it is open. It is made when nothing of ours is on the
+/// stack: its load may ask for a file. A transfer that runs puts off its closing; what is unsaved is asked
+/// about before it closes, also when the program does.
+class frmFilm : public QDialog, private FilmListView {
+    Q_OBJECT
+public:
+    frmFilm(FilmWindowParts parts, QWidget* owner);
+    ~frmFilm() override;
+
+    void reject() override { close(); }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    class StandStill;
+
+    // Controls
+    void buildControls();
+    QMenuBar* buildMenu();
+    QLayout* buildList();
+    QGroupBox* buildFilm();
+    QGroupBox* buildMaterial();
+    QGroupBox* buildSensors();
+    QGroupBox* buildInstrument();
+    QLayout* buildTime();
+    QLayout* buildBottom();
+    QLineEdit* buildBox(FilmBox box, const char* accessible, const char* toolTip);
+    QPushButton* button(const char* name, const char* caption, const char* toolTip);
+    SpinBox* spinner(const char* name, const char* text, const char* accessible, int most);
+    void setTabOrders();
+
+    // Events
+    void Form_Load();
+    void Form_QueryUnload();
+    void lstDBFilms_Click(int row);
+    void dbcMaterial_Change();
+    void chkSensAvg_Click(std::size_t sensor);
+    void spnTime_Change();
+    void txtParam_Finished(FilmBox box);
+    void cmdNewMat_Click();
+    void cmdAddFilm_Click();
+    void transferClick(std::function<void()> transfer);
+    void mnuFileOpen_Click();
+    void mnuFileSave_Click();
+    void whenIdle(std::function<void()> action);
+    void finishEditing();
+    void askUnsaved();
+    void beforeProgramCloses();
+
+    // What is shown
+    void showLibrary();
+    void showFilm();
+    void showList();
+    void showMaterials(const QString& chosen);
+    void showState();
+    void showInstrument();
+    void moveListToFirstRow();
+    [[nodiscard]] bool online() const;
+
+    // For the transfer
+    [[nodiscard]] int rowCount() const override;
+    void setCurrentRow(int row) override;
+    [[nodiscard]] bool isSelected(int row) const override;
+    [[nodiscard]] std::string filmName() const override;
+    void ShowDBFilm() override;
+    void refreshLists() override;
+    void selectFirstRow() override;
+    [[nodiscard]] bool manySensors() const override { return manySensors_; }
+    void setHourglass(bool on) override;
+
+    FilmWindowParts parts_;
+    FilmLibrary library_;
+    FilmEditor editor_;
+    FilmTransfer transfer_;
+    std::unique_ptr<Tenure> timerHold_;
+    std::unique_ptr<Tenure> closeRound_;
+    std::vector<FilmRow> rows_; ///< of the list
+    bool filling_ = true;       ///< changes of the controls are the program's own
+    bool manySensors_ = true;
+    bool wasOnline_ = false;
+    bool closeWanted_ = false; ///< asked for in mid-transfer
+    bool closeAsked_ = false;
+    bool closed_ = false;
+    bool inCloseEvent_ = false;
+    int shownRow_ = -1; ///< whose film is shown; -1 none, or one chosen otherwise
+
+    QMenuBar* menu_ = nullptr;
+    QWidget* content_ = nullptr;
+    QTreeView* lstDBFilms_ = nullptr;
+    QStandardItemModel* listModel_ = nullptr;
+    QGroupBox* film_ = nullptr;
+    QGroupBox* sensors_ = nullptr;
+    std::array<QLineEdit*, kFilmBoxes> txtParam_{};
+    QComboBox* dbcMaterial_ = nullptr;
+    SpinBox* spnMinutes_ = nullptr;
+    SpinBox* spnSeconds_ = nullptr;
+    std::array<QCheckBox*, kFilmSensors> chkSensAvg_{};
+    QLabel* version_ = nullptr;
+    std::array<QPushButton*, 4> instrumentButtons_{};
+    MarkLabel* state_ = nullptr;
+};
+
+} // namespace drx9

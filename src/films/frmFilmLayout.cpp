@@ -1,0 +1,390 @@
+// The film window's controls and their arrangement.
+#include "films/frmFilm.h"
+
+#include "controls/MarkLabel.h"
+#include "controls/SpinBox.h"
+#include "controls/Theme.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPainter>
+#include <QPushButton>
+#include <QStandardItemModel>
+#include <QTreeView>
+
+namespace drx9 {
+
+namespace {
+constexpr int kMargin = 16;
+constexpr int kGap = 8;
+constexpr int kGroupGap = 12;
+constexpr int kControlHeight = 28;
+constexpr int kListWidth = 252;
+constexpr int kNumberColumn = 92;
+constexpr int kNameWidth = 140;
+constexpr int kNumberWidth = 112;
+constexpr int kSpinnerWidth = 60;
+constexpr int kButtonWidth = 128;
+constexpr int kCloseWidth = 92;
+constexpr QSize kLeast{859, 544};
+constexpr QSize kStart{900, 640};
+
+QLabel* label(const char* text, QWidget* buddy) {
+    auto* made = new QLabel(QString::fromLatin1(text), buddy->parentWidget());
+    made->setBuddy(buddy);
+    return made;
+}
+
+QLabel* unit(const QString& text, QWidget* parent) {
+    auto* made = new QLabel(text, parent);
+    made->setForegroundRole(kMutedRole);
+    return made;
+}
+
+/// The border of an input face around a list, accented while the list has the focus.
+class ListFrame : public QFrame {
+public:
+    ListFrame(QTreeView* list, QWidget* parent)
+        : QFrame(parent) {
+        auto* room = new QVBoxLayout(this);
+        room->setContentsMargins(2, 2, 2, 2);
+        room->addWidget(list);
+        list->setFrameShape(QFrame::NoFrame);
+        list->installEventFilter(this);
+        setFocusProxy(list);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
+            update();
+        }
+        return QFrame::eventFilter(watched, event);
+    }
+    void paintEvent(QPaintEvent* /*event*/) override {
+        const Theme theme = Theme::of(palette());
+        const bool focused = focusProxy()->hasFocus();
+        const double width = focused ? 2 : 1;
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(focused ? theme.accent : theme.line, width));
+        painter.setBrush(theme.base);
+        const double inset = width / 2;
+        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), 4, 4);
+    }
+};
+
+QGridLayout* gridIn(QGroupBox* group) {
+    auto* grid = new QGridLayout(group);
+    grid->setContentsMargins(kGroupGap, kGroupGap, kGroupGap, kGroupGap);
+    grid->setHorizontalSpacing(kGap);
+    grid->setVerticalSpacing(kGap);
+    grid->setColumnStretch(3, 1);
+    return grid;
+}
+} // namespace
+
+void frmFilm::buildControls() {
+    setObjectName(QStringLiteral("frmFilm"));
+    setWindowTitle(QStringLiteral("Film Setup"));
+    menu_ = buildMenu();
+    content_ = new QWidget(this);
+    auto* outer = new QVBoxLayout(this);
+    outer->setContentsMargins(0, 0, 0, 0);
+    outer->setMenuBar(menu_);
+    outer->addWidget(content_);
+    auto* column = new QVBoxLayout(content_);
+    column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    column->setSpacing(kGroupGap);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(kMargin);
+    row->addLayout(buildList());
+    auto* middle = new QVBoxLayout;
+    middle->setSpacing(kGroupGap);
+    middle->addWidget(film_ = buildFilm());
+    middle->addWidget(buildMaterial());
+    middle->addWidget(sensors_ = buildSensors());
+    middle->addStretch(1);
+    row->addLayout(middle, 1);
+    auto* right = new QVBoxLayout;
+    right->addWidget(buildInstrument());
+    right->addStretch(1);
+    row->addLayout(right);
+    column->addLayout(row, 1);
+    column->addLayout(buildBottom());
+    setMinimumSize(kLeast.expandedTo(minimumSizeHint()));
+    resize(kStart.expandedTo(minimumSize()));
+    setTabOrders();
+}
+
+QMenuBar* frmFilm::buildMenu() {
+    auto* bar = new QMenuBar(this);
+    QMenu* file = bar->addMenu(QStringLiteral("&File"));
+    file->setObjectName(QStringLiteral("mnuFile"));
+    const auto add = [&](const char* name, const char* text, void (frmFilm::*handler)()) {
+        QAction* action = file->addAction(QString::fromLatin1(text), this, handler);
+        action->setObjectName(QString::fromLatin1(name));
+    };
+    add("mnuFileOpen", "&Open Database", &frmFilm::mnuFileOpen_Click);
+    add("mnuFileSave", "Save &As Database", &frmFilm::mnuFileSave_Click);
+    return bar;
+}
+
+QPushButton* frmFilm::button(const char* name, const char* caption, const char* toolTip) {
+    auto* made = new QPushButton(QString::fromLatin1(caption), content_);
+    made->setObjectName(QString::fromLatin1(name));
+    made->setToolTip(QString::fromLatin1(toolTip));
+    made->setAccessibleDescription(made->toolTip());
+    made->setAutoDefault(false);
+    made->setMinimumHeight(kControlHeight);
+    return made;
+}
+
+QLayout* frmFilm::buildList() {
+    lstDBFilms_ = new QTreeView(content_);
+    lstDBFilms_->setObjectName(QStringLiteral("lstDBFilms"));
+    lstDBFilms_->setToolTip(QStringLiteral("Select a film to edit."));
+    lstDBFilms_->setAccessibleName(QStringLiteral("Films"));
+    lstDBFilms_->setAllColumnsShowFocus(true);
+    lstDBFilms_->setRootIsDecorated(false);
+    lstDBFilms_->setUniformRowHeights(true);
+    lstDBFilms_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    lstDBFilms_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    lstDBFilms_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    listModel_ = new QStandardItemModel(0, 2, lstDBFilms_);
+    listModel_->setHorizontalHeaderLabels({QStringLiteral("FilmNum"), QStringLiteral("FilmName")});
+    listModel_->horizontalHeaderItem(0)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    listModel_->horizontalHeaderItem(1)->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    lstDBFilms_->setModel(listModel_);
+    lstDBFilms_->header()->setSectionResizeMode(QHeaderView::Fixed);
+    lstDBFilms_->header()->resizeSection(0, kNumberColumn);
+    lstDBFilms_->header()->setStretchLastSection(true);
+    lstDBFilms_->header()->setSectionsMovable(false);
+    QFont bold = lstDBFilms_->header()->font();
+    bold.setWeight(QFont::DemiBold);
+    lstDBFilms_->header()->setFont(bold);
+    lstDBFilms_->header()->setFixedHeight(kControlHeight);
+    // The current row alone, which a list that gets the focus finds itself, chooses no film.
+    connect(lstDBFilms_->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        const int row = lstDBFilms_->currentIndex().row();
+        if (!filling_ && row >= 0 && row != shownRow_ && isSelected(row)) {
+            lstDBFilms_Click(row);
+        }
+    });
+    connect(lstDBFilms_, &QTreeView::clicked, this, [this](const QModelIndex& clicked) {
+        if (clicked.row() != shownRow_) {
+            lstDBFilms_Click(clicked.row());
+        }
+    });
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(kGap);
+    QPushButton* cmdAddFilm = button("cmdAddFilm", "&Add Film", "Create a new material.");
+    connect(cmdAddFilm, &QPushButton::clicked, this, &frmFilm::cmdAddFilm_Click);
+    buttons->addWidget(cmdAddFilm);
+    buttons->addWidget(button("cmdDelete", "&Delete Film", "Create a new material.")); // no action: kept
+    auto* column = new QVBoxLayout;
+    column->setSpacing(kGap);
+    auto* frame = new ListFrame(lstDBFilms_, content_);
+    frame->setFixedWidth(kListWidth);
+    column->addWidget(frame, 1);
+    column->addLayout(buttons);
+    return column;
+}
+
+QLineEdit* frmFilm::buildBox(FilmBox box, const char* accessible, const char* toolTip) {
+    auto* made = new QLineEdit(content_);
+    const auto index = static_cast<std::size_t>(box);
+    made->setObjectName(QStringLiteral("txtParam_%1").arg(index));
+    made->setAccessibleName(QString::fromLatin1(accessible));
+    made->setToolTip(QString::fromLatin1(toolTip));
+    made->setAccessibleDescription(made->toolTip());
+    made->setMinimumHeight(kControlHeight);
+    made->setFixedWidth(box == FilmBox::FilmName ? kNameWidth : kNumberWidth);
+    if (box != FilmBox::FilmName) {
+        made->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    }
+    connect(made, &QLineEdit::editingFinished, this, [this, box] { txtParam_Finished(box); });
+    txtParam_[index] = made;
+    return made;
+}
+
+QGroupBox* frmFilm::buildFilm() {
+    auto* group = new QGroupBox(QStringLiteral("Film"), content_);
+    QGridLayout* grid = gridIn(group);
+    const auto row = [&](int at, const char* caption, QLineEdit* box, bool thickness) {
+        box->setParent(group);
+        grid->addWidget(label(caption, box), at, 0);
+        auto* boxAndUnit = new QHBoxLayout;
+        boxAndUnit->setSpacing(kGap);
+        boxAndUnit->addWidget(box);
+        boxAndUnit->addWidget(unit(thickness ? QString::fromUtf8("k\u00C5") : QString(), group), 1);
+        grid->addLayout(boxAndUnit, at, 1, 1, 3);
+    };
+    row(0, "Film Name", buildBox(FilmBox::FilmName, "Film Name", "Edit the name of database film selection."),
+        false);
+    row(1, "Tooling", buildBox(FilmBox::Tooling, "Tooling", "Set film tooling."), false);
+    row(2, "Final Thickness",
+        buildBox(FilmBox::EndThick, "Final Thickness, k\xC5", "Edit final thickness setpoint."), true);
+    row(3, "Thick SetPt", buildBox(FilmBox::ThickSet, "Thick SetPt, k\xC5", "Edit thickness setpoint."),
+        true);
+    QLayout* time = buildTime();
+    grid->addLayout(time, 4, 1, 1, 3);
+    grid->addWidget(label("Time SetPt", spnMinutes_), 4, 0);
+    return group;
+}
+
+SpinBox* frmFilm::spinner(const char* name, const char* text, const char* accessible, int most) {
+    auto* box = new SpinBox(content_);
+    box->setNames(QString::fromLatin1(name), QString::fromLatin1(text), QString::fromLatin1(accessible));
+    box->setRange(0, most);
+    box->setLeastDigits(2);
+    box->setAlignment(Qt::AlignRight);
+    box->setToolTip(QStringLiteral("Time setpoint, seconds."));
+    box->setMinimumHeight(kControlHeight);
+    box->setFixedWidth(std::max(kSpinnerWidth, box->minimumSizeHint().width()));
+    connect(box, &QSpinBox::valueChanged, this, &frmFilm::spnTime_Change);
+    return box;
+}
+
+QLayout* frmFilm::buildTime() {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(kGap);
+    spnMinutes_ = spinner("spnMinutes", "txtMinutes", "Time SetPt, minutes", 99);
+    spnSeconds_ = spinner("spnSeconds", "txtSeconds", "Time SetPt, seconds", 59);
+    row->addWidget(spnMinutes_);
+    row->addWidget(unit(QStringLiteral("min"), content_));
+    row->addWidget(spnSeconds_);
+    row->addWidget(unit(QStringLiteral("s"), content_));
+    row->addStretch(1);
+    return row;
+}
+
+QGroupBox* frmFilm::buildMaterial() {
+    auto* group = new QGroupBox(QStringLiteral("Material"), content_);
+    QGridLayout* grid = gridIn(group);
+    dbcMaterial_ = new QComboBox(group);
+    dbcMaterial_->setObjectName(QStringLiteral("dbcMaterial"));
+    dbcMaterial_->setAccessibleName(QStringLiteral("Material"));
+    dbcMaterial_->setToolTip(QStringLiteral("Select material for this film."));
+    dbcMaterial_->setEditable(true);
+    dbcMaterial_->setInsertPolicy(QComboBox::NoInsert);
+    dbcMaterial_->setCompleter(nullptr); // a name half typed must not become another material
+    dbcMaterial_->setMinimumHeight(kControlHeight);
+    dbcMaterial_->setMinimumWidth(kNameWidth);
+    dbcMaterial_->setMaxVisibleItems(20);
+    dbcMaterial_->installEventFilter(this);
+    dbcMaterial_->lineEdit()->installEventFilter(this);
+    connect(dbcMaterial_, &QComboBox::activated, this, &frmFilm::dbcMaterial_Change);
+    connect(dbcMaterial_->lineEdit(), &QLineEdit::editingFinished, this, [this] {
+        if (dbcMaterial_->lineEdit()->isModified()) {
+            dbcMaterial_Change();
+        }
+    });
+    QPushButton* cmdNewMat = button("cmdNewMat", "Add &Material", "Create a new material.");
+    connect(cmdNewMat, &QPushButton::clicked, this, &frmFilm::cmdNewMat_Click);
+    grid->addWidget(label("Material", dbcMaterial_), 0, 0);
+    grid->addWidget(dbcMaterial_, 0, 1);
+    grid->addWidget(cmdNewMat, 0, 2);
+    const auto row = [&](int at, const char* caption, QLineEdit* box) {
+        box->setParent(group);
+        grid->addWidget(label(caption, box), at, 0);
+        grid->addWidget(box, at, 1, Qt::AlignLeft);
+    };
+    row(1, "Density", buildBox(FilmBox::Density, "Density", "Set material density."));
+    row(2, "Z Factor", buildBox(FilmBox::ZFactor, "Z Factor", "Set Material Z factor."));
+    // Both groups' boxes stand below each other.
+    const int captions = fontMetrics().horizontalAdvance(QStringLiteral("Final Thickness")) + kGroupGap;
+    grid->setColumnMinimumWidth(0, captions);
+    qobject_cast<QGridLayout*>(film_->layout())->setColumnMinimumWidth(0, captions);
+    return group;
+}
+
+QGroupBox* frmFilm::buildSensors() {
+    auto* group = new QGroupBox(QStringLiteral("Sensors"), content_);
+    auto* row = new QHBoxLayout(group);
+    row->setContentsMargins(kGroupGap, kGroupGap, kGroupGap, kGroupGap);
+    row->setSpacing(24);
+    for (std::size_t k = 0; k < kFilmSensors; ++k) {
+        auto* box = new QCheckBox(QString::number(k + 1), group);
+        box->setObjectName(QStringLiteral("chkSensAvg_%1").arg(k));
+        box->setAccessibleName(QStringLiteral("Sensor %1").arg(k + 1));
+        box->setToolTip(QStringLiteral("Use/Ignore sensor for this film."));
+        connect(box, &QCheckBox::clicked, this, [this, k] { chkSensAvg_Click(k); });
+        row->addWidget(box);
+        chkSensAvg_[k] = box;
+    }
+    row->addStretch(1);
+    return group;
+}
+
+QGroupBox* frmFilm::buildInstrument() {
+    auto* group = new QGroupBox(QStringLiteral("DRX-9"), content_);
+    auto* column = new QVBoxLayout(group);
+    column->setContentsMargins(kGroupGap, kGroupGap, kGroupGap, kGroupGap);
+    column->setSpacing(kGap);
+    version_ = unit({}, group);
+    version_->setObjectName(QStringLiteral("lblVersion"));
+    column->addWidget(version_);
+    instrumentButtons_ = {button("cmdUpload", "&Upload All<-", "Read data from KTC-5."),
+                          button("cmdDownload_0", "Download ->", "Send selected films to KTC-5."),
+                          button("cmdDownload_1", "&Dnload &All ->", "Send all flms to KTC-5."),
+                          button("cmdDefaults", "De&faults ->", "Reset DRX-9 to default values.")};
+    const std::array<std::function<void()>, 4> actions{
+        [this] { transfer_.upload(); }, [this] { transfer_.download(0); }, [this] { transfer_.download(1); },
+        [this] { transfer_.resetToDefaults(); }};
+    for (std::size_t i = 0; i < instrumentButtons_.size(); ++i) {
+        QPushButton* made = instrumentButtons_[i];
+        made->setMinimumWidth(kButtonWidth);
+        connect(made, &QPushButton::clicked, this, [this, action = actions[i]] { transferClick(action); });
+        if (i + 1 == instrumentButtons_.size()) {
+            column->addSpacing(kMargin);
+        }
+        column->addWidget(made);
+    }
+    return group;
+}
+
+QLayout* frmFilm::buildBottom() {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(kGap);
+    state_ = new MarkLabel(content_);
+    state_->setObjectName(QStringLiteral("lblState"));
+    state_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    QPushButton* cmdClose = button("cmdClose", "&Close", "Close form.");
+    cmdClose->setMinimumWidth(kCloseWidth);
+    connect(cmdClose, &QPushButton::clicked, this, &QWidget::close);
+    row->addWidget(state_, 1);
+    row->addWidget(cmdClose);
+    return row;
+}
+
+void frmFilm::setTabOrders() {
+    const auto box = [this](FilmBox which) { return txtParam_[static_cast<std::size_t>(which)]; };
+    const auto named = [this](const char* name) { return findChild<QWidget*>(QString::fromLatin1(name)); };
+    QList<QWidget*> order{
+        lstDBFilms_,           named("cmdAddFilm"),    named("cmdDelete"),     box(FilmBox::FilmName),
+        box(FilmBox::Tooling), box(FilmBox::EndThick), box(FilmBox::ThickSet), spnMinutes_,
+        spnSeconds_,           dbcMaterial_,           named("cmdNewMat"),     box(FilmBox::Density),
+        box(FilmBox::ZFactor)};
+    for (QCheckBox* sensor : chkSensAvg_) {
+        order.append(sensor);
+    }
+    for (QPushButton* transfer : instrumentButtons_) {
+        order.append(transfer);
+    }
+    order.append(named("cmdClose"));
+    for (qsizetype i = 1; i < order.size(); ++i) {
+        setTabOrder(order[i - 1], order[i]);
+    }
+}
+
+} // namespace drx9

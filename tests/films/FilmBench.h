@@ -1,0 +1,230 @@
+#pragma once
+
+#include "fakes/FaultyFilePort.h"
+#include "fakes/MemoryFilePort.h"
+#include "films/FilmEditor.h"
+#include "films/FilmText.h"
+#include "films/FilmTransfer.h"
+#include "jet/Check.h"
+#include "link/LinkBench.h"
+#include "simulator/Instrument.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <set>
+
+namespace drx9 {
+
+inline constexpr const char* kLibrary = "/data/Monitor.mdb";
+
+struct QueuedDialogs : FileDialogs {
+    std::deque<std::string> answers; ///< empty when none is left: cancelled
+    FileDialogRequest request;
+    std::string openFile(const FileDialogRequest& asked) override {
+        request = asked;
+        std::string answer = answers.empty() ? "" : answers.front();
+        answers.erase(answers.begin(), answers.begin() + (answers.empty() ? 0 : 1));
+        return answer;
+    }
+    std::string saveFile(const FileDialogRequest& asked) override { return openFile(asked); }
+};
+
+struct FakeInput : InputBox {
+    std::string answer;
+    std::string title;
+    std::string ask(const std::string& /*prompt*/, const std::string& asked) override {
+        title = asked;
+        return answer;
+    }
+};
+
+struct FakeFilmProgress : Progress {
+    std::vector<std::string> shown;
+    std::vector<int> percents;
+    int standing = 0;
+    void ProgressShow(const std::string& text, ProgressOwner) override {
+        shown.push_back(text);
+        ++standing;
+    }
+    void setProgress(std::int16_t percent) override { percents.push_back(percent); }
+    void ProgressHide() override { --standing; }
+};
+
+/// A film of a library: name, material, six numbers; an empty optional is a null.
+struct TestFilm {
+    std::string name;
+    std::optional<std::string> material = "Gold";
+    std::optional<double> tooling = 100, endThick = 1, thickSet = 0.5, timeSet = 60, sensorAvg = 3;
+};
+
+inline jet::Value valueOf(const std::optional<double>& number) {
+    return number ? jet::Value(*number) : jet::Value();
+}
+
+/// The library's objects and the transfer over memory files, a faulty disk and a scripted wire to a simulated
+/// instrument.
+struct FilmBench : LinkBench, FilmListView, FilmMemoryAccess {
+    explicit FilmBench(int slots = 9, int sensors = 6)
+        : LinkBench(0)
+        , instrument({sensors, slots, slots == 9 ? "DRX-9 Ver 4.08" : "DRX-9 Ver 4.12", 1, true}) {
+        (void)memory.makeFolder("/data");
+        wire().setAnswerer([this](const std::string& command) { return answer(command); });
+        link.Comm_Send("@");
+        link.setInstrumentType(static_cast<std::int16_t>(sensors));
+        wire().forget();
+    }
+
+    // ---- the library file ----
+
+    static jet::ColumnSpec column(const char* name, jet::ColumnType type, std::size_t size = 0) {
+        jet::ColumnSpec spec;
+        spec.name = name;
+        spec.type = type;
+        spec.size = size;
+        return spec;
+    }
+    /// `index`: name of an index on FilmName, "" for none; `numbered`: with the column FilmNum.
+    void make(const std::vector<TestFilm>& rows, const std::string& index = "", bool numbered = true,
+              const std::string& path = kLibrary) {
+        using enum jet::ColumnType;
+        jet::TableSpec film{"Film",
+                            {column("FilmName", Text, 20), column("Material", Text, 20),
+                             column("Tooling", Double), column("EndThick", Double),
+                             column("ThickSet", Double), column("TimeSet", Double),
+                             column("SensorAvg", Double)},
+                            {}};
+        if (numbered) {
+            film.columns.insert(film.columns.begin(), column("FilmNum", Integer));
+        }
+        if (!index.empty()) {
+            film.indexes.push_back({.name = index, .columns = {{"FilmName", true}}, .primary = true});
+        }
+        const jet::TableSpec material{
+            "Material",
+            {column("Material", Text, 20), column("Density", Double), column("ZFactor", Double)},
+            {}};
+        auto database = engine.CreateDatabase(path, jet::Generation::Jet4, {film, material}, {45000});
+        database->BeginTrans();
+        auto materials = database->OpenRecordset("Material");
+        for (const auto& [name, density, z] : {std::tuple{"Gold", 19.3, 0.381}, {"Silver", 10.5, 0.529}}) {
+            materials->AddNew();
+            materials->SetValue("Material", std::string(name));
+            materials->SetValue("Density", density);
+            materials->SetValue("ZFactor", z);
+            materials->Update();
+        }
+        auto films_ = database->OpenRecordset("Film");
+        std::int64_t number = 0;
+        for (const TestFilm& row : rows) {
+            films_->AddNew();
+            if (numbered) {
+                films_->SetValue("FilmNum", ++number);
+            }
+            films_->SetValue("FilmName", row.name);
+            films_->SetValue("Material", row.material ? jet::Value(*row.material) : jet::Value());
+            films_->SetValue("Tooling", valueOf(row.tooling));
+            films_->SetValue("EndThick", valueOf(row.endThick));
+            films_->SetValue("ThickSet", valueOf(row.thickSet));
+            films_->SetValue("TimeSet", valueOf(row.timeSet));
+            films_->SetValue("SensorAvg", valueOf(row.sensorAvg));
+            films_->Update();
+        }
+        database->CommitTrans();
+    }
+    /// The rows of a table as they lie in the file, fields joined by "|".
+    static std::vector<std::string> rowsIn(FilePort& files, const std::string& path, const char* table) {
+        jet::DBEngine other(files);
+        auto database = other.OpenDatabase(path);
+        std::vector<std::string> rows;
+        for (auto set = database->OpenRecordset(table); !set->Eof(); set->MoveNext()) {
+            std::string row;
+            for (const auto& name : set->FieldNames()) {
+                const jet::Value value = set->Value(name);
+                row += (row.empty() ? "" : "|") +
+                       (jet::isNull(value) ? std::string("null") : shownText(value, NumberLocale{}));
+            }
+            rows.push_back(row);
+        }
+        return rows;
+    }
+    std::vector<std::string> rows(const char* table, const std::string& path = kLibrary) {
+        return rowsIn(memory, path, table);
+    }
+    /// Faults of the file, "" for a sound one.
+    std::string faults(const std::string& path = kLibrary) {
+        jet::DBEngine other(memory);
+        const auto database = other.OpenDatabase(path);
+        std::string text;
+        for (const auto& fault : jet::checkDatabase(database->shared().store()).faults) {
+            text += fault + "\n";
+        }
+        return text;
+    }
+    [[nodiscard]] std::string bytes(const std::string& path = kLibrary) const { return memory.text(path); }
+    [[nodiscard]] std::vector<std::string> folder() const { return memory.list("/data"); }
+
+    // ---- the instrument ----
+
+    std::string answer(const std::string& command) {
+        ++exchanges;
+        if (spoil && exchanges == spoilAt) {
+            return spoil(command);
+        }
+        const sim::Reply reply = instrument.execute(command, 0);
+        return replyPacket(reply.status, reply.data);
+    }
+    /// Film f as the instrument holds it.
+    std::string held(int f) { return instrument.execute(filmCommand(f) + "?", 0).data; }
+
+    // ---- the window ----
+
+    void open() {
+        library.DBOpen();
+        refreshLists();
+    }
+    [[nodiscard]] int rowCount() const override { return static_cast<int>(listed.size()); }
+    void setCurrentRow(int row) override { currentRow = row; }
+    [[nodiscard]] bool isSelected(int row) const override { return selected.count(row) != 0; }
+    [[nodiscard]] std::string filmName() const override {
+        return listed.empty() ? "" : listed[static_cast<std::size_t>(currentRow)].name;
+    }
+    void ShowDBFilm() override { editor.ShowDBFilm(filmName()); }
+    void refreshLists() override {
+        library.refresh(Dat::DBFilms);
+        library.refresh(Dat::MatAll);
+        listed = editor.films();
+    }
+    void selectFirstRow() override { selected = {currentRow = 0}; }
+    [[nodiscard]] bool manySensors() const override { return link.sensorCount() >= 3; }
+    void setHourglass(bool on) override { hourglass = on; }
+    void filmMemoryChanged() override {}
+    void filmUnconfirmed() override { ++unconfirmed; }
+
+    MemoryFilePort memory;
+    FaultyFilePort files{memory};
+    jet::DBEngine engine{files};
+    Paths paths{"/app", "/data"};
+    QueuedDialogs dialogs;
+    std::string DBFileName = "Monitor.mdb";
+    FilmLibrary library{{engine, files, paths, dialogs, DBFileName}};
+    FakeInput input;
+    NumberLocale locale;
+    FilmEditor editor{{library, boxes, input, locale}};
+    sim::Instrument instrument;
+    int exchanges = 0;
+    int spoilAt = 0; ///< the exchange whose answer is spoilt
+    std::function<std::string(const std::string&)> spoil;
+    std::vector<FilmRow> listed;
+    int currentRow = 0;
+    std::set<int> selected;
+    bool hourglass = false;
+    int unconfirmed = 0;
+    Films films;
+    FakeFilmProgress progress;
+    std::function<bool()> ends;
+    FilmTransfer transfer{{library, films, link, commands, boxes, progress, clock, actions, *this, locale,
+                           *this, [this] { return ends && ends(); }}};
+};
+
+} // namespace drx9

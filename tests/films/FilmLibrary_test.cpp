@@ -1,0 +1,354 @@
+// The film library: files that are opened, converted, edited, copied; files and disks that fail.
+#include "films/FilmBench.h"
+
+#include "platform/os/OsFilePort.h"
+
+namespace drx9 {
+namespace {
+
+using Rows = std::vector<std::string>;
+
+// ---- Conversion ----
+
+TEST(LibraryUpgrade, NumbersTheFilmsInIndexOrderOverTheStoredRows) {
+    FilmBench bench;
+    bench.make({{"zinc"}, {"Mirror-Ag 2", "Silver", 102.5}, {"Au", std::nullopt, std::nullopt}}, "PRIMARYKEY",
+               false);
+    const std::string old = bench.bytes();
+    bench.open();
+    EXPECT_EQ(bench.rows("Film"),
+              (Rows{"Au      |null|null|1|0.5|60|3|1", "Mirror-A|Silver|102.5|1|0.5|60|3|2",
+                    "zinc    |Gold|100|1|0.5|60|3|3"}));
+    EXPECT_EQ(bench.faults(), "");
+    EXPECT_EQ(bench.bytes("/data/Monitor.mdb.bak"), old);
+    EXPECT_EQ(bench.library.notice().text,
+              "Converted, all films numbered; the old file is kept as Monitor.mdb.bak");
+    EXPECT_EQ(bench.library.caption(), "Films - [Monitor.mdb]");
+
+    const std::string converted = bench.bytes();
+    bench.open();
+    EXPECT_EQ(bench.bytes(), converted) << "converted once";
+    EXPECT_EQ(bench.folder(), (Rows{"Monitor.mdb", "Monitor.mdb.bak"}));
+}
+
+TEST(LibraryUpgrade, NumbersNinetyNineAndKeepsEarlierCopies) {
+    FilmBench bench;
+    std::vector<TestFilm> many;
+    for (int i = 0; i < 120; ++i) {
+        many.push_back({"F" + std::to_string(1000 + i)});
+    }
+    bench.make(many, "PrimaryKey", false);
+    bench.memory.put("/data/Monitor.mdb.bak", "mine");
+    bench.memory.put("/data/Monitor.mdb.bak1", "mine too");
+    bench.open();
+    const Rows rows = bench.rows("Film");
+    ASSERT_EQ(rows.size(), 120U);
+    EXPECT_EQ(rows[98], "F1098   |Gold|100|1|0.5|60|3|99");
+    EXPECT_EQ(rows[99], "F1099|Gold|100|1|0.5|60|3|null");
+    EXPECT_EQ(bench.bytes("/data/Monitor.mdb.bak"), "mine");
+    EXPECT_EQ(bench.library.notice().text,
+              "Converted, 99 of 120 films numbered; the old file is kept as Monitor.mdb.bak2");
+}
+
+TEST(LibraryUpgrade, ConvertsAnEmptyTable) {
+    FilmBench bench;
+    bench.make({}, "PRIMARYKEY", false);
+    bench.open();
+    EXPECT_TRUE(bench.rows("Film").empty());
+    EXPECT_NE(bench.library.columnSize("Film", "FilmNum"), 0U);
+}
+
+// Each step on the disk fails, once or with all behind it: the file is the old one, or converted as a whole
+// with the old one beside it.
+TEST(LibraryUpgrade, IsWholeOrNotAtAll) {
+    for (const bool forGood : {false, true}) {
+        int converted = 0;
+        for (int step = 1; step < 40; ++step) {
+            FilmBench bench;
+            bench.make({{"b"}, {"a"}}, "PRIMARYKEY", false);
+            const std::string old = bench.bytes();
+            bench.files.failStep(step, forGood);
+            bench.library.DBOpen();
+            bench.files.heal();
+            const bool kept = bench.memory.exists("/data/Monitor.mdb.bak");
+            if (bench.bytes() == old) {
+                EXPECT_TRUE(!kept || forGood) << "step " << step;
+                EXPECT_NE(bench.library.notice().text + bench.library.standing().text, "") << "step " << step;
+            } else {
+                ++converted;
+                EXPECT_EQ(bench.faults(), "");
+                EXPECT_EQ(bench.rows("Film").front().back(), '1');
+                EXPECT_EQ(bench.bytes("/data/Monitor.mdb.bak"), old);
+            }
+        }
+        EXPECT_GT(converted, 5);
+    }
+}
+
+TEST(LibraryUpgrade, LeavesWhatItCannotConvertAsItIs) {
+    struct Case {
+        const char* what;
+        std::function<void(FilmBench&)> prepare;
+        const char* told; ///< part of what the bottom line says
+    };
+    const std::vector<TestFilm> films{{"a"}};
+    const Case cases[] = {
+        {"other index", [&](FilmBench& b) { b.make(films, "ByName", false); }, "PRIMARYKEY"},
+        {"converted and indexed", [&](FilmBench& b) { b.make(films, "PRIMARYKEY"); }, "FilmNum"},
+        {"locked",
+         [&](FilmBench& b) {
+             b.make(films, "PRIMARYKEY", false);
+             b.memory.put("/data/Monitor.ldb",
+                          "LAB-3" + std::string(27, '\0') + "Admin" + std::string(27, '\0'));
+         },
+         "in use by user Admin on computer LAB-3"},
+        {"read-only",
+         [&](FilmBench& b) {
+             b.make(films, "PRIMARYKEY", false);
+             b.memory.find(kLibrary)->writeProtected = true;
+         },
+         "the file is read-only"},
+        {"no database", [](FilmBench& b) { b.memory.put(kLibrary, std::string(9000, 'x')); },
+         "not an Access database"},
+        {"cut",
+         [&](FilmBench& b) {
+             b.make(films, "PRIMARYKEY", false);
+             b.memory.put(kLibrary, b.bytes().substr(0, 70000));
+         },
+         "cut short"},
+        {"not there", [](FilmBench&) {}, "Monitor.mdb"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        FilmBench bench;
+        c.prepare(bench);
+        const std::string before = bench.bytes();
+        bench.open();
+        EXPECT_EQ(bench.bytes(), before);
+        EXPECT_FALSE(bench.memory.exists("/data/Monitor.mdb.bak"));
+        const std::string told = bench.library.notice().text + bench.library.standing().text;
+        EXPECT_NE(told.find(c.told), std::string::npos) << told;
+    }
+}
+
+// ---- Edits ----
+
+TEST(FilmEditor, ShowsAFilmWithItsMaterial) {
+    FilmBench bench;
+    bench.locale = {',', '.', "d.M.yyyy"};
+    bench.make({{"Mirror", "Silver", 102.5, 1.25, 0.045, 125, 37}, {"Odd", "None", {}, {}, {}, {}, {}}});
+    bench.open();
+    EXPECT_FALSE(bench.editor.films().empty());
+    bench.editor.ShowDBFilm("Mirror");
+    ShownFilm now = bench.editor.shown();
+    EXPECT_EQ(now.boxes, (std::array<std::string, 6>{"102,5", "10,5", "0,529", "1,25", "0,045", "Mirror"}));
+    EXPECT_EQ(now.sensors, (std::array<bool, 6>{true, false, true, false, false, true}));
+    EXPECT_EQ(std::pair(now.minutes, now.seconds), std::pair(2, 5));
+    bench.editor.ShowDBFilm("Odd");
+    now = bench.editor.shown();
+    EXPECT_TRUE(now.film);
+    EXPECT_FALSE(now.material);
+    EXPECT_EQ(now.boxes[1], "");
+    bench.editor.ShowDBFilm("O'Hara");
+    EXPECT_FALSE(bench.editor.shown().film) << "a quote breaks the query";
+    EXPECT_NE(bench.library.notice().text, "");
+}
+
+TEST(FilmEditor, TakesTypedNumbers) {
+    const NumberLocale english;
+    const NumberLocale german{',', '.', "d.M.yyyy"};
+    struct Case {
+        const char* typed;
+        std::optional<double> inEnglish, inGerman;
+    };
+    const Case cases[] = {{"2.5", 2.5, 2.5},       {"2,5", 2.5, 2.5},  {" 7 ", 7, 7},
+                          {"1,000", 1000, 1},      {"1.000", 1, 1000}, {"0.381", 0.381, 0.381},
+                          {"1,234.5", 1234.5, {}}, {"", {}, {}},       {"abc", {}, {}},
+                          {"1e-3", 1e-3, 1e-3},    {"1 2", {}, {}},    {"-.5", -0.5, -0.5}};
+    for (const Case& c : cases) {
+        EXPECT_EQ(typedNumber(c.typed, english), c.inEnglish) << c.typed;
+        EXPECT_EQ(typedNumber(c.typed, german), c.inGerman) << c.typed;
+    }
+}
+
+TEST(FilmEditor, WritesThroughAndOnlyWhatChanges) {
+    FilmBench bench;
+    bench.make({{"a", "Gold", 100, 1, 0.5, 60, 3}});
+    bench.open();
+    bench.editor.ShowDBFilm("a");
+    const auto steps = bench.files.steps().size();
+    bench.editor.editBox(FilmBox::Tooling, "100.0");
+    bench.editor.editBox(FilmBox::EndThick, "none");
+    EXPECT_EQ(bench.library.notice().text, "\"none\" is no number: the value stays as it was");
+    bench.editor.setTime(1, 0);
+    bench.editor.changeMaterial("Gold");
+    bench.editor.EditFilmName("a");
+    EXPECT_EQ(bench.files.steps().size(), steps) << "nothing changed: nothing is written";
+    bench.editor.editBox(FilmBox::Tooling, "99.9");
+    bench.editor.editBox(FilmBox::Density, "19");
+    bench.editor.setTime(99, 59);
+    bench.editor.clickSensor(0, false);
+    bench.editor.clickSensor(5, true);
+    bench.editor.clickSensor(5, true); // added again, not set: kept
+    EXPECT_EQ(bench.rows("Film"), Rows{"1|a|Gold|99.9|1|0.5|5999|66"});
+    bench.editor.changeMaterial("silver");
+    bench.editor.changeMaterial("Lead");
+    EXPECT_EQ(bench.rows("Film"), Rows{"1|a|Silver|99.9|1|0.5|5999|66"});
+    EXPECT_EQ(bench.rows("Material").front(), "Gold|19|0.381");
+    EXPECT_EQ(bench.faults(), "");
+}
+
+TEST(FilmEditor, NamesFilmsByItsRules) {
+    struct Case {
+        const char* typed;
+        const char* stored; ///< null: refused with a box
+    };
+    const Case cases[] = {{"NewFilm7", nullptr},
+                          {"NewFilm", nullptr},
+                          {"UnitFilm2", nullptr},
+                          {"UnitFil", "UnitFil"},
+                          {"unitfilm", "unitfilm"},
+                          {"", "FILM 1"},
+                          {"ALUMINIUM1", "ALUMINIU"},
+                          {"caf\xC3\xA9 9 xy", "caf\xC3\xA9 9 x"},
+                          {"a!b", "old"},
+                          {"O'Hara", "O'Hara"}};
+    for (const Case& c : cases) {
+        FilmBench bench;
+        bench.make({{"old"}});
+        bench.open();
+        bench.editor.ShowDBFilm("old");
+        if (c.stored == nullptr) {
+            bench.boxes.expectShow(
+                "UnitFilm and NewFilm cannot be used for\nfilm names. Please select another name.");
+        }
+        bench.editor.EditFilmName(c.typed);
+        EXPECT_EQ(bench.rows("Film").front(),
+                  std::string("1|") + (c.stored ? c.stored : "old") + "|Gold|100|1|0.5|60|3")
+            << c.typed;
+    }
+}
+
+TEST(FilmEditor, AddsFilmsAndMaterials) {
+    FilmBench bench;
+    bench.make({{"ALUMINIU"}});
+    bench.open();
+    bench.editor.ShowDBFilm("ALUMINIU");
+    bench.input.answer = "aluminiu";
+    bench.boxes.expectShow("Duplicate name. Select another name for Film");
+    EXPECT_FALSE(bench.editor.addFilm("Gold"));
+    EXPECT_EQ(bench.editor.shown().boxes[5], "ALUMINIU");
+    for (const char* name : {"", "ALUMINIUM1", "a!b", "NewFilm"}) {
+        bench.input.answer = name;
+        bench.editor.addFilm("Gold");
+    }
+    EXPECT_EQ(bench.rows("Film"),
+              (Rows{"1|ALUMINIU|Gold|100|1|0.5|60|3", "null|ALUMINIU|Gold|null|null|null|null|null",
+                    "null|NewFilm|Gold|null|null|null|null|null"}));
+    bench.input.answer = "gold";
+    bench.boxes.expectShow("Duplicate name. Select another name for Material");
+    EXPECT_EQ(bench.editor.addMaterial(), "");
+    bench.input.answer = "A material with a name";
+    EXPECT_EQ(bench.editor.addMaterial(), "A material with");
+    EXPECT_EQ(bench.rows("Material").back(), "A material with|1|1");
+}
+
+TEST(FilmLibrary, SaysWhatWasNotSaved) {
+    FilmBench bench;
+    bench.make({{"a"}});
+    bench.open();
+    bench.editor.ShowDBFilm("a");
+    const std::string before = bench.bytes();
+    bench.files.fillAfter(100);
+    bench.editor.editBox(FilmBox::Tooling, "50");
+    EXPECT_EQ(bench.library.notice().text, "Change not saved: No space left on device");
+    EXPECT_EQ(bench.editor.shown().boxes[0], "100");
+    bench.files.heal();
+    bench.memory.put("/data/Monitor.ldb", "LAB-3" + std::string(27, '\0') + "Admin" + std::string(27, '\0'));
+    bench.editor.setTime(3, 0);
+    EXPECT_EQ(bench.library.notice().text, "Change not saved: in use by user Admin on computer LAB-3");
+    EXPECT_EQ(bench.library.standing().text, "Read-only: in use by user Admin on computer LAB-3");
+    EXPECT_EQ(bench.bytes(), before);
+    EXPECT_EQ(bench.folder(), (Rows{"Monitor.ldb", "Monitor.mdb"}));
+}
+
+TEST(FilmLibrary, FollowsAFileThatAnotherProgramReplaced) {
+    FilmBench bench;
+    bench.make({{"a"}});
+    bench.make({{"a", "Silver"}, {"b"}}, "", true, "/data/other.mdb");
+    bench.open();
+    bench.editor.ShowDBFilm("a");
+    const std::string theirs = bench.bytes("/data/other.mdb");
+    bench.memory.put(kLibrary, theirs);
+    bench.editor.editBox(FilmBox::Tooling, "50");
+    EXPECT_EQ(bench.bytes(), theirs) << "read from the old file: not stored in the new one";
+    EXPECT_EQ(bench.library.notice().text, "Change not saved: another program changed the file meanwhile");
+    bench.editor.ShowDBFilm("a");
+    EXPECT_EQ(bench.editor.shown().materialName, "Silver");
+    EXPECT_EQ(bench.editor.films().size(), 2U) << "all sources look at the new file";
+    bench.editor.editBox(FilmBox::Tooling, "50");
+    EXPECT_EQ(bench.rows("Film").front(), "1|a|Silver|50|1|0.5|60|3");
+}
+
+// ---- Copies ----
+
+TEST(FilmLibrary, SavesACopyAndStaysWhereItIs) {
+    FilmBench bench;
+    bench.make({{"a"}});
+    bench.open();
+    EXPECT_FALSE(bench.library.saveDatabaseAs()) << "cancelled";
+    bench.dialogs.answers = {"/data/Shop.mdb"};
+    EXPECT_TRUE(bench.library.saveDatabaseAs());
+    EXPECT_TRUE(bench.dialogs.request.overwritePrompt);
+    EXPECT_EQ(bench.dialogs.request.initialFolder, "/app");
+    EXPECT_EQ(bench.DBFileName, "/data/Shop.mdb");
+    EXPECT_EQ(bench.library.caption(), "Films - [Monitor.mdb]");
+    EXPECT_EQ(bench.library.notice().text,
+              "Saved as Shop.mdb. Changes here still go to Monitor.mdb; open Shop.mdb to edit it.");
+    bench.editor.ShowDBFilm("a");
+    bench.editor.setTime(0, 1);
+    EXPECT_EQ(bench.rows("Film", "/data/Shop.mdb").front(), "1|a|Gold|100|1|0.5|60|3");
+    EXPECT_EQ(bench.rows("Film").front(), "1|a|Gold|100|1|0.5|1|3");
+
+    bench.files.failKind(FileStep::Rename);
+    bench.dialogs.answers = {"/data/Third.mdb"};
+    EXPECT_FALSE(bench.library.saveDatabaseAs());
+    EXPECT_EQ(bench.DBFileName, "/data/Shop.mdb");
+    EXPECT_EQ(bench.library.notice().text, "Not saved as Third.mdb: Input/output error");
+}
+
+TEST(FilmLibrary, AsksForAFileWhereThereIsNone) {
+    FilmBench bench;
+    bench.make({{"a"}}, "", true, "/data/Shop.mdb");
+    bench.open();
+    EXPECT_EQ(bench.DBFileName, "Monitor.mdb") << "cancelled";
+    EXPECT_TRUE(bench.editor.films().empty());
+    EXPECT_FALSE(bench.library.add(Dat::DBFilms, {{"FilmName", std::string("x")}}));
+    bench.dialogs.answers = {"/data/Shop.mdb"};
+    bench.open();
+    EXPECT_EQ(bench.DBFileName, "/data/Shop.mdb");
+    EXPECT_EQ(bench.editor.films().size(), 1U);
+}
+
+#ifdef DRX9_LIBRARY
+// The library that the build makes for new installations.
+TEST(ShippedLibrary, HoldsMaterialsAndOpensUnchanged) {
+    FilmBench bench;
+    std::string shipped;
+    ASSERT_TRUE(makeOsFilePort()->read(DRX9_LIBRARY, shipped).ok());
+    bench.memory.put(kLibrary, shipped);
+    EXPECT_EQ(bench.faults(), "");
+    bench.open();
+    EXPECT_EQ(bench.bytes(), shipped) << "no index on Film: nothing to convert";
+    EXPECT_EQ(bench.library.notice().text + bench.library.standing().text, "");
+    EXPECT_TRUE(bench.editor.films().empty());
+    const Rows materials = bench.rows("Material");
+    EXPECT_GT(materials.size(), 30U);
+    EXPECT_EQ(std::count(materials.begin(), materials.end(), "Gold|19.3|0.381"), 1);
+    bench.input.answer = "FIRST";
+    EXPECT_TRUE(bench.editor.addFilm("Gold"));
+}
+#endif
+
+} // namespace
+} // namespace drx9

@@ -1,0 +1,298 @@
+// Upload, download and verification against a simulated instrument: what goes over the wire, what is stored,
+// what is said; each exchange that fails in turn.
+#include "films/FilmBench.h"
+
+namespace drx9 {
+namespace {
+
+using Rows = std::vector<std::string>;
+constexpr const char* kUpload = "/data/UploadData.mdb";
+
+/// A bench with a library open and its first film selected.
+struct Transfer : FilmBench {
+    explicit Transfer(const std::vector<TestFilm>& rows, int slots = 9, int sensors = 6)
+        : FilmBench(slots, sensors) {
+        make(rows);
+        open();
+        exchanges = 0;
+        for (int f = 1; f <= slots; ++f) {
+            parseFilmReply(held(f), f, films[static_cast<std::size_t>(f)]);
+        }
+    }
+    std::string told() { return library.notice().text; }
+};
+
+// ---- Upload ----
+
+TEST(Upload, StoresByNumberInACopy) {
+    Transfer bench({{"mine"}, {"two"}, {"3"}, {"4"}, {"5"}, {"6"}, {"7"}, {"8"}, {"9"}, {"ten"}});
+    const std::string before = bench.bytes();
+    bench.transfer.upload();
+    EXPECT_EQ(bench.bytes(), before) << "the operator's own library";
+    EXPECT_EQ(bench.wire().commands(), (Rows{"A1?", "A2?", "A3?", "A4?", "A5?", "A6?", "A7?", "A8?", "A9?"}));
+    const Rows rows = bench.rows("Film", kUpload);
+    ASSERT_EQ(rows.size(), 10U);
+    EXPECT_EQ(rows[0], "1|ALUMINUM|UnitMat1|100|5|2.5|60|63");
+    EXPECT_EQ(rows[1], "2|GOLD    |Gold|100|1|0.5|60|63");
+    EXPECT_EQ(rows[9], "10|ten|Gold|100|1|0.5|60|3") << "above the instrument's count";
+    EXPECT_EQ(bench.rows("Material", kUpload)[2], "UnitMat1|2.7|1.08");
+    EXPECT_EQ(bench.faults(kUpload), "");
+    EXPECT_EQ(bench.DBFileName, "UploadData.mdb");
+    EXPECT_TRUE(bench.library.unsavedUpload());
+    EXPECT_EQ(bench.told(), "9 films read. Not saved under another name yet");
+    EXPECT_EQ(bench.progress.shown, Rows{"Reading DRX-9 Films"});
+    EXPECT_EQ(bench.progress.percents, (std::vector<int>{11, 22, 33, 44, 56, 67, 78, 89, 100}));
+    EXPECT_EQ(bench.progress.standing, 0);
+
+    const Rows once = bench.rows("Material", kUpload);
+    bench.transfer.upload();
+    EXPECT_EQ(bench.rows("Material", kUpload), once) << "each pair's material is found again";
+    EXPECT_EQ(bench.rows("Film", kUpload), rows);
+    bench.dialogs.answers = {"/data/Shop.mdb"};
+    EXPECT_TRUE(bench.library.saveDatabaseAs());
+    EXPECT_FALSE(bench.library.unsavedUpload());
+}
+
+TEST(Upload, EndsWhereTheCopyFails) {
+    Transfer bench({{"mine"}});
+    bench.files.failKind(FileStep::Rename);
+    bench.transfer.upload();
+    EXPECT_TRUE(bench.wire().commands().empty());
+    EXPECT_EQ(bench.DBFileName, "Monitor.mdb");
+    EXPECT_FALSE(bench.library.unsavedUpload());
+    EXPECT_EQ(bench.told(),
+              "Nothing read: the library cannot be copied to UploadData.mdb: Input/output error");
+}
+
+TEST(Upload, GathersItsCommits) {
+    Transfer bench({{"mine"}}, 99);
+    bench.wire().setAnswerer([&](const std::string& command) { return bench.answer(command); }, 0.1);
+    bench.transfer.upload();
+    const auto renames = std::count(bench.files.steps().begin(), bench.files.steps().end(), FileStep::Rename);
+    EXPECT_GE(renames, 10) << "at least one commit a second in 9.9 s";
+    EXPECT_LE(renames, 30);
+    EXPECT_EQ(bench.rows("Film", kUpload).size(), 99U);
+}
+
+TEST(Upload, KeepsWhatFitsOnTheDisk) {
+    Transfer bench({{"mine"}});
+    bench.transfer.upload();
+    bench.files.fillAfter(bench.bytes(kUpload).size() / 2);
+    bench.instrument.execute("A1OTHER___ 1.000 100 1.000 1.000 1.000  1  1", 0);
+    bench.transfer.upload(); // the copy is the file itself: only the commit fails
+    EXPECT_EQ(bench.told().rfind("Changes not saved: No space left on device. ", 0), 0U) << bench.told();
+    EXPECT_EQ(bench.faults(kUpload), "");
+    EXPECT_EQ(bench.rows("Film", kUpload)[0].substr(0, 10), "1|ALUMINUM");
+}
+
+// ---- Download ----
+
+TEST(Download, WritesRowsByTheirPlaceAndVerifiesThem) {
+    Transfer bench({{"AU", "Gold", 110, 1.25, 0.5, 75, 5}, {"AG", "Silver"}, {"third"}}, 9);
+    bench.selected = {0, 2};
+    bench.transfer.download(0);
+    EXPECT_EQ(bench.wire().commands(),
+              (Rows{"U?", "A1AU______ 19.300 110 0.381 1.250 0.500  75  5",
+                    "A3THIRD___ 19.300 100 0.381 1.000 0.500  60  3", "A1?", "A3?"}));
+    EXPECT_EQ(bench.progress.shown, (Rows{"Writing DRX-9 Films", "Verifying DRX-9 Films"}));
+    EXPECT_EQ(bench.told(), "2 films sent");
+    EXPECT_FALSE(bench.hourglass);
+    EXPECT_EQ(bench.selected, std::set<int>{0});
+    EXPECT_EQ(bench.films[1].Tooling, 110) << "holds what the instrument holds";
+    EXPECT_EQ(bench.films[2].FilmName, "GOLD    ");
+    bench.selected = {};
+    bench.wire().forget();
+    bench.transfer.download(0);
+    EXPECT_EQ(bench.wire().commands(), Rows{"U?"}) << "nothing selected";
+    EXPECT_EQ(bench.progress.standing, 0);
+}
+
+TEST(Download, WritesNoMoreThanTheInstrumentHolds) {
+    std::vector<TestFilm> many;
+    for (int i = 1; i <= 12; ++i) {
+        many.push_back({"F" + std::to_string(i)});
+    }
+    Transfer bench(many);
+    bench.transfer.download(1);
+    EXPECT_EQ(bench.wire().commands().size(), 1 + 9 + 9U);
+    EXPECT_EQ(bench.wire().commands().back(), "A9?");
+}
+
+TEST(Download, TakesNamesAndNullsAsTheyAre) {
+    // Looked up by the first 8 characters: a longer name finds another film, or none.
+    Transfer bench({{"O'Hara"}, {"a!\xC3\xA9", "Lead", {}, 2, {}, {}, {}}, {"NotAFilm"}, {"TOO_LONG_1"}}, 9,
+                   2);
+    bench.boxes.expect(FakeMessageBoxes::Kind::OkCancel,
+                       "Film Name for film #2 = A_\xC3\x89.\nThe Film Name should be A!\xC3\x89", true);
+    bench.boxes.expect(FakeMessageBoxes::Kind::OkCancel,
+                       "Film Name for film #3 = SILVER.\nThe Film Name should be NOTAFILM");
+    bench.transfer.download(1);
+    EXPECT_EQ(bench.wire().commands(),
+              (Rows{"U?", "A2A_\xC9_____ 19.300 100 0.381 2.000 0.500  60  3", "A1?", "A2?", "A3?"}))
+        << "density, Z factor and nulls stay the instrument's";
+    EXPECT_EQ(bench.told(), "1 of 4 films sent. Not sent, cannot be looked up: O'Hara, NotAFilm, TOO_LONG_1. "
+                            "Material not in the library, density and Z factor left as they are: a!\xC3\xA9");
+}
+
+TEST(Download, KnowsTwoSensors) {
+    for (const auto& [stored, sent] : {std::pair{4.0, "1"}, {63.0, "3"}, {2.0, "2"}}) {
+        Transfer bench({{"A", "Gold", 100, 1, 0.5, 60, stored}}, 9, 2);
+        bench.boxes.allow("Sensor Average for film #1 = ");
+        bench.transfer.download(1);
+        EXPECT_EQ(bench.wire().commands()[1],
+                  std::string("A1A_______ 19.300 100 0.381 1.000 0.500  60  ") + sent);
+        EXPECT_EQ(bench.boxes.shown().size(), stored == 4 ? 1U : 0U) << stored;
+    }
+}
+
+TEST(Download, NeedsTheShutterClosed) {
+    Transfer bench({{"A"}});
+    bench.instrument.setShutter(true, 0);
+    bench.boxes.expectShow("Please close shutter before downloading films.");
+    bench.transfer.download(1);
+    EXPECT_TRUE(bench.hourglass) << "left behind: kept";
+    EXPECT_EQ(bench.boxes.shown().back().title, "Shutter is opened!");
+    EXPECT_EQ(bench.wire().commands(), Rows{"U?"});
+    bench.spoil = [](const std::string&) { return replyPacket('B', ""); };
+    bench.spoilAt = bench.exchanges + 1;
+    bench.transfer.download(1);
+    EXPECT_EQ(bench.told(), "Nothing sent: whether the shutter is closed is not known (Not Ready)");
+    EXPECT_FALSE(bench.hourglass);
+    EXPECT_EQ(bench.wire().commands().size(), 2U);
+}
+
+TEST(Verification, AsksAboutEachDifferenceUntilCancelled) {
+    for (int cancelAt = 1; cancelAt <= 9; ++cancelAt) {
+        Transfer bench({{"Alum", "Gold", 99.6, 1.0004, 0.5, 60, 3}, {"B"}});
+        bench.spoil = [](const std::string&) { return good("ALU      1.5 7 2 3 4 5 6"); };
+        bench.spoilAt = 4; // U?, two films, then the first is read back
+        const std::pair<const char*, const char*> texts[] = {
+            {"Film Name for film #1 = ALU.", "The Film Name should be ALUM"},
+            {"Film Density for film #1 = 1.5.", "The Film Density should be 19.3"},
+            {"Film Tooling for film #1 = 7.", "The Film Tooling should be 99.6"},
+            {"Film ZFactor for film #1 = 2.", "The Film ZFactor should be 0.381"},
+            {"Final Thickness for film #1 = 3.", "The Final Thickness should be 1.0004"},
+            {"Thickness Setpoint for film #1 = 4.", "The Thickness Setpoint should be 0.5"},
+            {"Time Setpoint for film #1 = 5.", "The Time Setpoint should be 60"},
+            {"Sensor Average for film #1 = 6.", "The Sensor Average should be 3"}};
+        for (int i = 1; i <= std::min(cancelAt, 8); ++i) {
+            bench.boxes.expect(FakeMessageBoxes::Kind::OkCancel,
+                               std::string(texts[i - 1].first) + "\n" + texts[i - 1].second, i < cancelAt);
+        }
+        bench.transfer.download(1);
+        EXPECT_EQ(bench.wire().commands().back(), cancelAt == 9 ? "A2?" : "A1?");
+        EXPECT_EQ(bench.progress.standing, 0);
+    }
+}
+
+// ---- Faults ----
+
+enum class Fault { Silent, Refused, Damaged, ForGood, Closing };
+
+/// Runs a transfer whose k-th exchange fails.
+void spoilExchange(Transfer& bench, Fault fault, int k, const std::function<void()>& transfer) {
+    bench.boxes.allow("Get Film Error: ");
+    bench.boxes.allow("Error reading Film number ");
+    bench.boxes.allow("Film ");
+    bench.boxes.allow("Final Thickness");
+    bench.boxes.allow("Thickness Setpoint");
+    bench.boxes.allow("Time Setpoint");
+    bench.boxes.allow("Sensor Average");
+    bench.spoilAt = k;
+    bench.spoil = [&bench, fault](const std::string& command) {
+        if (fault == Fault::ForGood) {
+            ++bench.spoilAt;
+        }
+        std::string damaged = good("rubbish that is long enough");
+        damaged[6] ^= 1;
+        const sim::Reply reply = bench.instrument.execute(command, 0);
+        return fault == Fault::Refused   ? replyPacket('D', "")
+               : fault == Fault::Damaged ? damaged
+               : fault == Fault::Closing ? replyPacket(reply.status, reply.data)
+                                         : std::string();
+    };
+    if (fault == Fault::Closing) {
+        bench.ends = [&bench, k] { return bench.exchanges >= k; };
+    }
+    transfer();
+}
+
+TEST(Faults, AtEachExchangeOfAnUpload) {
+    for (const Fault fault :
+         {Fault::Silent, Fault::Refused, Fault::Damaged, Fault::ForGood, Fault::Closing}) {
+        for (int k = 1; k <= 9; ++k) {
+            SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(fault) << " at " << k);
+            Transfer bench({{"mine"}});
+            spoilExchange(bench, fault, k, [&] { bench.transfer.upload(); });
+            const auto stored = static_cast<std::size_t>(fault == Fault::Closing ? k : k - 1);
+            const Rows rows = bench.rows("Film", kUpload);
+            ASSERT_EQ(rows.size(), std::max<std::size_t>(stored, 1));
+            EXPECT_EQ(rows[0].substr(0, 10), stored == 0 ? "1|mine|Gol" : "1|ALUMINUM");
+            EXPECT_EQ(bench.exchanges, k);
+            EXPECT_EQ(bench.faults(kUpload), "");
+            EXPECT_EQ(bench.progress.standing, 0);
+            EXPECT_FALSE(bench.transfer.running());
+            EXPECT_NE(
+                bench.told().find(std::to_string(stored) + (stored == 9 ? "" : " of 9") + " films read"),
+                std::string::npos)
+                << bench.told();
+        }
+    }
+}
+
+TEST(Faults, AtEachExchangeOfADownload) {
+    for (const Fault fault :
+         {Fault::Silent, Fault::Refused, Fault::Damaged, Fault::ForGood, Fault::Closing}) {
+        for (int k = 1; k <= 7; ++k) { // "U?", three films, three read back
+            SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(fault) << " at " << k);
+            Transfer bench({{"A"}, {"B"}, {"C"}});
+            const std::string before = bench.bytes();
+            spoilExchange(bench, fault, k, [&] { bench.transfer.download(1); });
+            EXPECT_EQ(bench.bytes(), before) << "a download changes no library";
+            for (int f = 1; f <= 3; ++f) {
+                FilmRecord held;
+                parseFilmReply(bench.held(f), f, held);
+                const bool unsure =
+                    (k == f + 1 && fault != Fault::Closing) || (k <= f + 1 && fault == Fault::ForGood);
+                EXPECT_TRUE(unsure || bench.films[static_cast<std::size_t>(f)].FilmName == held.FilmName)
+                    << f;
+            }
+            EXPECT_EQ(bench.progress.standing, 0);
+            EXPECT_FALSE(bench.transfer.running());
+            EXPECT_FALSE(bench.hourglass);
+            const bool lastOne = fault == Fault::Closing && k == 7;
+            EXPECT_EQ(bench.told() == "3 films sent", lastOne || (fault == Fault::Closing && k >= 4))
+                << bench.told();
+            const int sent = fault == Fault::Closing ? k : fault == Fault::ForGood ? std::min(k + 1, 7) : 7;
+            EXPECT_EQ(bench.exchanges, k == 1 && fault != Fault::Closing ? 1 : sent);
+        }
+    }
+}
+
+TEST(Faults, ButtonsInMidTransferDoNothing) {
+    Transfer bench({{"A"}, {"B"}});
+    int tries = 0;
+    for (int n = 1; n <= 20; ++n) {
+        bench.pump.atPump(n, [&] {
+            ++tries;
+            bench.transfer.upload();
+            bench.transfer.download(1);
+            bench.transfer.resetToDefaults();
+        });
+    }
+    bench.transfer.download(1);
+    EXPECT_GE(tries, 5);
+    EXPECT_EQ(bench.wire().commands().size(), 5U);
+    EXPECT_EQ(bench.told(), "2 films sent");
+}
+
+TEST(Defaults, AreOneCommandAndUnconfirmTheFilm) {
+    Transfer bench({{"A"}});
+    bench.transfer.resetToDefaults();
+    EXPECT_EQ(bench.wire().commands(), Rows{"Z"});
+    EXPECT_EQ(bench.unconfirmed, 1);
+    EXPECT_TRUE(bench.transfer.reachedInstrument());
+}
+
+} // namespace
+} // namespace drx9

@@ -1,0 +1,294 @@
+// The film window by real events: what it shows, what its boxes write, transfers, and how it closes.
+#include "films/FilmBench.h"
+
+#include "films/frmFilm.h"
+#include "platform/os/OsFilePort.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTest>
+#include <QTreeView>
+
+#include <cstdio>
+#include <filesystem>
+
+namespace drx9 {
+namespace {
+
+using Rows = std::vector<std::string>;
+
+struct CountedTenure : Tenure {
+    explicit CountedTenure(std::vector<std::string>& told)
+        : told(told) {}
+    CountedTenure(const CountedTenure&) = delete;
+    CountedTenure& operator=(const CountedTenure&) = delete;
+    ~CountedTenure() override { told.emplace_back("timer runs"); }
+    std::vector<std::string>& told;
+};
+
+class FilmWindow : public testing::Test, public PollingAccess, public CloseRound, public FilmMemoryAccess {
+protected:
+    std::unique_ptr<Tenure> holdTimer(const std::string&) override {
+        return std::make_unique<CountedTenure>(told);
+    }
+    std::unique_ptr<Tenure> beforeClose(Question asked) override {
+        question = std::move(asked);
+        return nullptr;
+    }
+    bool sessionEnds() const override { return ends; }
+    void filmMemoryChanged() override { told.emplace_back("refresh"); }
+    void filmUnconfirmed() override { told.emplace_back("unconfirmed"); }
+
+    void open(const std::vector<TestFilm>& rows, int sensors = 6, const char* index = "") {
+        bench = std::make_unique<FilmBench>(9, sensors);
+        if (!rows.empty()) {
+            bench->make(rows, index, *index == 0);
+        }
+        show();
+    }
+    void show() {
+        window = new frmFilm({bench->engine,
+                              bench->files,
+                              bench->paths,
+                              bench->DBFileName,
+                              bench->films,
+                              bench->link,
+                              bench->commands,
+                              bench->dialogs,
+                              bench->input,
+                              bench->boxes,
+                              bench->progress,
+                              bench->actions,
+                              bench->clock,
+                              bench->locale,
+                              *this,
+                              *this,
+                              *this,
+                              {}},
+                             nullptr);
+        window->show();
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    }
+    void TearDown() override { delete window.data(); }
+
+    template<class Control>
+    Control* find(const char* name) {
+        auto* control = window->findChild<Control*>(QString::fromLatin1(name));
+        EXPECT_NE(control, nullptr) << name;
+        return control;
+    }
+    void click(const char* name) {
+        auto* control = find<QWidget>(name);
+        QTest::mouseClick(control, Qt::LeftButton, {}, QPoint(8, control->height() / 2));
+    }
+    void clickRow(int row, Qt::KeyboardModifiers keys = {}) {
+        auto* list = find<QTreeView>("lstDBFilms");
+        const QRect place = list->visualRect(list->model()->index(row, 1));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, keys, place.center());
+    }
+    void type(const char* name, const char* text, Qt::Key end = Qt::Key_Tab) {
+        auto* box = find<QLineEdit>(name);
+        box->setFocus();
+        box->selectAll();
+        QTest::keyClicks(box, QString::fromUtf8(text));
+        QTest::keyClick(box, end);
+    }
+    std::string text(const char* name) {
+        return find<QWidget>(name)->property("text").toString().toStdString();
+    }
+    std::string state() { return find<QWidget>("lblState")->accessibleName().toStdString(); }
+    std::string listed(int row, int column) {
+        auto* model = find<QTreeView>("lstDBFilms")->model();
+        return model->index(row, column).data().toString().toStdString();
+    }
+    bool enabled(const char* name) { return find<QWidget>(name)->isEnabled(); }
+
+    std::vector<std::string> told;
+    Question question;
+    bool ends = false;
+    std::unique_ptr<FilmBench> bench;
+    QPointer<frmFilm> window;
+};
+
+TEST_F(FilmWindow, ShowsTheChosenFilmAndNoneBefore) {
+    open({{"ONE", "Gold", 100, 1, 0.5, 125, 37}, {"TWO", "Silver"}});
+    EXPECT_EQ(window->windowTitle().toStdString(), "Films - [Monitor.mdb]");
+    EXPECT_EQ(listed(1, 0) + listed(1, 1), "2TWO");
+    EXPECT_EQ(text("txtParam_5"), "");
+    EXPECT_FALSE(enabled("txtParam_0"));
+    EXPECT_FALSE(enabled("chkSensAvg_0"));
+    clickRow(0);
+    const std::pair<const char*, const char*> boxes[] = {
+        {"txtParam_5", "ONE"},  {"txtParam_0", "100"},   {"txtParam_3", "1"},  {"txtParam_4", "0.5"},
+        {"txtParam_1", "19.3"}, {"txtParam_2", "0.381"}, {"txtMinutes", "02"}, {"txtSeconds", "05"}};
+    for (const auto& [name, wanted] : boxes) {
+        EXPECT_EQ(text(name), wanted) << name;
+    }
+    EXPECT_EQ(find<QComboBox>("dbcMaterial")->currentText().toStdString(), "Gold");
+    EXPECT_TRUE(find<QCheckBox>("chkSensAvg_5")->isChecked());
+    EXPECT_FALSE(find<QCheckBox>("chkSensAvg_1")->isChecked());
+    QTest::keyClick(find<QTreeView>("lstDBFilms"), Qt::Key_Down);
+    EXPECT_EQ(text("txtParam_5"), "TWO");
+    EXPECT_EQ(text("lblVersion"), "Ver. 4.08, 9 films");
+    EXPECT_EQ(state(), "");
+}
+
+TEST_F(FilmWindow, WritesThrough) {
+    open({{"ONE"}, {"TWO"}});
+    clickRow(1);
+    const std::string before = bench->bytes();
+    type("txtParam_3", "abc");
+    EXPECT_EQ(text("txtParam_3"), "1");
+    EXPECT_EQ(state(), "\"abc\" is no number: the value stays as it was");
+    EXPECT_EQ(bench->bytes(), before);
+    type("txtParam_3", "2,5", Qt::Key_Return);
+    type("txtParam_1", "10.4");
+    click("chkSensAvg_1");
+    click("chkSensAvg_2");
+    auto* minutes = find<QSpinBox>("spnMinutes");
+    minutes->setFocus();
+    QTest::keyClick(minutes, Qt::Key_Up);
+    auto* material = find<QComboBox>("dbcMaterial");
+    material->setFocus();
+    QTest::keyClick(material, Qt::Key_Down); // Gold to Silver
+    EXPECT_EQ(bench->rows("Film"), (Rows{"1|ONE|Gold|100|1|0.5|60|3", "2|TWO|Silver|100|2.5|0.5|120|5"}));
+    EXPECT_EQ(bench->rows("Material").front(), "Gold|10.4|0.381");
+    EXPECT_EQ(text("txtParam_1"), "10.5");
+    QTest::mouseMove(material, QPoint(5, 5));
+    QWheelEvent wheel(QPointF(5, 5), material->mapToGlobal(QPointF(5, 5)), {}, QPoint(0, 120), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(material, &wheel);
+    EXPECT_EQ(material->currentText().toStdString(), "Silver");
+}
+
+TEST_F(FilmWindow, RenamesAndKeepsTheFilmInSight) {
+    open({{"ONE"}, {"TWO"}});
+    clickRow(1);
+    type("txtParam_5", "LONGER_NAME");
+    EXPECT_EQ(listed(1, 1), "LONGER_N");
+    EXPECT_EQ(text("txtParam_5"), "LONGER_N");
+    auto* list = find<QTreeView>("lstDBFilms");
+    EXPECT_EQ(list->currentIndex().row(), 0);
+    EXPECT_TRUE(list->selectionModel()->isRowSelected(1));
+    bench->boxes.expectShow(
+        "UnitFilm and NewFilm cannot be used for\nfilm names. Please select another name.");
+    type("txtParam_5", "NewFilmX", Qt::Key_Return);
+    EXPECT_EQ(text("txtParam_5"), "LONGER_N");
+    clickRow(0);
+    EXPECT_EQ(text("txtParam_5"), "ONE") << "current already, but not the one shown";
+    bench->input.answer = "THREE";
+    click("cmdAddFilm");
+    EXPECT_EQ(text("txtParam_5"), "THREE");
+    EXPECT_EQ(listed(2, 1), "THREE");
+    bench->input.answer = "Copper";
+    click("cmdNewMat");
+    EXPECT_EQ(bench->rows("Film").back(), "null|THREE|Copper|null|null|null|null|null");
+    EXPECT_EQ(text("txtParam_1"), "1");
+    click("cmdDelete");
+    EXPECT_EQ(bench->rows("Film").size(), 3U);
+}
+
+TEST_F(FilmWindow, DisablesWhatTheInstrumentLacks) {
+    open({{"ONE"}}, 2);
+    clickRow(0);
+    EXPECT_TRUE(enabled("chkSensAvg_1"));
+    EXPECT_FALSE(enabled("chkSensAvg_2"));
+    EXPECT_TRUE(enabled("cmdDefaults"));
+    click("cmdDefaults");
+    EXPECT_EQ(told, Rows{"unconfirmed"});
+    window->close();
+    EXPECT_EQ(told, (Rows{"unconfirmed", "refresh", "timer runs"}));
+    delete window.data();
+
+    bench->link.setCommOK(false);
+    show();
+    for (const char* name : {"cmdUpload", "cmdDownload_0", "cmdDownload_1", "cmdDefaults"}) {
+        EXPECT_FALSE(enabled(name)) << name;
+    }
+    EXPECT_EQ(text("lblVersion"), "Off line");
+}
+
+TEST_F(FilmWindow, ClosesOnlyBehindATransferAndAsks) {
+    open({{"ONE"}});
+    bench->pump.atPump(3, [&] {
+        EXPECT_FALSE(enabled("cmdClose"));
+        click("cmdDownload_1");
+        window->close();
+        EXPECT_TRUE(window->isVisible());
+    });
+    bench->boxes.expect(FakeMessageBoxes::Kind::YesNo, "Save Uploaded Data to a database?", true);
+    bench->dialogs.answers = {"/data/Shop.mdb"};
+    click("cmdUpload");
+    EXPECT_EQ(bench->wire().commands().size(), 9U);
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(bench->DBFileName, "/data/Shop.mdb");
+    EXPECT_EQ(bench->rows("Film", "/data/Shop.mdb").size(), 9U);
+    EXPECT_EQ(told, (Rows{"refresh", "timer runs"}));
+}
+
+TEST_F(FilmWindow, AsksWhenTheProgramCloses) {
+    for (const bool session : {false, true}) {
+        open({{"ONE"}});
+        click("cmdUpload");
+        EXPECT_EQ(state(), "9 films read. Not saved under another name yet");
+        EXPECT_EQ(window->windowTitle().toStdString(), "Films - [UploadData.mdb]");
+        ends = session;
+        if (!session) {
+            bench->boxes.expect(FakeMessageBoxes::Kind::YesNo, "Save Uploaded Data to a database?");
+        }
+        question();
+        window->close();
+        EXPECT_FALSE(window->isVisible());
+        EXPECT_EQ(bench->DBFileName, "UploadData.mdb");
+        delete window.data();
+        told.clear();
+    }
+}
+
+// An old file is opened and converted, edited, sent, verified, changed on the instrument, read back and
+// saved.
+TEST_F(FilmWindow, GoesTheWholeWay) {
+    open({{"zinc"}, {"Al Base", "Silver", 102.5}}, 6, "PRIMARYKEY");
+    EXPECT_EQ(listed(0, 1), "Al Base ");
+    clickRow(0);
+    type("txtParam_0", "98");
+    clickRow(1, Qt::ControlModifier);
+    bench->boxes.expect(FakeMessageBoxes::Kind::OkCancel,
+                        "Film Name for film #1 = AL_BASE.\nThe Film Name should be AL BASE", true);
+    click("cmdDownload_0");
+    EXPECT_EQ(state(), "2 films sent");
+    EXPECT_EQ(bench->held(2), "ZINC     19.300 100 0.381 1.000 0.500 60 3");
+    bench->instrument.execute("A2ZINC_2__ 7.040 100 0.514 2.000 0.500  60  1", 0);
+    click("cmdUpload");
+    bench->dialogs.answers = {"/data/Shop.mdb"};
+    find<QMenuBar>("")->actions().front()->menu()->actions()[1]->trigger();
+    EXPECT_EQ(state(),
+              "Saved as Shop.mdb. Changes here still go to UploadData.mdb; open Shop.mdb to edit it.");
+    EXPECT_EQ(bench->rows("Film", "/data/Shop.mdb")[1], "ZINC_2  |UnitMat1|100|2|0.5|60|1|2");
+    EXPECT_EQ(bench->faults("/data/Shop.mdb"), "");
+    window->close();
+    EXPECT_TRUE(window->isHidden()) << "saved: nothing is asked";
+
+    const auto path = std::filesystem::temp_directory_path() /
+                      ("drx9-films-" + std::to_string(makeOsFilePort()->processId()) + ".mdb");
+    FILE* file = std::fopen(path.c_str(), "wb");
+    const std::string saved = bench->bytes("/data/Shop.mdb");
+    std::fwrite(saved.data(), 1, saved.size(), file);
+    std::fclose(file);
+    FILE* reader = popen(("mdb-export -H " + path.string() + " Film 2>/dev/null").c_str(), "r");
+    std::string read(4000, '\0');
+    read.resize(std::fread(read.data(), 1, read.size(), reader));
+    if (pclose(reader) == 0) {
+        EXPECT_NE(read.find("\"ZINC_2  \",\"UnitMat1\",100"), std::string::npos) << read;
+    }
+    std::filesystem::remove(path);
+}
+
+} // namespace
+} // namespace drx9

@@ -1,23 +1,64 @@
 #include "app/OtherWindows.h"
 
+#include "films/frmFilm.h"
+#include "link/frmComm.h"
 #include "monitor/frmDataLog.h"
+#include "system/frmSystem.h"
 
 namespace drx9 {
 
+namespace {
+QWidget* makeDataLog(Core& core, const DesktopPorts& desktop, QWidget* owner) {
+    auto* window = new frmDataLog({core.settings.log, core.log, desktop.files, desktop.dialogs, desktop.shell,
+                                   desktop.boxes, core.actions},
+                                  owner);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    return window;
+}
+
+QWidget* makeSystem(Core& core, const DesktopPorts& desktop, QWidget* owner) {
+    auto* window = new frmSystem({core.settings.system, core.commands, core.link, core.access, core.access,
+                                  core.actions, desktop.boxes, desktop.clock, core.locale},
+                                 owner);
+    // The timer runs when it has closed, on line or not: the communications window alone looks at that
+    // (kept).
+    QObject::connect(window, &QObject::destroyed, owner,
+                     [&core] { core.timer.setWanted(core.monitor.RunMode() != kExiting); });
+    return window;
+}
+
+QWidget* makeComm(Core& core, const DesktopPorts& desktop, QWidget* owner) {
+    return new frmComm({core.settings.link, core.link, core.discovery, core.transports, desktop.shell,
+                        desktop.boxes, core.actions, core.access, core.access, core.access},
+                       owner);
+}
+
+QWidget* makeFilms(Core& core, const DesktopPorts& desktop, QWidget* owner) {
+    auto* window = new frmFilm({core.engine, desktop.files, core.paths, core.settings.DBFileName, core.films,
+                                core.link, core.commands, desktop.dialogs, desktop.input, desktop.boxes,
+                                desktop.progress, core.actions, desktop.clock, core.locale, core.access,
+                                core.access, core.questions, [&core] { return core.actions.closing(); }},
+                               owner);
+    if (desktop.progressWindow != nullptr) {
+        desktop.progressWindow->setOwner(ProgressOwner::FilmWindow, window);
+    }
+    return window;
+}
+} // namespace
+
 OtherWindows makeOtherWindows(Core& core, const DesktopPorts& desktop) {
-    OtherWindows windows;
-    windows.dataLog = [&core, desktop](QWidget* owner) -> QWidget* {
-        auto* window = new frmDataLog({core.settings.log, core.log, desktop.files, desktop.dialogs,
-                                       desktop.shell, desktop.boxes, core.actions},
-                                      owner);
-        window->setAttribute(Qt::WA_DeleteOnClose);
-        return window;
+    const auto maker = [&core, desktop](auto make) {
+        return [&core, desktop, make](QWidget* owner) { return make(core, desktop, owner); };
     };
+    OtherWindows windows;
+    windows.dataLog = maker(makeDataLog);
+    windows.films = maker(makeFilms);
+    windows.system = maker(makeSystem);
+    windows.comm = maker(makeComm);
     return windows;
 }
 
-MainWindowParts mainWindowParts(Core& core, EventPump& pump, const Clock& clock, ChartSet& charts,
-                                const DesktopPorts& desktop) {
+MainWindowParts mainWindowParts(Core& core, EventPump& pump, ChartSet& charts, const DesktopPorts& desktop) {
     return {core.monitor,
             core.readouts,
             core.status,
@@ -26,7 +67,7 @@ MainWindowParts mainWindowParts(Core& core, EventPump& pump, const Clock& clock,
             core.timer,
             core.questions,
             pump,
-            clock,
+            desktop.clock,
             charts,
             desktop.boxes,
             [&core](const std::exception& error) { core.faults.report(error); },

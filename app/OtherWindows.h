@@ -1,8 +1,10 @@
 #pragma once
 
 #include "core/Core.h"
+#include "films/frmStatus.h"
 #include "monitor/frmMain.h"
 #include "platform/Desktop.h"
+#include "platform/InputBox.h"
 
 namespace drx9 {
 
@@ -11,7 +13,11 @@ struct DesktopPorts {
     FilePort& files;
     MessageBoxes& boxes;
     FileDialogs& dialogs;
+    InputBox& input;
     Shell& shell;
+    Progress& progress;
+    frmStatus* progressWindow; ///< the same, to be told who owns it; may be null
+    const Clock& clock;
 };
 
 /// Makers of the windows that open from the main one. Each hands its window just what that uses. All that is
@@ -19,7 +25,6 @@ struct DesktopPorts {
 OtherWindows makeOtherWindows(Core& core, const DesktopPorts& desktop);
 
 /// What the main window itself gets of the core.
-MainWindowParts mainWindowParts(Core& core, EventPump& pump, const Clock& clock, ChartSet& charts,
-                                const DesktopPorts& desktop);
+MainWindowParts mainWindowParts(Core& core, EventPump& pump, ChartSet& charts, const DesktopPorts& desktop);
 
 } // namespace drx9

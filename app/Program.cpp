@@ -35,7 +35,8 @@ Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale
 }
 
 MainWindowParts Program::windowParts(FilePort& files) {
-    MainWindowParts parts = mainWindowParts(core_, pump_, clock_, charts_, {files, boxes_, dialogs_, shell_});
+    MainWindowParts parts = mainWindowParts(
+        core_, pump_, charts_, {files, boxes_, dialogs_, input_, shell_, progress_, &progress_, clock_});
     parts.places = &places_;
     parts.desktopChanged = [this] { followDesktop(*qApp, darkWanted_); };
     return parts;

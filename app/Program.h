@@ -9,6 +9,7 @@
 #include "platform/qt/QtClock.h"
 #include "platform/qt/QtEventPump.h"
 #include "platform/qt/QtFileDialogs.h"
+#include "platform/qt/QtInputBox.h"
 #include "platform/qt/QtMessageBoxes.h"
 #include "platform/qt/QtSerialControl.h"
 #include "platform/qt/QtShell.h"
@@ -56,6 +57,7 @@ private:
     QtEventPump pump_;
     QtMessageBoxes boxes_;
     QtFileDialogs dialogs_;
+    QtInputBox input_;
     QtShell shell_;
     QtSleepInhibitor sleep_;
     QtSerialControl serial_;

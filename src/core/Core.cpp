@@ -5,6 +5,7 @@ namespace drx9 {
 Core::Core(const Ports& ports, const Paths& folders, const NumberLocale& numbers, const AppInfo& app)
     : paths(folders)
     , locale(numbers)
+    , engine(ports.files)
     , file(ports.files)
     , errors({ports.files, ports.boxes, ports.clock, locale, app, paths})
     , faults(errors, ports.clock)

@@ -2,6 +2,7 @@
 
 #include "errors/CErrHandler.h"
 #include "errors/FaultReports.h"
+#include "films/JetHeaders.h"
 #include "link/ActionQueue.h"
 #include "link/Commands.h"
 #include "link/Discovery.h"
@@ -47,6 +48,7 @@ struct Core {
     const NumberLocale locale;
     Settings settings;
     Films films;
+    jet::DBEngine engine;
     cFile file;
     CErrHandler errors;
     FaultReports faults;

@@ -12,24 +12,6 @@ namespace drx9 {
 
 namespace {
 
-/// Lower-case letters of Windows-1252 whose capitals do not lie 32 below.
-struct Capital {
-    unsigned char small;
-    unsigned char capital;
-};
-constexpr std::array<Capital, 4> kOddCapitals{{{0x9A, 0x8A}, {0x9C, 0x8C}, {0x9E, 0x8E}, {0xFF, 0x9F}}};
-
-char upperAnsi(char character) {
-    const auto code = static_cast<unsigned char>(character);
-    for (const Capital& odd : kOddCapitals) {
-        if (odd.small == code) {
-            return static_cast<char>(odd.capital);
-        }
-    }
-    const bool accented = code >= 0xE0 && code <= 0xFE && code != 0xF7;
-    return (code >= 'a' && code <= 'z') || accented ? static_cast<char>(code - 0x20) : character;
-}
-
 /// A single-precision value as the double with the same shortest decimal text: 0.1f is shown as 0.1.
 double shortest(float value) {
     std::array<char, 32> text{};
@@ -69,12 +51,6 @@ std::string firstCharacters(std::string_view text, std::size_t count) {
 std::string fixedText(std::string_view text, std::size_t count) {
     const std::string cut = firstCharacters(text, count);
     return cut + std::string(count - characterCount(cut), ' ');
-}
-
-std::string upperAnsi(std::string_view bytes) {
-    std::string upper(bytes);
-    std::transform(upper.begin(), upper.end(), upper.begin(), [](char c) { return upperAnsi(c); });
-    return upper;
 }
 
 std::string wireFilmName(std::string_view name) {

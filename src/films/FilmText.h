@@ -21,8 +21,6 @@ std::size_t characterCount(std::string_view text);
 std::string firstCharacters(std::string_view text, std::size_t count);
 /// The same, padded with blanks to exactly that length.
 std::string fixedText(std::string_view text, std::size_t count);
-/// Upper case of a Windows-1252 text, accented letters included. "ß" has none and stays.
-std::string upperAnsi(std::string_view bytes);
 /// A film's name (Windows-1252) as it is sent: 8 characters in upper case, "_" for "!", which would begin a
 /// packet.
 std::string wireFilmName(std::string_view name);

@@ -43,7 +43,8 @@ public:
     virtual ~SystemRecordAccess() = default;
     /// Both records were read from the instrument, or sent to it and accepted, since it came on line.
     [[nodiscard]] virtual bool systemKnown() const = 0;
-    /// Both records were sent; `accepted` when the instrument took both.
+    /// A save has ended; `accepted` when the instrument took both records. What it holds is not known
+    /// otherwise.
     virtual void systemSent(bool accepted) = 0;
 };
 

@@ -363,7 +363,7 @@ void Monitor::linkSetupClosed(bool reopen, bool sameLink) {
 }
 
 void Monitor::systemSent(bool accepted) {
-    systemKnown_ = systemKnown_ || accepted;
+    systemKnown_ = accepted;
     changed();
 }
 

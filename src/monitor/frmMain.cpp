@@ -51,9 +51,9 @@ MainMenus::Handlers frmMain::menuHandlers() {
     MainMenus::Handlers handlers;
     handlers.dataLog = [this] { openWindow(dataLog_, parts_.windows.dataLog); };
     handlers.exit = [this] { close(); };
-    handlers.films = [this] { openHolding(films_, parts_.windows.films); };
-    handlers.system = [this] { openHolding(system_, parts_.windows.system); };
-    handlers.comm = [this] { openHolding(comm_, parts_.windows.comm); };
+    handlers.films = [this] { openHolding(films_, parts_.windows.films, false); };
+    handlers.system = [this] { openHolding(system_, parts_.windows.system, true); };
+    handlers.comm = [this] { openHolding(comm_, parts_.windows.comm, true); };
     handlers.graphSet = [this] { openWindow(graphSet_, parts_.windows.graphSet); };
     handlers.graph = [this](std::int16_t item) {
         readouts_.graphItemClicked(item);

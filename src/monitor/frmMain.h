@@ -104,8 +104,8 @@ private:
     void buildKeys();
     void addKey(const QKeySequence& key, std::function<void()> action);
     void nextRegion(int direction);
-    void openWindow(QPointer<QWidget>& window, const WindowMaker& make);
-    void openHolding(QPointer<QWidget>& window, const WindowMaker& make);
+    void openWindow(QPointer<QWidget>& window, const WindowMaker& make, bool modal = false);
+    void openHolding(QPointer<QWidget>& window, const WindowMaker& make, bool modal);
     void showHelp();
     void showAbout();
     void notInThisBuild();

@@ -7,6 +7,7 @@
 #include "util/frmAbout.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QShortcut>
 #include <QStackedLayout>
 
@@ -18,16 +19,19 @@ void frmMain::notInThisBuild() {
     parts_.boxes.show("Not in this build.", kProgramName, MessageIcon::Information);
 }
 
-void frmMain::openWindow(QPointer<QWidget>& window, const WindowMaker& make) {
+void frmMain::openWindow(QPointer<QWidget>& window, const WindowMaker& make, bool modal) {
     if (!make) {
         notInThisBuild();
         return;
     }
-    if (window == nullptr) {
+    if (window == nullptr || window->isHidden()) { // one that has closed may live on for a moment
         window = make(this);
         if (parts_.places != nullptr) {
             parts_.places->follow(*window);
         }
+    }
+    if (auto* dialog = qobject_cast<QDialog*>(window.data()); dialog != nullptr && modal) {
+        dialog->open();
     }
     window->show();
     window->raise();
@@ -35,11 +39,11 @@ void frmMain::openWindow(QPointer<QWidget>& window, const WindowMaker& make) {
 }
 
 /// A window that holds the timer: what was requested before is carried out before it opens.
-void frmMain::openHolding(QPointer<QWidget>& window, const WindowMaker& make) {
-    if (make && window == nullptr) {
+void frmMain::openHolding(QPointer<QWidget>& window, const WindowMaker& make, bool modal) {
+    if (make && (window == nullptr || window->isHidden())) {
         monitor_.carryOutBeforeWindow();
     }
-    openWindow(window, make);
+    openWindow(window, make, modal);
 }
 
 void frmMain::showHelp() {

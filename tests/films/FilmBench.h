@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fakes/FakeInputBox.h"
 #include "fakes/FaultyFilePort.h"
 #include "fakes/MemoryFilePort.h"
 #include "films/FilmEditor.h"
@@ -30,15 +31,6 @@ struct QueuedDialogs : FileDialogs {
     std::string saveFile(const FileDialogRequest& asked) override { return openFile(asked); }
 };
 
-struct FakeInput : InputBox {
-    std::string answer;
-    std::string title;
-    std::string ask(const std::string& /*prompt*/, const std::string& asked) override {
-        title = asked;
-        return answer;
-    }
-};
-
 struct FakeFilmProgress : Progress {
     std::vector<std::string> shown;
     std::vector<int> percents;
@@ -65,9 +57,9 @@ inline jet::Value valueOf(const std::optional<double>& number) {
 /// The library's objects and the transfer over memory files, a faulty disk and a scripted wire to a simulated
 /// instrument.
 struct FilmBench : LinkBench, FilmListView, FilmMemoryAccess {
-    explicit FilmBench(int slots = 9, int sensors = 6)
+    explicit FilmBench(int filmSlots = 9, int sensors = 6)
         : LinkBench(0)
-        , instrument({sensors, slots, slots == 9 ? "DRX-9 Ver 4.08" : "DRX-9 Ver 4.12", 1, true}) {
+        , instrument({sensors, filmSlots, filmSlots == 9 ? "DRX-9 Ver 4.08" : "DRX-9 Ver 4.12", 1, true}) {
         (void)memory.makeFolder("/data");
         wire().setAnswerer([this](const std::string& command) { return answer(command); });
         link.Comm_Send("@");

@@ -23,8 +23,8 @@ namespace {
 using Rows = std::vector<std::string>;
 
 struct CountedTenure : Tenure {
-    explicit CountedTenure(std::vector<std::string>& told)
-        : told(told) {}
+    explicit CountedTenure(std::vector<std::string>& list)
+        : told(list) {}
     CountedTenure(const CountedTenure&) = delete;
     CountedTenure& operator=(const CountedTenure&) = delete;
     ~CountedTenure() override { told.emplace_back("timer runs"); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/OtherWindows.h"
+#include "fakes/FakeInputBox.h"
 #include "monitor/MonitorFixture.h"
 
 #include <QApplication>
@@ -34,8 +35,8 @@ struct FakeShell : Shell {
 class UiFixture : public MonitorFixture {
 protected:
     UiFixture() {
-        window = std::make_unique<frmMain>(
-            mainWindowParts(core, pump, clock, charts, {files, boxes, dialogs, shell}));
+        window = std::make_unique<frmMain>(mainWindowParts(
+            core, pump, charts, {files, boxes, dialogs, input, shell, progress, nullptr, clock}));
         monitor.setWindow(*window);
         window->show();
         window->activateWindow();
@@ -63,6 +64,7 @@ protected:
 
     ChartSet charts;
     FakeFileDialogs dialogs;
+    FakeInput input;
     FakeShell shell;
     std::unique_ptr<frmMain> window;
 };

@@ -201,7 +201,11 @@ void RunBar::placeFocus(bool comesOnLine, bool startsRun) {
 /// A hold takes the focus out of the bar and gives it back.
 void RunBar::allow(const Facts& facts) {
     if (facts.held && !shown_.held) {
-        focusBeforeHold_ = isAncestorOf(window()->focusWidget()) ? window()->focusWidget() : nullptr;
+        QWidget* focus = window()->focusWidget();
+        focusBeforeHold_ = isAncestorOf(focus) ? focus : nullptr;
+        if (focusBeforeHold_ != nullptr) {
+            focus->clearFocus(); // else Qt hands it to a readout, and selects its text
+        }
     }
     setEnabledIfDiffers(cboFilms_, !facts.filmsLocked && !facts.held);
     for (QPushButton* button : {cmdZero_, cmdShutter_, static_cast<QPushButton*>(cmdStartStop_)}) {

@@ -27,6 +27,7 @@ public:
     [[nodiscard]] bool thinned() const { return thinned_; }
     [[nodiscard]] std::vector<CurvePoint> curve(int series) const;
     [[nodiscard]] double xPixel(double time) const { return (time - origin_) / perColumn_; }
+    [[nodiscard]] double timeAt(double xPixel) const { return origin_ + xPixel * perColumn_; }
     [[nodiscard]] double yPixel(double value) const;
 
 private:

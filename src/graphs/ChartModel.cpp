@@ -46,8 +46,12 @@ void ChartModel::endBatch() {
 
 void ChartModel::setLook(ChartLook look) {
     look_ = std::move(look);
-    yMinimum_ = homeMinimum_ = static_cast<float>(look_.y.minimum);
-    yMaximum_ = homeMaximum_ = static_cast<float>(look_.y.maximum);
+    const auto minimum = static_cast<float>(look_.y.minimum);
+    const auto maximum = static_cast<float>(look_.y.maximum);
+    if (minimum != yMinimum_ || maximum != yMaximum_) { // else the operator's zoom is no home
+        yMinimum_ = homeMinimum_ = minimum;
+        yMaximum_ = homeMaximum_ = maximum;
+    }
     applyYPair();
     changed();
 }

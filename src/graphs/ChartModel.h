@@ -36,7 +36,8 @@ public:
 
     [[nodiscard]] const ChartDesign& design() const { return design_; }
     [[nodiscard]] const ChartLook& look() const { return look_; }
-    /// A look as a file or the editor gives it. Its axes come into force, its Y axis is home from now on.
+    /// A look as a file or the editor gives it. Its axes come into force; a Y axis that differs is home from
+    /// now on.
     void setLook(ChartLook look);
 
     // Axes.

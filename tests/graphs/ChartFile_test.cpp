@@ -1,10 +1,12 @@
 // The configuration and data files, and the export.
+#include "../../fuzz/chart_files.h"
 #include "graphs/ChartBench.h"
 #include "graphs/ChartFile.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -99,6 +101,20 @@ TEST(ChartFile, DataThatAreBrokenGiveNoPoints) {
         EXPECT_EQ(parseChartData(text, 1), nullptr) << text;
     }
     EXPECT_NE(parseChartData("t\ta\tb\n1\t\t2\n", 2), nullptr);
+}
+
+/// The fuzzer's seeds, and every input that once did harm.
+TEST(ChartFile, SeedsOfTheFuzzer) {
+    int seeds = 0;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(DRX9_SOURCE_DIR "/fuzz/corpus/chart_files")) {
+        std::ifstream in(entry.path(), std::ios::binary);
+        std::stringstream bytes;
+        bytes << in.rdbuf();
+        checkChartFiles(bytes.str());
+        ++seeds;
+    }
+    EXPECT_GT(seeds, 2);
 }
 
 TEST(ChartFile, FilesOfAnySizeCostLittle) {

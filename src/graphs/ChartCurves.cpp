@@ -36,7 +36,7 @@ void ChartCurves::findColumns() {
     std::size_t occupied = 0;
     rows_.reserve(static_cast<std::size_t>(width_) + 4);
     for (int i = 0; i < width_ + 4; ++i) {
-        rows_.push_back(points_.firstAt((first + i) * perColumn_));
+        rows_.push_back(points_.firstAt((first + i) * perColumn_, rows_.empty() ? 0 : rows_.back()));
         occupied += i > 0 && rows_.back() > rows_[rows_.size() - 2] ? 1 : 0;
     }
     thinned_ =
@@ -54,10 +54,11 @@ std::vector<CurvePoint> ChartCurves::curve(int series) const {
 std::vector<CurvePoint> ChartCurves::exactCurve(int series) const {
     const ChartModel::Rows drawn = model_.drawnRows(series);
     const std::size_t column = model_.column(series);
-    // One point beyond each end of the view, so that the curve runs up to its edges.
-    const std::size_t first = points_.firstAt(origin_);
-    const std::size_t last = points_.firstAt(origin_ + perColumn_ * width_);
+    // From a reading beyond each end of the view on, so that the curve runs up to its edges.
+    const std::size_t first = rows_.front();
+    const std::size_t last = rows_.back();
     std::vector<CurvePoint> curve;
+    curve.reserve(last + 2 - first);
     bool start = true;
     for (std::size_t row = std::max(drawn.from, first - std::min<std::size_t>(first, 1));
          row < std::min(drawn.to, last + 1); ++row) {
@@ -75,6 +76,7 @@ std::vector<CurvePoint> ChartCurves::thinnedCurve(int series) const {
     const ChartModel::Rows drawn = model_.drawnRows(series);
     const std::size_t column = model_.column(series);
     std::vector<CurvePoint> curve;
+    curve.reserve(4 * rows_.size());
     for (std::size_t i = 0; i + 1 < rows_.size(); ++i) {
         const std::size_t from = std::max(rows_[i], drawn.from);
         const std::size_t to = std::min(rows_[i + 1], drawn.to);

@@ -23,6 +23,43 @@ CurvePoint nearby(const CurvePoint& point) {
     return {std::clamp(point.x, -kFar, kFar), std::clamp(point.y, -kFar, kFar), point.start};
 }
 
+/// A straight piece of a line, asked for its ink on a pixel.
+class Stroke {
+public:
+    Stroke(const CurvePoint& a, const CurvePoint& b, double half)
+        : x_(static_cast<float>(a.x - 0.5)) // a pixel is taken at its middle
+        , y_(static_cast<float>(a.y - 0.5))
+        , reach_(static_cast<float>(half + 0.5))
+        , most_(static_cast<float>(std::min(1.0, 2 * half))) {
+        const double length = std::hypot(b.x - a.x, b.y - a.y);
+        length_ = static_cast<float>(length);
+        alongX_ = length > 0 ? static_cast<float>((b.x - a.x) / length) : 1;
+        alongY_ = length > 0 ? static_cast<float>((b.y - a.y) / length) : 0;
+    }
+    /// 0 to 255, by the pixel's distance from the stroke.
+    [[nodiscard]] std::uint8_t ink(int column, int row) const {
+        const float x = static_cast<float>(column) - x_;
+        const float y = static_cast<float>(row) - y_;
+        const float along = x * alongX_ + y * alongY_;
+        float distance = std::fabs(x * alongY_ - y * alongX_);
+        const float beyond = along < 0 ? -along : along - length_;
+        if (beyond > 0) {
+            distance = std::sqrt(distance * distance + beyond * beyond);
+        }
+        const float cover = std::clamp(reach_ - distance, 0.0F, most_);
+        return static_cast<std::uint8_t>(cover * 255 + 0.5F);
+    }
+
+private:
+    float x_;
+    float y_;
+    float reach_;
+    float most_;
+    float length_;
+    float alongX_;
+    float alongY_;
+};
+
 /// Length of the curve's strokes, as far as they lie in the picture's height.
 double strokeLength(std::span<const CurvePoint> curve, int height) {
     double length = 0;
@@ -57,15 +94,15 @@ void CurveInk::line(const PixelArea& area, std::span<const CurvePoint> curve, do
 
 /// Covers the pixels around the stroke by their distance from it.
 void CurveInk::stroke(const CurvePoint& a, const CurvePoint& b, double half) {
+    const Stroke shape(a, b, half);
     const double reach = half + 0.5;
     const double dx = b.x - a.x;
     const double dy = b.y - a.y;
-    const double length2 = dx * dx + dy * dy;
     const int top = std::max(0, static_cast<int>(std::floor(std::min(a.y, b.y) - reach)));
     const int bottom = std::min(height_ - 1, static_cast<int>(std::floor(std::max(a.y, b.y) + reach)));
     top_ = std::min(top_, top);
     bottom_ = std::max(bottom_, bottom + 1);
-    const double across = dy == 0 ? 0 : reach * std::sqrt(length2) / std::fabs(dy);
+    const double across = dy == 0 ? 0 : reach * std::hypot(dx, dy) / std::fabs(dy);
     const double left = std::min(a.x, b.x) - reach;
     const double right = std::max(a.x, b.x) + reach;
     for (int row = top; row <= bottom; ++row) {
@@ -81,15 +118,8 @@ void CurveInk::stroke(const CurvePoint& a, const CurvePoint& b, double half) {
         const int last = std::min(width_ - 1, static_cast<int>(std::floor(to)));
         std::uint8_t* cells = mask_.data() + static_cast<std::size_t>(row) * static_cast<std::size_t>(width_);
         for (int column = first; column <= last; ++column) {
-            const double x = column + 0.5 - a.x;
-            const double along = length2 == 0 ? 0 : std::clamp((x * dx + y * dy) / length2, 0.0, 1.0);
-            const double ex = x - along * dx;
-            const double ey = y - along * dy;
-            const double distance = std::sqrt(ex * ex + ey * ey);
-            const double cover = std::min(reach - distance, std::min(1.0, 2 * half));
-            if (cover > 0) {
-                const auto ink = static_cast<std::uint8_t>(cover * 255 + 0.5);
-                cells[column] = std::max(cells[column], ink);
+            if (cells[column] != 255) {
+                cells[column] = std::max(cells[column], shape.ink(column, row));
             }
         }
     }

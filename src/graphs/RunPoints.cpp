@@ -45,9 +45,12 @@ std::size_t RunPoints::rowOf(std::size_t column, std::size_t n) const {
     }
 }
 
-std::size_t RunPoints::firstAt(double wanted) const {
-    std::size_t low = 0;
-    std::size_t high = rows_;
+std::size_t RunPoints::firstAt(double wanted, std::size_t low) const {
+    std::size_t high = low == 0 ? rows_ : low;
+    for (std::size_t step = 1; high < rows_ && time(high) < wanted; step *= 2) {
+        low = high + 1;
+        high = std::min(rows_, high + step);
+    }
     while (low < high) {
         const std::size_t middle = low + (high - low) / 2;
         if (time(middle) < wanted) {

@@ -47,8 +47,9 @@ public:
     [[nodiscard]] std::size_t end(std::size_t column) const { return used_[column].end; }
     /// Row of the column's n-th value, counted from 0; its end when there are not so many.
     [[nodiscard]] std::size_t rowOf(std::size_t column, std::size_t n) const;
-    /// First row at or after a time; rows() when there is none.
-    [[nodiscard]] std::size_t firstAt(double time) const;
+    /// First row at or after a time; rows() when there is none. The search begins at a row that is known not
+    /// to lie behind it.
+    [[nodiscard]] std::size_t firstAt(double time, std::size_t low = 0) const;
     /// Least and greatest value of the column in the rows from .. to - 1.
     [[nodiscard]] ValueRange range(std::size_t column, std::size_t from, std::size_t to) const;
 

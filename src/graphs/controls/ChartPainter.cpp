@@ -125,17 +125,20 @@ void ChartPainter::findTicks(const QRect& plot) {
 }
 
 void ChartPainter::paint(QPainter& painter, const QRect& rect, double scale, QImage* surface) {
-    painter.fillRect(rect, theme_.plot);
     const ChartLayout parts = layout(rect);
+    const ChartCurves shown = curves(parts.plot, scale);
     findTicks(parts.plot);
+    for (const QRect& beside : QRegion(rect) - QRegion(surface != nullptr ? parts.plot : QRect())) {
+        painter.fillRect(beside, theme_.plot);
+    }
     paintHeader(painter, parts);
     if (surface != nullptr) {
-        paintPixels(painter, parts.plot, scale, *surface);
+        paintPixels(painter, parts.plot, shown, scale, *surface);
     } else {
-        paintLines(painter, parts.plot);
+        paintLines(painter, parts.plot, shown);
     }
     paintAxes(painter, parts.plot);
-    paintEnds(painter, parts.plot, scale);
+    paintEnds(painter, parts.plot, shown, scale);
 }
 
 void ChartPainter::paintHeader(QPainter& painter, const ChartLayout& layout) const {
@@ -163,8 +166,8 @@ void ChartPainter::paintEntry(QPainter& painter, const QRect& rect, int series) 
 }
 
 /// The plot's ground, grid and curves as pixels.
-void ChartPainter::paintPixels(QPainter& painter, const QRect& plot, double scale, QImage& surface) {
-    const ChartCurves curves = this->curves(plot, scale);
+void ChartPainter::paintPixels(QPainter& painter, const QRect& plot, const ChartCurves& curves, double scale,
+                               QImage& surface) {
     const QSize size(static_cast<int>(std::lround(plot.width() * scale)),
                      static_cast<int>(std::lround(plot.height() * scale)));
     if (surface.size() != size) {
@@ -175,7 +178,8 @@ void ChartPainter::paintPixels(QPainter& painter, const QRect& plot, double scal
     const int line = std::max(1, static_cast<int>(scale));
     for (const double time : x_.grid) {
         const double x = (time - model_.xView().from) / model_.xView().size() * plot.width();
-        fillLines(surface, {std::floor(x * scale) / scale, 0}, true, line, theme_.grid);
+        fillLines(surface, {std::min(std::floor(x * scale), double(size.width() - line)) / scale, 0}, true,
+                  line, theme_.grid);
     }
     for (const double value : y_.grid) {
         fillLines(surface, {0, std::floor(curves.yPixel(value)) / scale}, false, line, theme_.grid);
@@ -198,8 +202,7 @@ void ChartPainter::paintPixels(QPainter& painter, const QRect& plot, double scal
     painter.drawImage(plot.topLeft(), surface);
 }
 
-void ChartPainter::paintLines(QPainter& painter, const QRect& plot) const {
-    const ChartCurves curves = this->curves(plot, 1);
+void ChartPainter::paintLines(QPainter& painter, const QRect& plot, const ChartCurves& curves) const {
     painter.save();
     painter.setPen(QPen(theme_.grid, 1));
     for (const double time : x_.grid) {
@@ -280,8 +283,8 @@ void ChartPainter::paintXLabels(QPainter& painter, const QRect& plot) const {
                      text(model_.look().x.title));
 }
 
-void ChartPainter::paintEnds(QPainter& painter, const QRect& plot, double scale) const {
-    const ChartCurves curves = this->curves(plot, scale);
+void ChartPainter::paintEnds(QPainter& painter, const QRect& plot, const ChartCurves& curves,
+                             double scale) const {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(fontOfSize(font_, kNumberPixels, true));

@@ -47,11 +47,12 @@ private:
     [[nodiscard]] QFont labelFont() const;
     void paintHeader(QPainter& painter, const ChartLayout& layout) const;
     void paintEntry(QPainter& painter, const QRect& rect, int series) const;
-    void paintPixels(QPainter& painter, const QRect& plot, double scale, QImage& surface);
-    void paintLines(QPainter& painter, const QRect& plot) const;
+    void paintPixels(QPainter& painter, const QRect& plot, const ChartCurves& curves, double scale,
+                     QImage& surface);
+    void paintLines(QPainter& painter, const QRect& plot, const ChartCurves& curves) const;
     void paintAxes(QPainter& painter, const QRect& plot) const;
     void paintXLabels(QPainter& painter, const QRect& plot) const;
-    void paintEnds(QPainter& painter, const QRect& plot, double scale) const;
+    void paintEnds(QPainter& painter, const QRect& plot, const ChartCurves& curves, double scale) const;
     void paintCross(QPainter& painter, const QPointF& at) const;
     [[nodiscard]] std::vector<QString> tracerLines(const ChartTracer& tracer) const;
     [[nodiscard]] QPointF place(const QRect& plot, double time, double value) const;

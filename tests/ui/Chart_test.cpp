@@ -6,6 +6,7 @@
 #include "fakes/MemoryFilePort.h"
 #include "graphs/controls/ChartControl.h"
 #include "graphs/frmGraphSet.h"
+#include "link/ActionQueue.h"
 #include "monitor/ChartFeed.h"
 
 #include <QAbstractButton>
@@ -107,7 +108,9 @@ protected:
     FakeClock clock;
     FakeEventPump pump{clock};
     ActionQueue actions{pump};
-    ChartSet charts{{&files, &dialogs, &actions, &pump, "/app"}};
+    ChartSet charts{{&files, &dialogs,
+                     [this](std::function<void()> action) { actions.runWhenIdle(std::move(action)); }, &pump,
+                     "/app"}};
     ChartControl& chart = charts.chart(2);
     ChartGraph& graph = charts.graph(2);
 };

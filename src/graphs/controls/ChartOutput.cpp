@@ -40,7 +40,7 @@ ChartOutput::ChartOutput(const ChartModel& model, ChartPorts ports, std::functio
     , say_(std::move(say)) {}
 
 bool ChartOutput::hasFiles() const {
-    return ports_.files != nullptr && ports_.dialogs != nullptr && ports_.actions != nullptr;
+    return ports_.files != nullptr && ports_.dialogs != nullptr && ports_.whenIdle != nullptr;
 }
 
 QImage ChartOutput::image(const QWidget& chart, double scale) const {
@@ -94,7 +94,7 @@ void ChartOutput::choose(QWidget& chart, const FileDialogRequest& request,
         return;
     }
     const QPointer<QWidget> alive(&chart);
-    ports_.actions->runWhenIdle([this, alive, request, render, what] {
+    ports_.whenIdle([this, alive, request, render, what] {
         const std::string path = alive != nullptr ? ports_.dialogs->saveFile(request) : std::string();
         if (path.empty() || alive == nullptr) {
             return;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "graphs/ChartModel.h"
-#include "link/ActionQueue.h"
 #include "platform/Desktop.h"
+#include "platform/EventPump.h"
 #include "platform/FilePort.h"
 
 #include <QByteArray>
@@ -17,11 +17,12 @@ namespace drx9 {
 
 struct Theme;
 
-/// What a chart needs to leave something in a file. With any of the pointers missing it offers no files.
+/// What a chart needs to leave something in a file. With any of the first three missing it offers no files.
 struct ChartPorts {
     FilePort* files = nullptr;
     FileDialogs* dialogs = nullptr;
-    ActionQueue* actions = nullptr;
+    /// Runs an action when nothing of ours is on the stack. Called no earlier than an operator's click.
+    std::function<void(std::function<void()>)> whenIdle;
     EventPump* pump = nullptr;
     std::string folder; ///< of the graphs' configuration files
 };

@@ -90,7 +90,7 @@ ChartLayout ChartPainter::layout(const QRect& rect) const {
     const bool second = legend > 0 && kLeft + title + 20 + legend + right > rect.width();
     ChartLayout layout;
     layout.title = {rect.left() + kLeft, rect.top() + kTop, rect.width() - kLeft - right, line};
-    int x = rect.right() + 1 - right - legend;
+    int x = std::max(rect.left() + kLeft, rect.right() + 1 - right - legend);
     const int y = rect.top() + kTop + (second ? line : 0);
     for (const int width : widths) {
         layout.legend.emplace_back(x, y, width, line);

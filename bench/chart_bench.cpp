@@ -79,7 +79,7 @@ private:
     QSize size_;
     double scale_;
     QImage window_;
-    QImage surface_;
+    ChartSurface surface_;
 };
 
 void showAll(ChartModel& model) {

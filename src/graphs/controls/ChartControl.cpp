@@ -46,6 +46,11 @@ ChartControl::ChartControl(ChartModel& model, ChartGraph& graph, const ChartPort
     describe();
 }
 
+ChartControl::~ChartControl() {
+    model_.setListener({});
+    graph_.setPlacer({});
+}
+
 void ChartControl::chartChanged() {
     if (model_.lastPoint(0) == 0) { // a new run
         tracer_.leave();
@@ -109,8 +114,10 @@ QRect ChartControl::plotRect() const {
 void ChartControl::paintEvent(QPaintEvent*) {
     QPainter device(this);
     ChartPainter drawing = painter();
-    drawing.paint(device, rect(), devicePixelRatioF(), &surface_);
-    const QRect plot = drawing.layout(rect()).plot;
+    if (surface_ == nullptr) {
+        surface_ = std::make_unique<ChartSurface>();
+    }
+    const QRect plot = drawing.paint(device, rect(), devicePixelRatioF(), surface_.get());
     drawing.paintTracer(device, plot, tracer_);
     drawing.paintNote(device, plot, note());
     if (hasFocus()) {
@@ -375,7 +382,7 @@ void ChartControl::moveEvent(QMoveEvent* event) {
 void ChartControl::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     tracer_.leave();
-    surface_ = {};
+    surface_.reset();
 }
 
 /// At most once a second, for who listens to the screen.

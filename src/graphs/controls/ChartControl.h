@@ -19,7 +19,7 @@ namespace drx9 {
 
 class ChartEditor;
 class ChartPainter;
-struct ChartLayout;
+struct ChartSurface;
 
 /// One strip chart of the main window: draws what its model says and holds no point.
 ///
@@ -30,6 +30,7 @@ class ChartControl final : public QWidget {
 public:
     /// Model and graph outlive the control.
     ChartControl(ChartModel& model, ChartGraph& graph, const ChartPorts& ports, QWidget* parent = nullptr);
+    ~ChartControl() override;
 
     /// Sensors beyond the count have neither series nor legend entry.
     void setSensorCount(int count) { model_.setSensorCount(count); }
@@ -88,7 +89,7 @@ private:
     ChartMouse mouse_;
     ChartTracer tracer_;
     ChartOutput output_;
-    QImage surface_;
+    std::unique_ptr<ChartSurface> surface_;
     QString silence_;
     QString message_;
     QTimer messageTimer_;

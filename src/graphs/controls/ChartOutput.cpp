@@ -47,7 +47,7 @@ QImage ChartOutput::image(const QWidget& chart, double scale) const {
     QImage picture(chart.size() * scale, QImage::Format_RGB32);
     picture.setDevicePixelRatio(scale);
     QPainter painter(&picture);
-    QImage surface;
+    ChartSurface surface;
     painterFor(model_, chart).paint(painter, chart.rect(), scale, &surface);
     return picture;
 }

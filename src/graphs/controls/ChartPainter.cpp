@@ -124,7 +124,7 @@ void ChartPainter::findTicks(const QRect& plot) {
                    {double(plot.height()), double(kLabelGap + metrics.height()), false, decimal_});
 }
 
-void ChartPainter::paint(QPainter& painter, const QRect& rect, double scale, QImage* surface) {
+QRect ChartPainter::paint(QPainter& painter, const QRect& rect, double scale, ChartSurface* surface) {
     const ChartLayout parts = layout(rect);
     const ChartCurves shown = curves(parts.plot, scale);
     findTicks(parts.plot);
@@ -139,6 +139,7 @@ void ChartPainter::paint(QPainter& painter, const QRect& rect, double scale, QIm
     }
     paintAxes(painter, parts.plot);
     paintEnds(painter, parts.plot, shown, scale);
+    return parts.plot;
 }
 
 void ChartPainter::paintHeader(QPainter& painter, const ChartLayout& layout) const {
@@ -167,39 +168,40 @@ void ChartPainter::paintEntry(QPainter& painter, const QRect& rect, int series) 
 
 /// The plot's ground, grid and curves as pixels.
 void ChartPainter::paintPixels(QPainter& painter, const QRect& plot, const ChartCurves& curves, double scale,
-                               QImage& surface) {
+                               ChartSurface& surface) {
+    QImage& pixels = surface.pixels;
     const QSize size(static_cast<int>(std::lround(plot.width() * scale)),
                      static_cast<int>(std::lround(plot.height() * scale)));
-    if (surface.size() != size) {
-        surface = QImage(size, QImage::Format_RGB32);
+    if (pixels.size() != size) {
+        pixels = QImage(size, QImage::Format_RGB32);
     }
-    surface.setDevicePixelRatio(scale);
-    surface.fill(theme_.plot);
+    pixels.setDevicePixelRatio(scale);
+    pixels.fill(theme_.plot);
     const int line = std::max(1, static_cast<int>(scale));
     for (const double time : x_.grid) {
         const double x = (time - model_.xView().from) / model_.xView().size() * plot.width();
-        fillLines(surface, {std::min(std::floor(x * scale), double(size.width() - line)) / scale, 0}, true,
+        fillLines(pixels, {std::min(std::floor(x * scale), double(size.width() - line)) / scale, 0}, true,
                   line, theme_.grid);
     }
     for (const double value : y_.grid) {
-        fillLines(surface, {0, std::floor(curves.yPixel(value)) / scale}, false, line, theme_.grid);
+        fillLines(pixels, {0, std::floor(curves.yPixel(value)) / scale}, false, line, theme_.grid);
     }
-    const PixelArea area{reinterpret_cast<std::uint32_t*>(surface.bits()), size.width(), size.height(),
-                         static_cast<int>(surface.bytesPerLine() / 4)};
-    CurveInk ink;
+    const PixelArea area{reinterpret_cast<std::uint32_t*>(pixels.bits()), size.width(), size.height(),
+                         static_cast<int>(pixels.bytesPerLine() / 4)};
     for (int series = 0; series < model_.seriesCount(); ++series) {
         if (!model_.seriesVisible(series)) {
             continue;
         }
         const double width = model_.look().series[static_cast<std::size_t>(series)].width * scale;
         if (curves.thinned()) {
-            ink.thinLine(area, curves.curve(series), static_cast<int>(std::clamp(scale, 1.0, kMostThin)),
-                         rgb(seriesColor(series)));
+            surface.ink.thinLine(area, curves.curve(series),
+                                 static_cast<int>(std::clamp(scale, 1.0, kMostThin)),
+                                 rgb(seriesColor(series)));
         } else {
-            ink.line(area, curves.curve(series), width, rgb(seriesColor(series)));
+            surface.ink.line(area, curves.curve(series), width, rgb(seriesColor(series)));
         }
     }
-    painter.drawImage(plot.topLeft(), surface);
+    painter.drawImage(plot.topLeft(), pixels);
 }
 
 void ChartPainter::paintLines(QPainter& painter, const QRect& plot, const ChartCurves& curves) const {

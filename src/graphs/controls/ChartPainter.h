@@ -25,8 +25,14 @@ struct ChartLayout {
     QRect plot;                ///< within the axes
 };
 
+/// Memory for the plot's pixels and the inking of curves, kept between two drawings.
+struct ChartSurface {
+    QImage pixels;
+    CurveInk ink;
+};
+
 /// Draws a chart: title, legend, axes, curves and their end marks. Onto a screen or a picture of pixels each
-/// curve is drawn by CurveInk, else as one polyline. Keeps the plot's pixels between two drawings.
+/// curve is drawn by CurveInk, else as one polyline.
 class ChartPainter {
 public:
     ChartPainter(const ChartModel& model, const Theme& theme, const QFont& font, char decimal);
@@ -35,9 +41,9 @@ public:
     /// Curves for the plot in device pixels.
     [[nodiscard]] ChartCurves curves(const QRect& plot, double scale) const;
 
-    /// `pixels`: the device is a picture of `scale` device pixels to a unit, and `surface` memory for the
-    /// plot that may be used again; without one, lines are drawn as lines.
-    void paint(QPainter& painter, const QRect& rect, double scale, QImage* surface);
+    /// With a surface the device is a picture of `scale` device pixels to a unit; without one, lines are
+    /// drawn as lines. Returns where the plot lies.
+    QRect paint(QPainter& painter, const QRect& rect, double scale, ChartSurface* surface);
     void paintNote(QPainter& painter, const QRect& plot, const QString& note) const;
     void paintTracer(QPainter& painter, const QRect& plot, const ChartTracer& tracer) const;
 
@@ -48,7 +54,7 @@ private:
     void paintHeader(QPainter& painter, const ChartLayout& layout) const;
     void paintEntry(QPainter& painter, const QRect& rect, int series) const;
     void paintPixels(QPainter& painter, const QRect& plot, const ChartCurves& curves, double scale,
-                     QImage& surface);
+                     ChartSurface& surface);
     void paintLines(QPainter& painter, const QRect& plot, const ChartCurves& curves) const;
     void paintAxes(QPainter& painter, const QRect& plot) const;
     void paintXLabels(QPainter& painter, const QRect& plot) const;

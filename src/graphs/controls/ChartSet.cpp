@@ -28,8 +28,6 @@ ChartSet::~ChartSet() {
         if (one.control != nullptr && one.control->parent() == nullptr) {
             delete one.control;
         }
-        // A control that its window still owns is left with nobody to draw for.
-        one.model->setListener({});
     }
 }
 

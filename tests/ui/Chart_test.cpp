@@ -1,171 +1,428 @@
-// A chart as the acquisition cycle and the operator work it.
+// The charts and their windows as the acquisition cycle and the operator work them.
+#include "controls/Theme.h"
+#include "fakes/FakeClock.h"
+#include "fakes/FakeEventPump.h"
+#include "fakes/FaultyFilePort.h"
+#include "fakes/MemoryFilePort.h"
 #include "graphs/controls/ChartControl.h"
-#include "graphs/controls/ChartPlot.h"
+#include "graphs/frmGraphSet.h"
+#include "link/ActionQueue.h"
+#include "monitor/ChartFeed.h"
 
-#include <QApplication>
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QCheckBox>
 #include <QContextMenuEvent>
+#include <QLineEdit>
 #include <QMenu>
+#include <QSignalSpy>
+#include <QSpinBox>
+#include <QTableWidget>
 #include <QTest>
+#include <QWheelEvent>
 
 #include <gtest/gtest.h>
-
-#include <cmath>
 
 namespace drx9 {
 namespace {
 
+struct ChosenFile : FileDialogs {
+    std::string answer;
+    int asked = 0;
+    std::string openFile(const FileDialogRequest& request) override { return saveFile(request); }
+    std::string saveFile(const FileDialogRequest&) override {
+        ++asked;
+        return answer;
+    }
+};
+
 class Chart : public testing::Test {
 protected:
     Chart() {
+        memory.put("/app/keep", "");
+        charts.chart(1).hide();
         chart.resize(900, 500);
         chart.show();
-        plot = chart.findChild<ChartPlot*>();
+        chart.activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&chart));
         settle();
     }
     static void settle() { QTest::qWait(20); }
     void run(double from, double to) {
         for (double t = from; t <= to; t += 0.25) {
             for (int s = 1; s <= 6; ++s) {
-                chart.append(s, t, s + std::sin(t));
+                graph.append(s, t, level(s));
             }
-            chart.redraw();
+            graph.redraw();
         }
     }
-    [[nodiscard]] int points(int series) const { return plot->graph(series - 1)->dataCount(); }
-    [[nodiscard]] QCPRange x() const { return plot->xAxis->range(); }
-    [[nodiscard]] QCPRange y() const { return plot->yAxis->range(); }
-    [[nodiscard]] QImage picture() { return plot->grab().toImage(); }
+    static double level(int s) { return 2.5 * s; }
+    /// Where a reading stands in the window.
+    [[nodiscard]] QPoint place(double t, double value) const {
+        const QRect plot = chart.plotRect();
+        const double top = graph.shownYMax();
+        const double bottom = graph.shownYMin();
+        return {static_cast<int>(plot.left() + t / 300 * plot.width()),
+                static_cast<int>(plot.top() + (top - value) / (top - bottom) * plot.height())};
+    }
+    [[nodiscard]] QImage picture() { return chart.grab().toImage(); }
+    /// Ink of a sensor's colour at a place, or next above or below it.
+    static bool inked(const QImage& seen, const QPoint& at, int sensor) {
+        const QColor ink = Theme::light().sensor(sensor);
+        for (const int row : {-1, 0, 1}) {
+            const QColor found = seen.pixelColor(at.x(), at.y() + row);
+            if (std::abs(found.red() - ink.red()) + std::abs(found.green() - ink.green()) +
+                    std::abs(found.blue() - ink.blue()) <
+                200) {
+                return true;
+            }
+        }
+        return false;
+    }
+    void hover(const QPoint& at) {
+        QTest::mouseMove(&chart, at);
+        settle();
+    }
+    [[nodiscard]] std::string said() { // at most a second old
+        QTest::qWait(1100);
+        return chart.accessibleDescription().toStdString();
+    }
+    QMenu* menu() {
+        QTest::keyClick(&chart, Qt::Key_F10, Qt::ShiftModifier);
+        return qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    }
+    bool choose(const char* caption) {
+        QMenu* shown = menu();
+        for (QAction* item : shown != nullptr ? shown->actions() : QList<QAction*>()) {
+            if (item->text().startsWith(QLatin1String(caption))) {
+                QTest::mouseClick(shown, Qt::LeftButton, {}, shown->actionGeometry(item).center());
+                return true;
+            }
+        }
+        return false;
+    }
 
-    ChartControl chart{chartDesigns()[1]};
-    ChartPlot* plot = nullptr;
+    MemoryFilePort memory;
+    FaultyFilePort files{memory};
+    ChosenFile dialogs;
+    FakeClock clock;
+    FakeEventPump pump{clock};
+    ActionQueue actions{pump};
+    ChartSet charts{{&files, &dialogs,
+                     [this](std::function<void()> action) { actions.runWhenIdle(std::move(action)); }, &pump,
+                     "/app"}};
+    ChartControl& chart = charts.chart(2);
+    ChartGraph& graph = charts.graph(2);
 };
 
-TEST_F(Chart, KeepsPointsInOrderAndGapsAsGaps) {
-    chart.append(1, 1, 5);
-    chart.append(1, 1, 6);   // not later
-    chart.append(1, 0.5, 6); // earlier
-    EXPECT_EQ(points(1), 1);
-    chart.appendGap();
-    chart.append(1, 3, 7);
-    ASSERT_EQ(points(1), 3);
-    EXPECT_TRUE(std::isnan(plot->graph(0)->data()->at(1)->value));
-    chart.append(2, 1, 1);
-    chart.setLastPoint(1, 2); // a gap is no point
-    EXPECT_EQ(points(1), 3);
-    chart.setLastPoint(1, 1);
-    EXPECT_EQ(points(1), 1);
-    chart.ReInit(); // series 1 only
-    EXPECT_EQ(points(1), 0);
-    EXPECT_EQ(points(2), 1);
-}
-
-TEST_F(Chart, AppendedPointsLookAsAFullPictureDoes) {
-    run(0, 20);
-    settle();
-    run(20.25, 40);
-    const QImage grown = picture();
-    plot->replot();
-    const QImage whole = picture();
-    int different = 0;
-    for (int row = 0; row < whole.height(); ++row) {
-        for (int column = 0; column < whole.width(); ++column) {
-            const QColor a = grown.pixelColor(column, row);
-            const QColor b = whole.pixelColor(column, row);
-            different += std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) > 160 ? 1 : 0;
+TEST_F(Chart, CurvesStandWhereTheReadingsAre) {
+    run(0, 200);
+    for (const int width : {900, 640}) {
+        chart.resize(width, 500);
+        settle();
+        const QImage seen = picture();
+        for (int s = 1; s <= 6; ++s) {
+            const QPoint at = place(150, level(s));
+            EXPECT_TRUE(inked(seen, at, s)) << s << " at " << width;
+            EXPECT_FALSE(inked(seen, place(250, level(s)), s)) << s;
         }
     }
-    EXPECT_LT(different, 60) << "of the curves' some 700 pixels";
-    EXPECT_NE(grown.pixelColor(whole.width() - 60, 30), QColor());
+    charts.chart(2).setSensorCount(4);
+    QTest::keyClick(&chart, Qt::Key_2);
+    QTest::keyClick(&chart, Qt::Key_5); // there is no such sensor
+    settle();
+    const QImage seen = picture();
+    for (const auto& [s, drawn] : {std::pair{1, true}, {2, false}, {4, true}, {5, false}}) {
+        EXPECT_EQ(inked(seen, place(150, level(s)), s), drawn) << s;
+    }
 }
 
-TEST_F(Chart, AxesFollowTheGraph) {
-    chart.setXMin(375);
-    chart.setXwide(300);
-    EXPECT_EQ(x(), QCPRange(375, 675));
-    chart.setYMax(15);
-    EXPECT_EQ(y(), QCPRange(0, 15));
-    chart.ReInit();
-    EXPECT_EQ(x(), QCPRange(0, 300));
+TEST_F(Chart, TheRunComesThroughTheStoresWrap) {
+    ChartFeed feed(charts.graphs());
+    feed.Init();
+    PointStore store;
+    store.clear();
+    Readings readings;
+    for (int i = 1; i <= 1100; ++i) {
+        readings.elapsed = i * 0.25;
+        readings.rate.fill(i);
+        store.store(readings, 3, i == 700);
+        feed.UpdateGraph(store, 3);
+        store.advance();
+    }
+    ASSERT_TRUE(choose("Whole run"));
+    dialogs.answer = "/app/run.txt";
+    charts.chart(2).setSensorCount(3);
+    ASSERT_TRUE(choose("Export data"));
+    std::string expected = "Elapsed Time (s)\tSensor 1\tSensor 2\tSensor 3\n";
+    for (int i = 1; i < 1100; ++i) { // the newest reading is fed with the next one
+        const std::string value = "\t" + std::to_string(i);
+        char line[64];
+        std::snprintf(line, sizeof line, "%s%.3f", i == 700 ? "\n" : "", i * 0.25);
+        expected += line + value + value + value + "\n";
+    }
+    EXPECT_EQ(memory.text("/app/run.txt"), expected);
 }
 
 TEST_F(Chart, TheOperatorsViewIsNotPulledAway) {
-    chart.setFocus();
     QTest::keyClick(&chart, Qt::Key_Right);
     EXPECT_FALSE(chart.following());
     EXPECT_EQ(chart.note().toStdString(), "Following paused. Home returns");
-    const QCPRange paused = x();
-    chart.setXMin(75);
-    chart.setXwide(300);
-    EXPECT_EQ(x(), paused);
-    EXPECT_EQ(chart.XMin(), 75);
+    const QRect plot = chart.plotRect();
+    graph.setXMin(75);
+    graph.setXwide(300);
+    EXPECT_EQ(graph.XMin(), 75);
+    EXPECT_FALSE(chart.following());
     chart.setSilence(QStringLiteral("No readings since 14:09:04"));
     EXPECT_EQ(chart.note().toStdString(), "No readings since 14:09:04");
+    EXPECT_EQ(chart.plotRect(), plot) << "a note moves nothing";
     chart.setSilence({});
     QTest::keyClick(&chart, Qt::Key_Home);
     EXPECT_TRUE(chart.following());
-    EXPECT_EQ(x(), QCPRange(75, 375));
     EXPECT_EQ(chart.note(), QString());
 }
 
-TEST_F(Chart, ZoomingYChangesTheAxisItself) {
-    chart.setFocus();
-    QTest::keyClick(&chart, Qt::Key_Up);
-    EXPECT_TRUE(chart.following());
-    EXPECT_GT(chart.shownYMax(), 20);
-    chart.setYMax(chart.shownYMax()); // as the cycle does at each point
-    chart.setYMin(chart.shownYMin());
-    EXPECT_EQ(chart.YMax(), chart.shownYMax());
-    QTest::mouseDClick(plot, Qt::LeftButton);
-    EXPECT_EQ(y(), QCPRange(0, 20)) << "back to the axis before the zoom";
-}
-
-TEST_F(Chart, MenuOpensFromMouseAndKeysAndWorksOnTheChart) {
-    chart.setSensorCount(4);
-    const std::function<void()> openings[] = {
-        [this] { // as the window system sends it: to the drawing, which leaves it to the chart
-            const QPoint at(300, 200);
-            QContextMenuEvent event(QContextMenuEvent::Mouse, at, plot->mapToGlobal(at));
-            QApplication::sendEvent(plot, &event);
-        },
-        [this] { QTest::keyClick(&chart, Qt::Key_F10, Qt::ShiftModifier); }};
-    for (const auto& open : openings) {
-        const bool shown = plot->seriesShown(3);
-        open();
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        ASSERT_NE(menu, nullptr);
-        const QList<QAction*> items = menu->actions();
-        const auto sensor4 = std::find_if(items.begin(), items.end(), [](const QAction* item) {
-            return item->text().startsWith(QLatin1String("Sensor 4"));
-        });
-        ASSERT_NE(sensor4, items.end());
-        EXPECT_FALSE(std::any_of(items.begin(), items.end(), [](const QAction* item) {
-            return item->text().startsWith(QLatin1String("Sensor 5"));
-        })) << "there is no such sensor";
-        EXPECT_EQ((*sensor4)->isChecked(), shown);
-        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(*sensor4).center());
-        EXPECT_EQ(plot->seriesShown(3), !shown);
+TEST_F(Chart, MouseAndWheelOverPlotAndAxes) {
+    const QRect plot = chart.plotRect();
+    const auto wheel = [this](const QPoint& at) {
+        QWheelEvent event(at, chart.mapToGlobal(at), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&chart, &event);
+    };
+    const auto drag = [this](const QPoint& from, const QPoint& by) {
+        QTest::mousePress(&chart, Qt::LeftButton, {}, from);
+        QTest::mouseMove(&chart, from + by / 2);
+        QTest::mouseMove(&chart, from + by);
+        QTest::mouseRelease(&chart, Qt::LeftButton, {}, from + by);
+    };
+    const QPoint middle = plot.center();
+    const QPoint onX(middle.x(), plot.bottom() + 20);
+    const QPoint onY(plot.left() - 20, middle.y());
+    struct Case {
+        const char* what;
+        std::function<void()> act;
+        bool x, y;
+    };
+    const Case cases[] = {
+        {"wheel", [&] { wheel(middle); }, true, true},
+        {"wheel on X", [&] { wheel(onX); }, true, false},
+        {"wheel on Y", [&] { wheel(onY); }, false, true},
+        {"drag",
+         [&] {
+             drag(middle, {40, 40});
+         },
+         true, true},
+        {"drag on X",
+         [&] {
+             drag(onX, {40, 5});
+         },
+         true, false},
+        {"drag on Y",
+         [&] {
+             drag(onY, {5, 40});
+         },
+         false, true},
+        {"a click",
+         [&] {
+             drag(middle, {1, 1});
+         },
+         false, false},
+        {"zoom key", [&] { QTest::keyClick(&chart, Qt::Key_Plus); }, true, true},
+        {"Y key", [&] { QTest::keyClick(&chart, Qt::Key_Minus, Qt::ShiftModifier); }, false, true},
+        {"X key", [&] { QTest::keyClick(&chart, Qt::Key_Minus, Qt::ControlModifier); }, true, false},
+    };
+    for (const Case& c : cases) {
+        c.act();
+        EXPECT_EQ(chart.following(), !c.x) << c.what;
+        EXPECT_EQ(graph.shownYMax() != 20 || graph.shownYMin() != 0, c.y) << c.what;
+        EXPECT_EQ(graph.Xwide(), 300) << c.what;
+        graph.setYMax(graph.shownYMax()); // as the cycle does at each point
+        graph.setYMin(graph.shownYMin());
+        QTest::mouseDClick(&chart, Qt::LeftButton, {}, middle);
+        EXPECT_TRUE(chart.following()) << c.what;
+        EXPECT_EQ(graph.shownYMax(), 20) << c.what;
     }
 }
 
-TEST_F(Chart, KeysWalkTheTracerFromTheNewestPointInView) {
-    run(0, 20);
-    settle();
-    const QImage before = picture();
-    QTest::keyClick(&chart, Qt::Key_Left, Qt::ControlModifier);
-    EXPECT_NE(picture(), before);
+TEST_F(Chart, TracerReadsAndPins) {
+    run(0, 200);
+    hover(place(100, level(3)));
+    EXPECT_EQ(said().substr(0, 24), "00:01:40   Sensor 3: 7.5");
+    QTest::mouseClick(&chart, Qt::LeftButton, {}, place(100, level(3)));
+    hover(place(120, level(5)));
+    EXPECT_NE(said().find("+20."), std::string::npos) << said();
+    EXPECT_NE(said().find("+5.00, +0.25"), std::string::npos) << said();
     EXPECT_TRUE(chart.following()) << "looking at a point is no change of view";
+    QTest::mouseDClick(&chart, Qt::LeftButton, {}, place(120, level(5)));
+    EXPECT_EQ(said().find("per s"), std::string::npos) << "a double click drops the pin and sets none";
+    QTest::keyClick(&chart, Qt::Key_Right, Qt::ControlModifier);
+    QTest::keyClick(&chart, Qt::Key_Space);
+    QTest::keyClick(&chart, Qt::Key_Left, Qt::ControlModifier);
+    EXPECT_NE(said().find("-0.250 s"), std::string::npos) << said();
+    QTest::keyClick(&chart, Qt::Key_Escape);
+    EXPECT_EQ(said().find("per s"), std::string::npos);
+    EXPECT_NE(said().find("Newest: Sensor 1 2.50"), std::string::npos) << said();
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&chart)->role(), QAccessible::Chart);
 }
 
-TEST_F(Chart, SeriesHideByKeyAndBySensorCount) {
-    chart.setFocus();
-    QTest::keyClick(&chart, Qt::Key_2);
-    EXPECT_FALSE(plot->seriesShown(1));
-    chart.setSensorCount(4);
-    EXPECT_FALSE(plot->seriesShown(4));
-    QTest::keyClick(&chart, Qt::Key_5); // there is no such sensor
-    EXPECT_FALSE(plot->seriesShown(4));
-    QTest::keyClick(&chart, Qt::Key_2);
-    EXPECT_TRUE(plot->seriesShown(1));
+TEST_F(Chart, TheClickThatGivesTheFocusPinsNothing) {
+    run(0, 200);
+    QLineEdit other(&chart);
+    other.show();
+    other.setFocus();
+    const QPoint at = place(100, level(3));
+    QTest::mouseClick(&chart, Qt::LeftButton, {}, at);
+    ASSERT_TRUE(chart.hasFocus());
+    hover(place(120, level(3)));
+    EXPECT_EQ(said().find("per s"), std::string::npos);
+    QTest::mouseClick(&chart, Qt::LeftButton, {}, at);
+    hover(place(130, level(3)));
+    EXPECT_NE(said().find("per s"), std::string::npos);
+}
+
+TEST_F(Chart, MenuAndLegendHideSeriesAndFit) {
+    run(0, 100);
+    const QImage before = picture();
+    ASSERT_TRUE(choose("Sensor 4"));
+    settle();
+    EXPECT_FALSE(inked(picture(), place(50, level(4)), 4));
+    const QPoint entry(before.width() - 60, 16); // the last one
+    QTest::mouseClick(&chart, Qt::LeftButton, {}, entry);
+    settle();
+    EXPECT_FALSE(inked(picture(), place(50, level(6)), 6));
+    ASSERT_TRUE(choose("Fit Y"));
+    EXPECT_NEAR(graph.shownYMax(), 12.5 + 0.5, 0.01);
+    EXPECT_NEAR(graph.shownYMin(), 2.5 - 0.5, 0.01);
+    EXPECT_TRUE(chart.following());
+}
+
+TEST_F(Chart, PicturesAndExportGoThroughTheFilePort) {
+    run(0, 100);
+    const std::pair<const char*, const char*> formats[] = {
+        {"/app/a.png", "\x89PNG"}, {"/app/a.svg", "<?xml"}, {"/app/a.PDF", "%PDF"}};
+    for (const auto& [path, begins] : formats) {
+        dialogs.answer = path;
+        ASSERT_TRUE(choose("Save picture"));
+        EXPECT_EQ(memory.text(path).rfind(begins, 0), 0U) << path;
+        EXPECT_GT(memory.text(path).size(), 2000U) << path;
+    }
+    EXPECT_NE(memory.text("/app/a.svg").find(">Sensor Rates (A/s)<"), std::string::npos);
+    {
+        const ActionQueue::Scope exchange(actions);
+        const int asked = dialogs.asked;
+        ASSERT_TRUE(choose("Export data"));
+        EXPECT_EQ(dialogs.asked, asked) << "not in an exchange";
+    }
+    pump.runPosted();
+    files.fillAfter(100);
+    dialogs.answer = "/app/full.txt";
+    ASSERT_TRUE(choose("Export data"));
+    EXPECT_NE(chart.note().toStdString().find("Data not saved: No space left"), std::string::npos);
+    EXPECT_FALSE(memory.exists("/app/full.txt"));
+}
+
+// The configuration window.
+
+class GraphSet : public Chart {
+protected:
+    GraphSet() {
+        for (int number = 1; number <= 4; ++number) {
+            charts.graph(number).Init();
+        }
+    }
+    void open() {
+        window = std::make_unique<frmGraphSet>(charts, 2, nullptr);
+        window->show();
+    }
+    [[nodiscard]] QSpinBox& spin(int index) {
+        return *window->findChild<QSpinBox*>(QStringLiteral("spnSetup_%1").arg(index));
+    }
+    void click(const char* name) { window->findChild<QAbstractButton*>(QLatin1String(name))->click(); }
+    std::unique_ptr<frmGraphSet> window;
+};
+
+TEST_F(GraphSet, OkAppliesToTheCurrentGraphAndTheWidthToAll) {
+    graph.setXwide(150);
+    open();
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("Configure Graph"));
+    EXPECT_EQ(spin(0).value(), 2);
+    EXPECT_EQ(spin(1).value(), 30);
+    spin(0).setValue(0);
+    spin(1).setValue(45);
+    spin(2).setValue(0);
+    spin(3).setValue(10);
+    spin(4).setValue(30);
+    EXPECT_EQ(window->findChild<QLineEdit*>(QStringLiteral("lblReading_4"))->text(), QStringLiteral("30"));
+    window->findChild<QCheckBox*>(QStringLiteral("chkXDiv"))->setChecked(false);
+    click("cmdOK");
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(graph.XDiv(), 1);
+    EXPECT_EQ(graph.shownYMin(), 10);
+    EXPECT_EQ(graph.YMax(), 30);
+    EXPECT_FALSE(graph.XGrid_Enable());
+    EXPECT_TRUE(graph.YGrid_Enable());
+    for (int number = 1; number <= 4; ++number) {
+        EXPECT_EQ(charts.graph(number).Xwide(), 45) << number;
+        EXPECT_TRUE(memory.exists(charts.graph(number).Cfg_Filename())) << number;
+    }
+    EXPECT_EQ(charts.graph(4).YMax(), 5);
+    EXPECT_TRUE(charts.graph(4).XGrid_Enable());
+}
+
+TEST_F(GraphSet, CancelChangesNothingAndOkUntouchedKeepsTheLook) {
+    open();
+    spin(4).setValue(7);
+    click("cmdCancel");
+    EXPECT_EQ(graph.YMax(), 20);
+    EXPECT_FALSE(memory.exists(graph.Cfg_Filename()));
+    const ChartLook design = designLook(graph.design());
+    open();
+    click("cmdOK");
+    EXPECT_EQ(graph.YMax(), design.y.maximum);
+    EXPECT_EQ(graph.XDiv(), design.x.gridSpacing);
+    EXPECT_EQ(graph.YDiv(), design.y.gridSpacing);
+    EXPECT_EQ(graph.Xwide(), 300);
+    EXPECT_TRUE(graph.XGrid_Enable());
+}
+
+TEST_F(GraphSet, WhatCouldNotBeSavedIsTold) {
+    open();
+    QSignalSpy told(window.get(), &frmGraphSet::settingsNotSaved);
+    files.fillAfter(10);
+    click("cmdOK");
+    ASSERT_EQ(told.size(), 4);
+    EXPECT_EQ(told[0][0].toString().toStdString(), "Graph settings not saved: No space left on device");
+}
+
+TEST_F(GraphSet, TheEditorShowsChangesAtOnceAndCancelTakesAllBack) {
+    run(0, 200);
+    open();
+    for (const bool accepted : {false, true}) {
+        click("CmdAdvanced");
+        QWidget* editor = nullptr;
+        for (QWidget* top : QApplication::topLevelWidgets()) {
+            editor = top->objectName() == QLatin1String("ChartEditor") && top->isVisible() ? top : editor;
+        }
+        ASSERT_NE(editor, nullptr);
+        editor->findChild<QSpinBox*>(QStringLiteral("edtYMax"))->setValue(2550); // 25.50
+        editor->findChild<QTableWidget*>(QStringLiteral("edtSeries"))
+            ->item(0, 1)
+            ->setText(QStringLiteral("Left"));
+        QLineEdit* title = editor->findChild<QLineEdit*>(QStringLiteral("edtYTitle"));
+        title->setFocus();
+        QTest::keyClicks(title, QStringLiteral("!"));
+        EXPECT_EQ(graph.shownYMax(), 25.5F);
+        EXPECT_NE(said().find("Sensor Rates (A/s)! from"), std::string::npos) << said();
+        graph.setXMin(75); // the run goes on meanwhile
+        graph.setXwide(300);
+        QTest::keyClick(editor, accepted ? Qt::Key_Return : Qt::Key_Escape);
+        EXPECT_EQ(graph.shownYMax(), accepted ? 25.5F : 20.F);
+        EXPECT_EQ(said().find("Left 2.50") != std::string::npos, accepted) << said();
+        EXPECT_NE(said().find("time 00:01:15 to 00:06:15"), std::string::npos) << said();
+        settle();
+    }
+    ASSERT_TRUE(graph.Cfg_Save());
+    EXPECT_NE(memory.text("/app/ch_dep.oc2").find("Label=Left"), std::string::npos);
 }
 
 } // namespace

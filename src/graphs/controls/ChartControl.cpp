@@ -1,275 +1,251 @@
 #include "graphs/controls/ChartControl.h"
 
-#include "graphs/controls/ChartHeader.h"
-#include "graphs/controls/ChartPlot.h"
-#include "controls/Theme.h"
+#include "controls/PopUpMenu.h"
+#include "graphs/ChartSummary.h"
+#include "graphs/controls/ChartEditor.h"
+#include "graphs/controls/ChartPainter.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
-#include <QVBoxLayout>
 
 namespace drx9 {
 
 namespace {
-constexpr float kDesignWidth = 300; ///< s
 constexpr int kRing = 2;
 constexpr double kPanStep = 0.1;
 constexpr double kZoomStep = 0.8;
+constexpr int kMessageMs = 10000;
+constexpr int kDescribeMs = 1000;
+constexpr int kFocusClickMs = 300; ///< within which a click is the one that gave the focus
+constexpr Qt::Orientations kBoth = Qt::Horizontal | Qt::Vertical;
 } // namespace
 
-const std::array<ChartDesign, 4>& chartDesigns() {
-    // The third chart's series is labelled as the first one's: kept.
-    static const std::array<ChartDesign, 4> designs{{
-        {"oc2AvgRate", "Average Rate (A/s)", "Average Rate", 1, 20, 5, 2},
-        {"oc2ChanRate", "Sensor Rates (A/s)", "Sensor", 6, 20, 5, 2},
-        {"oc2AvgThick", "Average Thickness (kA)", "Average Rate", 1, 5, 1, 3},
-        {"oc2ChanThick", "Sensor Thickness (kA)", "Sensor", 6, 5, 1, 3},
-    }};
-    return designs;
-}
-
-ChartControl::ChartControl(const ChartDesign& design, QWidget* parent)
+ChartControl::ChartControl(ChartModel& model, ChartGraph& graph, const ChartPorts& ports, QWidget* parent)
     : QWidget(parent)
-    , design_(design)
-    , header_(new ChartHeader(QString::fromLatin1(design.title), this))
-    , plot_(new ChartPlot(design.series, design.ySpacing, design.decimals, this))
-    , sensors_(design.series) {
-    setObjectName(QString::fromLatin1(design.objectName));
-    setAccessibleName(QString::fromLatin1(design.title));
+    , model_(model)
+    , graph_(graph)
+    , mouse_(model)
+    , tracer_(model)
+    , output_(model, ports, [this](const QString& text) { showMessage(text); }) {
+    setObjectName(QString::fromLatin1(model.design().controlName));
+    setAccessibleName(QString::fromLatin1(model.design().title));
     setFocusPolicy(Qt::StrongFocus);
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(kRing, kRing, kRing, kRing);
-    column->setSpacing(0);
-    column->addWidget(header_);
-    column->addWidget(plot_, 1);
+    setMouseTracking(true);
+    setAttribute(Qt::WA_OpaquePaintEvent);
     setMinimumSize(320, 200);
-    connect(header_, &ChartHeader::entryClicked, this, &ChartControl::toggleSeries);
-    connect(plot_, &ChartPlot::xViewChanged, this, &ChartControl::pauseFollowing);
-    connect(plot_, &ChartPlot::followWanted, this, &ChartControl::follow);
-    for (int i = 0; i < design.series; ++i) {
-        const QString label = QString::fromLatin1(design.seriesLabel);
-        plot_->setSeriesName(i, design.series > 1 ? label + QStringLiteral(" %1").arg(i + 1) : label);
+    messageTimer_.setSingleShot(true);
+    connect(&messageTimer_, &QTimer::timeout, this, [this] { showMessage({}); });
+    describeTimer_.setSingleShot(true);
+    connect(&describeTimer_, &QTimer::timeout, this, &ChartControl::describe);
+    model.setListener([this] { chartChanged(); });
+    graph.setPlacer([this](const GraphPlace& place) { placeAt(place); });
+    takePlace();
+    describe();
+}
+
+ChartControl::~ChartControl() {
+    model_.setListener({});
+    graph_.setPlacer({});
+}
+
+void ChartControl::chartChanged() {
+    if (model_.lastPoint(0) == 0) { // a new run
+        tracer_.leave();
+        tracer_.dropPin();
     }
-    Init();
-    applyTheme();
+    update();
+    describeSoon();
 }
 
-void ChartControl::Init() {
-    for (int series = 1; series <= design_.series; ++series) {
-        setLastPoint(series, 0);
+/// The graph object's geometry is the chart's.
+void ChartControl::takePlace() {
+    graph_.setGraphHeight(height());
+    graph_.setGraphLeft(x());
+    graph_.setGraphTop(y());
+    graph_.setGraphWidth(width());
+}
+
+/// Only where no layout places the chart.
+void ChartControl::placeAt(const GraphPlace& place) {
+    const bool placed = isWindow() || (parentWidget() != nullptr && parentWidget()->layout() != nullptr);
+    if (!placed && place.width > 0 && place.height > 0) {
+        setGeometry(place.left, place.top, place.width, place.height);
     }
-    yMin_ = homeYMin_ = 0;
-    yMax_ = homeYMax_ = design_.yMax;
-    xMin_ = 0;
-    xWide_ = kDesignWidth;
-    plot_->setYRange(yMin_, yMax_);
-    follow();
-}
-
-void ChartControl::ReInit() {
-    setXMin(0);
-    setXwide(Xwide());
-    setLastPoint(1, 0);
-    followX(); // Y stays as the operator has it
-}
-
-void ChartControl::setYMin(float value) {
-    if (value != shownYMin()) { // set from outside, not the operator's own zoom taken over
-        homeYMin_ = value;
-    }
-    yMin_ = value;
-    if (static_cast<float>(plot_->yAxis->range().lower) != value) {
-        plot_->setYRange(value, plot_->yAxis->range().upper);
-    }
-}
-
-void ChartControl::setYMax(float value) {
-    if (value != shownYMax()) {
-        homeYMax_ = value;
-    }
-    yMax_ = value;
-    if (static_cast<float>(plot_->yAxis->range().upper) != value) {
-        plot_->setYRange(plot_->yAxis->range().lower, value);
-    }
-}
-
-void ChartControl::setXMin(float value) {
-    xMin_ = value;
-    axisXMin_ = value;
-    applyX();
-}
-
-void ChartControl::setXwide(float value) {
-    xWide_ = value;
-    axisXMax_ = axisXMin_ + value;
-    applyX();
-}
-
-void ChartControl::applyX() {
-    if (following_ && axisXMin_ < axisXMax_) {
-        plot_->setXRange(axisXMin_, axisXMax_);
-    }
-}
-
-float ChartControl::shownYMin() const {
-    return static_cast<float>(plot_->yAxis->range().lower);
-}
-
-float ChartControl::shownYMax() const {
-    return static_cast<float>(plot_->yAxis->range().upper);
-}
-
-void ChartControl::setLastPoint(int series, int last) {
-    plot_->cut(series - 1, last);
-}
-
-void ChartControl::append(int series, double elapsed, double value) {
-    plot_->append(series - 1, elapsed, value);
-}
-
-void ChartControl::appendGap() {
-    plot_->breakCurves();
-}
-
-void ChartControl::redraw() {
-    plot_->drawAppended();
-}
-
-void ChartControl::pauseFollowing() {
-    following_ = false;
-    showNote();
-}
-
-void ChartControl::followX() {
-    following_ = true;
-    axisXMin_ = xMin_;
-    axisXMax_ = axisXMin_ + xWide_;
-    applyX();
-    showNote();
-}
-
-void ChartControl::follow() {
-    followX();
-    if (homeYMin_ < homeYMax_) {
-        yMin_ = homeYMin_;
-        yMax_ = homeYMax_;
-        plot_->setYRange(yMin_, yMax_);
-    }
-}
-
-void ChartControl::setSensorCount(int count) {
-    if (design_.series > 1 && sensors_ != count) {
-        sensors_ = count;
-        showSeries();
-    }
-}
-
-void ChartControl::toggleSeries(int series) {
-    if (series < std::min(sensors_, design_.series)) {
-        bool& hidden = hidden_[static_cast<std::size_t>(series)];
-        hidden = !hidden;
-        showSeries();
-    }
-}
-
-void ChartControl::showSeries() {
-    const Theme theme = Theme::of(palette());
-    std::vector<ChartHeader::Entry> entries;
-    for (int i = 0; i < design_.series; ++i) {
-        const bool present = i < sensors_;
-        const bool shown = present && !hidden_[static_cast<std::size_t>(i)];
-        if (plot_->seriesShown(i) != shown) {
-            plot_->setSeriesShown(i, shown);
-        }
-        const QColor color = design_.series > 1 ? theme.sensor(i + 1) : theme.text;
-        entries.push_back({plot_->graph(i)->name(), color, shown, present});
-    }
-    header_->setEntries(std::move(entries));
 }
 
 void ChartControl::setSilence(const QString& text) {
     if (silence_ != text) {
         silence_ = text;
-        showNote();
+        chartChanged();
     }
 }
 
 QString ChartControl::note() const {
-    return header_->note();
-}
-
-void ChartControl::showNote() {
-    header_->setNote(!silence_.isEmpty() ? silence_
-                     : following_        ? QString()
-                                         : QStringLiteral("Following paused. Home returns"));
-}
-
-void ChartControl::applyTheme() {
-    plot_->applyTheme(Theme::of(palette()));
-    showSeries();
-}
-
-void ChartControl::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
-        applyTheme();
+    if (!silence_.isEmpty()) {
+        return silence_;
     }
+    if (!message_.isEmpty()) {
+        return message_;
+    }
+    return following() ? QString() : QStringLiteral("Following paused. Home returns");
+}
+
+void ChartControl::showMessage(const QString& text) {
+    message_ = text;
+    messageTimer_.start(kMessageMs);
+    chartChanged();
+}
+
+char ChartControl::decimal() const {
+    return locale().decimalPoint().at(0).toLatin1();
+}
+
+ChartPainter ChartControl::painter() const {
+    return {model_, Theme::of(palette()), font(), decimal()};
+}
+
+QRect ChartControl::plotRect() const {
+    return painter().layout(rect()).plot;
 }
 
 void ChartControl::paintEvent(QPaintEvent*) {
-    const Theme theme = Theme::of(palette());
-    QPainter painter(this);
-    const QColor color = hasFocus() ? theme.accent : theme.plot;
-    painter.setPen(QPen(color, kRing, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-    painter.drawRect(rect().adjusted(1, 1, -1, -1));
+    QPainter device(this);
+    ChartPainter drawing = painter();
+    if (surface_ == nullptr) {
+        surface_ = std::make_unique<ChartSurface>();
+    }
+    const QRect plot = drawing.paint(device, rect(), devicePixelRatioF(), surface_.get());
+    drawing.paintTracer(device, plot, tracer_);
+    drawing.paintNote(device, plot, note());
+    if (hasFocus()) {
+        device.setRenderHint(QPainter::Antialiasing);
+        device.setPen(QPen(Theme::of(palette()).accent, kRing));
+        device.drawRect(QRectF(rect()).adjusted(1, 1, -1, -1));
+    }
+}
+
+// What the operator does.
+
+void ChartControl::follow() {
+    tracer_.dropPin();
+    model_.follow();
+}
+
+void ChartControl::toggleSeries(int series) {
+    if (series < model_.seriesCount() && model_.seriesPresent(series)) {
+        model_.setSeriesShown(series, !model_.look().series[static_cast<std::size_t>(series)].shown);
+    }
+}
+
+void ChartControl::copyPicture() {
+    QApplication::clipboard()->setImage(output_.image(*this, devicePixelRatioF()));
+}
+
+void ChartControl::traceAt(const QPointF& at) {
+    const QRect plot = plotRect();
+    const QPointF inPlot = at - plot.topLeft();
+    if (plot.contains(at.toPoint())) {
+        tracer_.moveTo(painter().curves(plot, 1), inPlot.x(), inPlot.y());
+    } else {
+        tracer_.leave();
+    }
+    update();
+    describeSoon();
+}
+
+void ChartControl::pinTraced() {
+    if (!tracer_.point()) {
+        tracer_.step(-1);
+    }
+    tracer_.pin();
+}
+
+bool ChartControl::clickLegend(const QPoint& at) {
+    const ChartLayout parts = painter().layout(rect());
+    for (int series = 0; series < model_.seriesCount(); ++series) {
+        if (parts.legend[static_cast<std::size_t>(series)].contains(at)) {
+            toggleSeries(series);
+            return true;
+        }
+    }
+    return false;
 }
 
 void ChartControl::mousePressEvent(QMouseEvent* event) {
-    setFocus(Qt::MouseFocusReason);
+    if (event->button() != Qt::LeftButton || clickLegend(event->pos())) {
+        return;
+    }
+    mouse_.setPlot(plotRect());
+    mouse_.press(event->position());
+}
+
+void ChartControl::mouseMoveEvent(QMouseEvent* event) {
+    if (!mouse_.pressed()) {
+        traceAt(event->position());
+    } else if (mouse_.move(event->position())) {
+        tracer_.leave();
+    }
+}
+
+void ChartControl::mouseReleaseEvent(QMouseEvent* event) {
+    const bool gaveFocus = focusedSince_.isValid() && focusedSince_.elapsed() < kFocusClickMs;
+    if (event->button() == Qt::LeftButton && mouse_.release() && !gaveFocus) {
+        traceAt(event->position());
+        if (tracer_.point()) {
+            tracer_.pin();
+        }
+        update();
+    }
+    focusedSince_.invalidate();
+}
+
+void ChartControl::mouseDoubleClickEvent(QMouseEvent* event) {
+    mouse_.cancel(); // its release is no click
+    if (event->button() == Qt::LeftButton && !clickLegend(event->pos())) {
+        follow();
+    }
+}
+
+void ChartControl::wheelEvent(QWheelEvent* event) {
+    mouse_.setPlot(plotRect());
+    mouse_.wheel(event->position(), event->angleDelta().y() / 120.0);
     event->accept();
 }
 
-void ChartControl::focusInEvent(QFocusEvent* event) {
-    QWidget::focusInEvent(event);
-    update();
-}
-
-void ChartControl::focusOutEvent(QFocusEvent* event) {
-    QWidget::focusOutEvent(event);
+void ChartControl::leaveEvent(QEvent* event) {
+    QWidget::leaveEvent(event);
+    tracer_.leave();
     update();
 }
 
 bool ChartControl::viewKey(int key, Qt::KeyboardModifiers modifiers) {
-    const bool control = modifiers.testFlag(Qt::ControlModifier);
-    const bool onlyY = modifiers.testFlag(Qt::ShiftModifier);
+    const bool shift = modifiers.testFlag(Qt::ShiftModifier);
+    const bool keypad = modifiers.testFlag(Qt::KeypadModifier);
+    // "+" needs Shift on some keyboards: there only that of the number pad means Y.
+    const bool onlyY = shift && (keypad || (key != Qt::Key_Plus && key != Qt::Key_Asterisk));
+    const Qt::Orientations along = modifiers.testFlag(Qt::ControlModifier) ? Qt::Orientations(Qt::Horizontal)
+                                   : onlyY                                 ? Qt::Orientations(Qt::Vertical)
+                                                                           : kBoth;
     switch (key) {
     case Qt::Key_Left:
-    case Qt::Key_Right: {
-        const int direction = key == Qt::Key_Left ? -1 : 1;
-        if (control) {
-            plot_->moveTracer(direction);
-        } else {
-            plot_->pan(Qt::Horizontal, direction * kPanStep);
-        }
+    case Qt::Key_Right:
+        mouse_.pan(Qt::Horizontal, key == Qt::Key_Left ? -kPanStep : kPanStep);
         return true;
-    }
     case Qt::Key_Up:
-        plot_->pan(Qt::Vertical, kPanStep);
-        return true;
     case Qt::Key_Down:
-        plot_->pan(Qt::Vertical, -kPanStep);
+        mouse_.pan(Qt::Vertical, key == Qt::Key_Up ? kPanStep : -kPanStep);
         return true;
     case Qt::Key_Plus:
     case Qt::Key_Equal:
-    case Qt::Key_Asterisk: // "+" with Shift on some keyboards
-        plot_->zoom(kZoomStep, !onlyY || (key == Qt::Key_Plus && !modifiers.testFlag(Qt::KeypadModifier)));
+    case Qt::Key_Asterisk:
+        mouse_.zoom(kZoomStep, along);
         return true;
     case Qt::Key_Minus:
     case Qt::Key_Underscore:
-        plot_->zoom(1 / kZoomStep, !onlyY);
+        mouse_.zoom(1 / kZoomStep, along);
         return true;
     case Qt::Key_Home:
         follow();
@@ -279,80 +255,149 @@ bool ChartControl::viewKey(int key, Qt::KeyboardModifiers modifiers) {
     }
 }
 
+bool ChartControl::tracerKey(int key, Qt::KeyboardModifiers modifiers) {
+    if (modifiers.testFlag(Qt::ControlModifier) && (key == Qt::Key_Left || key == Qt::Key_Right)) {
+        tracer_.step(key == Qt::Key_Left ? -1 : 1);
+    } else if (key == Qt::Key_Space) {
+        pinTraced();
+    } else if (key == Qt::Key_Escape && (tracer_.pinned() || tracer_.point())) {
+        if (!tracer_.pinned()) {
+            tracer_.leave();
+        }
+        tracer_.dropPin();
+    } else {
+        return false;
+    }
+    update();
+    describeSoon();
+    return true;
+}
+
 void ChartControl::keyPressEvent(QKeyEvent* event) {
+    mouse_.setPlot(plotRect());
+    const Qt::KeyboardModifiers command = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
     if (event->matches(QKeySequence::Copy)) {
         copyPicture();
     } else if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
-        openMenu(menuCorner());
-    } else if (event->key() >= Qt::Key_1 && event->key() <= Qt::Key_6 &&
-               !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))) {
+        openMenu(mapToGlobal(plotRect().topLeft()));
+    } else if (event->key() >= Qt::Key_1 && event->key() <= Qt::Key_6 && !(event->modifiers() & command)) {
         toggleSeries(event->key() - Qt::Key_1);
-    } else if (!viewKey(event->key(), event->modifiers())) {
+    } else if (!tracerKey(event->key(), event->modifiers()) && !viewKey(event->key(), event->modifiers())) {
         QWidget::keyPressEvent(event);
     }
 }
 
-void ChartControl::copyPicture() {
-    QApplication::clipboard()->setPixmap(grab(rect().adjusted(kRing, kRing, -kRing, -kRing)));
+void ChartControl::addViews(QMenu& menu) {
+    mouse_.setPlot(plotRect());
+    menu.addAction(QStringLiteral("Follow the run\tHome"), this, &ChartControl::follow);
+    menu.addAction(QStringLiteral("Fit Y to what is shown"), this, [this] { model_.fitY(); });
+    menu.addAction(QStringLiteral("Whole run"), this, [this] { model_.viewWholeRun(); });
+    menu.addSeparator();
+    menu.addAction(QStringLiteral("Zoom in\t+"), this, [this] { mouse_.zoom(kZoomStep, kBoth); });
+    menu.addAction(QStringLiteral("Zoom out\t-"), this, [this] { mouse_.zoom(1 / kZoomStep, kBoth); });
+    menu.addAction(QStringLiteral("Zoom X in\tCtrl++"), this,
+                   [this] { mouse_.zoom(kZoomStep, Qt::Horizontal); });
+    menu.addAction(QStringLiteral("Zoom X out\tCtrl+-"), this,
+                   [this] { mouse_.zoom(1 / kZoomStep, Qt::Horizontal); });
+    menu.addAction(QStringLiteral("Zoom Y in"), this, [this] { mouse_.zoom(kZoomStep, Qt::Vertical); });
+    menu.addAction(QStringLiteral("Zoom Y out\tShift+-"), this,
+                   [this] { mouse_.zoom(1 / kZoomStep, Qt::Vertical); });
 }
 
-/// What the keys do, for those who look for it. The keys stand beside as texts: the chart takes them itself.
+/// What mouse and keys do, for those who look for it. The keys stand beside as texts: the chart takes them
+/// itself.
 QMenu* ChartControl::buildMenu() {
     auto* menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(QStringLiteral("Follow the run\tHome"), this, &ChartControl::follow);
-    menu->addAction(QStringLiteral("Zoom in\t+"), this, [this] { plot_->zoom(kZoomStep, true); });
-    menu->addAction(QStringLiteral("Zoom out\t-"), this, [this] { plot_->zoom(1 / kZoomStep, true); });
-    menu->addAction(QStringLiteral("Zoom Y in"), this, [this] { plot_->zoom(kZoomStep, false); });
-    menu->addAction(QStringLiteral("Zoom Y out"), this, [this] { plot_->zoom(1 / kZoomStep, false); });
-    if (design_.series > 1) {
-        menu->addSeparator();
-        for (int i = 0; i < std::min(sensors_, design_.series); ++i) {
-            QAction* item = menu->addAction(plot_->graph(i)->name() + QStringLiteral("\t%1").arg(i + 1), this,
-                                            [this, i] { toggleSeries(i); });
+    addViews(*menu);
+    menu->addSeparator();
+    for (int series = 0; series < model_.seriesCount(); ++series) {
+        if (model_.seriesPresent(series)) {
+            const SeriesLook& look = model_.look().series[static_cast<std::size_t>(series)];
+            const QString label = QString::fromStdString(look.label).replace(u'&', QStringLiteral("&&"));
+            QAction* item = menu->addAction(label + QStringLiteral("\t%1").arg(series + 1), this,
+                                            [this, series] { toggleSeries(series); });
             item->setCheckable(true);
-            item->setChecked(!hidden_[static_cast<std::size_t>(i)]);
+            item->setChecked(look.shown);
         }
     }
     menu->addSeparator();
     menu->addAction(QStringLiteral("Copy picture\tCtrl+C"), this, &ChartControl::copyPicture);
+    if (output_.hasFiles()) {
+        menu->addAction(QStringLiteral("Save picture..."), this, [this] { output_.savePicture(*this); });
+        menu->addAction(QStringLiteral("Export data..."), this, [this] { output_.exportData(*this); });
+    }
     return menu;
 }
 
-QPoint ChartControl::menuCorner() const {
-    return plot_->mapToGlobal(plot_->axisRect()->topLeft());
-}
-
-/// Not modal: readings go on while the menu is open.
 void ChartControl::openMenu(const QPoint& corner) {
-    buildMenu()->popup(corner);
+    popUpMenu(buildMenu(), corner);
 }
 
 void ChartControl::contextMenuEvent(QContextMenuEvent* event) {
-    openMenu(event->reason() == QContextMenuEvent::Mouse ? event->globalPos() : menuCorner());
+    openMenu(event->reason() == QContextMenuEvent::Mouse ? event->globalPos()
+                                                         : mapToGlobal(plotRect().topLeft()));
     event->accept();
 }
 
-ChartSet::ChartSet() {
-    for (std::size_t i = 0; i < charts_.size(); ++i) {
-        charts_[i] = new ChartControl(chartDesigns()[i]);
+void ChartControl::openEditor(QWidget* owner) {
+    if (editor_ == nullptr) {
+        editor_ = new ChartEditor(model_, owner);
+        editor_->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    editor_->show();
+    editor_->raise();
+    editor_->activateWindow();
+}
+
+// What the window system tells.
+
+void ChartControl::focusInEvent(QFocusEvent* event) {
+    QWidget::focusInEvent(event);
+    if (event->reason() == Qt::MouseFocusReason || event->reason() == Qt::ActiveWindowFocusReason) {
+        focusedSince_.start();
+    }
+    update();
+}
+
+void ChartControl::focusOutEvent(QFocusEvent* event) {
+    QWidget::focusOutEvent(event);
+    update();
+}
+
+void ChartControl::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    update();
+}
+
+void ChartControl::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    takePlace();
+}
+
+void ChartControl::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    takePlace();
+}
+
+void ChartControl::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    tracer_.leave();
+    surface_.reset();
+}
+
+/// At most once a second, for who listens to the screen.
+void ChartControl::describeSoon() {
+    if (isVisible() && !describeTimer_.isActive()) {
+        describeTimer_.start(kDescribeMs);
     }
 }
 
-ChartSet::~ChartSet() {
-    for (const QPointer<ChartControl>& chart : charts_) {
-        if (chart != nullptr && chart->parent() == nullptr) {
-            delete chart;
-        }
+void ChartControl::describe() {
+    const QString summary = QString::fromStdString(chartSummary(model_, tracer_, decimal()));
+    const QString said = note().isEmpty() ? summary : note() + QStringLiteral(". ") + summary;
+    if (accessibleDescription() != said) {
+        setAccessibleDescription(said);
     }
-}
-
-ChartControl& ChartSet::chart(int number) const {
-    return *charts_[static_cast<std::size_t>(number - 1)];
-}
-
-std::array<Graph*, 4> ChartSet::graphs() const {
-    return {charts_[0].data(), charts_[1].data(), charts_[2].data(), charts_[3].data()};
 }
 
 } // namespace drx9

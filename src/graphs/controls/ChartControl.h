@@ -1,70 +1,49 @@
 #pragma once
 
-#include "graphs/Graph.h"
+#include "graphs/ChartGraph.h"
+#include "graphs/ChartTracer.h"
+#include "graphs/controls/ChartMouse.h"
+#include "graphs/controls/ChartOutput.h"
 
+#include <QElapsedTimer>
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 #include <array>
+#include <memory>
 
 class QMenu;
 
 namespace drx9 {
 
-class ChartHeader;
-class ChartPlot;
+class ChartEditor;
+class ChartPainter;
+struct ChartSurface;
 
-/// What tells the four charts apart.
-struct ChartDesign {
-    const char* objectName;
-    const char* title;
-    const char* seriesLabel; ///< a number follows where there are several series
-    int series;
-    float yMax;
-    double ySpacing;
-    int decimals;
-};
-
-/// The four designs in the graphs' fixed order.
-const std::array<ChartDesign, 4>& chartDesigns();
-
-/// One strip chart of the main window.
+/// One strip chart of the main window: draws what its model says and holds no point.
 ///
 /// The time window follows the run until the operator zooms or pans along it; a double click or Home follows
-/// again. Zooming along Y changes the axis itself and does not stop the following.
-class ChartControl final : public QWidget, public Graph {
+/// again. Notes have a place of their own inside the plot, so that nothing moves when one comes.
+class ChartControl final : public QWidget {
     Q_OBJECT
 public:
-    explicit ChartControl(const ChartDesign& design, QWidget* parent = nullptr);
-
-    // The graph.
-
-    void Init() override;
-    void ReInit() override;
-    [[nodiscard]] float YMin() const override { return yMin_; }
-    void setYMin(float value) override;
-    [[nodiscard]] float YMax() const override { return yMax_; }
-    void setYMax(float value) override;
-    [[nodiscard]] float XMin() const override { return xMin_; }
-    void setXMin(float value) override;
-    [[nodiscard]] float Xwide() const override { return xWide_; }
-    void setXwide(float value) override;
-    [[nodiscard]] float shownYMin() const override;
-    [[nodiscard]] float shownYMax() const override;
-    [[nodiscard]] int seriesCount() const override { return design_.series; }
-    void setLastPoint(int series, int last) override;
-    void append(int series, double elapsed, double value) override;
-    void appendGap() override;
-    void redraw() override;
-
-    // The window.
+    /// Model and graph outlive the control.
+    ChartControl(ChartModel& model, ChartGraph& graph, const ChartPorts& ports, QWidget* parent = nullptr);
+    ~ChartControl() override;
 
     /// Sensors beyond the count have neither series nor legend entry.
-    void setSensorCount(int count);
+    void setSensorCount(int count) { model_.setSensorCount(count); }
     /// "No readings since 14:09:04"; empty when readings come.
     void setSilence(const QString& text);
-    [[nodiscard]] bool following() const { return following_; }
+    [[nodiscard]] bool following() const { return model_.following(); }
     [[nodiscard]] QString note() const;
+    /// Stands as a note for a while.
+    void showMessage(const QString& text);
+    /// Where the plot lies within the axes.
+    [[nodiscard]] QRect plotRect() const;
+    /// The chart's built-in editor: one at a time, not modal.
+    void openEditor(QWidget* owner);
 
 public slots:
     void follow();
@@ -72,56 +51,74 @@ public slots:
     void copyPicture();
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void leaveEvent(QEvent* event) override;
     void changeEvent(QEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
-    void pauseFollowing();
-    void followX();
-    void applyX();
-    void applyTheme();
-    void showSeries();
-    void showNote();
+    void chartChanged();
+    void takePlace();
+    void placeAt(const GraphPlace& place);
+    [[nodiscard]] ChartPainter painter() const;
+    [[nodiscard]] char decimal() const;
+    bool clickLegend(const QPoint& at);
     bool viewKey(int key, Qt::KeyboardModifiers modifiers);
+    bool tracerKey(int key, Qt::KeyboardModifiers modifiers);
+    void pinTraced();
+    void traceAt(const QPointF& at);
     [[nodiscard]] QMenu* buildMenu();
-    [[nodiscard]] QPoint menuCorner() const;
+    void addViews(QMenu& menu);
     void openMenu(const QPoint& corner);
+    void describeSoon();
+    void describe();
 
-    ChartDesign design_;
-    ChartHeader* header_;
-    ChartPlot* plot_;
-    float yMin_ = 0;
-    float yMax_ = 0;
-    float xMin_ = 0;
-    float xWide_ = 0;
-    double axisXMin_ = 0; ///< the X axis while following; its maximum may lag behind between two settings
-    double axisXMax_ = 0;
-    float homeYMin_ = 0; ///< the Y axis before the operator zoomed it
-    float homeYMax_ = 0;
-    bool following_ = true;
-    int sensors_;
-    std::array<bool, 6> hidden_{};
+    ChartModel& model_;
+    ChartGraph& graph_;
+    ChartMouse mouse_;
+    ChartTracer tracer_;
+    ChartOutput output_;
+    std::unique_ptr<ChartSurface> surface_;
     QString silence_;
+    QString message_;
+    QTimer messageTimer_;
+    QTimer describeTimer_;
+    QElapsedTimer focusedSince_;
+    QPointer<ChartEditor> editor_;
 };
 
-/// The four charts in the graphs' fixed order. Owns each until a window takes it into its layout.
+/// The four charts in the graphs' fixed order, over one run's points. Owns each control until a window takes
+/// it into its layout.
 class ChartSet {
 public:
-    ChartSet();
+    explicit ChartSet(const ChartPorts& ports = {});
     ~ChartSet();
     ChartSet(const ChartSet&) = delete;
     ChartSet& operator=(const ChartSet&) = delete;
 
     [[nodiscard]] ChartControl& chart(int number) const; ///< 1..4
+    [[nodiscard]] ChartGraph& graph(int number) const;   ///< 1..4
     [[nodiscard]] std::array<Graph*, 4> graphs() const;
 
 private:
-    std::array<QPointer<ChartControl>, 4> charts_;
+    struct One {
+        std::unique_ptr<ChartModel> model;
+        std::unique_ptr<ChartGraph> graph;
+        QPointer<ChartControl> control;
+    };
+    RunPoints points_{kRunColumns};
+    std::array<One, 4> charts_;
 };
 
 } // namespace drx9

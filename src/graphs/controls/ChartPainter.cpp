@@ -1,0 +1,389 @@
+#include "graphs/controls/ChartPainter.h"
+
+#include "graphs/ChartTracer.h"
+#include "graphs/EndMarks.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace drx9 {
+
+namespace {
+constexpr int kLeft = 14;
+constexpr int kTop = 6;
+constexpr int kSwatch = 21;
+constexpr int kSwatchGap = 7;
+constexpr int kEntryGap = 15;
+constexpr int kPlotGap = 12; ///< between header and plot
+constexpr int kLeastLeft = 56;
+constexpr int kLeastRight = 36; ///< in which the last time label stays whole
+constexpr int kTick = 7;
+constexpr int kSmallTick = 4;
+constexpr int kLabelGap = 12; ///< least distance of two labels
+constexpr double kDot = 3;
+constexpr int kNumberOffset = 15;
+constexpr int kNumberPixels = 13;
+constexpr double kNumberStep = 15;
+constexpr double kLeaderGap = 6;
+constexpr double kMostThin = 2; ///< device pixels
+
+QFont bold(QFont font) {
+    font.setBold(true);
+    return font;
+}
+
+std::uint32_t rgb(const QColor& color) {
+    return 0xff000000U | (color.rgb() & 0xffffffU);
+}
+
+QString text(const std::string& utf8) {
+    return QString::fromStdString(utf8);
+}
+
+/// One pixel wide lines into a picture.
+void fillLines(QImage& surface, const QPointF& at, bool upright, int thickness, const QColor& color) {
+    QPainter painter(&surface);
+    const double scale = surface.devicePixelRatio();
+    if (upright) {
+        painter.fillRect(QRectF(at.x(), 0, thickness / scale, surface.height()), color);
+    } else {
+        painter.fillRect(QRectF(0, at.y(), surface.width(), thickness / scale), color);
+    }
+}
+} // namespace
+
+ChartPainter::ChartPainter(const ChartModel& model, const Theme& theme, const QFont& font, char decimal)
+    : model_(model)
+    , theme_(theme)
+    , font_(font)
+    , decimal_(decimal) {
+    if (model.look().fontPixels > 0) {
+        font_.setPixelSize(model.look().fontPixels);
+    }
+}
+
+QColor ChartPainter::seriesColor(int series) const {
+    const std::optional<std::uint32_t>& own = model_.look().series[static_cast<std::size_t>(series)].color;
+    if (own) {
+        return QColor::fromRgb(*own);
+    }
+    return model_.seriesCount() > 1 ? theme_.sensor(series + 1) : theme_.text;
+}
+
+ChartLayout ChartPainter::layout(const QRect& rect) const {
+    const QFontMetrics metrics(font_);
+    const int line = metrics.height() + 4;
+    const int right = std::max(kLeastRight, metrics.horizontalAdvance(QStringLiteral("00:00:00")) / 2 + 6);
+    const ChartLook& look = model_.look();
+    std::vector<int> widths;
+    int legend = -kEntryGap;
+    for (int series = 0; series < model_.seriesCount(); ++series) {
+        const bool entry = look.legend && model_.seriesPresent(series);
+        const QString label = text(look.series[static_cast<std::size_t>(series)].label);
+        widths.push_back(entry ? kSwatch + kSwatchGap + metrics.horizontalAdvance(label) : 0);
+        legend += entry ? widths.back() + kEntryGap : 0;
+    }
+    const int title = QFontMetrics(bold(font_)).horizontalAdvance(text(look.y.title));
+    const bool second = legend > 0 && kLeft + title + 20 + legend + right > rect.width();
+    ChartLayout layout;
+    layout.title = {rect.left() + kLeft, rect.top() + kTop, rect.width() - kLeft - right, line};
+    int x = std::max(rect.left() + kLeft, rect.right() + 1 - right - legend);
+    const int y = rect.top() + kTop + (second ? line : 0);
+    for (const int width : widths) {
+        layout.legend.emplace_back(x, y, width, line);
+        x += width > 0 ? width + kEntryGap : 0;
+    }
+    int widest = 0;
+    const double least = kLabelGap + metrics.height();
+    for (const AxisLabel& label :
+         axisTicks(look.y, model_.yView(), {rect.height() * 0.8, least, false, decimal_}).labels) {
+        widest = std::max(widest, metrics.horizontalAdvance(text(label.text)));
+    }
+    const int left = std::max(kLeastLeft, widest + kTick + 12);
+    const int top = kTop + line * (second ? 2 : 1) + kPlotGap;
+    const int bottom = kTick + 2 * line + 6;
+    layout.plot = rect.adjusted(left, top, -right, -bottom);
+    layout.plot.setSize(layout.plot.size().expandedTo({1, 1}));
+    return layout;
+}
+
+ChartCurves ChartPainter::curves(const QRect& plot, double scale) const {
+    return {model_, static_cast<int>(std::lround(plot.width() * scale)),
+            static_cast<int>(std::lround(plot.height() * scale))};
+}
+
+void ChartPainter::findTicks(const QRect& plot) {
+    const QFontMetrics metrics(font_);
+    const double time =
+        metrics.horizontalAdvance(text(elapsedText(model_.xView().to, model_.look().x.format)));
+    x_ = axisTicks(model_.look().x, model_.xView(), {double(plot.width()), time + kLabelGap, true, decimal_});
+    y_ = axisTicks(model_.look().y, model_.yView(),
+                   {double(plot.height()), double(kLabelGap + metrics.height()), false, decimal_});
+}
+
+QRect ChartPainter::paint(QPainter& painter, const QRect& rect, double scale, ChartSurface* surface) {
+    const ChartLayout parts = layout(rect);
+    const ChartCurves shown = curves(parts.plot, scale);
+    findTicks(parts.plot);
+    for (const QRect& beside : QRegion(rect) - QRegion(surface != nullptr ? parts.plot : QRect())) {
+        painter.fillRect(beside, theme_.plot);
+    }
+    paintHeader(painter, parts);
+    if (surface != nullptr) {
+        paintPixels(painter, parts.plot, shown, scale, *surface);
+    } else {
+        paintLines(painter, parts.plot, shown);
+    }
+    paintAxes(painter, parts.plot);
+    paintEnds(painter, parts.plot, shown, scale);
+    return parts.plot;
+}
+
+void ChartPainter::paintHeader(QPainter& painter, const ChartLayout& layout) const {
+    painter.setFont(bold(font_));
+    painter.setPen(theme_.text);
+    painter.drawText(layout.title, Qt::AlignLeft | Qt::AlignVCenter, text(model_.look().y.title));
+    for (int series = 0; series < model_.seriesCount(); ++series) {
+        const QRect& rect = layout.legend[static_cast<std::size_t>(series)];
+        if (rect.width() > 0) {
+            paintEntry(painter, rect, series);
+        }
+    }
+}
+
+void ChartPainter::paintEntry(QPainter& painter, const QRect& rect, int series) const {
+    const SeriesLook& look = model_.look().series[static_cast<std::size_t>(series)];
+    painter.fillRect(QRect(rect.left(), rect.center().y(), kSwatch, 3),
+                     look.shown ? seriesColor(series) : theme_.hair);
+    QFont font = font_;
+    font.setStrikeOut(!look.shown);
+    painter.setFont(font);
+    painter.setPen(look.shown ? theme_.text : theme_.disabled);
+    painter.drawText(rect.adjusted(kSwatch + kSwatchGap, 0, 4, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                     text(look.label));
+}
+
+/// The plot's ground, grid and curves as pixels.
+void ChartPainter::paintPixels(QPainter& painter, const QRect& plot, const ChartCurves& curves, double scale,
+                               ChartSurface& surface) {
+    QImage& pixels = surface.pixels;
+    const QSize size(static_cast<int>(std::lround(plot.width() * scale)),
+                     static_cast<int>(std::lround(plot.height() * scale)));
+    if (pixels.size() != size) {
+        pixels = QImage(size, QImage::Format_RGB32);
+    }
+    pixels.setDevicePixelRatio(scale);
+    pixels.fill(theme_.plot);
+    const int line = std::max(1, static_cast<int>(scale));
+    for (const double time : x_.grid) {
+        const double x = (time - model_.xView().from) / model_.xView().size() * plot.width();
+        fillLines(pixels, {std::min(std::floor(x * scale), double(size.width() - line)) / scale, 0}, true,
+                  line, theme_.grid);
+    }
+    for (const double value : y_.grid) {
+        fillLines(pixels, {0, std::floor(curves.yPixel(value)) / scale}, false, line, theme_.grid);
+    }
+    const PixelArea area{reinterpret_cast<std::uint32_t*>(pixels.bits()), size.width(), size.height(),
+                         static_cast<int>(pixels.bytesPerLine() / 4)};
+    for (int series = 0; series < model_.seriesCount(); ++series) {
+        if (!model_.seriesVisible(series)) {
+            continue;
+        }
+        const double width = model_.look().series[static_cast<std::size_t>(series)].width * scale;
+        if (curves.thinned()) {
+            surface.ink.thinLine(area, curves.curve(series),
+                                 static_cast<int>(std::clamp(scale, 1.0, kMostThin)),
+                                 rgb(seriesColor(series)));
+        } else {
+            surface.ink.line(area, curves.curve(series), width, rgb(seriesColor(series)));
+        }
+    }
+    painter.drawImage(plot.topLeft(), pixels);
+}
+
+void ChartPainter::paintLines(QPainter& painter, const QRect& plot, const ChartCurves& curves) const {
+    painter.save();
+    painter.setPen(QPen(theme_.grid, 1));
+    for (const double time : x_.grid) {
+        const double x = plot.left() + (time - model_.xView().from) / model_.xView().size() * plot.width();
+        painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
+    }
+    for (const double value : y_.grid) {
+        const double y = plot.top() + curves.yPixel(value);
+        painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
+    }
+    painter.setClipRect(plot);
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (int series = 0; series < model_.seriesCount(); ++series) {
+        if (!model_.seriesVisible(series)) {
+            continue;
+        }
+        const double width = model_.look().series[static_cast<std::size_t>(series)].width;
+        painter.setPen(QPen(seriesColor(series), curves.thinned() ? 1 : width, Qt::SolidLine, Qt::RoundCap,
+                            Qt::BevelJoin));
+        QPolygonF piece;
+        for (const CurvePoint& point : curves.curve(series)) {
+            if (point.start) {
+                painter.drawPolyline(piece);
+                piece.clear();
+            }
+            piece.append({plot.left() + point.x, plot.top() + std::clamp(point.y, -1e4, 1e4)});
+        }
+        painter.drawPolyline(piece);
+    }
+    painter.restore();
+}
+
+void ChartPainter::paintAxes(QPainter& painter, const QRect& plot) const {
+    const QFontMetrics metrics(font_);
+    const ValueSpan xs = model_.xView();
+    const ValueSpan ys = model_.yView();
+    const auto x = [&](double time) {
+        return plot.left() + static_cast<int>(std::floor((time - xs.from) / xs.size() * plot.width()));
+    };
+    const auto y = [&](double value) {
+        return plot.top() + static_cast<int>(std::floor((ys.to - value) / ys.size() * plot.height()));
+    };
+    const int bottom = plot.bottom() + 1;
+    const int left = plot.left() - 1;
+    painter.setPen(theme_.line);
+    QList<QLine> lines{{left, plot.top(), left, bottom}, {left, bottom, plot.right() + 1, bottom}};
+    for (const double time : x_.ticks) {
+        lines.append({x(time), bottom, x(time), bottom + kSmallTick});
+    }
+    for (const double value : y_.ticks) {
+        lines.append({left - kSmallTick, y(value), left, y(value)});
+    }
+    for (const AxisLabel& label : x_.labels) {
+        lines.append({x(label.value), bottom, x(label.value), bottom + kTick});
+    }
+    for (const AxisLabel& label : y_.labels) {
+        lines.append({left - kTick, y(label.value), left, y(label.value)});
+    }
+    painter.drawLines(lines);
+    painter.setFont(font_);
+    painter.setPen(theme_.muted);
+    for (const AxisLabel& label : y_.labels) {
+        const QRect box(0, y(label.value) - metrics.height(), left - kTick - 5, 2 * metrics.height());
+        painter.drawText(box, Qt::AlignRight | Qt::AlignVCenter, text(label.text));
+    }
+    paintXLabels(painter, plot);
+}
+
+void ChartPainter::paintXLabels(QPainter& painter, const QRect& plot) const {
+    const int line = QFontMetrics(font_).height() + 4;
+    const int top = plot.bottom() + 1 + kTick + 2;
+    const ValueSpan view = model_.xView();
+    for (const AxisLabel& label : x_.labels) {
+        const double x = plot.left() + (label.value - view.from) / view.size() * plot.width();
+        painter.drawText(QRectF(x - 100, top, 200, line), Qt::AlignHCenter | Qt::AlignTop, text(label.text));
+    }
+    painter.drawText(QRect(plot.left(), top + line - 2, plot.width(), line), Qt::AlignRight | Qt::AlignTop,
+                     text(model_.look().x.title));
+}
+
+void ChartPainter::paintEnds(QPainter& painter, const QRect& plot, const ChartCurves& curves,
+                             double scale) const {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setFont(fontOfSize(font_, kNumberPixels, true));
+    for (const EndMark& mark : endMarks(model_, curves, plot.height() * scale, kNumberStep * scale)) {
+        const QPointF dot(plot.left() + mark.x / scale, plot.top() + mark.y / scale);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(seriesColor(mark.series));
+        painter.drawEllipse(dot, kDot, kDot);
+        if (model_.seriesCount() == 1) {
+            continue;
+        }
+        const QPointF number(dot.x() + kNumberOffset, plot.top() + mark.numberY / scale);
+        painter.setPen(QPen(theme_.line, 1));
+        painter.drawLine(
+            QPointF(dot.x() + kLeaderGap, dot.y() + (number.y() - dot.y()) * kLeaderGap / kNumberOffset),
+            number - QPointF(2, 0));
+        painter.setPen(theme_.text);
+        painter.drawText(QRectF(number.x(), number.y() - 9, 24, 18), Qt::AlignLeft | Qt::AlignVCenter,
+                         QString::number(mark.series + 1));
+    }
+    painter.restore();
+}
+
+void ChartPainter::paintNote(QPainter& painter, const QRect& plot, const QString& note) const {
+    if (note.isEmpty()) {
+        return;
+    }
+    const QFontMetrics metrics(font_);
+    const QRect box(plot.left() + 8, plot.top() + 6, metrics.horizontalAdvance(note) + 12,
+                    metrics.height() + 4);
+    painter.fillRect(box, theme_.plot); // curves do not run through the words
+    painter.setFont(font_);
+    painter.setPen(theme_.warn);
+    painter.drawText(box, Qt::AlignCenter, note);
+}
+
+QPointF ChartPainter::place(const QRect& plot, double time, double value) const {
+    const ChartCurves curves = this->curves(plot, 1);
+    return {plot.left() + curves.xPixel(time), plot.top() + curves.yPixel(value)};
+}
+
+void ChartPainter::paintCross(QPainter& painter, const QPointF& at) const {
+    painter.setPen(QPen(theme_.text, 1.5));
+    painter.drawLine(at - QPointF(5, 5), at + QPointF(5, 5));
+    painter.drawLine(at - QPointF(5, -5), at + QPointF(5, -5));
+}
+
+std::vector<QString> ChartPainter::tracerLines(const ChartTracer& tracer) const {
+    std::vector<QString> lines{text(tracer.text(decimal_))};
+    if (tracer.pinned()) {
+        lines.push_back(text(tracer.differenceText(decimal_)));
+    }
+    return lines;
+}
+
+void ChartPainter::paintTracer(QPainter& painter, const QRect& plot, const ChartTracer& tracer) const {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const ValueSpan view = model_.xView();
+    const auto inView = [&view](const TracedPoint& point) {
+        return point.time >= view.from && point.time <= view.to;
+    };
+    if (tracer.pinned() && inView(*tracer.pinned())) {
+        paintCross(painter, place(plot, tracer.pinned()->time, tracer.pinned()->value));
+    }
+    if (tracer.point() && inView(*tracer.point())) {
+        const QPointF point = place(plot, tracer.point()->time, tracer.point()->value);
+        painter.setPen(QPen(theme_.line, 1, Qt::DashLine));
+        painter.drawLine(QPointF(point.x(), plot.top()), QPointF(point.x(), plot.bottom()));
+        painter.setPen(QPen(seriesColor(tracer.point()->series), 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawEllipse(point, 4, 4);
+        const std::vector<QString> lines = tracerLines(tracer);
+        const QFontMetrics metrics(font_);
+        int width = 0;
+        for (const QString& line : lines) {
+            width = std::max(width, metrics.horizontalAdvance(line));
+        }
+        QRectF box(0, 0, width + 16, metrics.height() * double(lines.size()) + 10);
+        box.moveBottomRight(point + QPointF(-10, -16));
+        box.moveTop(std::max(box.top(), plot.top() + 2.0));
+        if (box.left() < plot.left()) {
+            box.moveLeft(point.x() + 10);
+        }
+        painter.setPen(QPen(theme_.line, 1));
+        painter.setBrush(theme_.plot);
+        painter.drawRoundedRect(box, 4, 4);
+        painter.setFont(font_);
+        painter.setPen(theme_.text);
+        QRectF row = box.adjusted(8, 5, -8, 0);
+        row.setHeight(metrics.height());
+        for (const QString& line : lines) {
+            painter.drawText(row, Qt::AlignLeft | Qt::AlignVCenter, line);
+            row.translate(0, metrics.height());
+        }
+    }
+    painter.restore();
+}
+
+} // namespace drx9

@@ -1,0 +1,182 @@
+// The graph object: properties, their order and what is kept of the old behaviour.
+#include "fakes/FaultyFilePort.h"
+#include "graphs/ChartBench.h"
+
+#include <gtest/gtest.h>
+
+namespace drx9 {
+namespace {
+
+TEST(ChartGraph, SpacingRule) {
+    struct Case {
+        float given;
+        double grid, tick;
+    };
+    for (const Case& c : {Case{0, 1, 0.1}, {-30, 30, 3}, {60, 60, 6}, {0.5F, 0.5, 0.05}}) {
+        ChartBench bench;
+        bench.graph.setXDiv(c.given);
+        const AxisLook& x = bench.model.look().x;
+        EXPECT_EQ(x.gridSpacing, c.grid) << c.given;
+        EXPECT_EQ(x.labelSpacing, c.grid) << c.given;
+        EXPECT_DOUBLE_EQ(x.tickSpacing, c.tick) << c.given;
+        EXPECT_EQ(bench.graph.XDiv(), static_cast<float>(c.grid)) << c.given;
+        bench.graph.setYDiv(static_cast<std::int16_t>(c.given));
+        EXPECT_EQ(bench.graph.YDiv(), std::lround(c.given == 0.5F ? 1 : c.grid)) << c.given;
+    }
+}
+
+TEST(ChartGraph, GridIsOnOnlyForOne) {
+    for (const auto& [given, on] : {std::pair{1, true}, {2, false}, {0, false}, {-1, false}}) {
+        ChartBench bench;
+        bench.graph.setXGrid_Enable(static_cast<std::int16_t>(given));
+        bench.graph.setYGrid_Enable(static_cast<std::int16_t>(given));
+        EXPECT_EQ(bench.graph.XGrid_Enable(), on) << given;
+        EXPECT_EQ(bench.graph.YGrid_Enable(), on) << given;
+        EXPECT_EQ(bench.model.look().x.gridPattern, on ? 4 : 1);
+    }
+}
+
+TEST(ChartGraph, YPairComesIntoForceWhenItIsInOrder) {
+    const auto follow = [](ChartGraph& graph) { // as the cycle does at each point
+        graph.setYMax(graph.shownYMax());
+        graph.setYMin(graph.shownYMin());
+    };
+    struct Case {
+        std::vector<std::pair<char, float>> sets;
+        ValueSpan shown;
+        float minimum, maximum;
+    };
+    const Case cases[] = {
+        {{{'n', 10}, {'x', 20}}, {10, 20}, 10, 20},
+        {{{'x', 20}, {'n', 10}}, {10, 20}, 10, 20},
+        {{{'n', 10}}, {0, 5}, 10, 5},
+        {{{'n', 10}, {'f', 0}, {'x', 20}}, {10, 20}, 10, 20},
+        {{{'x', -1}, {'f', 0}, {'n', -5}}, {-5, -1}, -5, -1},
+        {{{'n', 5}, {'x', 5}}, {0, 5}, 5, 5},
+    };
+    for (const Case& c : cases) {
+        ChartBench bench;
+        bench.graph.setYMax(5);
+        for (const auto& [what, value] : c.sets) {
+            if (what == 'f') {
+                follow(bench.graph);
+            } else {
+                what == 'n' ? bench.graph.setYMin(value) : bench.graph.setYMax(value);
+            }
+        }
+        EXPECT_EQ(bench.model.yView(), c.shown);
+        EXPECT_EQ(bench.graph.YMin(), c.minimum);
+        EXPECT_EQ(bench.graph.YMax(), c.maximum);
+        EXPECT_EQ(bench.graph.shownYMin(), c.minimum) << "what follows the chart erases nothing";
+        EXPECT_EQ(bench.graph.shownYMax(), c.maximum);
+    }
+}
+
+TEST(ChartGraph, TheOperatorsZoomIsFollowedAndHomeGoesBack) {
+    ChartBench bench;
+    bench.graph.setYMax(15);
+    bench.model.setYView({2, 3});
+    bench.graph.setYMax(bench.graph.shownYMax());
+    bench.graph.setYMin(bench.graph.shownYMin());
+    EXPECT_EQ(bench.graph.YMin(), 2);
+    bench.model.follow();
+    EXPECT_EQ(bench.model.yView(), (ValueSpan{0, 15}));
+}
+
+TEST(ChartGraph, InitTakesTheDesignLookAndEmptiesTheSeries) {
+    ChartBench bench;
+    GraphPlace placed;
+    bench.graph.setPlacer([&placed](const GraphPlace& place) { placed = place; });
+    bench.graph.setGraphHeight(400);
+    bench.feed(0, 10);
+    bench.graph.Init();
+    EXPECT_EQ(placed.height, 400);
+    EXPECT_EQ(bench.graph.Cfg_Filename(), "/app/ch_dep.oc2");
+    EXPECT_EQ(bench.model.lastPoint(5), 0);
+    EXPECT_EQ(bench.model.capacity(5), 500);
+    EXPECT_EQ(bench.graph.Xwide(), 300);
+    EXPECT_EQ(bench.graph.YMax(), 20);
+    EXPECT_EQ(bench.model.look().x.title, "Elapsed Time ()");
+    EXPECT_EQ(bench.model.look().series[5].label, "Sensor 6");
+    EXPECT_EQ(designLook(chartDesign(GraphKind::cAvgThkGraph)).series[0].label, "Average Rate");
+}
+
+TEST(ChartGraph, ReInitEmptiesOneSeriesAndTheNextPointsComeFromTimeZero) {
+    ChartBench bench;
+    bench.feed(0, 800);
+    bench.graph.setXMin(600);
+    bench.graph.setXwide(300);
+    bench.graph.ReInit();
+    EXPECT_EQ(bench.model.xView(), (ValueSpan{0, 300}));
+    EXPECT_EQ(bench.model.lastPoint(0), 0);
+    EXPECT_EQ(bench.model.lastPoint(1), 3201);
+    EXPECT_EQ(bench.model.drawnRows(1).to, 0U) << "nothing later than series 1's newest is drawn";
+    for (int series = 1; series <= 6; ++series) {
+        bench.graph.setLastPoint(series, 0);
+    }
+    bench.feed(0, 5);
+    EXPECT_EQ(bench.model.lastPoint(0), 21);
+    EXPECT_EQ(bench.run.rows(), 21U);
+}
+
+TEST(ChartGraph, SavesTheWindowFromZeroAndATrimmedCapacityStopsNothing) {
+    ChartBench bench;
+    bench.graph.Init();
+    bench.feed(0, 100);
+    bench.graph.setXMin(600);
+    bench.graph.setXwide(300);
+    EXPECT_TRUE(bench.graph.Cfg_Save());
+    EXPECT_EQ(bench.model.capacity(0), 401);
+    EXPECT_EQ(bench.model.xView(), (ValueSpan{600, 900}));
+    bench.feed(100.25, 101);
+    EXPECT_EQ(bench.model.lastPoint(0), 405);
+    EXPECT_EQ(bench.model.capacity(0), 401);
+    ChartBench other;
+    other.files.put("/app/ch_dep.oc2", bench.files.text("/app/ch_dep.oc2"));
+    other.graph.Init();
+    EXPECT_EQ(other.graph.XMin(), 0);
+    EXPECT_EQ(other.graph.Xwide(), 300);
+}
+
+TEST(ChartGraph, LoadGoesByTheConfigurationAlone) {
+    ChartBench bench;
+    bench.graph.Init();
+    bench.files.put("/app/ch_dep.dat", "Elapsed Time (s)\tSensor 1\n0.250\t7\n");
+    EXPECT_FALSE(bench.graph.Cfg_Load()) << "there is no configuration";
+    EXPECT_EQ(bench.model.lastPoint(0), 1) << "the data are there all the same";
+    bench.graph.setCfg_Filename("/app/ch_dep.xyz"); // the extension is replaced, not looked at
+    EXPECT_FALSE(bench.graph.Cfg_Load());
+    EXPECT_EQ(bench.model.lastPoint(0), 1);
+    bench.graph.InitChart();
+    EXPECT_EQ(bench.model.lastPoint(0), 0);
+    bench.graph.setCfg_Filename("/app/ch_dep.oc2");
+    EXPECT_TRUE(bench.graph.Cfg_Save());
+    bench.graph.setYMax(99);
+    bench.files.put("/app/ch_dep.dat", "broken");
+    EXPECT_TRUE(bench.graph.Cfg_Load());
+    EXPECT_EQ(bench.model.lastPoint(0), 0);
+    EXPECT_EQ(bench.model.yView().to, 20);
+    bench.files.put("/app/ch_dep.oc2", bench.files.text("/app/ch_dep.oc2").substr(0, 300));
+    bench.graph.setYMax(50);
+    EXPECT_FALSE(bench.graph.Cfg_Load());
+    EXPECT_EQ(bench.model.yView().to, 50) << "a broken file changes nothing";
+    bench.graph.setCfg_Filename("ab");
+    EXPECT_THROW(static_cast<void>(bench.graph.Cfg_Load()), std::invalid_argument);
+}
+
+TEST(ChartGraph, AFullDiskIsToldAndTheOldFileStays) {
+    MemoryFilePort memory;
+    memory.put("/app/avg_dep.oc2", "old");
+    FaultyFilePort files(memory);
+    RunPoints run(kRunColumns);
+    ChartModel model(chartDesign(GraphKind::cAvgGraph), run);
+    ChartGraph graph(model, {&files, "/app", nullptr});
+    graph.Init();
+    files.fillAfter(10);
+    EXPECT_FALSE(graph.Cfg_Save());
+    EXPECT_NE(graph.saveFault().find("No space"), std::string::npos);
+    EXPECT_EQ(memory.text("/app/avg_dep.oc2"), "old");
+}
+
+} // namespace
+} // namespace drx9

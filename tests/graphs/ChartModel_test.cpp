@@ -1,0 +1,221 @@
+// Points, series, axes and what a view needs of them.
+#include "graphs/AxisTicks.h"
+#include "graphs/ChartBench.h"
+#include "graphs/ChartFile.h"
+
+#include <gtest/gtest.h>
+
+namespace drx9 {
+namespace {
+
+TEST(RunPoints, KnowsTheTrueLeastAndGreatestAlsoAfterACut) {
+    RunPoints points(2);
+    for (int i = 0; i < 5000; ++i) {
+        const std::size_t row = points.rowAt(i * 0.25);
+        points.set(0, row, std::sin(i * 12.9) * 43758.5 - std::floor(std::sin(i * 12.9) * 43758.5));
+        points.set(1, row, i == 1500 ? 99 : 1);
+    }
+    const auto matches = [&points](std::size_t from, std::size_t to) {
+        ValueRange plain;
+        for (std::size_t row = from; row < to; ++row) {
+            plain.add(points.value(0, row));
+        }
+        const ValueRange quick = points.range(0, from, to);
+        EXPECT_EQ(quick.least, plain.least) << from << " to " << to;
+        EXPECT_EQ(quick.greatest, plain.greatest) << from << " to " << to;
+    };
+    for (const auto& [from, to] :
+         {std::pair{0U, 5000U}, {1U, 65U}, {63U, 64U}, {64U, 128U}, {1000U, 1100U}}) {
+        matches(from, to);
+    }
+    points.cut(1, 1500); // the greatest value goes
+    EXPECT_EQ(points.range(1, 0, 1500).greatest, 1);
+    EXPECT_EQ(points.range(1, 1472, 1536).greatest, 1) << "the span that lost it";
+    points.set(1, points.rowAt(1500 * 0.25), 2);
+    EXPECT_EQ(points.range(1, 1408, 1536).greatest, 2);
+    points.cut(0, 0);
+    EXPECT_EQ(points.rows(), 5000U);
+    points.cut(1, 0);
+    EXPECT_EQ(points.rows(), 0U) << "no column needs them";
+}
+
+TEST(RunPoints, TimeThatGoesBackStartsANewRun) {
+    RunPoints points(1);
+    for (const double t : {1.0, 2.0, 3.0}) {
+        points.set(0, points.rowAt(t), t);
+    }
+    EXPECT_EQ(points.rowAt(2), 1U);
+    EXPECT_EQ(points.rowAt(1.5), 1U);
+    EXPECT_EQ(points.rows(), 2U);
+    EXPECT_EQ(points.count(0), 1U);
+}
+
+TEST(ChartModel, DropsWhatIsNotLaterAndDrawsNothingBeyondTheFirstSeries) {
+    ChartBench bench;
+    bench.graph.append(1, 1, 5);
+    bench.graph.append(1, 1, 6);
+    bench.graph.append(1, 0.5, 6);
+    bench.graph.append(1, 2, std::nan(""));
+    bench.graph.append(1, 3, 1e300);
+    EXPECT_EQ(bench.model.lastPoint(0), 2);
+    EXPECT_TRUE(std::isfinite(bench.run.value(bench.model.column(0), 1)));
+    bench.graph.append(2, 1, 5);
+    bench.graph.append(2, 4, 5);
+    EXPECT_EQ(bench.model.lastPoint(1), 2);
+    EXPECT_EQ(bench.model.drawnRows(1).to, 2U);
+    bench.model.setFirstPoint(0, 2);
+    EXPECT_EQ(bench.model.drawnRows(0).from, 1U);
+}
+
+/// The least and greatest height in each pixel column, by the column's time.
+std::map<long, std::pair<double, double>> heights(const ChartBench& bench, int series) {
+    const ChartCurves curves(bench.model, 600, 1000);
+    EXPECT_TRUE(curves.thinned());
+    const double width = columnWidth(bench.model.xView().size(), 600);
+    const double origin = std::floor(bench.model.xView().from / width);
+    std::map<long, std::pair<double, double>> found;
+    for (const CurvePoint& point : curves.curve(series)) {
+        const long column = std::lround(origin + point.x - 0.5);
+        auto& [least, greatest] = found.try_emplace(column, point.y, point.y).first->second;
+        least = std::min(least, point.y);
+        greatest = std::max(greatest, point.y);
+    }
+    return found;
+}
+
+TEST(ChartCurves, ScrollingNeverChangesAMoment) {
+    ChartBench bench;
+    bench.feed(0, 7200);
+    bench.model.setXView({100, 1900});
+    const auto before = heights(bench, 2);
+    const double width = columnWidth(1800, 600);
+    for (const auto& [column, range] : before) {
+        ValueRange plain;
+        for (std::size_t row = 0; row < bench.run.rows(); ++row) {
+            if (bench.run.time(row) >= static_cast<double>(column) * width &&
+                bench.run.time(row) < static_cast<double>(column + 1) * width) {
+                plain.add(bench.run.value(bench.model.column(2), row));
+            }
+        }
+        const ChartCurves curves(bench.model, 600, 1000);
+        EXPECT_EQ(range.first, curves.yPixel(plain.greatest));
+        EXPECT_EQ(range.second, curves.yPixel(plain.least));
+    }
+    int same = 0;
+    for (const double by : {0.1, 7.3, 75.0, 511.77}) {
+        bench.model.setXView({100 + by, 1900 + by});
+        for (const auto& [column, range] : heights(bench, 2)) {
+            const auto old = before.find(column);
+            if (old != before.end()) {
+                EXPECT_EQ(old->second, range) << by;
+                ++same;
+            }
+        }
+    }
+    EXPECT_GT(same, 1500);
+}
+
+TEST(ChartCurves, ExactWhereThinAndGapsStayGaps) {
+    ChartBench bench;
+    bench.feed(0, 60);
+    bench.graph.appendGap();
+    bench.feed(70, 100);
+    bench.model.setXView({20, 90});
+    const ChartCurves exact(bench.model, 600, 400);
+    ASSERT_FALSE(exact.thinned());
+    const std::vector<CurvePoint> curve = exact.curve(3);
+    EXPECT_EQ(curve.size(), 161U + 81U + 2U) << "all readings in view, and one beyond each edge";
+    int starts = 0;
+    for (const CurvePoint& point : curve) {
+        starts += point.start ? 1 : 0;
+        if (point.start && starts == 2) {
+            EXPECT_NEAR(point.x, exact.xPixel(70), 1e-9);
+            EXPECT_NEAR(point.y, exact.yPixel(ChartBench::wave(4, 70)), 1e-4);
+        }
+    }
+    EXPECT_EQ(starts, 2);
+    bench.feed(100.25, 4000);
+    bench.model.viewWholeRun();
+    const ChartCurves thinned(bench.model, 600, 400);
+    ASSERT_TRUE(thinned.thinned());
+    starts = 0;
+    for (const CurvePoint& point : thinned.curve(3)) {
+        starts += point.start ? 1 : 0;
+    }
+    EXPECT_EQ(starts, 2);
+}
+
+TEST(ChartModel, ViewsAndFit) {
+    ChartBench bench;
+    bench.model.setXView({0, 1});
+    bench.model.fitY();
+    EXPECT_EQ(bench.model.yView(), (ValueSpan{0, 20})) << "nothing to fit";
+    bench.feed(0, 400);
+    bench.model.viewWholeRun();
+    EXPECT_EQ(bench.model.xView(), (ValueSpan{0, 400}));
+    bench.model.setXView({1, 2});
+    bench.model.setSeriesShown(5, false);
+    bench.model.setSensorCount(3); // 1 to 3 are left
+    bench.model.fitY();
+    const double least = std::min(ChartBench::wave(1, 1), ChartBench::wave(1, 2));
+    EXPECT_LT(bench.model.yView().from, least);
+    EXPECT_GT(bench.model.yView().from, least - 0.3);
+    EXPECT_LT(bench.model.yView().to, 3.8);
+    bench.graph.setXMin(75);
+    bench.graph.setXwide(300);
+    EXPECT_EQ(bench.model.xView(), (ValueSpan{1, 2})) << "the operator's view stays";
+    bench.model.follow();
+    EXPECT_EQ(bench.model.xView(), (ValueSpan{75, 375}));
+    EXPECT_EQ(bench.model.yView(), (ValueSpan{0, 20}));
+}
+
+struct TickCase {
+    const char* what;
+    double spacing;
+    ValueSpan view;
+    bool time;
+    const char* labels;
+    std::size_t grid;
+    std::size_t ticks;
+};
+
+TEST(AxisTicks, StandAtWholeMultiplesAndLeaveOutWhatHasNoRoom) {
+    const TickCase cases[] = {
+        {"as configured", 60, {0, 300}, true, "00:00:00 00:01:00 00:02:00 00:03:00 00:04:00 00:05:00", 6, 51},
+        {"scrolled", 60, {75, 375}, true, "00:02:00 00:03:00 00:04:00 00:05:00 00:06:00", 5, 50},
+        {"a day",
+         60,
+         {0, 86400},
+         true,
+         "00:00:00 04:00:00 08:00:00 12:00:00 16:00:00 20:00:00 24:00:00",
+         7,
+         61},
+        {"begins elsewhere", 5, {3, 17}, false, "5 10 15", 3, 29},
+        {"too fine", 1, {0, 9999}, false, "0 2000 4000 6000 8000", 5, 50},
+        {"nothing in view", 5, {6, 8}, false, "6 6.5 7 7.5 8", 0, 41},
+        {"parts of a second",
+         60,
+         {10, 11},
+         true,
+         "00:00:10.000 00:00:10.200 00:00:10.400 00:00:10.600 00:00:10.800 00:00:11.000",
+         0,
+         51},
+    };
+    for (const TickCase& c : cases) {
+        const AxisLook axis{
+            0, 1, c.spacing, c.spacing, c.spacing / 10, kGridOn, 2, "", c.time ? "%H:%M:%S" : "%g"};
+        const AxisTicks ticks = axisTicks(axis, c.view, {500, c.time ? 80.0 : 60.0, c.time});
+        std::string labels;
+        for (const AxisLabel& label : ticks.labels) {
+            labels += (labels.empty() ? "" : " ") + label.text;
+        }
+        EXPECT_EQ(labels, c.labels) << c.what;
+        EXPECT_EQ(ticks.grid.size(), c.grid) << c.what;
+        EXPECT_EQ(ticks.ticks.size(), c.ticks) << c.what;
+    }
+    EXPECT_EQ(elapsedText(90061), "25:01:01");
+    EXPECT_EQ(axisValueText(2.5, "%.2f", ','), "2,50");
+}
+
+} // namespace
+} // namespace drx9

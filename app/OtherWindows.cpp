@@ -1,9 +1,13 @@
 #include "app/OtherWindows.h"
 
 #include "films/frmFilm.h"
+#include "graphs/frmGraphSet.h"
 #include "link/frmComm.h"
 #include "monitor/frmDataLog.h"
 #include "system/frmSystem.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace drx9 {
 
@@ -44,9 +48,18 @@ QWidget* makeFilms(Core& core, const DesktopPorts& desktop, QWidget* owner) {
     }
     return window;
 }
+
+QWidget* makeGraphSet(Core& core, ChartSet& charts, QWidget* owner) {
+    auto* window = new frmGraphSet(charts, std::max<int>(1, core.readouts.checkedGraphItem()), owner);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(window, &frmGraphSet::settingsNotSaved, owner, [&core](const QString& text) {
+        core.monitor.tell(text.toStdString(), "Graph settings not saved");
+    });
+    return window;
+}
 } // namespace
 
-OtherWindows makeOtherWindows(Core& core, const DesktopPorts& desktop) {
+OtherWindows makeOtherWindows(Core& core, ChartSet& charts, const DesktopPorts& desktop) {
     const auto maker = [&core, desktop](auto make) {
         return [&core, desktop, make](QWidget* owner) { return make(core, desktop, owner); };
     };
@@ -55,7 +68,21 @@ OtherWindows makeOtherWindows(Core& core, const DesktopPorts& desktop) {
     windows.films = maker(makeFilms);
     windows.system = maker(makeSystem);
     windows.comm = maker(makeComm);
+    windows.graphSet = [&core, &charts](QWidget* owner) { return makeGraphSet(core, charts, owner); };
     return windows;
+}
+
+ChartPorts chartPorts(const Paths& paths, const DesktopPorts& desktop, EventPump& pump,
+                      std::function<ActionQueue&()> actions) {
+    ChartPorts ports;
+    ports.files = &desktop.files;
+    ports.dialogs = &desktop.dialogs;
+    ports.whenIdle = [actions = std::move(actions)](std::function<void()> action) {
+        actions().runWhenIdle(std::move(action));
+    };
+    ports.pump = &pump;
+    ports.folder = paths.dataFolder;
+    return ports;
 }
 
 MainWindowParts mainWindowParts(Core& core, EventPump& pump, ChartSet& charts, const DesktopPorts& desktop) {
@@ -71,7 +98,7 @@ MainWindowParts mainWindowParts(Core& core, EventPump& pump, ChartSet& charts, c
             charts,
             desktop.boxes,
             [&core](const std::exception& error) { core.faults.report(error); },
-            makeOtherWindows(core, desktop)};
+            makeOtherWindows(core, charts, desktop)};
 }
 
 } // namespace drx9

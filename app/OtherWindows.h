@@ -22,7 +22,12 @@ struct DesktopPorts {
 
 /// Makers of the windows that open from the main one. Each hands its window just what that uses. All that is
 /// given outlives the windows.
-OtherWindows makeOtherWindows(Core& core, const DesktopPorts& desktop);
+OtherWindows makeOtherWindows(Core& core, ChartSet& charts, const DesktopPorts& desktop);
+
+/// What the charts use: pictures and exports, and their configuration files in the data folder. The core may
+/// be made later than the charts.
+ChartPorts chartPorts(const Paths& paths, const DesktopPorts& desktop, EventPump& pump,
+                      std::function<ActionQueue&()> actions);
 
 /// What the main window itself gets of the core.
 MainWindowParts mainWindowParts(Core& core, EventPump& pump, ChartSet& charts, const DesktopPorts& desktop);

@@ -24,19 +24,20 @@ Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale
     , usb_(paths.programFolder)
     , ticker_(clock_, PollTimer::kIntervalMs)
     , progress_(pump_)
+    , desktop_{files, boxes_, dialogs_, input_, shell_, progress_, &progress_, clock_}
+    , charts_(chartPorts(paths, desktop_, pump_, [this]() -> ActionQueue& { return core_.actions; }))
     , core_({files, clock_, pump_, boxes_, serial_, socket_, usb_, ticker_, progress_, sleep_,
              charts_.graphs()},
             paths, locale, appInfo())
     , places_(placesFile)
-    , window_(windowParts(files)) {
+    , window_(windowParts()) {
     core_.monitor.setWindow(window_);
     progress_.setOwner(ProgressOwner::MainWindow, &window_);
     ticker_.setTick([this] { core_.monitor.tmrUpdate_Timer(); });
 }
 
-MainWindowParts Program::windowParts(FilePort& files) {
-    MainWindowParts parts = mainWindowParts(
-        core_, pump_, charts_, {files, boxes_, dialogs_, input_, shell_, progress_, &progress_, clock_});
+MainWindowParts Program::windowParts() {
+    MainWindowParts parts = mainWindowParts(core_, pump_, charts_, desktop_);
     parts.places = &places_;
     parts.desktopChanged = [this] { followDesktop(*qApp, darkWanted_); };
     return parts;

@@ -50,7 +50,7 @@ public:
     [[nodiscard]] frmMain& window() { return window_; }
 
 private:
-    [[nodiscard]] MainWindowParts windowParts(FilePort& files);
+    [[nodiscard]] MainWindowParts windowParts();
 
     // Ports
     QtClock clock_;
@@ -65,6 +65,7 @@ private:
     QtUsbBridge usb_;
     QtTicker ticker_;
     frmStatus progress_;
+    DesktopPorts desktop_;
     ChartSet charts_;
 
     Core core_;

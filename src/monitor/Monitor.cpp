@@ -96,7 +96,7 @@ void Monitor::endRun() {
 }
 
 void Monitor::startRun() {
-    notice_.clear();
+    notice_ = {};
     desk_.runStarts();
     runSensors_ = parts_.link.sensorCount();
     runStart_ = parts_.clock.local();
@@ -288,7 +288,8 @@ void Monitor::reopen() {
 void Monitor::reopened() {
     if (runMode_ == kRunning) {
         if (!keeper_.sameVersion()) {
-            notice_ = "Another instrument answers now: " + utf8FromAnsi(trimmed(parts_.link.CommVersion()));
+            tell("Another instrument answers now: " + utf8FromAnsi(trimmed(parts_.link.CommVersion())),
+                 "Another instrument");
         }
         return;
     }
@@ -342,6 +343,11 @@ void Monitor::sensorItemClicked(std::int16_t item) {
 }
 
 // ---- windows that work the instrument themselves
+
+void Monitor::tell(const std::string& text, const std::string& brief) {
+    notice_ = {text, brief};
+    changed();
+}
 
 void Monitor::linkFound() {
     answers_.say("OK"); // what the loss meant has ended with the opening itself

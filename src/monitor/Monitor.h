@@ -128,9 +128,14 @@ public:
     [[nodiscard]] const AnswerRecord& answers() const { return answers_; }
     /// The link was lost since it was last on line and is being opened again from the tick.
     [[nodiscard]] bool reconnecting() const { return keeper_.lost(); }
-    /// A message in words that stays until the next run starts: another instrument after a loss; empty when
-    /// none.
-    [[nodiscard]] const std::string& notice() const { return notice_; }
+    /// A message in words that stays until the next run starts: another instrument after a loss, graph
+    /// settings that were not saved. Empty when none.
+    struct Message {
+        std::string text;
+        std::string brief;
+    };
+    [[nodiscard]] const Message& notice() const { return notice_; }
+    void tell(const std::string& text, const std::string& brief);
     /// The record shown in Simulate and Etch of the status bar was read from or sent to the instrument.
     [[nodiscard]] bool systemKnown() const { return systemKnown_; }
     [[nodiscard]] const LocalTime& runStart() const { return runStart_; }
@@ -175,7 +180,7 @@ private:
     bool systemKnown_ = false;
     int runSensors_ = 0; ///< sensors that the run in progress began with
     LocalTime runStart_;
-    std::string notice_;
+    Message notice_;
 };
 
 } // namespace drx9

@@ -10,7 +10,8 @@ StatusFacts StatusBoard::facts() const {
     facts.started = monitor.started();
     facts.pauseReason = parts_.timer.holdReason();
     facts.link = parts_.settings.link;
-    facts.instrumentNotice = monitor.notice();
+    facts.message = monitor.notice().text;
+    facts.messageBrief = monitor.notice().brief;
     facts.runStart = monitor.runStart();
     facts.systemKnown = monitor.systemKnown();
     facts.simulate = parts_.settings.system.Simulate != 0;

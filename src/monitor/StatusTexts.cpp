@@ -220,8 +220,8 @@ StatusText staShutter(const StatusFacts& facts) {
 }
 
 StatusText staMode(const StatusFacts& facts) {
-    if (!facts.instrumentNotice.empty()) {
-        return {facts.instrumentNotice, "Another instrument", StatusText::Tone::Warn};
+    if (!facts.message.empty()) {
+        return {facts.message, facts.messageBrief, StatusText::Tone::Warn};
     }
     if (facts.controlsVisible && facts.started && !facts.systemKnown && facts.hasReading) {
         return {"System parameters not read", "No parameters", StatusText::Tone::Warn};

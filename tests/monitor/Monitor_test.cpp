@@ -383,7 +383,7 @@ TEST_F(MonitorTest, RunGoesOnOverALossWithAGapAndOneBox) {
     EXPECT_LE(clock.monotonic() - back, 2.3);
     EXPECT_EQ(monitor.RunMode(), kRunning);
     EXPECT_EQ(shutter, 1) << "the request waited";
-    EXPECT_NE(monitor.notice().find("DRX-9 Ver 4.12"), std::string::npos);
+    EXPECT_NE(monitor.notice().text.find("DRX-9 Ver 4.12"), std::string::npos);
     tickAfter(0.25);
     EXPECT_EQ(averageRate.gaps, 1);
 }

@@ -143,8 +143,10 @@ TEST(StatusTexts, FieldsOfTheBar) {
         {"modes of the file only", [](StatusFacts& f) { f.simulate = true; }, staMode,
          "System parameters not read", "No parameters", Tone::Warn},
         {"another instrument",
-         [](StatusFacts& f) { f.instrumentNotice = "Another instrument answers now: X"; }, staMode,
-         "Another instrument answers now: X", "Another instrument", Tone::Warn},
+         [](StatusFacts& f) {
+             f.message = "Another instrument answers now: X", f.messageBrief = "Another instrument";
+         },
+         staMode, "Another instrument answers now: X", "Another instrument", Tone::Warn},
         {"log off", [](StatusFacts& f) { f.log.Type = kLogNone; }, staLog, "Log: /runs/drx9.txt, off",
          "Log off"},
         {"log, idle", [](StatusFacts&) {}, staLog, "Log: /runs/drx9.txt (Append), until 0:05:00",

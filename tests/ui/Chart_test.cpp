@@ -84,7 +84,7 @@ protected:
         settle();
     }
     [[nodiscard]] std::string said() { // at most a second old
-        QTest::qWait(1100);
+        QTest::qWait(1300);
         return chart.accessibleDescription().toStdString();
     }
     QMenu* menu() {

@@ -6,6 +6,21 @@ namespace drx9 {
 
 namespace {
 constexpr double kEdgeReach = 4; ///< a value that ripples about the axis's end keeps its mark
+
+/// Keeps the numbers off the axis below the plot and off its upper edge; where there is no room for all, the
+/// upper ones stay.
+std::vector<double> within(std::vector<double> positions, double height, double step) {
+    double limit = height - step / 2;
+    for (auto position = positions.rbegin(); position != positions.rend(); ++position, limit -= step) {
+        *position = std::min(*position, limit);
+    }
+    limit = step / 2;
+    for (double& position : positions) {
+        position = std::max(position, limit);
+        limit += step;
+    }
+    return positions;
+}
 } // namespace
 
 std::vector<double> spread(const std::vector<double>& sorted, double step) {
@@ -55,7 +70,7 @@ std::vector<EndMark> endMarks(const ChartModel& model, const ChartCurves& curves
     for (const EndMark& mark : marks) {
         heights.push_back(mark.y);
     }
-    const std::vector<double> spreadHeights = spread(heights, step);
+    const std::vector<double> spreadHeights = within(spread(heights, step), height, step);
     for (std::size_t i = 0; i < marks.size(); ++i) {
         marks[i].numberY = spreadHeights[i];
     }

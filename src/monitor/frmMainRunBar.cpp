@@ -18,6 +18,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <utility>
 
 namespace drx9 {
 
@@ -190,7 +191,8 @@ void RunBar::showFilms(const Facts& facts) {
 }
 
 void RunBar::placeFocus(bool comesOnLine, bool startsRun) {
-    if (comesOnLine && focusIsSpare()) {
+    const bool first = comesOnLine && !std::exchange(wasOnLine_, true); // nobody has chosen the focus yet
+    if (first || (comesOnLine && focusIsSpare())) {
         cboFilms_->setFocus();
     }
     if (startsRun && (focusIsSpare() || window()->focusWidget() == cboFilms_)) { // the list gets locked now

@@ -93,6 +93,7 @@ private:
     QPointer<QWidget> focusBeforeHold_;
     std::vector<std::string> shownFilms_;
     Facts shown_;
+    bool wasOnLine_ = false; ///< since the program's start
 };
 
 } // namespace drx9

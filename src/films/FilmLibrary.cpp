@@ -63,7 +63,9 @@ void FilmLibrary::DBOpen() {
 std::string FilmLibrary::upgrade() {
     const bool ran = statements_.run([&] {
         const auto outcome = LibraryUpgrade(parts_.engine, parts_.files, path()).DBUpgrade();
-        tell(outcome.told, outcome.converted ? NoticeTone::Warn : NoticeTone::Alarm);
+        if (!outcome.told.empty()) {
+            tell(outcome.told, outcome.converted ? NoticeTone::Warn : NoticeTone::Alarm);
+        }
     });
     return ran ? std::string() : statements_.reason();
 }

@@ -40,6 +40,7 @@ TEST(Upload, StoresByNumberInACopy) {
     EXPECT_EQ(bench.DBFileName, "UploadData.mdb");
     EXPECT_TRUE(bench.library.unsavedUpload());
     EXPECT_EQ(bench.told(), "9 films read. Not saved under another name yet");
+    EXPECT_EQ(bench.library.notice().tone, NoticeTone::Warn);
     EXPECT_EQ(bench.progress.shown, Rows{"Reading DRX-9 Films"});
     EXPECT_EQ(bench.progress.percents, (std::vector<int>{11, 22, 33, 44, 56, 67, 78, 89, 100}));
     EXPECT_EQ(bench.progress.standing, 0);

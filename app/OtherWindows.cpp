@@ -43,6 +43,7 @@ QWidget* makeFilms(Core& core, const DesktopPorts& desktop, QWidget* owner) {
                                 desktop.progress, core.actions, desktop.clock, core.locale, core.access,
                                 core.access, core.questions, [&core] { return core.actions.closing(); }},
                                owner);
+    window->setAttribute(Qt::WA_DeleteOnClose);
     if (desktop.progressWindow != nullptr) {
         desktop.progressWindow->setOwner(ProgressOwner::FilmWindow, window);
     }

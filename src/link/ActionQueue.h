@@ -41,6 +41,9 @@ public:
     [[nodiscard]] bool waitingFor(For purpose) const;
     /// The program has been asked to close: nothing new is begun.
     [[nodiscard]] bool closing() const { return closing_; }
+    /// The session ends: the program must be gone within two seconds, and nothing more is sent.
+    void hurry() { hurrying_ = true; }
+    [[nodiscard]] bool hurrying() const { return hurrying_; }
     /// Runs the action now or, while busy, after the operation in hand. Actions keep their order. A close
     /// goes before all: what waits is dropped for it, and so is what comes after it.
     void runWhenIdle(std::function<void()> action, For purpose = For::Other);
@@ -63,6 +66,7 @@ private:
     int depth_ = 0;
     bool drainPosted_ = false;
     bool closing_ = false;
+    bool hurrying_ = false;
     std::deque<Waiting> actions_;
     std::function<void(const std::exception&)> fault_;
 };

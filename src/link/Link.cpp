@@ -79,6 +79,10 @@ Exchange Link::exchange(const std::string& command) {
         outcome_ = comm::kBusy;
         return {comm::kBusy, {}};
     }
+    if (actions_.hurrying()) {
+        status_ = outcome_ = comm::kTimeout;
+        return {comm::kTimeout, {}};
+    }
     Exchange ended = exchangeNow(command);
     sendPending();
     outcome_ = ended.status;

@@ -33,7 +33,7 @@ QString buildDate() {
 QString licences() {
     return QStringLiteral("<p>Licence: GNU General Public License, version 3 or later. It comes without any "
                           "warranty.</p>"
-                          "<p>Qt %1: LGPL version 3<br>QCustomPlot: GPL version 3 or later</p>")
+                          "<p>Qt %1: LGPL version 3</p>")
         .arg(QString::fromLatin1(qVersion()));
 }
 

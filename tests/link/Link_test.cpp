@@ -197,6 +197,16 @@ TEST_P(EachLink, ACommandWaitsForTheLateAnswerOfTheOneBefore) {
     EXPECT_EQ(link.CommStatus(), comm::kTimeout) << "of the exchange that timed out";
 }
 
+TEST_P(EachLink, NothingIsSentOnceTheSessionEnds) {
+    bench.wire().answer("");
+    bench.pump.atPump(2, [this] { bench.actions.hurry(); });
+    const double start = bench.clock.monotonic();
+    EXPECT_EQ(exchanged(bench, "S"), "1 ");
+    EXPECT_EQ(exchanged(bench, "T"), "1 ");
+    EXPECT_EQ(bench.wire().commands(), std::vector<std::string>{"S"});
+    EXPECT_LE(bench.clock.monotonic() - start, 1.0 + 1e-9);
+}
+
 TEST_P(EachLink, ALongCommandIsCapped) {
     bench.wire().answer(good(""));
     exchanged(bench, std::string(300, 'x'));

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 using namespace drx9;
@@ -44,9 +45,13 @@ protected:
 TEST_F(QtEventPumpTest, WaitsOutADeadlinePreciselyAndWithoutSpinning) {
     for (const double seconds : {1.0, 0.05, 0.2}) { // an earlier one after a later one, and a later one again
         SCOPED_TRACE(seconds);
-        const double deadline = now() + seconds;
-        EXPECT_LT(cpuOfSleeping(seconds), 0.05);
-        EXPECT_LT(now() - deadline, 0.05);
+        double late = 1;
+        for (int attempt = 0; attempt < 3 && late >= 0.05; ++attempt) { // the machine may be busy
+            const double deadline = now() + seconds;
+            EXPECT_LT(cpuOfSleeping(seconds), 0.05);
+            late = now() - deadline;
+        }
+        EXPECT_LT(late, 0.05);
     }
 }
 
@@ -103,49 +108,54 @@ TEST_F(QtEventPumpTest, RunsPostedActionsInOrderAlsoFromWithin) {
     EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4}));
 }
 
+// The order of what comes is told, not its time: timers that a busy machine delays still fire in their order.
+
 TEST_F(QtEventPumpTest, ALateTickIsFollowedByOneAtOnceAndTheBeatStartsAnew) {
     QtTicker ticker(clock, 50);
-    std::vector<double> ticks;
-    bool waitingEventRan = false;
+    std::vector<std::string> order;
+    int ticks = 0;
     int depth = 0;
-    const double start = now();
+    const auto note = [&order](const char* what) { return [&order, what] { order.emplace_back(what); }; };
     ticker.setTick([&] {
         EXPECT_EQ(depth++, 0) << "a tick inside a tick";
-        ticks.push_back(now() - start);
-        if (ticks.size() == 1) { // runs over the beats at 100 and 150 ms, pumping
+        order.push_back("tick " + std::to_string(++ticks));
+        if (ticks == 1) { // runs over the beats at 100 and 150 ms, pumping
             wait([] { return false; }, 0.125);
-            queue([&] { waitingEventRan = true; });
-        }
-        if (ticks.size() == 2) {
-            EXPECT_TRUE(waitingEventRan) << "the late tick left no room for others";
-        }
-        if (ticks.size() == 3) { // started anew in mid-beat
+            queue(note("waiting event"));
+            after(20, note("20 ms later"));
+        } else if (ticks == 2) {
+            after(40, note("40 ms later"));
+        } else { // started anew in mid-beat
             wait([] { return false; }, 0.02);
             ticker.stop();
-            ticker.start();
+            if (ticks == 3) {
+                after(40, note("40 ms later"));
+                ticker.start();
+            }
         }
         --depth;
     });
     ticker.start();
-    EXPECT_TRUE(wait([&] { return ticks.size() == 4; }));
-    ticker.stop();
-    ASSERT_EQ(ticks.size(), 4u);
-    EXPECT_NEAR(ticks[1], 0.175, 0.02) << "one tick is owed";
-    EXPECT_NEAR(ticks[2] - ticks[1], 0.05, 0.02) << "and only one";
-    EXPECT_NEAR(ticks[3] - ticks[2], 0.07, 0.02);
+    EXPECT_TRUE(wait([&] { return ticks == 4; }));
     wait([] { return false; }, 0.12);
-    EXPECT_EQ(ticks.size(), 4u) << "ticked after stop";
+    EXPECT_EQ(order, (std::vector<std::string>{"tick 1", "waiting event", "tick 2", "20 ms later",
+                                               "40 ms later", "tick 3", "40 ms later", "tick 4"}));
 }
 
 TEST_F(QtEventPumpTest, BeatsThatSomethingElseHeldUpAreNotMadeUpFor) {
     QtTicker ticker(clock, 50);
     int ticks = 0;
-    ticker.setTick([&] { ++ticks; });
+    int later = 0;
+    ticker.setTick([&] {
+        if (++ticks == 1) {
+            after(40, [&] { later = ticks; });
+        }
+    });
     ticker.start();
     for (const double end = now() + 0.18; now() < end;) { // the event loop does not come round
     }
-    wait([] { return false; }, 0.03);
-    EXPECT_EQ(ticks, 1);
+    EXPECT_TRUE(wait([&] { return later > 0; }));
+    EXPECT_EQ(later, 1);
 }
 
 TEST(QtClockTest, LocalTimeIsTheSystemsOwnAlsoFromWhatIsKept) {

@@ -50,6 +50,7 @@ void Program::reportError(const std::exception& error) noexcept {
 void Program::endSession() {
     core_.questions.setSessionEnds();
     core_.actions.hurry();
+    boxes_.endSession();
     // A box that is closed may uncover another one.
     for (QWidget* modal = QApplication::activeModalWidget(); modal != nullptr;) {
         modal->close();

@@ -184,15 +184,18 @@ void FilmTransfer::download(int index) {
 /// Where it is open the hourglass is left behind (kept).
 bool FilmTransfer::shutterClosed() {
     beginExchange();
-    const std::int16_t shutter = parts_.commands.Comm_GetUnit();
-    if (!endExchange()) {
+    const std::optional<std::int16_t> shutter = parts_.commands.queryUnit();
+    if (!endExchange() || !shutter) {
         parts_.library.tell("Nothing sent: whether the shutter is closed is not known (" +
-                                commStatusText(parts_.link.outcome()) + ")",
+                                commStatusText(shutter || parts_.link.outcome() != comm::kOk
+                                                   ? parts_.link.outcome()
+                                                   : comm::kNoData) +
+                                ")",
                             NoticeTone::Alarm);
         parts_.list.setHourglass(false);
         return false;
     }
-    if (shutter > 0) {
+    if (*shutter > 0) {
         parts_.boxes.show("Please close shutter before downloading films.", "Shutter is opened!",
                           MessageIcon::Exclamation);
         return false;

@@ -13,6 +13,7 @@ constexpr const char* kNotFound = "Instrument not found.";
 constexpr const char* kProduct = "83F5"; // tells the instrument's bridge from others of its family
 constexpr int kSerialNumber = 0;         // options of SI_GetProductString
 constexpr int kProductId = 4;
+constexpr double kStrayWatch = 0.05; // s
 
 /// A procedure's name with the error handler, as long as it runs.
 class Registered {
@@ -178,6 +179,7 @@ bool Discovery::openSocket(const Abandon& abandon) {
 
 bool Discovery::instrumentAnswers() {
     link_.setCommStatus(comm::kOk);
+    link_.watch().begin();
     const Exchange version = link_.exchange("@");
     if (!version.ok()) {
         failure_ = std::string(kNotFound) + " (" + commStatusText(version.status) + ")";
@@ -185,9 +187,24 @@ bool Discovery::instrumentAnswers() {
         return false;
     }
     const std::string type = link_.exchange("J").reply;
+    if (answersStray()) {
+        return false;
+    }
     link_.setInstrumentType(type.empty() ? std::int16_t{0} : toInt16(Val(type.substr(type.size() - 1))));
     link_.setCommOK(true);
     link_.setCommStatus(comm::kOk);
+    return true;
+}
+
+/// A serial port keeps what comes late for the link as it was: it must not pass for the version.
+bool Discovery::answersStray() {
+    link_.settle();
+    link_.listen(kStrayWatch);
+    if (!link_.watch().broken()) {
+        return false;
+    }
+    failure_ = "Answers out of step";
+    transports_.usb.close();
     return true;
 }
 

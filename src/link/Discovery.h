@@ -11,7 +11,7 @@
 
 namespace drx9 {
 
-/// Is told whenever the link is opened, by whomever: what a loss means ends in one place.
+/// Is told whenever the link is opened, whoever opens it: what a loss means ends in one place.
 class LinkListener {
 public:
     virtual ~LinkListener() = default;
@@ -59,6 +59,7 @@ private:
     bool openUsb();
     bool openSocket(const Abandon& abandon);
     bool instrumentAnswers();
+    bool answersStray();
     void lost();
     void tell(Messages messages, const std::string& text, MessageIcon icon, bool systemModal);
 

@@ -226,7 +226,8 @@ void frmComm::find() {
     txtSend_->clear();
     txtRcv_->clear();
     say({"Looking for the DRX-9 on " + linkName(sought), CommState::Tone::Plain});
-    const bool found = parts_.discovery.Comm_Open(Messages::Blocking);
+    const bool found =
+        parts_.discovery.Comm_Open(Messages::Blocking, [this] { return parts_.actions.closing(); });
     if (self == nullptr) {
         return;
     }

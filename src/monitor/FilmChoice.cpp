@@ -44,7 +44,7 @@ void FilmChoice::clearList() {
     index_ = -1;
 }
 
-bool FilmChoice::setList(std::vector<std::string> names, int asked, bool whole) {
+bool FilmChoice::setList(std::vector<std::string> names, int asked) {
     names_ = std::move(names);
     const int listed = static_cast<int>(names_.size());
     index_ = -1;
@@ -56,7 +56,7 @@ bool FilmChoice::setList(std::vector<std::string> names, int asked, bool whole) 
         index_ = current_ - 1;
         return false;
     }
-    if (listed == 0 || (!whole && current_ >= 1)) {
+    if (listed == 0 || current_ >= 1) {
         return false; // the film in use is only not listed
     }
     index_ = 0; // counts as a selection, so that list and instrument agree
@@ -73,6 +73,10 @@ std::string FilmChoice::currentName() const {
 
 std::string FilmChoice::nameBesideList() const {
     return index_ < 0 && current_ >= 1 ? filmListName(*current()) : std::string();
+}
+
+void FilmChoice::showCurrent() {
+    index_ = current_ >= 1 && current_ <= static_cast<int>(names_.size()) ? current_ - 1 : -1;
 }
 
 void FilmChoice::selected(int number, bool confirmed) {

@@ -33,10 +33,11 @@ public:
     void choose(int index) { index_ = index; }
     void clearList();
     /// A list read from the instrument. `asked` is the index of a choice that still waits to be sent, -1 when
-    /// none; `whole` is false where the list ends before a film that could not be read. Selects the film in
-    /// use again without a request; true when the first film has been chosen and must be requested, as no
-    /// film was selected since the start.
-    [[nodiscard]] bool setList(std::vector<std::string> names, int asked, bool whole);
+    /// none. Selects the film in use again without a request; true when the first film has been chosen and
+    /// must be requested, as no film was selected since the start.
+    [[nodiscard]] bool setList(std::vector<std::string> names, int asked);
+    /// Takes a choice that was not sent back: the film in use is the chosen one again.
+    void showCurrent();
 
     // The film in use.
 

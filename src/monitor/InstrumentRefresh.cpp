@@ -55,7 +55,6 @@ void InstrumentRefresh::readFilms(Films& films, Result& result) {
         result.films.push_back(filmListName(film));
     }
     parts_.progress.ProgressHide();
-    result.allFilms = static_cast<int>(result.films.size()) == count;
 }
 
 void InstrumentRefresh::readRecord(Result& result) {

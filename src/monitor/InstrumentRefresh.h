@@ -33,7 +33,6 @@ public:
     struct Result {
         End end = End::Read;
         std::vector<std::string> films; ///< names in UTF-8, up to the first film that could not be read
-        bool allFilms = false;
         bool recordAsked = false;
         bool recordRead = false; ///< meaningful when recordAsked
     };

@@ -8,6 +8,7 @@ namespace {
 constexpr double kAttemptInterval = 1.5; // s
 /// Bad ticks, or readings out of step, in a row before a link that answers is opened anew.
 constexpr int kBadBeforeReopen = 4;
+constexpr double kLongLoss = 3;        // s
 constexpr double kLivingInterval = 60; // s between two reopenings that do not help
 
 /// The instrument answered, but refused or answered garbled: it lives.
@@ -98,8 +99,10 @@ void LinkKeeper::linkOpening() {
 }
 
 void LinkKeeper::linkOpened() {
-    openedAt_ = clock_.monotonic();
-    silence_ = openedAt_ - std::exchange(silentFrom_, -1);
+    const double now = clock_.monotonic();
+    if (now - std::exchange(silentFrom_, -1) > kLongLoss) {
+        longLossEnded_ = now;
+    }
     lost_ = false;
     wasOnLine_ = true;
 }

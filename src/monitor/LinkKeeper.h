@@ -50,9 +50,8 @@ public:
     [[nodiscard]] bool repeated() const { return repeated_; }
     /// The version text is the one from before the last loss.
     [[nodiscard]] bool sameVersion() const { return link_.CommVersion() == versionAtLoss_; }
-    /// Longest silence (s) that ended with an opened link at or after this monotonic time; 0 when there was
-    /// none.
-    [[nodiscard]] double silenceSince(double time) const { return openedAt_ >= time ? silence_ : 0; }
+    /// The link was lost for more than 3 s and opened again at or after this monotonic time.
+    [[nodiscard]] bool longLossSince(double time) const { return longLossEnded_ >= time; }
 
     void linkOpening() override;
     void linkOpened() override;
@@ -75,8 +74,7 @@ private:
     double lastAttempt_ = -1;          ///< monotonic, as the others
     double lastLivingReopen_ = -1;
     double silentFrom_ = -1; ///< last answer before the link was opened
-    double openedAt_ = -1;
-    double silence_ = 0; ///< s before openedAt_
+    double longLossEnded_ = -1;
     std::string versionAtLoss_;
 };
 

@@ -24,6 +24,7 @@ bool Monitor::Form_Load() {
     }
     const ActionQueue::Scope scope(parts_.actions);
     parts_.LoadSettings();
+    loaded_ = true;
     parts_.readouts.setDisplay(parts_.settings.Display);
     parts_.readouts.setGraph(parts_.settings.Graph);
     charts_.Init();
@@ -43,6 +44,9 @@ bool Monitor::Form_Load() {
 void Monitor::Form_QueryUnload(bool sessionEnds) {
     std::string notSaved;
     step([&] {
+        if (!loaded_) {
+            return; // nothing has been read yet that could be written back
+        }
         parts_.settings.Display = parts_.readouts.Display();
         parts_.settings.Graph = parts_.readouts.Graph();
         notSaved = parts_.SaveSettings();
@@ -69,18 +73,39 @@ void Monitor::setRunMode(std::int16_t mode) {
     changeMode(mode, true);
 }
 
+/// The timer of the run mode, set when the rest of the change is done.
+class Monitor::TimerRule {
+public:
+    explicit TimerRule(Monitor& monitor)
+        : monitor_(monitor) {}
+    ~TimerRule() {
+        // A lost link is opened again from the tick, so the tick goes on while it is lost.
+        const bool polls = monitor_.runMode_ == kIdle || monitor_.runMode_ == kRunning;
+        const bool onLine = monitor_.parts_.link.CommOK() || monitor_.keeper_.lost();
+        monitor_.parts_.timer.setWanted(polls && onLine);
+    }
+    TimerRule(const TimerRule&) = delete;
+    TimerRule& operator=(const TimerRule&) = delete;
+
+private:
+    Monitor& monitor_;
+};
+
 void Monitor::changeMode(std::int16_t mode, bool refresh) {
+    if (runMode_ == kExiting) {
+        return;
+    }
     const ActionQueue::Scope scope(parts_.actions);
     if (runMode_ == kRunning) {
         endRun();
     }
     runMode_ = mode;
-    if (mode == kIdle && refresh) {
-        InitForm();
+    {
+        const TimerRule rule(*this); // also when the refresh throws: polling goes on
+        if (mode == kIdle && refresh) {
+            InitForm();
+        }
     }
-    // A lost link is opened again from the tick, so the tick goes on while it is lost.
-    const bool polls = mode == kIdle || mode == kRunning;
-    parts_.timer.setWanted(polls && (parts_.link.CommOK() || keeper_.lost()));
     if (mode == kRunning) {
         startRun();
     }
@@ -173,7 +198,7 @@ void Monitor::takeRefresh(InstrumentRefresh::Result result) {
         return;
     }
     const int asked = desk_.waiting().film ? choice_.index() : -1; // a choice that waits outlives the refresh
-    if (choice_.setList(std::move(result.films), asked, result.allFilms)) {
+    if (choice_.setList(std::move(result.films), asked)) {
         desk_.raiseFilm();
     }
 }
@@ -355,6 +380,9 @@ void Monitor::linkFound() {
 }
 
 void Monitor::linkSetupClosed(bool reopen, bool sameLink) {
+    if (runMode_ == kExiting) {
+        return;
+    }
     const ActionQueue::Scope scope(parts_.actions);
     if (reopen) {
         parts_.discovery.Comm_Open(Messages::Silent, [this] { return parts_.actions.closing(); });

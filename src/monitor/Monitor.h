@@ -141,6 +141,8 @@ public:
     [[nodiscard]] const LocalTime& runStart() const { return runStart_; }
 
 private:
+    class TimerRule;
+
     void toggleRun() override;
     void filmChanged() override;
     void shutterQueried() override { changed(); }
@@ -172,6 +174,7 @@ private:
     Readings readings_;
     std::int16_t runMode_ = kStarting;
     std::string title_ = kProgramName;
+    bool loaded_ = false; ///< the settings were read
     bool controlsVisible_ = false;
     bool started_ = false;
     bool refreshOwed_ = false; ///< a refresh was cut, or could not be made: the next tick that can makes it

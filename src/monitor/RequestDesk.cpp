@@ -7,8 +7,6 @@
 namespace drx9 {
 
 namespace {
-constexpr double kLongestLossForStart = 3; // s
-
 /// The status that failed first.
 std::uint16_t firstFailure(std::uint16_t first, std::uint16_t second) {
     return first != comm::kOk ? first : second;
@@ -49,14 +47,13 @@ void RequestDesk::takeFilm(RunHost& host) {
         return; // an empty selection drops the request
     }
     const int number = parts_.choice.index() + 1;
-    StepWatch& watch = parts_.link.watch();
-    watch.begin();
+    parts_.link.watch().begin();
     const std::uint16_t status = note("D", parts_.commands.Comm_SelectFilm(number));
     if (status == comm::kOk) {
         readFilm(number);
     }
-    parts_.choice.selected(number, status == comm::kOk && !watch.broken());
-    report_.ended("Film", status);
+    parts_.choice.selected(number, status == comm::kOk && inStep());
+    report_.ended("Film", status, inStep());
     host.filmChanged();
 }
 
@@ -64,7 +61,7 @@ void RequestDesk::readFilm(int number) {
     FilmRecord film;
     const bool failed = parts_.commands.Comm_GetFilm(number, film, Messages::NonBlocking);
     note("A", parts_.link.outcome());
-    if (!failed && !parts_.link.watch().broken()) {
+    if (!failed && inStep()) {
         parts_.films[static_cast<std::size_t>(number)] = film;
     }
 }
@@ -73,35 +70,38 @@ void RequestDesk::takeZero(RunHost& host) {
     if (!std::exchange(flags_.zero, false)) {
         return;
     }
+    parts_.link.watch().begin();
     std::uint16_t status = note("S", parts_.commands.Comm_ZeroThickness());
     status =
         firstFailure(status, note("T", parts_.commands.Comm_ZeroTime())); // ZeroAll sends it once more: kept
     status = firstFailure(status, host.ZeroAll());
-    report_.ended("Zero", status);
+    report_.ended("Zero", status, inStep());
 }
 
 bool RequestDesk::takeShutter(const RunHost& host) {
     if (!std::exchange(flags_.shutter, false)) {
         return false;
     }
+    parts_.link.watch().begin();
     if (shutterState_ == 0) {
         openShutter(host);
     } else {
-        report_.ended("Shutter",
-                      note("U", parts_.commands.Comm_SetUnit(0))); // also after a failed query: kept
+        const std::uint16_t status =
+            note("U", parts_.commands.Comm_SetUnit(0)); // also when the query failed: kept
+        report_.ended("Shutter", status, inStep());
     }
     return true;
 }
 
 void RequestDesk::openShutter(const RunHost& host) {
     const std::uint16_t status = note("U", parts_.commands.Comm_SetUnit(1));
-    report_.ended("Shutter", status);
+    report_.ended("Shutter", status, inStep());
     if (host.RunMode() != kIdle) {
         return;
     }
-    if (status == comm::kOk) {
+    if (status == comm::kOk && inStep()) {
         flags_.startStop = true; // opening the shutter while idle starts a run in the same tick
-    } else if (Exchange{status, {}}.unanswered()) {
+    } else if (status == comm::kOk || Exchange{status, {}}.unanswered()) {
         unansweredOpening_ = parts_.clock.monotonic();
     }
 }
@@ -118,7 +118,7 @@ void RequestDesk::queryShutter(RunHost& host) {
 
 void RequestDesk::startBehindShutter(std::int16_t answer, std::int16_t runMode) {
     const std::optional<double> sent = std::exchange(unansweredOpening_, std::nullopt);
-    if (sent && answer > 0 && runMode == kIdle && parts_.keeper.silenceSince(*sent) <= kLongestLossForStart) {
+    if (sent && answer > 0 && runMode == kIdle && !parts_.keeper.longLossSince(*sent)) {
         flags_.startStop = true;
     }
 }
@@ -138,6 +138,9 @@ void RequestDesk::dropWaiting() {
             report_.notSent(name);
         }
     }
+    if (flags_.film) {
+        parts_.choice.showCurrent();
+    }
     flags_ = {};
     unansweredOpening_.reset();
 }
@@ -145,6 +148,11 @@ void RequestDesk::dropWaiting() {
 void RequestDesk::runStarts() {
     report_.clear();
     unansweredOpening_.reset();
+}
+
+/// Nothing came late or unasked since the request began.
+bool RequestDesk::inStep() const {
+    return !parts_.link.watch().broken();
 }
 
 std::uint16_t RequestDesk::note(const char* command, std::uint16_t status) {

@@ -67,7 +67,7 @@ public:
     /// A stop does not wait for the link: true when one was requested in a run, which is then taken off the
     /// desk.
     [[nodiscard]] bool takeStop(std::int16_t runMode);
-    /// Drops what waits and says so: a window opens that would hold it for who knows how long.
+    /// Drops what waits and says so: a window opens that would hold it as long as it stays open.
     void dropWaiting();
     /// A run begins: what was said of earlier requests goes.
     void runStarts();
@@ -85,6 +85,7 @@ private:
     void openShutter(const RunHost& host);
     void queryShutter(RunHost& host);
     void startBehindShutter(std::int16_t answer, std::int16_t runMode);
+    [[nodiscard]] bool inStep() const;
     std::uint16_t note(const char* command, std::uint16_t status);
 
     Parts parts_;

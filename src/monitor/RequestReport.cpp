@@ -10,7 +10,7 @@ namespace {
 constexpr double kNoticeStands = 10; ///< s
 } // namespace
 
-void RequestReport::ended(const char* request, std::uint16_t status) {
+void RequestReport::ended(const char* request, std::uint16_t status, bool inStep) {
     if (std::exchange(fresh_, false)) {
         clear();
     }
@@ -18,6 +18,8 @@ void RequestReport::ended(const char* request, std::uint16_t status) {
         add(std::string(request) + ": no reply", " Press again if needed.");
     } else if (status != comm::kOk) {
         add(std::string(request) + ": " + commStatusText(status), " Press again if needed.");
+    } else if (!inStep) {
+        add(std::string(request) + ": answers out of step", " Press again if needed.");
     }
 }
 

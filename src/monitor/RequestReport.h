@@ -18,7 +18,9 @@ public:
     void beginRound() { fresh_ = true; }
     /// A request has been carried out; `status` is that of its exchanges that failed first, 0 when all were
     /// accepted.
-    void ended(const char* request, std::uint16_t status);
+    /// `inStep` is false when an answer came late or unasked: then nobody can tell which was the request's
+    /// own.
+    void ended(const char* request, std::uint16_t status, bool inStep);
     /// A request that could not wait any longer was dropped.
     void notSent(const char* request);
     void clear();

@@ -26,8 +26,9 @@ frmMain::frmMain(const MainWindowParts& parts)
     , monitor_(parts.monitor)
     , readouts_(parts.readouts)
     , actions_(parts.actions)
-    , menus_(*this, menuHandlers(),
-             [this](std::function<void()> action) { actions_.runWhenIdle(std::move(action)); }) {
+    , menus_(*this, menuHandlers(), [this](std::function<void()> action, ActionQueue::For purpose) {
+        actions_.runWhenIdle(std::move(action), purpose);
+    }) {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QString(kProgramName));
     QApplication::setWindowIcon(appIcon());

@@ -49,8 +49,9 @@ RunBar::Facts frmMain::barFacts() const {
             .films = monitor_.films().names(),
             .filmIndex = monitor_.films().index(),
             .filmName = QString::fromStdString(monitor_.films().nameBesideList()),
-            // While a choice waits nobody can have confirmed it yet.
-            .filmMark = QString::fromStdString(requests.film ? std::string() : monitor_.films().mark()),
+            // For the moment that a choice needs nobody can have confirmed it.
+            .filmMark = QString::fromStdString(
+                requests.film && !monitor_.reconnecting() ? std::string() : monitor_.films().mark()),
             .held = parts_.timer.held(),
             .shutterCaption = monitor_.shutterCaption(),
             .zeroDown = requests.zero,

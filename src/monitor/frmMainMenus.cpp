@@ -69,11 +69,12 @@ QAction* MainMenus::addItem(QMenu* menu, const char* name, const char* caption, 
             return;
         }
         // At its turn the item may be locked, or a window may stand in the way: then it is dropped.
-        later_([item = QPointer<QAction>(item), action] {
+        const auto turn = [item = QPointer<QAction>(item), action] {
             if (item != nullptr && item->isEnabled() && QApplication::activeModalWidget() == nullptr) {
                 action();
             }
-        });
+        };
+        later_(turn, when == When::IdleForSystem ? ActionQueue::For::System : ActionQueue::For::Other);
     });
     return item;
 }
@@ -87,7 +88,7 @@ void MainMenus::buildFileAndEdit(QMainWindow& window) {
 
     QMenu* setup = namedMenu(window, "mnuSetup", "&Edit");
     setupItems_[1] = addItem(setup, "mnuSetupFilms", "&Films", {}, When::Idle, handlers_.films);
-    setupItems_[2] = addItem(setup, "mnuSetupSystem", "&System", {}, When::Idle, handlers_.system);
+    setupItems_[2] = addItem(setup, "mnuSetupSystem", "&System", {}, When::IdleForSystem, handlers_.system);
     comm_ = addItem(setup, "mnuSetupComm", "&Communcations", {}, When::Idle, handlers_.comm);
     addSeparator(setup, "mnuSetupSep2");
     addItem(setup, "mnuSetupGraphs", "&Graph", {}, When::AtOnce, handlers_.graphSet);

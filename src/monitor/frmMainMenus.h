@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/ActionQueue.h"
+
 #include <QObject>
 
 #include <array>
@@ -39,14 +41,14 @@ public:
     /// Items that only touch windows act at once, also in mid-exchange; those that talk to the instrument
     /// wait, for `later`. Closing (exit) sees to its own waiting. Runs an action once nothing of ours is on
     /// the stack.
-    using Later = std::function<void(std::function<void()>)>;
+    using Later = std::function<void(std::function<void()>, ActionQueue::For)>;
 
     MainMenus(QMainWindow& window, Handlers handlers, Later later);
 
     void showFacts(const Facts& facts);
 
 private:
-    enum class When { AtOnce, Idle };
+    enum class When { AtOnce, Idle, IdleForSystem };
 
     QAction* addItem(QMenu* menu, const char* name, const char* caption, const QKeySequence& shortcut,
                      When when, std::function<void()> action);

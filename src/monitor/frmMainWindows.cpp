@@ -16,7 +16,7 @@
 namespace drx9 {
 
 void frmMain::notInThisBuild() {
-    parts_.boxes.show("Not in this build.", kProgramName, MessageIcon::Information);
+    parts_.boxes.showNonBlocking("Not in this build.", kProgramName, MessageIcon::Information);
 }
 
 void frmMain::openWindow(QPointer<QWidget>& window, const WindowMaker& make, bool modal) {
@@ -42,6 +42,9 @@ void frmMain::openWindow(QPointer<QWidget>& window, const WindowMaker& make, boo
 void frmMain::openHolding(QPointer<QWidget>& window, const WindowMaker& make, bool modal) {
     if (make && (window == nullptr || window->isHidden())) {
         monitor_.carryOutBeforeWindow();
+        if (monitor_.locked() || actions_.closing()) {
+            return; // one of the requests has begun a run, or the program closes
+        }
     }
     openWindow(window, make, modal);
 }

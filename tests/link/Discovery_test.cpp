@@ -160,7 +160,8 @@ TEST_F(DiscoveryTest, TheEthernetWaitEndsWithItsReason) {
         bench.socket.wire.forget();
         const double start = bench.clock.monotonic();
         const bool open = discovery.Comm_Open();
-        EXPECT_NEAR(bench.clock.monotonic() - start, c.lasts, 1e-9);
+        const double watched = open ? 0.05 : 0; // for answers that belong to the link as it was
+        EXPECT_NEAR(bench.clock.monotonic() - start, c.lasts + watched, 1e-9);
         EXPECT_EQ(open, c.refusal.empty() && c.lasts < 1);
         open ? expectOnLine(3) : expectLost();
         bench.pump.runFor(2);

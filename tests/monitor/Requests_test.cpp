@@ -3,6 +3,7 @@
 #include "monitor/MonitorFixture.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace drx9 {
 namespace {
@@ -330,6 +331,57 @@ TEST_F(RequestsTest, ARefreshOutOfStepKeepsTheListAndReadsNoRecord) {
     EXPECT_FALSE(monitor.systemKnown());
     EXPECT_NE(settings.system.Simulate, 1);
     EXPECT_EQ(monitor.answers().lastExchange(), "Films and parameters not read: answers out of step");
+}
+
+TEST_F(RequestsTest, AnAnswerThatWasLateForTheLostLinkIsNoVersion) {
+    bringUp();
+    special["U?"] = "";
+    tick(); // times out
+    socket.drop();
+    onCommand["@"] = [this] {
+        socket.wire.arrive(replyPacket('A', "0"), 0.001);
+    }; // before the version itself
+    tickAfter(2);
+    EXPECT_FALSE(link.CommOK());
+    EXPECT_EQ(core.discovery.failure(), "Answers out of step");
+    onCommand.clear();
+    special.erase("U?");
+    tickAfter(2);
+    EXPECT_EQ(monitor.title(), "DRX9 Comm - [Ver. 4.08]");
+}
+
+TEST_F(RequestsTest, AnotherInstrumentWithFewerFilmsGetsNoFilmUnasked) {
+    version = "DRX-9 Ver 4.12";
+    bringUp();
+    monitor.cboFilms_Click(11);
+    tick();
+    loseLink();
+    tickAfter(2);
+    returnLink();
+    version = "DRX-9 Ver 4.08";
+    EXPECT_EQ(actsDuring(4), Texts{});
+    EXPECT_EQ(monitor.films().index(), -1);
+    EXPECT_FALSE(monitor.films().mark().empty());
+}
+
+TEST_F(RequestsTest, AFaultInARefreshLeavesPollingOn) {
+    bringUp();
+    onCommand["A3?"] = [] { throw std::runtime_error("fault"); };
+    EXPECT_THROW(monitor.setRunMode(kIdle), std::runtime_error);
+    EXPECT_TRUE(ticker.on);
+    onCommand.clear();
+    tickAfter(2);
+    tickAfter(2);
+    EXPECT_FALSE(monitor.answers().stale(clock.monotonic()));
+}
+
+TEST_F(RequestsTest, ACloseBeforeTheStartWritesNoSettings) {
+    const std::string before = files.text("/app/Monitor.ini");
+    monitor.Form_QueryUnload();
+    EXPECT_EQ(files.text("/app/Monitor.ini"), before);
+    EXPECT_EQ(monitor.RunMode(), kExiting);
+    monitor.setRunMode(kIdle);
+    EXPECT_EQ(monitor.RunMode(), kExiting) << "for good";
 }
 
 TEST_F(RequestsTest, ARunKeepsTheSensorsThatItBeganWith) {

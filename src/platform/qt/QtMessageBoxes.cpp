@@ -72,6 +72,9 @@ QtMessageBoxes::~QtMessageBoxes() {
 
 void QtMessageBoxes::show(const std::string& text, const std::string& title, MessageIcon icon,
                           bool systemModal) {
+    if (ending_) {
+        return;
+    }
     const QPointer<QMessageBox> box = makeBox(text, title, icon);
     box->setWindowModality(Qt::ApplicationModal);
     if (systemModal)
@@ -80,16 +83,19 @@ void QtMessageBoxes::show(const std::string& text, const std::string& title, Mes
 }
 
 bool QtMessageBoxes::askYesNo(const std::string& text, const std::string& title, MessageIcon icon) {
-    return ask(makeBox(text, title, icon), QMessageBox::Yes | QMessageBox::No, QMessageBox::No) ==
-           QMessageBox::Yes;
+    return !ending_ && ask(makeBox(text, title, icon), QMessageBox::Yes | QMessageBox::No, QMessageBox::No) ==
+                           QMessageBox::Yes;
 }
 
 bool QtMessageBoxes::askOkCancel(const std::string& text, const std::string& title, MessageIcon icon) {
-    return ask(makeBox(text, title, icon), QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Cancel) ==
-           QMessageBox::Ok;
+    return !ending_ && ask(makeBox(text, title, icon), QMessageBox::Ok | QMessageBox::Cancel,
+                           QMessageBox::Cancel) == QMessageBox::Ok;
 }
 
 void QtMessageBoxes::showNonBlocking(const std::string& text, const std::string& title, MessageIcon icon) {
+    if (ending_) {
+        return;
+    }
     if (!nonBlocking_) {
         nonBlocking_ = makeUnattended(text, title, icon, "MsgBoxNonBlocking");
         nonBlocking_->setStandardButtons(QMessageBox::Ok);
@@ -105,6 +111,9 @@ void QtMessageBoxes::closeNonBlocking() {
 void QtMessageBoxes::askYesNoLater(const std::string& text, const std::string& title, MessageIcon icon,
                                    std::function<void(bool)> answered) {
     dropQuestion();
+    if (ending_) {
+        return;
+    }
     question_ = makeUnattended(text, title, icon, "MsgBoxQuestion");
     question_->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     question_->setEscapeButton(QMessageBox::No);
@@ -119,6 +128,12 @@ void QtMessageBoxes::askYesNoLater(const std::string& text, const std::string& t
 
 void QtMessageBoxes::dropQuestion() {
     delete question_.data();
+}
+
+void QtMessageBoxes::endSession() {
+    ending_ = true;
+    closeNonBlocking();
+    dropQuestion();
 }
 
 } // namespace drx9

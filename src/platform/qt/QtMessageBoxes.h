@@ -26,8 +26,11 @@ public:
     void askYesNoLater(const std::string& text, const std::string& title, MessageIcon icon,
                        std::function<void(bool)> answered) override;
     void dropQuestion() override;
+    /// The session ends: from now on no box is shown, and a question is answered No or Cancel at once.
+    void endSession();
 
 private:
+    bool ending_ = false;
     QPointer<QMessageBox> nonBlocking_;
     QPointer<QMessageBox> question_;
 };

@@ -30,6 +30,7 @@ Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale
              charts_.graphs()},
             paths, locale, appInfo())
     , places_(placesFile)
+    , manual_(places_)
     , window_(windowParts()) {
     core_.monitor.setWindow(window_);
     progress_.setOwner(ProgressOwner::MainWindow, &window_);
@@ -38,6 +39,7 @@ Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale
 
 MainWindowParts Program::windowParts() {
     MainWindowParts parts = mainWindowParts(core_, pump_, charts_, desktop_);
+    parts.help = &manual_;
     parts.places = &places_;
     parts.desktopChanged = [this] { followDesktop(*qApp, darkWanted_); };
     return parts;

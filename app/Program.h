@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Manual.h"
 #include "app/OtherWindows.h"
 #include "controls/WindowPlaces.h"
 #include "core/Core.h"
@@ -72,6 +73,7 @@ private:
 
     // Windows
     WindowPlaces places_;
+    Manual manual_;
     frmMain window_;
     std::optional<bool> darkWanted_; ///< what the desktop said
     std::unique_ptr<AppearancePortal> appearance_;

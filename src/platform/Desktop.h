@@ -31,10 +31,13 @@ public:
     virtual std::string startProgram(const std::string& program) = 0;
 };
 
+/// The manual. It touches windows only, so it may be shown at any time.
 class HelpViewer {
 public:
     virtual ~HelpViewer() = default;
     virtual void showIndex() = 0;
+    /// Opens it at the chapter of a window, named by its object name.
+    virtual void showChapter(const std::string& window) = 0;
 };
 
 /// Keeps the machine awake while held; no effect where the desktop offers no way to say so.

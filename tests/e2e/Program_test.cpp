@@ -435,9 +435,11 @@ INSTANTIATE_TEST_SUITE_P(
     Moments, Closing,
     testing::Values(
         Moment{"Connecting", "silent", nullptr, [](const Core& c) { return !c.monitor.started(); }},
-        Moment{"ReadingFilms", "none", nullptr, [](const Core& c) { return c.link.CommLastPacket()[2] == 'A' && c.link.accepted() > 7; }},
+        Moment{"ReadingFilms", "none", nullptr,
+               [](const Core& c) { return c.link.CommLastPacket()[2] == 'A' && c.link.accepted() > 7; }},
         Moment{"InARun", "none", "state?", [](const Core& c) { return c.monitor.RunMode() == kRunning; }},
-        Moment{"LostInARun", "none", "faults silent", [](const Core& c) { return c.monitor.reconnecting(); }}),
+        Moment{"LostInARun", "none", "faults silent",
+               [](const Core& c) { return c.monitor.reconnecting(); }}),
     [](const auto& c) { return c.param.name; });
 
 } // namespace

@@ -49,7 +49,14 @@ frmFilm::frmFilm(FilmWindowParts parts, QWidget* owner)
     Form_Load();
 }
 
-frmFilm::~frmFilm() = default;
+frmFilm::~frmFilm() {
+    // Hidden by QDialog's destructor, a field still tells that it was left: this is no film window any more
+    // then.
+    const QList<QWidget*> fields = findChildren<QWidget*>();
+    for (QWidget* field : fields) {
+        field->disconnect(this);
+    }
+}
 
 // ---- Load and unload ----
 

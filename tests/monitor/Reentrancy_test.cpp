@@ -37,26 +37,31 @@ struct Deed {
     void (*run)(Scene&);
 };
 
-void tickAfter(Scene& t, void (Monitor::*click)()) {
-    (t.monitor.*click)();
-    t.tick();
-}
-
 const Deed kOperations[] = {
     {"program start", [](Scene& t) { t.monitor.Form_Load(); }},
     {"tick", [](Scene& t) { t.tick(); }},
     {"start and stop",
      [](Scene& t) {
-         tickAfter(t, &Monitor::cmdStartStop_Click);
-         tickAfter(t, &Monitor::cmdStartStop_Click);
+         t.monitor.cmdStartStop_Click();
+         t.tick();
+         t.monitor.cmdStartStop_Click();
+         t.tick();
      }},
-    {"zero", [](Scene& t) { tickAfter(t, &Monitor::cmdZero_Click); }},
+    {"zero",
+     [](Scene& t) {
+         t.monitor.cmdZero_Click();
+         t.tick();
+     }},
     {"film",
      [](Scene& t) {
          t.monitor.cboFilms_Click(1);
          t.tick();
      }},
-    {"shutter", [](Scene& t) { tickAfter(t, &Monitor::cmdShutter_Click); }},
+    {"shutter",
+     [](Scene& t) {
+         t.monitor.cmdShutter_Click();
+         t.tick();
+     }},
 };
 
 const Deed kEvents[] = {

@@ -55,7 +55,7 @@ int MarkLabel::markWidth() const {
 
 int MarkLabel::widthFor(const QString& text, Tone tone) const {
     const int mark = tone == Tone::Plain ? 0 : kMark + kGap;
-    const int wanted = text.isEmpty() ? 0 : mark + fontMetrics().horizontalAdvance(text) + 1;
+    const int wanted = text.isEmpty() ? 0 : mark + widths_.of(text, fontMetrics()) + 1;
     return std::max(reserve_, wanted) + (separator_ ? kSeparatorRoom + 1 : 0);
 }
 
@@ -84,13 +84,15 @@ void MarkLabel::paintEvent(QPaintEvent*) {
     }
     painter.setPen(color);
     const int room = width() - markWidth() - (separator_ ? kSeparatorRoom + 1 : 0);
-    const QString fitting = fontMetrics().elidedText(text_, Qt::ElideMiddle, room + 1);
+    const bool fits = widths_.of(text_, fontMetrics()) <= room + 1;
+    const QString fitting = fits ? text_ : fontMetrics().elidedText(text_, Qt::ElideMiddle, room + 1);
     painter.drawText(QRect(markWidth(), 0, room + 2, height()), Qt::AlignLeft | Qt::AlignVCenter, fitting);
 }
 
 void MarkLabel::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange) {
+        widths_.forget();
         updateGeometry();
     }
 }

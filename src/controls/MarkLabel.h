@@ -1,5 +1,7 @@
 #pragma once
 
+#include "controls/TextWidths.h"
+
 #include <QWidget>
 
 namespace drx9 {
@@ -34,6 +36,7 @@ protected:
 private:
     [[nodiscard]] int markWidth() const;
 
+    mutable TextWidths widths_;
     QString text_;
     Tone tone_ = Tone::Plain;
     int reserve_ = 0;

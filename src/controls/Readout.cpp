@@ -1,11 +1,11 @@
 #include "controls/Readout.h"
 
+#include "controls/TextWidths.h"
 #include "controls/Theme.h"
 
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QPixmapCache>
 #include <QStyleOptionFrame>
 
 #include <algorithm>
@@ -93,7 +93,10 @@ void Readout::showText(const QString& shown) {
     const bool off = shown == QLatin1String("OFF");
     const bool wasOff = text() == QLatin1String("OFF");
     setText(shown);
-    fit();
+    if (const QString shape = TextWidths::shapeOf(shown); shape != shape_) {
+        shape_ = shape;
+        fit();
+    }
     if (off != wasOff) {
         colour();
     }
@@ -170,44 +173,56 @@ void Readout::paintEvent(QPaintEvent* event) {
     QStyleOptionFrame panel;
     initStyleOption(&panel);
     style()->drawPrimitive(QStyle::PE_PanelLineEdit, &panel, &painter, this);
+    if (glyphScale_ != devicePixelRatioF()) {
+        glyphs_.clear();
+        glyphScale_ = devicePixelRatioF();
+    }
+    double wide = 0;
+    for (const QChar character : shown) {
+        wide += glyph(character).advance;
+    }
     const QFontMetricsF metrics(font());
-    const QColor colour = palette().color(QPalette::Text);
     // Where the line edit would put it: the last digit's ink ends on the right edge.
     const int bearing = QFontMetrics(font()).rightBearing(QLatin1Char('0'));
-    double x = width() + bearing - metrics.horizontalAdvance(shown);
+    double x = width() + bearing - wide;
+    const double top = height() - baseline_ - metrics.ascent();
     for (const QChar character : shown) {
-        const QPixmap glyph = picture(character, colour);
-        painter.drawPixmap(QPointF(x - slantRoom(metrics), height() - baseline_ - metrics.ascent()), glyph);
-        x += metrics.horizontalAdvance(character);
+        const Glyph& painted = glyph(character);
+        painter.drawPixmap(QPointF(x - slantRoom(metrics), top), painted.picture);
+        x += painted.advance;
     }
 }
 
-/// The character between two rooms for slanted ink, its base line at the ascent.
-QPixmap Readout::picture(QChar character, const QColor& colour) const {
-    const double scale = devicePixelRatioF();
-    const QString key =
-        QStringLiteral("readout %1 %2 %3 %4").arg(character).arg(font().key()).arg(colour.rgba()).arg(scale);
-    QPixmap picture;
-    if (QPixmapCache::find(key, &picture)) {
-        return picture;
+const Readout::Glyph& Readout::glyph(QChar character) {
+    auto known = glyphs_.find(character);
+    if (known == glyphs_.end()) {
+        known = glyphs_.insert(character, paintedGlyph(character));
     }
+    return *known;
+}
+
+/// The character between two rooms for slanted ink, its base line at the ascent.
+Readout::Glyph Readout::paintedGlyph(QChar character) const {
+    const double scale = devicePixelRatioF();
     const QFontMetricsF metrics(font());
     const double room = slantRoom(metrics);
-    const QSizeF size(room * 2 + metrics.horizontalAdvance(character), metrics.height());
-    picture = QPixmap((size * scale).toSize());
+    const double advance = metrics.horizontalAdvance(character);
+    QPixmap picture((QSizeF(room * 2 + advance, metrics.height()) * scale).toSize());
     picture.setDevicePixelRatio(scale);
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
     painter.setFont(font());
-    painter.setPen(colour);
+    painter.setPen(palette().color(QPalette::Text));
     painter.drawText(QPointF(room, metrics.ascent()), QString(character));
     painter.end();
-    QPixmapCache::insert(key, picture);
-    return picture;
+    return {picture, advance};
 }
 
 void Readout::changeEvent(QEvent* event) {
     ReadOnlyLine::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange) {
+        glyphs_.clear();
+    }
     if (event->type() == QEvent::PaletteChange && !colouring_) {
         colour();
     }

@@ -2,6 +2,7 @@
 
 #include "controls/ReadOnlyLine.h"
 
+#include <QHash>
 #include <QPixmap>
 
 namespace drx9 {
@@ -45,7 +46,13 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    [[nodiscard]] QPixmap picture(QChar character, const QColor& colour) const;
+    /// A character as it is painted in the present font and colour.
+    struct Glyph {
+        QPixmap picture;
+        double advance = 0;
+    };
+    [[nodiscard]] const Glyph& glyph(QChar character);
+    [[nodiscard]] Glyph paintedGlyph(QChar character) const;
     void fit();
     void colour();
     [[nodiscard]] int fittingSize() const;
@@ -53,6 +60,9 @@ private:
     int pixels_ = 28;
     int baseline_ = 8;
     int shownPixels_ = 0;
+    QString shape_; ///< of the text that was fitted; another text of this shape takes the same room
+    QHash<QChar, Glyph> glyphs_;
+    double glyphScale_ = 0; ///< device pixels a pixel, of the glyphs
     Look look_ = Look::Live;
     bool colouring_ = false;
 };

@@ -15,6 +15,7 @@ namespace {
 constexpr std::uint64_t kLargeFile = 1000000; ///< bytes from which deletion is offered
 constexpr float kSecondsOfADay = 86400;
 constexpr const char* kLineEnd = "\r\n";
+constexpr std::size_t kLineRoom = 256; ///< characters; more than the readings of six sensors take
 // Kept: the header names the columns of the first sensor only.
 constexpr const char* kHeader = "Time\tAvgThk\tAvgRate\tThk1\tRate1\tFreq1\tThk2...";
 
@@ -142,7 +143,9 @@ bool DataLog::inSpan(double elapsed) const {
 }
 
 std::string DataLog::line(const Readings& readings, double elapsed, int sensorCount) const {
-    std::string out = fixedNumber(elapsed, 2, locale_);
+    std::string out;
+    out.reserve(kLineRoom);
+    out += fixedNumber(elapsed, 2, locale_);
     const auto add = [&out](const std::string& field) {
         out += '\t';
         out += field;

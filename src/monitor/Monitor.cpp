@@ -8,7 +8,7 @@ namespace drx9 {
 
 Monitor::Monitor(const MonitorParts& parts)
     : parts_(parts)
-    , charts_(parts.graphs)
+    , run_({parts.settings.log, parts.log, parts.graphs, parts.sleep, parts.clock})
     , answers_(parts.link, parts.clock)
     , keeper_(parts.link, parts.discovery, parts.actions, parts.clock)
     , choice_(parts.films, parts.link, parts.discovery, parts.settings.link, parts.timer, parts.clock)
@@ -27,7 +27,7 @@ bool Monitor::Form_Load() {
     loaded_ = true;
     parts_.readouts.setDisplay(parts_.settings.Display);
     parts_.readouts.setGraph(parts_.settings.Graph);
-    charts_.Init();
+    run_.initCharts();
     window_->setHourglass(true);
     window_->showWindow();
     setRunMode(kStarting);
@@ -97,7 +97,7 @@ void Monitor::changeMode(std::int16_t mode, bool refresh) {
     }
     const ActionQueue::Scope scope(parts_.actions);
     if (runMode_ == kRunning) {
-        endRun();
+        run_.end(choice_.currentName());
     }
     runMode_ = mode;
     {
@@ -112,32 +112,18 @@ void Monitor::changeMode(std::int16_t mode, bool refresh) {
     changed();
 }
 
-void Monitor::endRun() {
-    if (parts_.settings.log.Type != kLogNone) {
-        parts_.log.endBlock(choice_.currentName());
-    }
-    parts_.log.runEnded();
-    parts_.sleep.release();
-}
-
 void Monitor::startRun() {
-    notice_ = {};
+    shown_.notice = {};
     desk_.runStarts();
-    runSensors_ = parts_.link.sensorCount();
-    runStart_ = parts_.clock.local();
-    parts_.sleep.hold("A deposition run is in progress");
+    run_.begin(parts_.link.sensorCount());
     changed(); // STOP shows before the exchanges below
     ZeroAll();
     answers_.noteExchange("T", parts_.commands.Comm_ZeroTime());
-    if (parts_.settings.log.Type != kLogNone) {
-        parts_.log.InitDataLog();
-        parts_.log.startBlock(choice_.currentName());
-    }
+    run_.startLog(choice_.currentName());
 }
 
 std::uint16_t Monitor::ZeroAll() {
-    points_.clear();
-    charts_.restart();
+    run_.clear();
     readings_.startTime = parts_.clock.monotonic();
     const std::uint16_t status = parts_.commands.Comm_ZeroTime();
     answers_.noteExchange("T", status);
@@ -153,15 +139,15 @@ void Monitor::toggleRun() {
 void Monitor::InitForm() {
     const ActionQueue::Scope scope(parts_.actions);
     refreshOwed_ = stepLost_ = false;
-    controlsVisible_ = parts_.link.CommOK();
-    started_ = true;
-    if (!controlsVisible_) {
+    shown_.controlsVisible = parts_.link.CommOK();
+    shown_.started = true;
+    if (!shown_.controlsVisible) {
         showOffLine();
         return;
     }
     keeper_.noteOnLine();
     answers_.begin();
-    title_ =
+    shown_.title =
         std::string(kProgramName) + " - [Ver. " + utf8FromAnsi(trimmed(parts_.link.Comm_VersionText())) + "]";
     changed();
     // What the exchange before was answered says nothing of these: a film read under another status than 0 is
@@ -178,7 +164,7 @@ void Monitor::InitForm() {
 
 void Monitor::showOffLine() {
     choice_.clearList();
-    title_ = std::string(kProgramName) + " - [Off Line]";
+    shown_.title = std::string(kProgramName) + " - [Off Line]";
     if (!parts_.discovery.failure().empty()) {
         answers_.say(parts_.discovery.failure());
     }
@@ -188,11 +174,11 @@ void Monitor::showOffLine() {
 void Monitor::takeRefresh(InstrumentRefresh::Result result) {
     if (result.end == InstrumentRefresh::End::OutOfStep) {
         stepLost_ = true;
-        systemKnown_ = false;
+        shown_.systemKnown = false;
         answers_.noteFailure("Films and parameters not read: answers out of step");
         return;
     }
-    systemKnown_ = result.recordAsked ? result.recordRead : systemKnown_;
+    shown_.systemKnown = result.recordAsked ? result.recordRead : shown_.systemKnown;
     if (result.end == InstrumentRefresh::End::Cut) {
         refreshOwed_ = true;
         return;
@@ -214,7 +200,7 @@ void Monitor::filmChanged() {
 }
 
 int Monitor::sensorCount() const {
-    return runMode_ == kRunning ? runSensors_ : parts_.link.sensorCount();
+    return runMode_ == kRunning ? run_.sensors() : parts_.link.sensorCount();
 }
 
 // ---- the cycle
@@ -258,26 +244,18 @@ Commands::ReadResult Monitor::ReadDRX() {
     const auto result =
         parts_.commands.Comm_GetData(readings_, sensorCount(), [this] { return parts_.actions.waiting(); });
     const bool held = parts_.timer.heldSince(answers_.lastGoodReading()) > 0;
-    answers_.noteReading(result, parts_.commands.readFailure(), held || gapPending_);
+    answers_.noteReading(result, parts_.commands.readFailure(), held || run_.gapPending());
     if (result == Commands::ReadResult::Done) {
         storeReading();
     } else if (result != Commands::ReadResult::Abandoned) {
-        gapPending_ = true;
+        run_.noteGap();
     }
     return result;
 }
 
 void Monitor::storeReading() {
-    points_.store(readings_, sensorCount(), std::exchange(gapPending_, false));
+    run_.store(readings_, sensorCount(), runMode_ == kRunning);
     refreshReadouts();
-    if (runMode_ != kRunning) {
-        return;
-    }
-    charts_.UpdateGraph(points_, sensorCount());
-    if (parts_.settings.log.Type != kLogNone) {
-        parts_.log.UpdateDataLog(readings_, points_.row(points_.currentPoint()).elapsed, sensorCount());
-    }
-    points_.advance();
 }
 
 /// A stop does not wait for a link that is gone. The refresh is owed until the link is back.
@@ -290,7 +268,7 @@ void Monitor::takeStopWithoutLink() {
 
 void Monitor::reopen() {
     if (keeper_.beginLoss()) {
-        gapPending_ = true;
+        run_.noteGap();
         choice_.noteLoss();
         changed();
     }
@@ -370,7 +348,7 @@ void Monitor::sensorItemClicked(std::int16_t item) {
 // ---- windows that work the instrument themselves
 
 void Monitor::tell(const std::string& text, const std::string& brief) {
-    notice_ = {text, brief};
+    shown_.notice = {text, brief};
     changed();
 }
 
@@ -397,7 +375,7 @@ void Monitor::linkSetupClosed(bool reopen, bool sameLink) {
 }
 
 void Monitor::systemSent(bool accepted) {
-    systemKnown_ = accepted;
+    shown_.systemKnown = accepted;
     changed();
 }
 

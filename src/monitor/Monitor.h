@@ -5,17 +5,16 @@
 #include "link/Discovery.h"
 #include "link/Link.h"
 #include "monitor/AnswerRecord.h"
-#include "monitor/ChartFeed.h"
 #include "monitor/DataLog.h"
 #include "monitor/FilmChoice.h"
 #include "monitor/InstrumentRefresh.h"
 #include "monitor/LinkKeeper.h"
 #include "monitor/MonitorWindow.h"
-#include "monitor/PointStore.h"
 #include "monitor/PollTimer.h"
 #include "monitor/Readouts.h"
 #include "monitor/RequestDesk.h"
 #include "monitor/RunModes.h"
+#include "monitor/RunRecord.h"
 #include "monitor/Settings.h"
 #include "platform/Clock.h"
 #include "platform/Desktop.h"
@@ -111,10 +110,21 @@ public:
 
     // What the window shows.
 
-    [[nodiscard]] const std::string& title() const { return title_; }
-    [[nodiscard]] bool controlsVisible() const { return controlsVisible_; } ///< on line at the last refresh
-    [[nodiscard]] bool started() const { return started_; }                 ///< the first refresh is done
-    [[nodiscard]] bool locked() const { return runMode_ == kRunning; }      ///< setup menus and film list
+    /// A message in words: another instrument after a loss, graph settings that were not saved. Empty when
+    /// none.
+    struct Message {
+        std::string text;
+        std::string brief;
+    };
+    struct Shown {
+        std::string title = kProgramName;
+        bool controlsVisible = false; ///< on line at the last refresh
+        bool started = false;         ///< the first refresh is done
+        bool systemKnown = false; ///< the record of Simulate and Etch was read from or sent to the instrument
+        Message notice;           ///< stays until the next run starts
+    };
+    [[nodiscard]] const Shown& shown() const { return shown_; }
+    [[nodiscard]] bool locked() const { return runMode_ == kRunning; } ///< setup menus and film list
     [[nodiscard]] const FilmChoice& films() const { return choice_; }
     [[nodiscard]] const RequestDesk& requests() const { return desk_; }
     [[nodiscard]] std::string shutterCaption() const;
@@ -128,17 +138,8 @@ public:
     [[nodiscard]] const AnswerRecord& answers() const { return answers_; }
     /// The link was lost since it was last on line and is being opened again from the tick.
     [[nodiscard]] bool reconnecting() const { return keeper_.lost(); }
-    /// A message in words that stays until the next run starts: another instrument after a loss, graph
-    /// settings that were not saved. Empty when none.
-    struct Message {
-        std::string text;
-        std::string brief;
-    };
-    [[nodiscard]] const Message& notice() const { return notice_; }
     void tell(const std::string& text, const std::string& brief);
-    /// The record shown in Simulate and Etch of the status bar was read from or sent to the instrument.
-    [[nodiscard]] bool systemKnown() const { return systemKnown_; }
-    [[nodiscard]] const LocalTime& runStart() const { return runStart_; }
+    [[nodiscard]] const LocalTime& runStart() const { return run_.startTime(); }
 
 private:
     class TimerRule;
@@ -157,15 +158,13 @@ private:
     void takeRefresh(InstrumentRefresh::Result result);
     void changeMode(std::int16_t mode, bool refresh);
     void startRun();
-    void endRun();
     void refreshReadouts();
     void step(const std::function<void()>& action);
     void changed();
 
     MonitorParts parts_;
     MonitorWindow* window_ = nullptr;
-    PointStore points_;
-    ChartFeed charts_;
+    RunRecord run_;
     AnswerRecord answers_;
     LinkKeeper keeper_;
     FilmChoice choice_;
@@ -173,17 +172,10 @@ private:
     InstrumentRefresh refresh_;
     Readings readings_;
     std::int16_t runMode_ = kStarting;
-    std::string title_ = kProgramName;
-    bool loaded_ = false; ///< the settings were read
-    bool controlsVisible_ = false;
-    bool started_ = false;
+    Shown shown_;
+    bool loaded_ = false;      ///< the settings were read
     bool refreshOwed_ = false; ///< a refresh was cut, or could not be made: the next tick that can makes it
     bool stepLost_ = false;    ///< the last refresh had answers out of step
-    bool gapPending_ = false; ///< no reading was taken since the last stored one, though one should have been
-    bool systemKnown_ = false;
-    int runSensors_ = 0; ///< sensors that the run in progress began with
-    LocalTime runStart_;
-    Message notice_;
 };
 
 } // namespace drx9

@@ -6,14 +6,14 @@ StatusFacts StatusBoard::facts() const {
     const Monitor& monitor = parts_.monitor;
     StatusFacts facts;
     facts.runMode = monitor.RunMode();
-    facts.controlsVisible = monitor.controlsVisible();
-    facts.started = monitor.started();
+    facts.controlsVisible = monitor.shown().controlsVisible;
+    facts.started = monitor.shown().started;
     facts.pauseReason = parts_.timer.holdReason();
     facts.link = parts_.settings.link;
-    facts.message = monitor.notice().text;
-    facts.messageBrief = monitor.notice().brief;
+    facts.message = monitor.shown().notice.text;
+    facts.messageBrief = monitor.shown().notice.brief;
     facts.runStart = monitor.runStart();
-    facts.systemKnown = monitor.systemKnown();
+    facts.systemKnown = monitor.shown().systemKnown;
     facts.simulate = parts_.settings.system.Simulate != 0;
     facts.etch = parts_.settings.system.EtchMode != 0;
     for (int sensor = 1; sensor <= kMaxSensors; ++sensor) {

@@ -25,7 +25,7 @@ public:
     void linkFound() override { monitor_.linkFound(); }
     void linkSetupClosed(bool reopen, bool sameLink) override { monitor_.linkSetupClosed(reopen, sameLink); }
 
-    [[nodiscard]] bool systemKnown() const override { return monitor_.systemKnown(); }
+    [[nodiscard]] bool systemKnown() const override { return monitor_.shown().systemKnown; }
     void systemSent(bool accepted) override { monitor_.systemSent(accepted); }
 
     void filmMemoryChanged() override { monitor_.setRunMode(kIdle); }

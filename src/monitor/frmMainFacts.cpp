@@ -27,8 +27,8 @@ StatusLine::Text shown(const StatusText& text) {
 } // namespace
 
 void frmMain::showTitle() {
-    if (shownTitle_ != monitor_.title()) {
-        shownTitle_ = monitor_.title();
+    if (shownTitle_ != monitor_.shown().title) {
+        shownTitle_ = monitor_.shown().title;
         setWindowTitle(QString::fromStdString(shownTitle_));
     }
 }
@@ -42,8 +42,8 @@ MainMenus::Facts frmMain::menuFacts() const {
 
 RunBar::Facts frmMain::barFacts() const {
     const Requests& requests = monitor_.requests().waiting();
-    return {.started = monitor_.started(),
-            .onLine = monitor_.controlsVisible(),
+    return {.started = monitor_.shown().started,
+            .onLine = monitor_.shown().controlsVisible,
             .running = monitor_.RunMode() == kRunning,
             .filmsLocked = monitor_.locked(),
             .films = monitor_.films().names(),

@@ -434,7 +434,7 @@ TEST_P(Closing, EndsTheProgramFromWithinAnExchange) {
 INSTANTIATE_TEST_SUITE_P(
     Moments, Closing,
     testing::Values(
-        Moment{"Connecting", "silent", nullptr, [](const Core& c) { return !c.monitor.started(); }},
+        Moment{"Connecting", "silent", nullptr, [](const Core& c) { return !c.monitor.shown().started; }},
         Moment{"ReadingFilms", "none", nullptr,
                [](const Core& c) { return c.link.CommLastPacket()[2] == 'A' && c.link.accepted() > 7; }},
         Moment{"InARun", "none", "state?", [](const Core& c) { return c.monitor.RunMode() == kRunning; }},

@@ -30,7 +30,7 @@ TEST_F(MonitorTest, StartsInTheGivenOrder) {
     const EventList expected = {"window", "@",   "J",   "A1?", "A2?", "A3?", "A4?",     "A5?",
                                 "A6?",    "A7?", "A8?", "A9?", "B?",  "C?",  "timer on"};
     EXPECT_EQ(events, expected);
-    EXPECT_EQ(monitor.title(), "DRX9 Comm - [Ver. 4.08]");
+    EXPECT_EQ(monitor.shown().title, "DRX9 Comm - [Ver. 4.08]");
     EXPECT_EQ(progress.percents, (std::vector<int>{11, 22, 33, 44, 56, 67, 78, 89, 100}));
     EXPECT_EQ(progress.texts, Texts{"Reading DRX-9 Films"});
     EXPECT_EQ(monitor.films().names().size(), 9U);
@@ -44,8 +44,8 @@ TEST_F(MonitorTest, StartsInTheGivenOrder) {
 TEST_F(MonitorTest, ComesUpOffLine) {
     socket.refusal = "Connection refused";
     ASSERT_TRUE(monitor.Form_Load());
-    EXPECT_EQ(monitor.title(), "DRX9 Comm - [Off Line]");
-    EXPECT_FALSE(monitor.controlsVisible());
+    EXPECT_EQ(monitor.shown().title, "DRX9 Comm - [Off Line]");
+    EXPECT_FALSE(monitor.shown().controlsVisible);
     EXPECT_FALSE(monitor.locked());
     EXPECT_FALSE(ticker.on);
     tick();
@@ -189,7 +189,7 @@ TEST_F(MonitorTest, ARecordThatIsNeverAnsweredDoesNotKeepTheProgramFromPolling) 
     for (int i = 0; i < 4; ++i) {
         tickAfter(2);
     }
-    EXPECT_FALSE(monitor.systemKnown());
+    EXPECT_FALSE(monitor.shown().systemKnown);
     EXPECT_FALSE(monitor.answers().stale(clock.monotonic()));
     EXPECT_EQ(socket.connects, 1);
 }
@@ -383,7 +383,7 @@ TEST_F(MonitorTest, RunGoesOnOverALossWithAGapAndOneBox) {
     EXPECT_LE(clock.monotonic() - back, 2.3);
     EXPECT_EQ(monitor.RunMode(), kRunning);
     EXPECT_EQ(shutter, 1) << "the request waited";
-    EXPECT_NE(monitor.notice().text.find("DRX-9 Ver 4.12"), std::string::npos);
+    EXPECT_NE(monitor.shown().notice.text.find("DRX-9 Ver 4.12"), std::string::npos);
     tickAfter(0.25);
     EXPECT_EQ(averageRate.gaps, 1);
 }

@@ -328,7 +328,7 @@ TEST_F(RequestsTest, ARefreshOutOfStepKeepsTheListAndReadsNoRecord) {
     onCommand["A6?"] = [this] { special["A6?"] = replyPacket('A', "CHANGED   1 1 1 1 1 1 1"); };
     monitor.setRunMode(kIdle);
     EXPECT_EQ(monitor.films().names().at(5), "FILM_6");
-    EXPECT_FALSE(monitor.systemKnown());
+    EXPECT_FALSE(monitor.shown().systemKnown);
     EXPECT_NE(settings.system.Simulate, 1);
     EXPECT_EQ(monitor.answers().lastExchange(), "Films and parameters not read: answers out of step");
 }
@@ -347,7 +347,7 @@ TEST_F(RequestsTest, AnAnswerThatWasLateForTheLostLinkIsNoVersion) {
     onCommand.clear();
     special.erase("U?");
     tickAfter(2);
-    EXPECT_EQ(monitor.title(), "DRX9 Comm - [Ver. 4.08]");
+    EXPECT_EQ(monitor.shown().title, "DRX9 Comm - [Ver. 4.08]");
 }
 
 TEST_F(RequestsTest, AnotherInstrumentWithFewerFilmsGetsNoFilmUnasked) {

@@ -43,19 +43,35 @@ bool Monitor::Form_Load() {
 
 void Monitor::Form_QueryUnload(bool sessionEnds) {
     std::string notSaved;
-    step([&] {
-        if (!loaded_) {
-            return; // nothing has been read yet that could be written back
-        }
-        parts_.settings.Display = parts_.readouts.Display();
-        parts_.settings.Graph = parts_.readouts.Graph();
-        notSaved = parts_.SaveSettings();
-    });
+    step([&] { notSaved = saveSettings(); });
     step([this] { setRunMode(kExiting); });
     if (!notSaved.empty() && !sessionEnds) {
         parts_.boxes.show("Settings not saved: " + notSaved, kProgramName, MessageIcon::Exclamation);
     }
     step([this] { window_->closeOtherWindows(); });
+}
+
+std::string Monitor::saveSettings() {
+    if (!loaded_) {
+        return {}; // nothing has been read yet that could be written back
+    }
+    parts_.settings.Display = parts_.readouts.Display();
+    parts_.settings.Graph = parts_.readouts.Graph();
+    return parts_.SaveSettings();
+}
+
+void Monitor::lastWords() {
+    if (runMode_ == kExiting) {
+        return;
+    }
+    try {
+        if (std::exchange(runMode_, kExiting) == kRunning) {
+            run_.end(choice_.currentName());
+        }
+        saveSettings();
+    } catch (const std::exception&) {
+        // Nobody is left to be told.
+    }
 }
 
 /// One step of closing: what it throws must not keep the next from being made.

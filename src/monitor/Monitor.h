@@ -68,6 +68,9 @@ public:
     /// Saves the settings, ends a run's log, closes the other windows. Never cancelled; a failure to save is
     /// told in a box, except at the session's end. Call when idle only.
     void Form_QueryUnload(bool sessionEnds = false);
+    /// The window system has gone, and the process with it as soon as this returns: writes the end of a run's
+    /// log and the settings. Sends nothing and touches no window.
+    void lastWords();
 
     // Run mode.
 
@@ -160,6 +163,7 @@ private:
     void startRun();
     void refreshReadouts();
     void step(const std::function<void()>& action);
+    std::string saveSettings();
     void changed();
 
     MonitorParts parts_;

@@ -1,6 +1,7 @@
 #include "platform/qt/LocaleFromSystem.h"
 #include "platform/qt/QtFileDialogs.h"
 #include "platform/qt/QtShell.h"
+#include "platform/qt/SessionEnd.h"
 #include "platform/qt/SingleInstance.h"
 
 #include <QApplication>
@@ -13,6 +14,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <iostream>
 #include <memory>
 
 using namespace drx9;
@@ -123,6 +126,15 @@ TEST(QtFileDialogsTest, PresetsTheNameAndReturnsTheFullPath) {
         });
         EXPECT_EQ(c.save ? dialogs.saveFile(c.request) : dialogs.openFile(c.request), c.path);
     }
+}
+
+/// Qt calls exit(3) where the X server dies.
+TEST(SessionEndDeathTest, LastWordsAreWrittenWhereTheWindowSystemGoes) {
+    const auto lose = [] {
+        const SessionEnd end([] {}, [] { std::cerr << "end block" << std::endl; });
+        std::exit(1);
+    };
+    EXPECT_EXIT(lose(), testing::ExitedWithCode(1), "end block");
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <QSessionManager>
 #include <QSocketNotifier>
 
+#include <cstdlib>
 #include <utility>
 
 #ifndef _WIN32
@@ -27,8 +28,15 @@ void onSignal(int) {
 } // namespace
 #endif
 
-SessionEnd::SessionEnd(std::function<void()> ended)
-    : ended_(std::move(ended)) {
+namespace {
+SessionEnd* current = nullptr; // as with a signal, all that exit(3) calls is a plain function
+}
+
+SessionEnd::SessionEnd(std::function<void()> ended, std::function<void()> lost)
+    : ended_(std::move(ended))
+    , lost_(std::move(lost)) {
+    current = this;
+    std::atexit(&SessionEnd::atExit);
     // Nobody is to be asked then, so that the answer is always that the session may end.
     QObject::connect(
         qApp, &QGuiApplication::commitDataRequest, this,
@@ -41,6 +49,7 @@ SessionEnd::SessionEnd(std::function<void()> ended)
 }
 
 SessionEnd::~SessionEnd() {
+    current = nullptr;
 #ifndef _WIN32
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         std::signal(signal, SIG_DFL);
@@ -76,6 +85,13 @@ void SessionEnd::listenToSignals() {
         sigaction(signal, &action, nullptr);
     }
 #endif
+}
+
+/// The program has returned from main() where there is no current one.
+void SessionEnd::atExit() {
+    if (current != nullptr) {
+        std::exchange(current, nullptr)->lost_();
+    }
 }
 
 void SessionEnd::come() {

@@ -1,21 +1,24 @@
 #include "films/FilmTransfer.h"
 
+#include "films/FilmMismatches.h"
 #include "films/FilmRows.h"
 #include "films/FilmText.h"
+#include "link/Crc.h"
 #include "util/Numbers.h"
 #include "util/ProgramName.h"
 #include "util/Text.h"
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace drx9 {
 
 namespace {
-constexpr int kAll = 1; ///< the button's index for all films
-constexpr std::int32_t kWholeMask = 127;
-constexpr std::int32_t kTwoSensorMask = 3;
+constexpr int kAll = 1;                  ///< the button's index for all films
+constexpr double kListenAtLeast = 0.002; // s, for the system's sake
 constexpr const char* kNoAnswer = "The DRX-9 does not answer";
+constexpr const char* kOutOfStep = "Answers out of step";
 constexpr const char* kNotSavedYet = ". Not saved under another name yet";
 
 std::int16_t percent(int part, int whole) {
@@ -31,6 +34,8 @@ public:
         , scope_(transfer.parts_.actions) {
         transfer_.running_ = true;
         transfer_.timeouts_ = 0;
+        transfer_.longest_ = 0;
+        transfer_.parts_.link.watch().begin();
         transfer_.parts_.library.forgetNotice();
     }
     Run(const Run&) = delete;
@@ -57,14 +62,6 @@ private:
     Progress& progress_;
 };
 
-/// One check of a verification that failed.
-struct FilmTransfer::Mismatch {
-    const char* is;
-    std::string instrument;
-    const char* shouldBe;
-    std::string database;
-};
-
 bool FilmTransfer::stopped() const {
     return timeouts_ >= kDeadAfterTimeouts || (parts_.ends && parts_.ends());
 }
@@ -72,12 +69,36 @@ bool FilmTransfer::stopped() const {
 void FilmTransfer::beginExchange() {
     parts_.link.setCommStatus(comm::kOk);
     reachedInstrument_ = true;
+    began_ = parts_.clock.monotonic();
 }
 
 bool FilmTransfer::endExchange() {
     const std::uint16_t outcome = parts_.link.outcome();
-    timeouts_ = outcome == comm::kTimeout || outcome == comm::kLost ? timeouts_ + 1 : 0;
+    const bool timedOut = outcome == comm::kTimeout || outcome == comm::kLost;
+    timeouts_ = timedOut ? timeouts_ + 1 : 0;
+    if (outcome == comm::kOk) {
+        longest_ = std::max(longest_, parts_.clock.monotonic() - began_);
+    }
     return outcome == comm::kOk;
+}
+
+bool FilmTransfer::readFilm(int number, FilmRecord& film) {
+    beginExchange();
+    const bool failed = parts_.commands.Comm_GetFilm(number, film);
+    const bool answered = endExchange();
+    return !failed && answered;
+}
+
+/// An answer that is one too many moves all behind it by one, and then the last one is still to come: within
+/// the time of one exchange. Where the last exchange timed out nothing is.
+bool FilmTransfer::inStep() {
+    if (timeouts_ == 0) {
+        parts_.link.listen(longest_ + kListenAtLeast);
+    }
+    const bool sound = !parts_.link.watch().surplus();
+    longest_ = 0;
+    parts_.link.watch().begin();
+    return sound;
 }
 
 // ---- Upload ----
@@ -91,6 +112,7 @@ void FilmTransfer::upload() {
         return;
     }
     const LibraryNotice opened = parts_.library.notice();
+    parts_.library.forgetNotice();
     parts_.list.refreshLists();
     TransferReport report("read");
     {
@@ -111,49 +133,62 @@ void FilmTransfer::upload() {
 /// The number of the film that could not be read; 0 when all were, or the program closes.
 int FilmTransfer::readFilms(TransferReport& report) {
     report.expect(parts_.link.FilmCount());
-    parts_.library.gatherCommits();
-    lastCommit_ = parts_.clock.monotonic();
+    std::vector<FilmRecord> read;
+    double stored = parts_.clock.monotonic();
     int failed = 0;
     for (int i = 1; i <= parts_.link.FilmCount() && failed == 0 && !stopped(); ++i) {
         parts_.progress.setProgress(percent(i, parts_.link.FilmCount()));
-        beginExchange();
         FilmRecord film;
-        if (parts_.commands.Comm_GetFilm(i, film)) {
-            failed = i;
-            report.fail("Film " + std::to_string(i) + ": " +
-                        (endExchange() ? std::string("no film") : commStatusText(parts_.link.outcome())));
+        if (readFilm(i, film)) {
+            read.push_back(film);
         } else {
-            parts_.films[static_cast<std::size_t>(i)] = film;
-            storeRead(i, report);
+            failed = i;
+            const std::uint16_t outcome = parts_.link.outcome();
+            report.fail("Film " + std::to_string(i) + ": " +
+                        (outcome == comm::kOk ? "no film" : commStatusText(outcome)));
         }
-        commitDue(report);
+        if (parts_.clock.monotonic() - stored + longest_ >= kStoreWithin) {
+            failed = storeRead(read, report) || failed != 0 ? failed : i;
+            stored = parts_.clock.monotonic();
+        }
     }
-    if (!parts_.library.commitGathered()) {
-        report.fail(parts_.library.notice().text);
-    }
-    return failed;
+    const int last = read.empty() ? 0 : read.back().FilmNum;
+    return storeRead(read, report) || failed != 0 ? failed : last;
 }
 
-void FilmTransfer::storeRead(int film, TransferReport& report) {
-    if (CommToDBFilm(parts_.library, parts_.films[static_cast<std::size_t>(film)])) {
-        report.done();
-        return;
+/// Stores what was read, in one commit. False, and nothing is stored, when it may be other films'.
+bool FilmTransfer::storeRead(std::vector<FilmRecord>& read, TransferReport& report) {
+    const std::vector<FilmRecord> films = std::exchange(read, {});
+    if (films.empty()) {
+        return true;
     }
-    report.name("Not stored", std::to_string(film));
+    if (!inStep()) {
+        report.fail(kOutOfStep);
+        return false;
+    }
+    parts_.library.gatherCommits();
+    int stored = 0;
+    for (const FilmRecord& film : films) {
+        parts_.films[static_cast<std::size_t>(film.FilmNum)] = film;
+        stored += storeFilm(film, report) ? 1 : 0;
+    }
+    if (parts_.library.commitGathered()) {
+        report.done(stored);
+    } else {
+        report.fail(parts_.library.notice().text);
+    }
+    return true;
+}
+
+bool FilmTransfer::storeFilm(const FilmRecord& film, TransferReport& report) {
+    if (CommToDBFilm(parts_.library, film)) {
+        return true;
+    }
+    report.name("Not stored", std::to_string(film.FilmNum));
     if (!parts_.library.notice().text.empty()) {
         report.fail(parts_.library.notice().text);
     }
-}
-
-void FilmTransfer::commitDue(TransferReport& report) {
-    if (parts_.clock.monotonic() - lastCommit_ < kCommitAfter) {
-        return;
-    }
-    if (!parts_.library.commitGathered()) {
-        report.fail(parts_.library.notice().text);
-    }
-    parts_.library.gatherCommits();
-    lastCommit_ = parts_.clock.monotonic();
+    return false;
 }
 
 // ---- Download ----
@@ -185,12 +220,14 @@ void FilmTransfer::download(int index) {
 bool FilmTransfer::shutterClosed() {
     beginExchange();
     const std::optional<std::int16_t> shutter = parts_.commands.queryUnit();
-    if (!endExchange() || !shutter) {
-        parts_.library.tell("Nothing sent: whether the shutter is closed is not known (" +
-                                commStatusText(shutter || parts_.link.outcome() != comm::kOk
-                                                   ? parts_.link.outcome()
-                                                   : comm::kNoData) +
-                                ")",
+    const bool answered = endExchange();
+    const std::uint16_t outcome = parts_.link.outcome();
+    const bool sound = inStep();
+    if (!answered || !shutter || !sound) {
+        const std::string reason = !answered  ? commStatusText(outcome)
+                                   : !shutter ? commStatusText(comm::kNoData)
+                                              : "answers out of step";
+        parts_.library.tell("Nothing sent: whether the shutter is closed is not known (" + reason + ")",
                             NoticeTone::Alarm);
         parts_.list.setHourglass(false);
         return false;
@@ -226,6 +263,9 @@ void FilmTransfer::writeFilms(int index, TransferReport& report) {
             writeRow(i, report);
         }
     }
+    if (!stopped() && expected > 0 && !inStep()) {
+        report.fail(std::string(kOutOfStep) + ": some films may not have been taken");
+    }
 }
 
 void FilmTransfer::writeRow(int film, TransferReport& report) {
@@ -233,22 +273,27 @@ void FilmTransfer::writeRow(int film, TransferReport& report) {
     FilmRecord record = held;
     const std::string name = parts_.list.filmName();
     DBFilmToComm(parts_.library, film, name, parts_.list.manySensors(), record);
+    const std::string named = trimmed(name).empty() ? "row " + std::to_string(film) : trimmed(name);
     if (record.FilmName == kNotAFilm) {
-        report.name("Not sent, cannot be looked up", trimmed(name));
+        report.name("Not sent, cannot be looked up", named);
+        return;
+    }
+    record.FilmName = wireFilmName(record.FilmName);
+    if (filmPayload(record).size() + filmCommand(film).size() > kLongestCommand) {
+        report.name("Not sent, its numbers are too long", named);
         return;
     }
     if (characterCount(trimmedRight(name)) > kFilmNameLength) {
-        report.name("Names cut to 8 characters", trimmed(name));
+        report.name("Names cut to 8 characters", named);
     }
     if (!parts_.library.found(Dat::Material)) {
-        report.name("Material not in the library, density and Z factor left as they are", trimmed(name));
+        report.name("Material not in the library, density and Z factor left as they are", named);
     }
-    record.FilmName = wireFilmName(record.FilmName);
     beginExchange();
     parts_.commands.Comm_SetFilm(film, record);
     if (endExchange()) {
         parts_.films[static_cast<std::size_t>(film)] = record;
-        report.done();
+        report.done(1);
     } else {
         report.name("Not accepted (" + commStatusText(parts_.link.outcome()) + ")", std::to_string(film));
     }
@@ -270,64 +315,22 @@ void FilmTransfer::VerifyFilms(int index, TransferReport& report) {
     }
 }
 
-/// False when the operator cancelled.
+/// False when the operator cancelled. What differs is asked about only when the answer is surely this
+/// film's.
 bool FilmTransfer::verifyRow(int film, TransferReport& report) {
-    beginExchange();
     FilmRecord readBack;
-    const bool failed = parts_.commands.Comm_GetFilm(film, readBack);
-    endExchange();
-    if (failed) {
+    const bool read = readFilm(film, readBack);
+    const auto mismatches =
+        read ? filmMismatches(parts_.library, readBack, parts_.list.manySensors(), parts_.locale)
+             : std::vector<FilmMismatch>();
+    if (!read || (!mismatches.empty() && !inStep())) {
         report.name("Not read back", std::to_string(film));
         return true;
     }
     parts_.films[0] = readBack;
-    return compare(film);
-}
-
-bool FilmTransfer::compare(int film) {
-    const FilmRecord& instrument = parts_.films[0];
-    std::vector<Mismatch> mismatches;
-    const jet::Value stored = parts_.library.value(Dat::DBSelected, "FilmName");
-    const std::string name = trimmed(upperAnsi(ansiFromUtf8(textOf(stored))));
-    if (!jet::isNull(stored) && trimmed(instrument.FilmName) != name) {
-        mismatches.push_back({"Film Name for film #", utf8FromAnsi(trimmed(instrument.FilmName)),
-                              "The Film Name should be ", utf8FromAnsi(name)});
-    }
-    // A null is no value to differ from.
-    const auto check = [&](double is, std::optional<double> wanted, const char* first, const char* second) {
-        if (wanted && is != *wanted) {
-            mismatches.push_back(
-                {first, generalNumber(is, parts_.locale), second, generalNumber(*wanted, parts_.locale)});
-        }
-    };
-    const auto field = [&](Dat source, const char* fieldName) {
-        return jet::asNumber(parts_.library.value(source, fieldName));
-    };
-    check(instrument.Density, field(Dat::Material, "Density"), "Film Density for film #",
-          "The Film Density should be ");
-    check(instrument.Tooling, field(Dat::DBSelected, "Tooling"), "Film Tooling for film #",
-          "The Film Tooling should be ");
-    check(instrument.ZFactor, field(Dat::Material, "ZFactor"), "Film ZFactor for film #",
-          "The Film ZFactor should be ");
-    check(instrument.EndThick, field(Dat::DBSelected, "EndThick"), "Final Thickness for film #",
-          "The Final Thickness should be ");
-    check(instrument.ThickSet, field(Dat::DBSelected, "ThickSet"), "Thickness Setpoint for film #",
-          "The Thickness Setpoint should be ");
-    check(instrument.TimeSet, field(Dat::DBSelected, "TimeSet"), "Time Setpoint for film #",
-          "The Time Setpoint should be ");
-    auto mask = field(Dat::DBSelected, "SensorAvg");
-    if (mask) {
-        mask = toInt32(*mask) & (parts_.list.manySensors() ? kWholeMask : kTwoSensorMask);
-    }
-    check(instrument.SensorAvg, mask, "Sensor Average for film #", "The Sensor Average should be ");
-    return std::all_of(mismatches.begin(), mismatches.end(),
-                       [&](const Mismatch& mismatch) { return FilmMismatch(film, mismatch); });
-}
-
-bool FilmTransfer::FilmMismatch(int film, const Mismatch& mismatch) {
-    return parts_.boxes.askOkCancel(mismatch.is + std::to_string(film) + " = " + mismatch.instrument + ".\n" +
-                                        mismatch.shouldBe + mismatch.database,
-                                    kProgramName, MessageIcon::Information);
+    return std::all_of(mismatches.begin(), mismatches.end(), [&](const FilmMismatch& mismatch) {
+        return parts_.boxes.askOkCancel(mismatch.text(film), kProgramName, MessageIcon::Information);
+    });
 }
 
 // ---- Defaults ----

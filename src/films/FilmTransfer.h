@@ -13,6 +13,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace drx9 {
 
@@ -76,33 +77,36 @@ public:
 private:
     class Run;
     class Shown;
-    struct Mismatch;
 
     int readFilms(TransferReport& report);
-    void storeRead(int film, TransferReport& report);
-    void commitDue(TransferReport& report);
+    bool storeRead(std::vector<FilmRecord>& read, TransferReport& report);
+    bool storeFilm(const FilmRecord& film, TransferReport& report);
     bool shutterClosed();
     void writeFilms(int index, TransferReport& report);
     void writeRow(int film, TransferReport& report);
     void VerifyFilms(int index, TransferReport& report);
     bool verifyRow(int film, TransferReport& report);
-    bool compare(int film);
-    bool FilmMismatch(int film, const Mismatch& mismatch);
     [[nodiscard]] bool takes(int film, int index) const;
     [[nodiscard]] int rows() const;
     void beginExchange();
     /// Notes how the exchange ended; true when it was answered.
     bool endExchange();
+    /// True when the film was read.
+    bool readFilm(int number, FilmRecord& film);
+    /// Listens a while: false when an answer too many came since the last look, so that those since then may
+    /// belong to other commands.
+    bool inStep();
     [[nodiscard]] bool stopped() const;
 
     static constexpr int kDeadAfterTimeouts = 2;
-    static constexpr double kCommitAfter = 0.5; ///< s; with the longest exchange, a commit a second
+    static constexpr double kStoreWithin = 0.9; ///< s; films read are stored together, once a second
 
     FilmTransferParts parts_;
     bool running_ = false;
     bool reachedInstrument_ = false;
-    int timeouts_ = 0; ///< in a row
-    double lastCommit_ = 0;
+    int timeouts_ = 0;   ///< in a row
+    double began_ = 0;   ///< the exchange in hand; monotonic
+    double longest_ = 0; ///< s, of the exchanges since the last look
 };
 
 } // namespace drx9

@@ -15,7 +15,7 @@ public:
         : deed_(std::move(deed)) {}
 
     void expect(int films) { expected_ = films; }
-    void done() { ++done_; }
+    void done(int films) { done_ += films; }
     /// A film to be named under a heading such as "Not sent".
     void name(const std::string& heading, const std::string& film);
     /// Something that went wrong as a whole; what was said first stays.

@@ -184,7 +184,10 @@ bool Commands::Comm_GetFilm(int number, FilmRecord& film, Messages messages) {
         tell(messages, "Get Film Error: Busy");
         return true;
     }
-    const std::string reply = link_.Comm_Send(filmCommand(number) + "?");
+    std::string reply = link_.Comm_Send(filmCommand(number) + "?");
+    if (const std::string& data = link_.CommReply(); trimmed(data) == reply) {
+        reply = data.substr(0, data.find_last_not_of(' ') + 1); // a name may begin with a blank
+    }
     if (parseFilmReply(reply, number, film)) {
         return false;
     }

@@ -135,6 +135,15 @@ TEST(Download, TakesNamesAndNullsAsTheyAre) {
                             "Material not in the library, density and Z factor left as they are: a!\xC3\xA9");
 }
 
+TEST(Download, SendsNumbersAtTheFormatsEdges) {
+    Transfer bench({{"A", "Gold", -0.4, 99999.9995, 0.0005, 5999.5, 1e9}, {"B", "Gold", 1e250}});
+    bench.boxes.allow("Film ");
+    bench.transfer.download(1);
+    EXPECT_EQ(bench.wire().commands()[1], "A1A_______ 19.300 0 0.381 100000.000 0.001  5999.5  1000000000");
+    EXPECT_EQ(bench.wire().commands()[2], "A1?") << "no packet is long enough for B";
+    EXPECT_NE(bench.told().find("Not sent, its numbers are too long: B"), std::string::npos) << bench.told();
+}
+
 TEST(Download, KnowsTwoSensors) {
     for (const auto& [stored, sent] : {std::pair{4.0, "1"}, {63.0, "3"}, {2.0, "2"}}) {
         Transfer bench({{"A", "Gold", 100, 1, 0.5, 60, stored}}, 9, 2);
@@ -188,7 +197,9 @@ TEST(Verification, AsksAboutEachDifferenceUntilCancelled) {
 
 // ---- Faults ----
 
-enum class Fault { Silent, Refused, Damaged, ForGood, Closing };
+enum class Fault { Silent, Refused, Damaged, ForGood, Closing, Late, VeryLate };
+constexpr Fault kFaults[] = {Fault::Silent,  Fault::Refused, Fault::Damaged, Fault::ForGood,
+                             Fault::Closing, Fault::Late,    Fault::VeryLate};
 
 /// Runs a transfer whose k-th exchange fails.
 void spoilExchange(Transfer& bench, Fault fault, int k, const std::function<void()>& transfer) {
@@ -207,6 +218,10 @@ void spoilExchange(Transfer& bench, Fault fault, int k, const std::function<void
         std::string damaged = good("rubbish that is long enough");
         damaged[6] ^= 1;
         const sim::Reply reply = bench.instrument.execute(command, 0);
+        if (fault == Fault::Late || fault == Fault::VeryLate) {
+            bench.wire().arrive(replyPacket(reply.status, reply.data),
+                                Link::kReplyLimit + (fault == Fault::Late ? 0.2 : 0.45));
+        }
         return fault == Fault::Refused   ? replyPacket('D', "")
                : fault == Fault::Damaged ? damaged
                : fault == Fault::Closing ? replyPacket(reply.status, reply.data)
@@ -219,8 +234,7 @@ void spoilExchange(Transfer& bench, Fault fault, int k, const std::function<void
 }
 
 TEST(Faults, AtEachExchangeOfAnUpload) {
-    for (const Fault fault :
-         {Fault::Silent, Fault::Refused, Fault::Damaged, Fault::ForGood, Fault::Closing}) {
+    for (const Fault fault : kFaults) {
         for (int k = 1; k <= 9; ++k) {
             SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(fault) << " at " << k);
             Transfer bench({{"mine"}});
@@ -230,6 +244,9 @@ TEST(Faults, AtEachExchangeOfAnUpload) {
             ASSERT_EQ(rows.size(), std::max<std::size_t>(stored, 1));
             EXPECT_EQ(rows[0].substr(0, 10), stored == 0 ? "1|mine|Gol" : "1|ALUMINUM");
             EXPECT_EQ(bench.exchanges, k);
+            for (std::size_t f = 2; f <= stored; ++f) {
+                EXPECT_EQ(rows[f - 1].substr(2, 8), bench.held(static_cast<int>(f)).substr(0, 8));
+            }
             EXPECT_EQ(bench.faults(kUpload), "");
             EXPECT_EQ(bench.progress.standing, 0);
             EXPECT_FALSE(bench.transfer.running());
@@ -242,8 +259,7 @@ TEST(Faults, AtEachExchangeOfAnUpload) {
 }
 
 TEST(Faults, AtEachExchangeOfADownload) {
-    for (const Fault fault :
-         {Fault::Silent, Fault::Refused, Fault::Damaged, Fault::ForGood, Fault::Closing}) {
+    for (const Fault fault : kFaults) {
         for (int k = 1; k <= 7; ++k) { // "U?", three films, three read back
             SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(fault) << " at " << k);
             Transfer bench({{"A"}, {"B"}, {"C"}});
@@ -266,6 +282,40 @@ TEST(Faults, AtEachExchangeOfADownload) {
                 << bench.told();
             const int sent = fault == Fault::Closing ? k : fault == Fault::ForGood ? std::min(k + 1, 7) : 7;
             EXPECT_EQ(bench.exchanges, k == 1 && fault != Fault::Closing ? 1 : sent);
+            const bool asked =
+                std::any_of(bench.boxes.shown().begin(), bench.boxes.shown().end(),
+                            [](const auto& box) { return box.kind == FakeMessageBoxes::Kind::OkCancel; });
+            const bool notStored =
+                fault == Fault::Refused || fault == Fault::Silent || fault == Fault::Damaged;
+            EXPECT_TRUE(!asked || notStored) << "compared with another film's answer";
+        }
+    }
+}
+
+// From the k-th exchange on each answer comes behind the next command, since that one was answered twice: no
+// film is stored under another's number, and nobody is asked about a difference that is none.
+TEST(Faults, AnAnswerTooManyAtEachExchange) {
+    for (const bool up : {true, false}) {
+        for (int k = 1; k <= (up ? 9 : 7); ++k) {
+            SCOPED_TRACE(testing::Message() << (up ? "upload, " : "download, ") << k);
+            Transfer bench({{"A"}, {"B"}, {"C"}});
+            bench.boxes.allow("Error reading Film number ");
+            bench.wire().setAnswerer([&](const std::string& command) { return bench.answer(command); }, 0.02);
+            bench.spoilAt = k;
+            bench.spoil = [&](const std::string& command) {
+                const sim::Reply reply = bench.instrument.execute(command, 0);
+                bench.wire().arrive(replyPacket(reply.status, reply.data), 0.03);
+                return replyPacket(reply.status, reply.data);
+            };
+            up ? bench.transfer.upload() : bench.transfer.download(1);
+            const bool last = k == 9; // its copy comes before any other command, and is dropped
+            EXPECT_TRUE(!up ||
+                        bench.told().rfind(last ? "9 films read" : "Answers out of step. 0 of 9", 0) == 0)
+                << bench.told();
+            EXPECT_TRUE(!up || bench.rows("Film", kUpload).size() == (last ? 9U : 3U));
+            EXPECT_EQ(bench.wire().commands().size(), up ? 9U : 7U);
+            EXPECT_TRUE(up || bench.boxes.shown().empty());
+            EXPECT_EQ(bench.progress.standing, 0);
         }
     }
 }

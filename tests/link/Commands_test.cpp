@@ -279,6 +279,7 @@ TEST_F(CommandsTest, FilmReplies) {
     FilmRecord film;
     packets["A5?"] = good("Al  2   2.7  100   1.08 1  .5  60  3 99");
     packets["A6?"] = good("ALUMIN__x");
+    packets["A9?"] = good("  AL     2.7 100 1 1 1 60 3 ");
     packets["A7?"] = good("\xE9shorter");
     packets["A8?"] = replyPacket('E', "");
     EXPECT_FALSE(commands.Comm_GetFilm(5, film));
@@ -292,6 +293,9 @@ TEST_F(CommandsTest, FilmReplies) {
     EXPECT_TRUE(commands.Comm_GetFilm(7, film));
     EXPECT_TRUE(commands.Comm_GetFilm(8, film));
     EXPECT_EQ(film.FilmNum, 6);
+    EXPECT_FALSE(commands.Comm_GetFilm(9, film));
+    EXPECT_EQ(film.FilmName, "  AL    ") << "blanks before it are the name's";
+    EXPECT_EQ(film.Density, 2.7);
 }
 
 TEST_F(CommandsTest, SystemRecordsByteForByte) {

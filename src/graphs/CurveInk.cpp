@@ -1,16 +1,17 @@
 #include "graphs/CurveInk.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <cstring>
-#include <utility>
+#include <limits>
 
 namespace drx9 {
 
 namespace {
-constexpr double kMostStroke = 200000; ///< pixels of a curve that are drawn as an outline
-constexpr double kFar = 20000;         ///< pixels beyond which a point's height makes no difference
-constexpr int kTile = 16;              ///< columns painted together: pixels of one cache line
+constexpr int kParts = 4;       ///< parts of a pixel column that a line's edges are told apart by
+constexpr int kTile = 16;       ///< columns painted together: pixels of one cache line
+constexpr int kMostEdge = 3000; ///< partly covered pixels of a tile, beyond which its edges are left rough
+constexpr float kNone = std::numeric_limits<float>::infinity();
 
 std::uint32_t mixed(std::uint32_t under, std::uint32_t over, std::uint32_t cover) {
     const std::uint32_t rest = 255 - cover;
@@ -19,218 +20,260 @@ std::uint32_t mixed(std::uint32_t under, std::uint32_t over, std::uint32_t cover
     return 0xff000000 | (redBlue & 0xff00ff) | (green & 0x00ff00);
 }
 
-CurvePoint nearby(const CurvePoint& point) {
-    return {std::clamp(point.x, -kFar, kFar), std::clamp(point.y, -kFar, kFar), point.start};
+/// The points up to where the next piece starts.
+std::span<const CurvePoint> takePiece(std::span<const CurvePoint>& rest) {
+    std::size_t count = 1;
+    while (count < rest.size() && !rest[count].start) {
+        ++count;
+    }
+    const std::span<const CurvePoint> piece = rest.first(count);
+    rest = rest.subspan(count);
+    return piece;
 }
 
-/// A straight piece of a line, asked for its ink on a pixel.
-class Stroke {
+/// Some columns of a curve on their way into the picture: of each the rows that are full, and before and
+/// behind them those of which the line covers a share.
+template<int Parts>
+class Tile {
 public:
-    Stroke(const CurvePoint& a, const CurvePoint& b, double half)
-        : x_(static_cast<float>(a.x - 0.5)) // a pixel is taken at its middle
-        , y_(static_cast<float>(a.y - 0.5))
-        , reach_(static_cast<float>(half + 0.5))
-        , most_(static_cast<float>(std::min(1.0, 2 * half))) {
-        const double length = std::hypot(b.x - a.x, b.y - a.y);
-        length_ = static_cast<float>(length);
-        alongX_ = length > 0 ? static_cast<float>((b.x - a.x) / length) : 1;
-        alongY_ = length > 0 ? static_cast<float>((b.y - a.y) / length) : 0;
-    }
-    /// 0 to 255, by the pixel's distance from the stroke.
-    [[nodiscard]] std::uint8_t ink(int column, int row) const {
-        const float x = static_cast<float>(column) - x_;
-        const float y = static_cast<float>(row) - y_;
-        const float along = x * alongX_ + y * alongY_;
-        float distance = std::fabs(x * alongY_ - y * alongX_);
-        const float beyond = along < 0 ? -along : along - length_;
-        if (beyond > 0) {
-            distance = std::sqrt(distance * distance + beyond * beyond);
+    Tile(const float* tops, const float* bottoms, int count, int height)
+        : tops_(tops)
+        , bottoms_(bottoms)
+        , count_(count)
+        , height_(height) {
+        int partly = 0;
+        for (int i = 0; i < count; ++i) {
+            partly += measure(i);
         }
-        const float cover = std::clamp(reach_ - distance, 0.0F, most_);
-        return static_cast<std::uint8_t>(cover * 255 + 0.5F);
+        hulls_ = Parts > 1 && partly > kMostEdge;
+        for (int i = 0; i < count && hulls_; ++i) {
+            takeHull(i);
+        }
+    }
+    void paint(std::uint32_t* pixels, int stride, std::uint32_t color) const {
+        paintFull(pixels, stride, color);
+        for (int i = 0; i < count_; ++i) {
+            paintShares(pixels + i, stride, i, first_[i], std::min(fullFrom_[i], last_[i]), color);
+            paintShares(pixels + i, stride, i, std::max(fullTo_[i], first_[i]), last_[i], color);
+        }
     }
 
 private:
-    float x_;
-    float y_;
-    float reach_;
-    float most_;
-    float length_;
-    float alongX_;
-    float alongY_;
-};
-
-/// Length of the curve's strokes, as far as they lie in the picture's height.
-double strokeLength(std::span<const CurvePoint> curve, int height) {
-    double length = 0;
-    for (std::size_t i = 1; i < curve.size(); ++i) {
-        const double y1 = std::clamp(curve[i - 1].y, 0.0, static_cast<double>(height));
-        const double y2 = std::clamp(curve[i].y, 0.0, static_cast<double>(height));
-        length += std::fabs(y2 - y1) + 2;
+    /// Rows that are covered in part.
+    int measure(int i) {
+        const float* tops = tops_ + i * Parts;
+        const float* bottoms = bottoms_ + i * Parts;
+        top_[i] = *std::min_element(tops, tops + Parts);
+        bottom_[i] = *std::max_element(bottoms, bottoms + Parts);
+        const float lowestTop = *std::max_element(tops, tops + Parts);
+        const float highestBottom = *std::min_element(bottoms, bottoms + Parts);
+        takeRows(i, lowestTop, highestBottom);
+        return last_[i] - first_[i] - (fullTo_[i] - fullFrom_[i]);
     }
-    return length;
-}
+    void takeHull(int i) { takeRows(i, top_[i], bottom_[i]); }
+    void takeRows(int i, float fullTop, float fullBottom) {
+        const auto limit = static_cast<float>(height_);
+        first_[i] = static_cast<int>(std::floor(std::clamp(top_[i], 0.0F, limit)));
+        last_[i] = std::max(first_[i], static_cast<int>(std::ceil(std::clamp(bottom_[i], 0.0F, limit))));
+        fullFrom_[i] = static_cast<int>(std::ceil(std::clamp(fullTop, 0.0F, limit)));
+        fullTo_[i] = static_cast<int>(std::floor(std::clamp(fullBottom, 0.0F, limit)));
+        if (fullFrom_[i] >= fullTo_[i]) {
+            fullFrom_[i] = fullTo_[i] = last_[i];
+        }
+    }
+    void paintFull(std::uint32_t* pixels, int stride, std::uint32_t color) const {
+        int from = height_;
+        int to = 0;
+        int allFrom = 0;
+        int allTo = height_;
+        for (int i = 0; i < count_; ++i) {
+            const bool any = fullFrom_[i] < fullTo_[i];
+            from = any ? std::min(from, fullFrom_[i]) : from;
+            to = any ? std::max(to, fullTo_[i]) : to;
+            allFrom = std::max(allFrom, fullFrom_[i]);
+            allTo = std::min(allTo, fullTo_[i]);
+        }
+        for (int row = from; row < to; ++row) {
+            std::uint32_t* line = pixels + static_cast<std::ptrdiff_t>(row) * stride;
+            if (allFrom <= row && row < allTo) {
+                std::fill_n(line, count_, color);
+            } else {
+                paintRow(line, row, color);
+            }
+        }
+    }
+    void paintRow(std::uint32_t* line, int row, std::uint32_t color) const {
+        if (count_ < kTile) {
+            for (int i = 0; i < count_; ++i) {
+                line[i] = fullFrom_[i] <= row && row < fullTo_[i] ? color : line[i];
+            }
+            return;
+        }
+        std::array<std::uint32_t, kTile> mixed; // the known count lets the compiler take several at a time
+        for (std::size_t i = 0; i < kTile; ++i) {
+            const std::uint32_t inside = (fullFrom_[i] <= row ? ~0U : 0U) & (row < fullTo_[i] ? ~0U : 0U);
+            mixed[i] = (color & inside) | (line[i] & ~inside);
+        }
+        std::copy(mixed.begin(), mixed.end(), line);
+    }
+    void paintShares(std::uint32_t* column, int stride, int i, int from, int to, std::uint32_t color) const {
+        for (int row = from; row < to; ++row) {
+            std::uint32_t& pixel = column[static_cast<std::ptrdiff_t>(row) * stride];
+            pixel = mixed(pixel, color, static_cast<std::uint32_t>(share(i, row) * 255 + 0.5F));
+        }
+    }
+    /// Of the pixel, what the line covers.
+    [[nodiscard]] float share(int i, int row) const {
+        const auto upper = static_cast<float>(row);
+        const auto covered = [upper](float top, float bottom) {
+            const float from = top < upper ? upper : top;
+            const float to = bottom < upper + 1 ? bottom : upper + 1;
+            return to > from ? to - from : 0;
+        };
+        if (hulls_ || Parts == 1) {
+            return covered(top_[i], bottom_[i]);
+        }
+        float sum = 0;
+        for (int part = i * Parts; part < (i + 1) * Parts; ++part) {
+            sum += covered(tops_[part], bottoms_[part]);
+        }
+        return sum / Parts;
+    }
+
+    const float* tops_;
+    const float* bottoms_;
+    int count_;
+    int height_;
+    bool hulls_ = false;
+    std::array<float, kTile> top_{};
+    std::array<float, kTile> bottom_{};
+    std::array<int, kTile> first_{};
+    std::array<int, kTile> fullFrom_{};
+    std::array<int, kTile> fullTo_{};
+    std::array<int, kTile> last_{};
+};
 } // namespace
 
 void CurveInk::line(const PixelArea& area, std::span<const CurvePoint> curve, double width,
                     std::uint32_t color) {
-    if (strokeLength(curve, area.height) > kMostStroke) {
-        thinLine(area, curve, 1, color);
-        return;
-    }
-    width_ = area.width;
-    height_ = area.height;
-    mask_.resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
-    top_ = height_;
-    bottom_ = 0;
-    for (std::size_t i = 0; i < curve.size(); ++i) {
-        const bool alone = curve[i].start && (i + 1 == curve.size() || curve[i + 1].start);
-        if (!curve[i].start || alone) {
-            stroke(nearby(curve[alone ? i : i - 1]), nearby(curve[i]), width / 2);
+    const double half = width / 2;
+    while (!curve.empty()) {
+        const std::span<const CurvePoint> piece = takePiece(curve);
+        begin(area, piece, half, kParts);
+        addDot(piece[0], half);
+        for (std::size_t i = 1; i < piece.size(); ++i) {
+            addEdges(piece[i - 1], piece[i], half);
+            addDot(piece[i], half);
         }
-    }
-    paintMask(area, color);
-}
-
-/// Covers the pixels around the stroke by their distance from it.
-void CurveInk::stroke(const CurvePoint& a, const CurvePoint& b, double half) {
-    const Stroke shape(a, b, half);
-    const double reach = half + 0.5;
-    const double dx = b.x - a.x;
-    const double dy = b.y - a.y;
-    const int top = std::max(0, static_cast<int>(std::floor(std::min(a.y, b.y) - reach)));
-    const int bottom = std::min(height_ - 1, static_cast<int>(std::floor(std::max(a.y, b.y) + reach)));
-    top_ = std::min(top_, top);
-    bottom_ = std::max(bottom_, bottom + 1);
-    const double across = dy == 0 ? 0 : reach * std::hypot(dx, dy) / std::fabs(dy);
-    const double left = std::min(a.x, b.x) - reach;
-    const double right = std::max(a.x, b.x) + reach;
-    for (int row = top; row <= bottom; ++row) {
-        const double y = row + 0.5 - a.y;
-        double from = left;
-        double to = right;
-        if (dy != 0) { // only where the stroke passes this row
-            const double middle = a.x + dx * y / dy;
-            from = std::max(left, middle - across);
-            to = std::min(right, middle + across);
-        }
-        const int first = std::max(0, static_cast<int>(std::floor(from)));
-        const int last = std::min(width_ - 1, static_cast<int>(std::floor(to)));
-        std::uint8_t* cells = mask_.data() + static_cast<std::size_t>(row) * static_cast<std::size_t>(width_);
-        for (int column = first; column <= last; ++column) {
-            if (cells[column] != 255) {
-                cells[column] = std::max(cells[column], shape.ink(column, row));
-            }
-        }
-    }
-}
-
-/// Brings the mask onto the picture and empties it.
-void CurveInk::paintMask(const PixelArea& area, std::uint32_t color) {
-    for (int row = top_; row < bottom_; ++row) {
-        std::uint8_t* cells = mask_.data() + static_cast<std::size_t>(row) * static_cast<std::size_t>(width_);
-        std::uint32_t* pixels = area.pixels + static_cast<std::ptrdiff_t>(row) * area.stride;
-        for (int column = 0; column < width_;) {
-            std::uint64_t eight = 0;
-            if (column + 8 <= width_) {
-                std::memcpy(&eight, cells + column, 8);
-                if (eight == 0) {
-                    column += 8;
-                    continue;
-                }
-            }
-            const int end = std::min(column + 8, width_);
-            for (; column < end; ++column) {
-                if (cells[column] != 0) {
-                    pixels[column] = mixed(pixels[column], color, cells[column]);
-                    cells[column] = 0;
-                }
-            }
-        }
+        paint<kParts>(area, color | 0xff000000);
     }
 }
 
 void CurveInk::thinLine(const PixelArea& area, std::span<const CurvePoint> curve, int width,
                         std::uint32_t color) {
-    width_ = area.width;
-    height_ = area.height;
-    columns_.assign(static_cast<std::size_t>(width_), {1, 0});
-    for (std::size_t i = 0; i < curve.size(); ++i) {
-        markColumns(nearby(curve[curve[i].start ? i : i - 1]), nearby(curve[i]));
+    while (!curve.empty()) {
+        const std::span<const CurvePoint> piece = takePiece(curve);
+        begin(area, piece, width - 1, 1);
+        for (std::size_t i = 0; i < piece.size(); ++i) {
+            markColumns(piece[i > 0 ? i - 1 : 0], piece[i]);
+        }
+        thicken(width);
+        paint<1>(area, color | 0xff000000);
     }
-    if (width > 1) {
-        widen();
-    }
-    paintColumns(area, width / 2.0, color | 0xff000000);
 }
 
-void CurveInk::extend(int column, double y1, double y2) {
-    if (column < 0 || column >= width_) {
-        return;
+/// Makes the spans of the columns that a piece can reach, all empty.
+void CurveInk::begin(const PixelArea& area, std::span<const CurvePoint> piece, double reach, int parts) {
+    const double width = area.width;
+    height_ = area.height;
+    left_ = static_cast<int>(std::clamp(std::floor(piece.front().x - reach), 0.0, width));
+    right_ = static_cast<int>(std::clamp(std::floor(piece.back().x + reach) + 1, double(left_), width));
+    tops_.assign(static_cast<std::size_t>((right_ - left_) * parts), kNone);
+    bottoms_.assign(tops_.size(), -kNone);
+}
+
+void CurveInk::extend(double index, double top, double bottom) {
+    const auto at = static_cast<std::size_t>(index);
+    const double limit = height_ + 1.0; // what lies further out makes no difference
+    tops_[at] = std::min(tops_[at], static_cast<float>(std::clamp(top, -1.0, limit)));
+    bottoms_[at] = std::max(bottoms_[at], static_cast<float>(std::clamp(bottom, -1.0, limit)));
+}
+
+/// The round of the line at a point of the curve.
+void CurveInk::addDot(const CurvePoint& point, double half) {
+    const double x = (point.x - left_) * kParts - 0.5; // of the point, counted in parts' middles
+    const double reach = half * kParts;
+    const double last = std::min(std::floor(x + reach), static_cast<double>(tops_.size()) - 1);
+    for (double at = std::max(0.0, std::ceil(x - reach)); at <= last; ++at) {
+        const double rise = std::sqrt(std::max(0.0, reach * reach - (at - x) * (at - x))) / kParts;
+        extend(at, point.y - rise, point.y + rise);
     }
-    Heights& heights = columns_[static_cast<std::size_t>(column)];
-    const auto top = static_cast<float>(std::min(y1, y2));
-    const auto bottom = static_cast<float>(std::max(y1, y2));
-    const bool empty = heights.top > heights.bottom;
-    heights.top = empty ? top : std::min(heights.top, top);
-    heights.bottom = empty ? bottom : std::max(heights.bottom, bottom);
+}
+
+/// The two edges of the line between two points of the curve.
+void CurveInk::addEdges(const CurvePoint& a, const CurvePoint& b, double half) {
+    const double dx = b.x - a.x;
+    const double dy = b.y - a.y;
+    const double length = std::sqrt(dx * dx + dy * dy);
+    if (!(dx > 0)) {
+        return; // the rounds at its ends say all
+    }
+    const double aside = half * dy / length;
+    const double rise = half * dx / length;
+    addEdge(a.x + aside, b.x + aside, a.y - rise, dy / dx, true);
+    addEdge(a.x - aside, b.x - aside, a.y + rise, dy / dx, false);
+}
+
+void CurveInk::addEdge(double from, double to, double y, double slope, bool upper) {
+    const double first = std::max(0.0, std::ceil((from - left_) * kParts - 0.5));
+    const double last =
+        std::min(std::floor((to - left_) * kParts - 0.5), static_cast<double>(tops_.size()) - 1);
+    const double limit = height_ + 1.0;
+    const double start = left_ + 0.5 / kParts - from;
+    for (double at = first; at <= last; ++at) {
+        const auto edge = static_cast<float>(std::clamp(y + slope * (start + at / kParts), -1.0, limit));
+        const auto index = static_cast<std::size_t>(at);
+        if (upper) {
+            tops_[index] = std::min(tops_[index], edge);
+        } else {
+            bottoms_[index] = std::max(bottoms_[index], edge);
+        }
+    }
 }
 
 /// The heights that a stroke runs through in each column.
 void CurveInk::markColumns(const CurvePoint& a, const CurvePoint& b) {
-    const int first = static_cast<int>(std::floor(a.x));
-    const int last = static_cast<int>(std::floor(b.x));
-    double y = a.y;
-    for (int column = std::max(first, 0); column < std::min(last, width_); ++column) {
-        if (column == std::max(first, 0) && first < 0) {
-            y = a.y + (b.y - a.y) * (0 - a.x) / (b.x - a.x);
-        }
-        const double end = a.y + (b.y - a.y) * (column + 1 - a.x) / (b.x - a.x);
-        extend(column, y, end);
-        y = end;
-    }
-    extend(last, first == last ? a.y : y, b.y);
-}
-
-/// Each column takes in what the one before it covers.
-void CurveInk::widen() {
-    for (std::size_t i = columns_.size(); i-- > 1;) {
-        const Heights& before = columns_[i - 1];
-        if (before.top <= before.bottom) {
-            extend(static_cast<int>(i), before.top, before.bottom);
-        }
+    const double first = std::floor(a.x);
+    const double last = std::floor(b.x);
+    const double slope = b.x > a.x ? (b.y - a.y) / (b.x - a.x) : 0;
+    for (double column = std::max<double>(first, left_); column <= std::min<double>(last, right_ - 1);
+         ++column) {
+        const double from = column > first ? a.y + slope * (column - a.x) : a.y;
+        const double to = column < last ? a.y + slope * (column + 1 - a.x) : b.y;
+        extend(column - left_, std::min(from, to), std::max(from, to));
     }
 }
 
-void CurveInk::paintColumns(const PixelArea& area, double half, std::uint32_t color) const {
-    for (int left = 0; left < width_; left += kTile) {
-        const int count = std::min(kTile, width_ - left);
-        float top[kTile];
-        float bottom[kTile];
-        float highest = static_cast<float>(height_);
-        float lowest = 0;
-        for (int i = 0; i < count; ++i) {
-            const Heights& heights = columns_[static_cast<std::size_t>(left + i)];
-            const bool empty = heights.top > heights.bottom;
-            top[i] = empty ? static_cast<float>(height_) : heights.top - static_cast<float>(half);
-            bottom[i] = empty ? 0 : heights.bottom + static_cast<float>(half);
-            highest = std::min(highest, top[i]);
-            lowest = std::max(lowest, bottom[i]);
+/// Gives the marked heights the line's width; with two columns each takes in what the one before it covers.
+void CurveInk::thicken(int width) {
+    const float half = static_cast<float>(width) / 2;
+    for (std::size_t i = tops_.size(); i-- > 0;) {
+        if (width > 1 && i > 0) {
+            tops_[i] = std::min(tops_[i], tops_[i - 1]);
+            bottoms_[i] = std::max(bottoms_[i], bottoms_[i - 1]);
         }
-        const int end = std::min(height_, static_cast<int>(std::ceil(lowest)));
-        for (int row = std::max(0, static_cast<int>(std::floor(highest))); row < end; ++row) {
-            std::uint32_t* pixels = area.pixels + static_cast<std::ptrdiff_t>(row) * area.stride + left;
-            const auto upper = static_cast<float>(row);
-            const float lower = upper + 1;
-            for (int i = 0; i < count; ++i) {
-                if (top[i] <= upper && lower <= bottom[i]) {
-                    pixels[i] = color;
-                } else if (top[i] < lower && upper < bottom[i]) {
-                    const float cover = std::min(lower, bottom[i]) - std::max(upper, top[i]);
-                    pixels[i] = mixed(pixels[i], color, static_cast<std::uint32_t>(cover * 255 + 0.5F));
-                }
-            }
-        }
+        tops_[i] -= half;
+        bottoms_[i] += half;
+    }
+}
+
+template<int Parts>
+void CurveInk::paint(const PixelArea& area, std::uint32_t color) const {
+    for (int left = left_; left < right_; left += kTile) {
+        const auto first = static_cast<std::size_t>((left - left_) * Parts);
+        const Tile<Parts> tile(tops_.data() + first, bottoms_.data() + first, std::min(kTile, right_ - left),
+                               area.height);
+        tile.paint(area.pixels + left, area.stride, color);
     }
 }
 

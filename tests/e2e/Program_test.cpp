@@ -1,7 +1,5 @@
 // The whole program against the simulated instrument, over every link.
 #include "app/Program.h"
-#include "controls/MarkLabel.h"
-#include "controls/NoticePlate.h"
 #include "platform/os/OsFilePort.h"
 
 #include <QAbstractButton>
@@ -27,9 +25,6 @@ namespace drx9 {
 namespace {
 
 constexpr int kPatience = 60000; ///< ms, for conditions that come at once on a fast machine
-
-/// Where a program that is to be killed has its files.
-constexpr const char* kFolderVariable = "DRX9_E2E_FOLDER";
 
 /// A whole line of the log with a reading of six sensors.
 bool isReading(const QString& line) {
@@ -110,11 +105,10 @@ protected:
     Control& find(const char* name) {
         return *program->window().findChild<Control*>(name);
     }
-    QString folderPath() const { return qEnvironmentVariable(kFolderVariable, folder_.path()); }
+    QString folderPath() const { return folder_.path(); }
     QComboBox& films() { return find<QComboBox>("cboFilms"); }
     void click(const char* name) { QTest::mouseClick(&find(name), Qt::LeftButton); }
     QString text(const char* name) { return find(name).property("text").toString(); }
-    QString notice() { return find<NoticePlate>("lblNotice").text(); }
     double number(const char* name) { return text(name).toDouble(); }
     Core& core() { return program->core(); }
     Monitor& monitor() { return core().monitor; }
@@ -270,120 +264,6 @@ TEST_P(OnEveryLink, ARunOutlivesEveryCut) {
 INSTANTIATE_TEST_SUITE_P(Links, OnEveryLink, testing::Values(kSerial, kUsb, kTcp), [](const auto& link) {
     return std::string(link.param == kSerial ? "Serial" : link.param == kUsb ? "Usb" : "Tcp");
 });
-
-/// What others do to the log's file in a run, and what then becomes of the lines.
-struct LogTrouble {
-    const char* name;
-    void (*begin)(QDir& folder);
-    void (*end)(QDir& folder);
-    bool linesLost; ///< while it lasts; else a new file is begun
-};
-
-void PrintTo(const LogTrouble& trouble, std::ostream* out) {
-    *out << trouble.name;
-}
-
-class LogInTrouble : public ProgramFixture, public testing::WithParamInterface<LogTrouble> {};
-
-TEST_P(LogInTrouble, LosesNothingThatWasWrittenAndSaysWhatIsLost) {
-    const LogTrouble& trouble = GetParam();
-    build(kTcp);
-    startRun();
-    ASSERT_FALSE(HasFatalFailure());
-    QDir folder(folderPath());
-    DataLog& log = core().log;
-    const int before = log.linesWritten();
-    trouble.begin(folder);
-    if (trouble.linesLost) {
-        EXPECT_TRUE(waitFor([&] { return log.linesLost() >= 2; }));
-        EXPECT_TRUE(notice().startsWith("Log not written")) << notice().toStdString();
-        EXPECT_TRUE(find<MarkLabel>("staLog").text().contains("lost"));
-    } else {
-        EXPECT_TRUE(waitFor([&] { return log.linesWritten() >= before + 2; }));
-    }
-    const int lost = log.linesLost();
-    trouble.end(folder);
-    EXPECT_TRUE(waitFor([&] { return log.linesWritten() >= before + 4; }));
-    EXPECT_LE(log.linesLost(), lost + 1) << "the one in hand when it ended";
-    EXPECT_TRUE(waitFor([&] { return notice().isEmpty(); }));
-    click("cmdShutter");
-    click("cmdStartStop");
-    ASSERT_TRUE(waitFor([&] { return onLine(); }));
-    int lines = 0;
-    for (const QString& file : folder.entryList({"*.txt"}, QDir::Files)) {
-        for (const QString& line : contentOf(file.toUtf8()).split("\r\n")) {
-            lines += isReading(line) ? 1 : 0;
-            EXPECT_TRUE(isReading(line) || line.isEmpty() || line.startsWith("Start:") ||
-                        line.startsWith("End:") || line.startsWith("Time\t"))
-                << line.toStdString();
-        }
-    }
-    EXPECT_EQ(lines, log.linesWritten());
-    EXPECT_EQ(boxes, "");
-}
-
-INSTANTIATE_TEST_SUITE_P(Files, LogInTrouble,
-                         testing::Values(LogTrouble{"Renamed",
-                                                    [](QDir& in) { in.rename("drx9.txt", "old.txt"); },
-                                                    [](QDir&) {}, false},
-                                         LogTrouble{"DiskFull",
-                                                    [](QDir& in) {
-                                                        in.rename("drx9.txt", "old.txt");
-                                                        QFile::link("/dev/full", in.filePath("drx9.txt"));
-                                                    },
-                                                    [](QDir& in) { in.remove("drx9.txt"); }, true},
-                                         LogTrouble{"NameTaken",
-                                                    [](QDir& in) {
-                                                        in.rename("drx9.txt", "old.txt");
-                                                        in.mkdir("drx9.txt");
-                                                    },
-                                                    [](QDir& in) { in.rmdir("drx9.txt"); }, true}),
-                         [](const auto& c) { return c.param.name; });
-
-/// The part that is killed: runs in a process of its own, told its folder by the one that kills it.
-TEST_F(ProgramFixture, DISABLED_LogsUntilItIsKilled) {
-    build(kTcp);
-    startRun();
-    for (int told = 0; monitor().RunMode() == kRunning;) {
-        QTest::qWait(1);
-        if (const int lines = core().log.linesWritten(); lines > told) {
-            std::printf("logged %d\n", told = lines);
-            std::fflush(stdout);
-        }
-    }
-}
-
-TEST(Killed, TheLogHoldsEveryLineThatWasWritten) {
-    std::mt19937 random(static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed()));
-    for (int kill = 0; kill < 3; ++kill) {
-        QTemporaryDir folder;
-        QProcess victim;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(kFolderVariable, folder.path());
-        victim.setProcessEnvironment(environment);
-        victim.start(QCoreApplication::applicationFilePath(),
-                     {"--gtest_filter=*.DISABLED_LogsUntilItIsKilled", "--gtest_also_run_disabled_tests"});
-        QByteArray said;
-        const auto logged = [&] {
-            said += victim.readAllStandardOutput();
-            return said.mid(said.lastIndexOf("logged ") + 7).split('\n').value(0).toInt();
-        };
-        int told = 0;
-        const int least = 2 + static_cast<int>(random() % 5);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return (told = logged()) >= least; }, kPatience));
-        QTest::qWait(static_cast<int>(random() % 250));
-        victim.kill();
-        victim.waitForFinished(kPatience);
-        told = std::max(told, logged());
-        QFile file(folder.filePath("drx9.txt"));
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        QStringList lines = QString(file.readAll()).split("\r\n");
-        EXPECT_EQ(lines.takeLast(), "") << "the last line is whole";
-        EXPECT_GE(std::count_if(lines.begin(), lines.end(), isReading), told);
-        EXPECT_EQ(lines.size() - std::count_if(lines.begin(), lines.end(), isReading), 4)
-            << "the start block";
-    }
-}
 
 /// When the operator closes the window: always while an exchange is under way.
 struct Moment {

@@ -178,36 +178,6 @@ TEST(Values, AreRefusedOutsideTheirColumn) {
               "340282366920938463463374607431768211455");
 }
 
-/// Rows of Jet 3 have 1-byte offsets, and a table of jumps when they are longer than 256 bytes.
-TEST(Row, ReadsBackWhatItWrites) {
-    for (const auto generation : kBoth) {
-        const Layout& layout = layoutOf(generation);
-        Definition definition;
-        definition.variableColumns = 6;
-        definition.nextColumn = 7;
-        for (std::uint16_t i = 0; i < 7; ++i) {
-            Column each;
-            each.name = std::string(1, static_cast<char>('a' + i));
-            each.number = i;
-            each.type = i == 0 ? ColumnType::Long : ColumnType::Text;
-            each.flags = i == 0 ? columnFlag::kFixed : 0;
-            each.length = 4;
-            each.slot = static_cast<std::uint16_t>(6 - i); // not in the order of numbers
-            definition.columns.push_back(each);
-        }
-        for (const std::size_t length :
-             {0u, 1u, 39u, 40u, 41u, 42u, 43u, 60u, 82u, 83u, 84u, 85u, 200u, 255u}) {
-            Fields fields{"\1\2\3\4"};
-            for (std::size_t i = 1; i < 7; ++i) {
-                fields.emplace_back(i == 3 ? std::optional<std::string>()
-                                           : std::string(length, static_cast<char>('a' + i)));
-            }
-            const std::string row = encodeRow(layout, definition, fields, 0);
-            EXPECT_EQ(RowReader(layout, definition, row).fields(), fields) << length;
-        }
-    }
-}
-
 std::string printed(const Value& value) {
     const auto* const text = std::get_if<std::string>(&value);
     return text != nullptr ? "'" + *text + "'" : std::to_string(std::get<double>(value));

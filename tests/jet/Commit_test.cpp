@@ -53,18 +53,6 @@ TEST(Commit, LeavesTheOldOrTheNewFileWhenAStepFails) {
     EXPECT_GE(refused, 10);
 }
 
-TEST(Commit, LeavesTheOldFileOnAFullDisk) {
-    MemoryFilePort disk;
-    makeOldLibrary(disk, Generation::Jet3, {"a", "b"});
-    FaultyFilePort files(disk);
-    DBEngine engine(files);
-    const auto database = engine.OpenDatabase(kPath);
-    const std::string before = disk.text(kPath);
-    files.fillAfter(5000);
-    EXPECT_NE(failure([&] { changeFirstFilm(*database); }).find("No space left"), std::string::npos);
-    EXPECT_EQ(disk.text(kPath), before);
-}
-
 /// Pages that are read on demand are those of the file as it was opened, or an error; a store that was read
 /// whole needs the file no more.
 TEST(Commit, ReadsWhatWasOpenedOrSaysSo) {

@@ -124,32 +124,25 @@ Value Model::randomValue(const std::string& name) {
     if (pick(6) == 0 && name != "Flag") {
         return Null{};
     }
-    const auto between = [&](double range) {
-        return static_cast<double>(static_cast<int>(random_() % 2000001) - 1000000) / 1e6 * range;
+    const auto whole = [&](std::int64_t range) {
+        return static_cast<std::int64_t>(random_()) % (2 * range + 1) - range;
     };
+    const std::map<std::string, std::function<Value()>> plain = {
+        {"Flag", [&] { return pick(2) == 0; }},
+        {"Tiny", [&] { return static_cast<std::int64_t>(pick(256)); }},
+        {"Small", [&] { return whole(30000); }},
+        {"Extra integer", [&] { return whole(30000); }},
+        {"Amount", [&] { return Currency{whole(1000000000)}; }},
+        {"Ratio", [&] { return static_cast<float>(whole(1000)) / 8.0F; }},
+        {"Num", [&] { return static_cast<double>(whole(100000)) / 16.0; }},
+        {"Extra double", [&] { return static_cast<double>(whole(100000)) / 16.0; }},
+        {"When", [&] { return DateTime{static_cast<double>(pick(40000) * 86400 + pick(86400)) / 86400}; }},
+        {"Code", [&] { return "c" + std::to_string(++codes_); }}};
+    if (const auto found = plain.find(name); found != plain.end()) {
+        return found->second();
+    }
     if (name == "Name") {
         return randomText(pick(10) == 0 ? 60 : 12);
-    }
-    if (name == "Code") {
-        return "c" + std::to_string(++codes_);
-    }
-    if (name == "Flag") {
-        return pick(2) == 0;
-    }
-    if (name == "Tiny") {
-        return static_cast<std::int64_t>(pick(256));
-    }
-    if (name == "Amount") {
-        return Currency{static_cast<std::int64_t>(between(1e9))};
-    }
-    if (name == "Ratio") {
-        return static_cast<float>(static_cast<int>(between(1000))) / 8.0F;
-    }
-    if (name == "Num" || name == "Extra double") {
-        return static_cast<double>(static_cast<int>(between(1e5))) / 16.0;
-    }
-    if (name == "When") {
-        return DateTime{static_cast<double>(pick(40000)) + static_cast<double>(pick(86400)) / 86400.0};
     }
     if (name == "Bytes" || name == "Blob") {
         const std::size_t longest = name == "Bytes" ? 100 : pick(8) == 0 ? 9000 : 90;
@@ -161,13 +154,9 @@ Value Model::randomValue(const std::string& name) {
     if (name == "Note" || name == "Extra memo") {
         return randomText(pick(12) == 0 ? 6000 : 80);
     }
-    if (name == "Key") {
-        Guid guid;
-        std::generate(guid.bytes.begin(), guid.bytes.end(),
-                      [&] { return static_cast<std::uint8_t>(pick(256)); });
-        return guid;
-    }
-    return static_cast<std::int64_t>(pick(60000)) - 30000; // Small, Extra integer
+    Guid key;
+    std::generate(key.bytes.begin(), key.bytes.end(), [&] { return static_cast<std::uint8_t>(pick(256)); });
+    return key;
 }
 
 Model::Row Model::randomRow(const TableModel& table) {

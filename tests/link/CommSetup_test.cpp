@@ -2,7 +2,6 @@
 #include "link/CommSetup.h"
 
 #include "fakes/FakeLinks.h"
-#include "link/CommandHistory.h"
 #include "link/Link.h"
 
 #include <gtest/gtest.h>
@@ -59,7 +58,6 @@ TEST(CommSetupTest, TheBottomLineTellsOnlyWhatIsKnownOfTheLinkThatIsSet) {
     const CommSetup::Facts ok{true, "4.12"};
     CommSetup setup(now, ok, "");
     EXPECT_EQ(setup.state(now, ok), (CommState{"On line: Ver. 4.12", Tone::Plain}));
-    EXPECT_EQ(setup.state(now, {true, ""}).text, "On line");
     EXPECT_EQ(setup.state(now, {true, "4.12", false}),
               (CommState{"Off line: 192.168.1.200:2101 is no longer open", Tone::Alarm}));
     now.EAddress = "10.0.0.1";
@@ -67,8 +65,6 @@ TEST(CommSetupTest, TheBottomLineTellsOnlyWhatIsKnownOfTheLinkThatIsSet) {
     setup.searched(now, "No connection to 10.0.0.1 port 2101: refused");
     EXPECT_EQ(setup.state(now, {}),
               (CommState{"Off line: No connection to 10.0.0.1 port 2101: refused", Tone::Alarm}));
-    EXPECT_EQ(setup.state(settingsOf(2), {}).text.rfind("Not tried yet: 192.168.1.200:2101.", 0), 0U);
-
     now.CommType = 0;
     setup.portOpened(3, "/dev/ttyUSB0 is in use by another program.");
     EXPECT_EQ(setup.state(now, ok),
@@ -78,8 +74,6 @@ TEST(CommSetupTest, TheBottomLineTellsOnlyWhatIsKnownOfTheLinkThatIsSet) {
     EXPECT_EQ(setup.state(now, ok).text.rfind("Not tried yet: COM3 at 19200.", 0), 0U);
     setup.searched(now, "");
     EXPECT_EQ(setup.state(now, {}).text, "Off line: no answer on COM3 at 19200");
-    EXPECT_EQ(CommSetup::silence(now, ok).tone, Tone::Warn);
-    EXPECT_EQ(CommSetup::silence(now, {}).text, "Off line: no answer on COM3 at 19200");
 }
 
 TEST(CommSetupTest, TypedCommandsAreFramedWholeOrRefusedInWords) {
@@ -124,25 +118,6 @@ TEST(CommSetupTest, BridgesAreCountedWithoutOpeningThem) {
     usb.devices = {{"83f5", "A"}, {"EA60", "B"}, {"83F5", "C", false}};
     EXPECT_EQ(attachedBridges(usb), 2);
     EXPECT_TRUE(usb.handles().empty());
-    EXPECT_EQ(bridgeText(0, 0), "No DRX-9 bridge attached");
-    EXPECT_EQ(bridgeText(1, 1), "1 DRX-9 bridge attached");
-    EXPECT_EQ(bridgeText(1, 2), "2 DRX-9 bridges attached, 1 listed: press Find");
-    EXPECT_EQ(serialNumberText(2, false, "0A7C21"), "0A7C21 is set: choose one");
-}
-
-TEST(CommandHistoryTest, WalksBothWaysAndGivesTheTypedLineBack) {
-    CommandHistory history;
-    EXPECT_EQ(history.older("typed"), "typed");
-    EXPECT_EQ(history.newer("typed"), "typed");
-    for (const char* command : {"@", "P1", "P1", ""}) {
-        history.add(command);
-    }
-    EXPECT_EQ(history.older("half"), "P1");
-    EXPECT_EQ(history.older("P1"), "@");
-    EXPECT_EQ(history.older("@"), "@") << "the oldest";
-    EXPECT_EQ(history.newer("@"), "P1");
-    EXPECT_EQ(history.newer("P1"), "half");
-    EXPECT_EQ(history.newer("half"), "half");
 }
 
 } // namespace

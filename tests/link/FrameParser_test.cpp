@@ -32,19 +32,6 @@ TEST(FrameParser, TheTextStopsGrowing) {
     EXPECT_EQ(parser.Bytes().size(), std::size_t{'x'} - 31);
 }
 
-TEST(FrameParser, AByteBehindAPacketTakesTheLastSlot) {
-    FrameParser parser;
-    std::string packet = replyPacket('A', "12");
-    packet.insert(packet.size() - 1, "x"); // a wrong byte before the last one
-    std::vector<bool> checks;
-    for (const char c : packet) {
-        if (const auto reply = parser.push(static_cast<std::uint8_t>(c))) {
-            checks.push_back(reply->crcOk);
-        }
-    }
-    EXPECT_EQ(checks, (std::vector<bool>{false, true}));
-}
-
 TEST(FrameParser, SurvivesAnyBytes) {
     std::mt19937 random(17);
     for (int round = 0; round < 500; ++round) {

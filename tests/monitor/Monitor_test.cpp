@@ -52,15 +52,6 @@ TEST_F(MonitorTest, ComesUpOffLine) {
     EXPECT_TRUE(socket.wire.commands().empty()) << "never on line: nothing is opened again";
 }
 
-TEST_F(MonitorTest, ListEndsAtAFilmThatCannotBeRead) {
-    special["A4?"] = replyPacket('A', "short");
-    boxes.expectNonBlocking("Get Film Error: short");
-    ASSERT_TRUE(monitor.Form_Load());
-    EXPECT_EQ(monitor.films().names(), (Texts{"FILM_1", "FILM_2", "FILM_3"}));
-    EXPECT_EQ(progress.percents.back(), 44);
-    EXPECT_FALSE(progress.shown);
-}
-
 // ---- requests
 
 struct RequestCase {
@@ -135,16 +126,6 @@ TEST_F(MonitorTest, FailedShutterQueryReadsClosedAndUnknown) {
     EXPECT_EQ(requestsOfTick().front(), "U0") << "unknown is not 0: the request closes";
 }
 
-TEST_F(MonitorTest, RememberedFilmIsKeptThroughARefreshWithoutARequest) {
-    bringUp();
-    monitor.cboFilms_Click(2);
-    tick();
-    monitor.setRunMode(kIdle);
-    EXPECT_EQ(monitor.films().index(), 2);
-    EXPECT_EQ(requestsOfTick(), Texts{"U?"});
-    EXPECT_EQ(monitor.films().currentName(), "FILM_3  ");
-}
-
 TEST_F(MonitorTest, OneBadAnswerAtTheEndOfARunChangesNeitherFilmNorList) {
     struct Case {
         const char* command;
@@ -175,7 +156,10 @@ TEST_F(MonitorTest, OneBadAnswerAtTheEndOfARunChangesNeitherFilmNorList) {
         special.erase(given.command);
         ASSERT_EQ(monitor.RunMode(), kIdle);
         EXPECT_EQ(monitor.films().names().size(), given.listed);
+        EXPECT_FALSE(progress.shown);
         EXPECT_EQ(monitor.films().index(), given.selected);
+        EXPECT_EQ(monitor.films().mark().empty(), given.selected >= 0);
+        EXPECT_EQ(monitor.films().nameBesideList(), given.selected < 0 ? "FILM_3" : "");
         EXPECT_FALSE(monitor.requests().waiting().film) << "the instrument keeps its film";
         EXPECT_EQ(monitor.films().currentName(), "FILM_3  ");
         tickAfter(2);
@@ -225,45 +209,44 @@ TEST_F(MonitorTest, RunStartsWithZeroThenLogAndEndsWithLogThenRefresh) {
     EXPECT_EQ(refreshes, 1);
 }
 
-TEST_F(MonitorTest, ClosingInARunSavesFirstAndEndsTheLog) {
-    for (const bool writable : {true, false}) {
-        SCOPED_TRACE(writable);
-        MonitorFixture& t = *this;
-        startRun();
-        events.clear();
-        if (!writable) {
-            files.find("/app/Monitor.ini")->writeProtected = true;
-            boxes.expectShow("Settings not saved: Permission denied", [&] {
-                EXPECT_NE(logText().find("\r\nEnd:     Date: "), std::string::npos) << "the log first";
-            });
-        }
-        t.monitor.Form_QueryUnload();
-        EXPECT_EQ(events, (EventList{"windows closed"}));
-        EXPECT_EQ(monitor.RunMode(), kExiting);
-        EXPECT_NE(logText().find("\r\nEnd:     Date: "), std::string::npos);
-        if (writable) {
-            EXPECT_LT(files.find("/app/Monitor.ini")->modified, files.find("/app/drx9.txt")->modified);
-            EXPECT_FALSE(ticker.on);
-            EXPECT_FALSE(monitor.Form_Load()) << "exiting";
-            break;
-        }
+class ClosingInARun : public MonitorTest, public testing::WithParamInterface<bool> {};
+INSTANTIATE_TEST_SUITE_P(Settings, ClosingInARun, testing::Bool(),
+                         [](const auto& writable) { return writable.param ? "Saved" : "WriteProtected"; });
+
+TEST_P(ClosingInARun, SavesFirstAndEndsTheLog) {
+    startRun();
+    events.clear();
+    const auto logEnded = [&] { return logText().find("\r\nEnd:     Date: ") != std::string::npos; };
+    files.find("/app/Monitor.ini")->writeProtected = !GetParam();
+    if (!GetParam()) {
+        boxes.expectShow("Settings not saved: The file is write-protected",
+                         [&] { EXPECT_TRUE(logEnded()) << "the log first"; });
+    }
+    monitor.Form_QueryUnload();
+    EXPECT_EQ(events, (EventList{"windows closed"}));
+    EXPECT_EQ(monitor.RunMode(), kExiting);
+    EXPECT_TRUE(logEnded());
+    EXPECT_FALSE(ticker.on);
+    EXPECT_FALSE(monitor.Form_Load()) << "exiting";
+    if (GetParam()) {
+        EXPECT_LT(files.find("/app/Monitor.ini")->modified, files.find("/app/drx9.txt")->modified);
     }
 }
 
-TEST_F(MonitorTest, UnchangedFrequenciesAfterZeroSendEightCommandsAndKeepTheOldThickness) {
-    sensors = 6;
-    bringUp();
-    frozen = true;
-    tick();
-    const double before = monitor.readings().thickness[0];
-    thickness = 0;
-    monitor.cmdZero_Click();
-    tick();
-    socket.wire.forget();
-    tick();
-    EXPECT_EQ(socket.wire.commands(), (Texts{"P1", "P2", "P3", "P4", "P5", "P6", "M", "O", "U?"}));
-    EXPECT_EQ(monitor.readings().thickness[0], before);
-    EXPECT_EQ(monitor.readings().averageThickness, 0);
+TEST_F(MonitorTest, ALogInTroubleIsSaidAndEndsWhenTheTroubleDoes) {
+    startRun();
+    tickAfter(2);
+    const std::string before = logText();
+    files.find("/app/drx9.txt")->writeProtected = true;
+    tickAfter(2);
+    EXPECT_EQ(gravestNotice(core.status.facts()).brief, "Log not written");
+    EXPECT_NE(staLog(core.status.facts()).text.find("1 line not written"), std::string::npos);
+    files.rename("/app/drx9.txt", "/app/old.txt"); // as another program does: a new file is begun
+    tickAfter(2);
+    EXPECT_EQ(gravestNotice(core.status.facts()).brief, "");
+    EXPECT_EQ(files.text("/app/old.txt"), before);
+    EXPECT_EQ(logText().substr(0, 3), "6.0");
+    EXPECT_EQ(log.linesWritten() + log.linesLost(), 3);
 }
 
 TEST_F(MonitorTest, ChartsFollowTheStoreOverItsWrap) {

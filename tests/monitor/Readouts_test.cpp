@@ -100,17 +100,6 @@ TEST_F(ReadoutsTest, SensorFieldsFollowTheCheckedItem) {
     EXPECT_EQ(readouts.Display(), 0);
 }
 
-TEST_F(ReadoutsTest, GraphKeepsTheVisibleChartForOtherValues) {
-    readouts.setGraph(0);
-    EXPECT_EQ(readouts.checkedGraphItem(), 0);
-    readouts.setGraph(4);
-    readouts.setGraph(5);
-    EXPECT_EQ(readouts.Graph(), 5);
-    EXPECT_EQ(readouts.checkedGraphItem(), 4);
-    readouts.graphItemClicked(4); // checked already
-    EXPECT_EQ(readouts.Graph(), 5);
-}
-
 TEST_F(ReadoutsTest, FailedExchangesMarkTheFieldsThatShowThem) {
     const struct {
         Value value;

@@ -78,13 +78,9 @@ TEST_F(RequestsTest, ARequestIsCarriedOutOnceAndItsFailureTold) {
         const std::string told = report().text();
         EXPECT_EQ(told, c.told);
         EXPECT_EQ(report().notice(), *c.told == 0 ? "" : told + ". Press again if needed.");
-        Texts acts = actsDuring(0); // of the tick above: read from the wire's own list
-        acts.clear();
-        for (const std::string& command : socket.wire.commands()) {
-            if (actsOnTheProcess(command)) {
-                acts.push_back(command);
-            }
-        }
+        const Texts& sent = socket.wire.commands();
+        Texts acts;
+        std::copy_if(sent.begin(), sent.end(), std::back_inserter(acts), actsOnTheProcess);
         EXPECT_EQ(acts, c.acts);
         special.erase(c.command);
         const Texts later = actsDuring(10);
@@ -214,19 +210,6 @@ TEST_F(RequestsTest, AFilmBeforeTheFirstReadingShowsNoReading) {
     onCommand.clear();
     monitor.carryOutBeforeWindow();
     EXPECT_EQ(core.readouts.texts()[Readouts::AverageRate], "");
-}
-
-TEST_F(RequestsTest, AListThatEndsBeforeTheFilmInUseShowsItMarked) {
-    bringUp();
-    monitor.cboFilms_Click(2);
-    tick();
-    special["A3?"] = replyPacket('A', "short");
-    boxes.allow("Get Film Error: ");
-    monitor.setRunMode(kIdle);
-    EXPECT_EQ(monitor.films().index(), -1);
-    EXPECT_EQ(monitor.films().nameBesideList(), "FILM_3");
-    EXPECT_FALSE(monitor.films().mark().empty());
-    EXPECT_EQ(actsDuring(1), Texts{});
 }
 
 // ---- what waits

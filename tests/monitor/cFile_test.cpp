@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -122,21 +121,6 @@ TEST_F(cFileTest, EveryOperationOfTheClass) {
     hold("[S]\nA=1\n; x\n[T]\nA=2\n[S]\nA=3\n");
     EXPECT_EQ(ini.ClearIniSection("s"), 1);
     EXPECT_EQ(files.text(kPath), "[T]\nA=2\n[S]\nA=3\n");
-}
-
-TEST_F(cFileTest, GroupedWritesReplaceTheFileOnce) {
-    hold("[S]\nK=1\n");
-    ASSERT_TRUE(ini.beginWrites(kPath));
-    ini.WriteIniStr("S", "K", "2");
-    EXPECT_EQ(read("S", "K"), "2");
-    EXPECT_TRUE(ini.commitWrites());
-    EXPECT_EQ(files.text(kPath), "[S]\nK=2\n");
-    const auto& steps = faulty.steps();
-    EXPECT_EQ(std::count(steps.begin(), steps.end(), FileStep::Rename), 1);
-
-    const auto before = files.identity(kPath);
-    EXPECT_EQ(ini.WriteIniStr("S", "K", "2"), 1);
-    EXPECT_EQ(files.identity(kPath), before) << "nothing to write";
 }
 
 TEST_F(cFileTest, AFailedWriteLeavesTheFileAndSaysWhy) {

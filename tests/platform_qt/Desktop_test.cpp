@@ -7,9 +7,9 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFile>
-#include <QFileDialog>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QUrl>
 
 #include <gtest/gtest.h>
 
@@ -104,27 +104,24 @@ TEST(QtFileDialogsTest, PresetsTheNameAndReturnsTheFullPath) {
     const std::string filter = "DB Files (*.mdb)|*.mdb";
     ASSERT_TRUE(QFile(QString::fromStdString(old)).open(QIODevice::WriteOnly));
     const struct {
-        const char* name;
         bool save;
         FileDialogRequest request;
-        bool accept;
-        std::string path;
+        std::string path; ///< empty: cancelled
     } cases[] = {
-        {"extension added", true, {"", filter, "mdb", in, "new", false}, true, in + "/new.mdb"},
-        {"save over, no question asked", true, {"", filter, "mdb", in, "old.mdb", false}, true, old},
-        {"the name is a path", true, {"", "", "mdb", "", old, false}, true, old},
-        {"open", false, {"Open it", filter, "mdb", in, "old.mdb", false}, true, old},
-        {"cancelled", false, {"", "", "mdb", in, "old.mdb", false}, false, ""},
+        {true, {"", filter, "mdb", in, "new", false}, in + "/new.mdb"},
+        {true, {"", filter, "mdb", in, "old.mdb", false}, old}, // no question asked
+        {true, {"", "", "mdb", "", old, false}, old},           // the name is a path
+        {false, {"Open it", filter, "mdb", in, "old.mdb", false}, old},
+        {false, {"", "", "mdb", in, "old.mdb", false}, ""},
     };
     QtFileDialogs dialogs;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        QTimer::singleShot(50, qApp, [&] {
+    for (const auto& [save, request, path] : cases) {
+        QTimer::singleShot(50, qApp, [accept = !path.empty()] {
             QWidget* dialog = QApplication::activeModalWidget();
             ASSERT_TRUE(dialog != nullptr && dialog->inherits("QFileDialog"));
-            QMetaObject::invokeMethod(dialog, c.accept ? "accept" : "reject");
+            QMetaObject::invokeMethod(dialog, accept ? "accept" : "reject");
         });
-        EXPECT_EQ(c.save ? dialogs.saveFile(c.request) : dialogs.openFile(c.request), c.path);
+        EXPECT_EQ(save ? dialogs.saveFile(request) : dialogs.openFile(request), path) << request.fileName;
     }
 }
 

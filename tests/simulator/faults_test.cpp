@@ -74,35 +74,6 @@ TEST(Faults, ALostReplyIsStillAnObeyedCommandARefusedOneIsNot) {
     EXPECT_EQ(busy.ask("@"), "B");
 }
 
-TEST(Faults, AShareIsRandomAndTheSeedDecides) {
-    const auto pattern = [](std::uint64_t seed) {
-        SimulatorOptions options = withFaults("lose=30%");
-        options.instrument.seed = seed;
-        Bench bench(options);
-        std::string text;
-        for (int i = 0; i < 500; ++i) {
-            text += bench.raw("S").empty() ? 'x' : '.';
-        }
-        return text;
-    };
-    const std::string one = pattern(1);
-    EXPECT_NEAR(static_cast<double>(std::count(one.begin(), one.end(), 'x')), 150, 50);
-    EXPECT_EQ(pattern(1), one);
-    EXPECT_NE(pattern(2), one);
-}
-
-TEST(Faults, SilenceHasAStartAndAnEndAndConnectionsATerm) {
-    Bench bench;
-    bench.simulator.setFaults(withFaults("silent=10s:5s").faults, 16); // counted from when it was set
-    for (const auto& [time, reply] : {std::pair{25.9, "A0"}, {26.0, ""}, {30.9, ""}, {31.1, "A0"}}) {
-        EXPECT_EQ(bench.ask("U?", time), reply) << time;
-    }
-    EXPECT_EQ(bench.simulator.dropTime(bench.line), kNever);
-    bench.simulator.setFaults(withFaults("close=30s").faults, 40);
-    const Line later = bench.simulator.openLine("test", 100);
-    EXPECT_EQ(bench.simulator.dropTime(later), 130);
-}
-
 /// When each byte of a reply leaves.
 std::vector<double> times(Bench& bench, double from, double to) {
     std::vector<double> when;
@@ -145,49 +116,6 @@ TEST(Line, RepliesKeepTheirOrderAndASplitOneItsGaps) {
     for (std::size_t i = 0; i < when.size(); ++i) {
         EXPECT_NEAR(when[i], 1 + 0.02 * static_cast<double>(i), 1e-9);
     }
-}
-
-TEST(Simulator, TracesAndCountsEveryCommand) {
-    Bench bench(withFaults("lose=3"));
-    bench.ask("P1", 0.5);
-    bench.ask("A1?", 1);
-    bench.ask("P1", 1.5);
-    bench.ask("Q\x01\\", 2);
-    EXPECT_EQ(bench.trace[1], "1.000\tA1?\tA\tALUMINUM 2.700 100 1.080 5.000 2.500 60 63\ttest");
-    EXPECT_EQ(bench.trace[2].substr(0, 11), "1.500\tP1\tA\t");
-    EXPECT_TRUE(bench.trace[2].ends_with("\ttest\tlose")) << bench.trace[2];
-    EXPECT_EQ(bench.trace[3], "2.000\tQ\\x01\\\\\tC\t\ttest");
-    EXPECT_EQ(bench.simulator.count("P1"), 2U);
-    EXPECT_EQ(bench.simulator.count("A*"), 1U);
-    EXPECT_EQ(bench.simulator.count("A"), 0U);
-    EXPECT_EQ(bench.simulator.count("*"), 4U);
-    std::string bad = commandPacket("U1");
-    bad.back() = static_cast<char>(bad.back() ^ 1);
-    bench.line.receive(bad, 3);
-    EXPECT_EQ(bench.sentBy(4), "");
-    EXPECT_NE(bench.trace.back().find("not answered"), std::string::npos);
-    EXPECT_EQ(bench.ask("U?", 4), "A0");
-    bench.simulator.resetCounts();
-    EXPECT_EQ(bench.simulator.count(""), 0U);
-}
-
-TEST(Simulator, NoStreamOfBytesUpsetsIt) {
-    SimulatorOptions options = withFaults("corrupt=3,cut=5,noise=7,zeros=4,split=6,late=11");
-    Bench bench(options);
-    Random random(5);
-    double now = 0;
-    for (int i = 0; i < 20000; ++i) {
-        std::string bytes(1 + random.below(6), ' ');
-        for (char& byte : bytes) {
-            byte = static_cast<char>(random.below(256));
-        }
-        std::string text = std::string(1, "@JPLNMODABCSTUZQ"[random.below(16)]) + bytes;
-        bench.line.receive(random.below(2) == 0 ? bytes : commandPacket(text), now);
-        bench.sentBy(now += 0.001);
-    }
-    bench.simulator.setFaults({}, now);
-    bench.sentBy(now + 1e4);
-    EXPECT_EQ(bench.ask("@", now + 1e4), "ADRX-9 Ver 4.12");
 }
 
 } // namespace

@@ -41,17 +41,6 @@ protected:
         EXPECT_TRUE(returnsAtOnce([&] { QApplication::sendEvent(&on, &event); })) << nameOf(on);
         return qobject_cast<QMenu*>(QApplication::activePopupWidget());
     }
-    static void pick(QMenu* menu, const char* beginning) {
-        ASSERT_NE(menu, nullptr);
-        for (QAction* item : menu->actions()) {
-            if (item->text().remove('&').startsWith(QLatin1String(beginning))) {
-                item->trigger();
-                menu->close();
-                return;
-            }
-        }
-        ADD_FAILURE() << "no item " << beginning;
-    }
     static std::string nameOf(const QWidget& widget) {
         return widget.objectName().toStdString() + " " + widget.metaObject()->className();
     }
@@ -74,20 +63,6 @@ TEST_F(ContextMenus, OpenFromEveryWidgetAndReturnAtOnce) {
     }
     EXPECT_GT(widgets, 150);
     EXPECT_GT(menus, 50);
-}
-
-TEST_F(ContextMenus, DoWhatTheySay) {
-    auto* box = find<SpinBox>("spnIntSec");
-    box->setValue(58);
-    for (const auto& [item, value] : {std::pair{"Step Up", 59}, {"Step Down", 58}}) {
-        pick(openMenu(*box, QContextMenuEvent::Mouse), item);
-        EXPECT_EQ(box->value(), value);
-    }
-    for (const char* name : {"TxtData_1", "txtLogFile"}) {
-        auto* line = find<QLineEdit>(name);
-        pick(openMenu(*line, QContextMenuEvent::Keyboard), "Select All");
-        EXPECT_EQ(line->selectedText(), line->text()) << name;
-    }
 }
 
 TEST_F(ContextMenus, TextIsNeverDragged) {

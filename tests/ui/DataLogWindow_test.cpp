@@ -61,16 +61,6 @@ TEST_F(DataLogWindow, EndsOfTheSpanPushEachOther) {
     EXPECT_EQ(settings.log.Interval, 62);
 }
 
-TEST_F(DataLogWindow, RadiosSetTheMode) {
-    open();
-    for (const auto& [name, mode] :
-         {std::pair{"optLog_0", kLogNone}, {"optLog_1", kLogOverwrite}, {"optLog_2", kLogAppend}}) {
-        auto* radio = find<QRadioButton>(name);
-        QTest::mouseClick(radio, Qt::LeftButton, {}, QPoint(8, radio->height() / 2));
-        EXPECT_EQ(settings.log.Type, mode) << name;
-    }
-}
-
 TEST_F(DataLogWindow, NewTakesAnotherFile) {
     settings.log.File = "run"; // no dot: the dialog starts with ".xls" added
     open();

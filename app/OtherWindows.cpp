@@ -27,7 +27,7 @@ QWidget* makeSystem(Core& core, const DesktopPorts& desktop, QWidget* owner) {
     // The timer runs when it has closed, on line or not: the communications window alone looks at that
     // (kept).
     QObject::connect(window, &QObject::destroyed, owner,
-                     [&core] { core.timer.setWanted(core.monitor.RunMode() != kExiting); });
+                     [&core] { core.timer.setWanted(core.monitor.RunMode() != RunState::Exiting); });
     return window;
 }
 

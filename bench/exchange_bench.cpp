@@ -203,8 +203,8 @@ void BM_PtyBare(benchmark::State& state) {
 
 /// The program's own link over its own controls.
 struct Program {
-    explicit Program(int commType) {
-        settings.CommType = static_cast<std::int16_t>(commType);
+    explicit Program(LinkType type) {
+        settings.CommType = type;
         (void)serial.deviceName(
             9); // the look for serial devices that otherwise comes later, into the figures
     }
@@ -232,7 +232,7 @@ struct Program {
 void BM_TcpProgram(benchmark::State& state) {
     pin(false);
     TcpServer server;
-    Program program(2);
+    Program program(LinkType::Ethernet);
     if (!program.transports.socket.open("127.0.0.1", std::to_string(server.port()), program.pump,
                                         program.clock)) {
         return state.SkipWithError("no connection");
@@ -245,7 +245,7 @@ void BM_TcpProgram(benchmark::State& state) {
 void BM_PtyProgram(benchmark::State& state) {
     pin(false);
     PtyServer server;
-    Program program(0);
+    Program program(LinkType::Serial);
     QFile::link(QString::fromStdString(server.path()), program.folder.filePath("COM1"));
     if (!program.transports.serial.open(1, 19200).empty()) {
         return state.SkipWithError("the port does not open");
@@ -273,7 +273,7 @@ void BM_TimeOut(benchmark::State& state) {
     sockaddr_in address = loopback(0);
     mustBe(::bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0, "bind");
     ::listen(listener, 1);
-    Program program(2);
+    Program program(LinkType::Ethernet);
     if (!program.transports.socket.open("127.0.0.1", std::to_string(portOf(listener)), program.pump,
                                         program.clock)) {
         return state.SkipWithError("no connection");

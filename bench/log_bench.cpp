@@ -40,7 +40,7 @@ struct Bench {
         : paths{folder, folder}
         , log(files, clock, locale, paths, boxes, pump, settings) {
         settings.File = "drx9.txt";
-        settings.Type = 2;
+        settings.Type = LogMode::Append;
         settings.Interval = 0;
         settings.End = 360000;
         log.InitDataLog();

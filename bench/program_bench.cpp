@@ -139,7 +139,8 @@ public:
             << "\r\n[DataLog]\r\nType=1\r\nInterval=0\r\n";
         program = std::make_unique<Program>(*files_, Paths{path, path}, locale_);
         program->start();
-        onLine = waitFor([&] { return monitor().RunMode() == kIdle && monitor().answers().hasReading(); });
+        onLine = waitFor(
+            [&] { return monitor().RunMode() == RunState::Idle && monitor().answers().hasReading(); });
         if (!onLine) {
             std::puts("The program did not come on line.");
         }
@@ -215,7 +216,7 @@ void polling(double seconds) {
     for (const bool serial : {false, true}) {
         Running running({"--baud", kPace}, serial);
         running.button("cmdShutter").click();
-        waitFor([&] { return running.monitor().RunMode() == kRunning; });
+        waitFor([&] { return running.monitor().RunMode() == RunState::Running; });
         runEvents(2);
         const Share visible;
         runEvents(seconds);
@@ -235,7 +236,7 @@ void polling(double seconds) {
 void deviceGone(double seconds) {
     Running running({});
     running.button("cmdShutter").click();
-    waitFor([&] { return running.monitor().RunMode() == kRunning; });
+    waitFor([&] { return running.monitor().RunMode() == RunState::Running; });
     running.simulator.say("faults silent=0s:3600s");
     runEvents(4);
     const Share silent;

@@ -39,17 +39,6 @@ std::string firstStranger(const std::string& text) {
 }
 } // namespace
 
-LinkPage linkPage(std::int16_t commType) {
-    switch (commType) {
-    case 1:
-        return LinkPage::Usb;
-    case 2:
-        return LinkPage::Ethernet;
-    default:
-        return LinkPage::Serial;
-    }
-}
-
 std::optional<std::size_t> baudEntry(std::int32_t baud) {
     const auto* const found = std::find(kBaudRates.begin(), kBaudRates.end(), baud);
     return found == kBaudRates.end() ? std::nullopt
@@ -96,10 +85,10 @@ std::string serialNumberText(int listed, bool isListed, const std::string& chose
 }
 
 std::string linkName(const LinkSettings& settings) {
-    switch (linkPage(settings.CommType)) {
-    case LinkPage::Usb:
+    switch (settings.CommType) {
+    case LinkType::Usb:
         return "USB " + settings.USBSerNum;
-    case LinkPage::Ethernet:
+    case LinkType::Ethernet:
         return settings.EAddress + ":" + settings.EPort;
     default:
         return "COM" + std::to_string(settings.Port) + " at " + std::to_string(settings.Baud);
@@ -107,13 +96,13 @@ std::string linkName(const LinkSettings& settings) {
 }
 
 bool sameLink(const LinkSettings& a, const LinkSettings& b) {
-    if (linkPage(a.CommType) != linkPage(b.CommType)) {
+    if (knownLink(a.CommType) != knownLink(b.CommType)) {
         return false;
     }
-    switch (linkPage(a.CommType)) {
-    case LinkPage::Usb:
+    switch (a.CommType) {
+    case LinkType::Usb:
         return equalNoCase(a.USBSerNum, b.USBSerNum);
-    case LinkPage::Ethernet:
+    case LinkType::Ethernet:
         return a.EAddress == b.EAddress && a.EPort == b.EPort;
     default:
         return a.Port == b.Port && a.Baud == b.Baud;
@@ -138,7 +127,7 @@ void CommSetup::portOpened(std::int16_t port, const std::string& reason) {
 
 CommState CommSetup::state(const LinkSettings& now, const Facts& facts) const {
     using Tone = CommState::Tone;
-    if (linkPage(now.CommType) == LinkPage::Serial && !refusal_.empty()) {
+    if (knownLink(now.CommType) == LinkType::Serial && !refusal_.empty()) {
         return {"Off line: " + refusal_, Tone::Alarm};
     }
     if (!sameLink(searched_, now)) {

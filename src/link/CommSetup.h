@@ -15,11 +15,6 @@ class UsbBridge;
 /// What the communications window computes: which controls belong to a link, what its changes mean, what a
 /// typed command becomes, and every text that it shows by itself. All texts are UTF-8.
 
-/// The pages of the window, by `CommType`.
-enum class LinkPage : std::uint8_t { Serial = 0, Usb = 1, Ethernet = 2 };
-LinkPage
-linkPage(std::int16_t commType); ///< a number that stands for no link counts as RS-232, as on the wire
-
 inline constexpr std::array<std::int32_t, 7> kBaudRates = {2400, 4800, 9600, 19200, 38400, 57600, 115200};
 inline constexpr int kSerialPorts = 9; ///< "COM1" to "COM9"
 

@@ -125,9 +125,9 @@ bool Discovery::Comm_Open(Messages messages, const Abandon& abandon) {
 bool Discovery::openLink(const Abandon& abandon) {
     refusal_.clear();
     switch (settings_.CommType) {
-    case 1:
+    case LinkType::Usb:
         return openUsb();
-    case 2:
+    case LinkType::Ethernet:
         return openSocket(abandon);
     default:
         return openSerial();

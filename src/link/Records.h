@@ -9,10 +9,18 @@ namespace drx9 {
 
 inline constexpr int kMaxSensors = 6;
 
+/// The ways to the instrument, by the numbers of the settings file.
+enum class LinkType : std::int16_t { Serial = 0, Usb = 1, Ethernet = 2 };
+
+/// A number that stands for no way counts as RS-232.
+constexpr LinkType knownLink(LinkType stored) {
+    return stored == LinkType::Usb || stored == LinkType::Ethernet ? stored : LinkType::Serial;
+}
+
 /// The link's settings as the settings file keeps them; changed by the communications window and by the
 /// adoption of a single USB bridge.
 struct LinkSettings {
-    std::int16_t CommType = 0; ///< 0 RS-232, 1 USB, 2 Ethernet
+    LinkType CommType = LinkType::Serial; ///< the file's number, also one that stands for no way
     std::int32_t Baud = 19200;
     std::int16_t Port = 1; ///< COMn
     std::string USBSerNum = "0";

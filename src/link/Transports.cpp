@@ -166,11 +166,11 @@ bool SocketTransport::open(const std::string& host, const std::string& port, Eve
     return isOpen();
 }
 
-Transport& Transports::of(std::int16_t commType) {
-    switch (commType) {
-    case 1:
+Transport& Transports::of(LinkType type) {
+    switch (type) {
+    case LinkType::Usb:
         return usb;
-    case 2:
+    case LinkType::Ethernet:
         return socket;
     default:
         return serial;

@@ -107,8 +107,7 @@ struct Transports {
     UsbTransport usb;
     SocketTransport socket;
 
-    /// The link of `CommType`; values other than 0..2 count as 0.
-    [[nodiscard]] Transport& of(std::int16_t commType);
+    [[nodiscard]] Transport& of(LinkType type);
     void closeAll();
 };
 

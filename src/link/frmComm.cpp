@@ -98,7 +98,7 @@ void frmComm::Form_Load() {
     cboBaud_->setCurrentIndex(entryOrNone(baudEntry(settings.Baud)));
     txtEport_->setText(q(settings.EPort));
     txtEAddr_->setText(q(settings.EAddress));
-    const auto type = static_cast<std::size_t>(linkPage(settings.CommType));
+    const auto type = static_cast<std::size_t>(knownLink(settings.CommType));
     optComm_[type]->setChecked(true); // runs optComm_Click
     optComm_[type]->setFocus();
     showState();
@@ -111,12 +111,12 @@ void frmComm::optComm_Click(int index) {
         return;
     }
     takeAddress();
-    parts_.settings.CommType = static_cast<std::int16_t>(index);
-    if (linkPage(parts_.settings.CommType) == LinkPage::Usb) {
+    parts_.settings.CommType = static_cast<LinkType>(index);
+    if (parts_.settings.CommType == LinkType::Usb) {
         refillUsb();
     }
     showLink();
-    if (!loading_ && linkPage(parts_.settings.CommType) == LinkPage::Serial) {
+    if (!loading_ && parts_.settings.CommType == LinkType::Serial) {
         openSerialPort(cboRS232_->currentIndex() + 1);
     } else if (!loading_) {
         showState();
@@ -233,7 +233,7 @@ void frmComm::find() {
     }
     sought.USBSerNum = parts_.settings.USBSerNum; // a single bridge is adopted
     setup_.searched(sought, failure());
-    if (linkPage(parts_.settings.CommType) == LinkPage::Usb) {
+    if (parts_.settings.CommType == LinkType::Usb) {
         refillUsb();
         showUsb();
     }

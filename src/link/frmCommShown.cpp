@@ -33,14 +33,14 @@ CommSetup::Facts frmComm::facts() const {
 /// Why the last search failed, with what the bridge's port says to it.
 std::string frmComm::failure() const {
     const std::string& text = parts_.discovery.failure();
-    const bool usb = linkPage(parts_.settings.CommType) == LinkPage::Usb;
+    const bool usb = parts_.settings.CommType == LinkType::Usb;
     const std::string reason = usb ? parts_.transports.usb.bridge().reason() : std::string();
     return text.empty() || reason.empty() ? text : text + " " + reason;
 }
 
 /// Shows the controls of the link that is set, also where an option was chosen that did not count.
 void frmComm::showLink() {
-    const auto page = static_cast<std::size_t>(linkPage(parts_.settings.CommType));
+    const auto page = static_cast<std::size_t>(knownLink(parts_.settings.CommType));
     const QSignalBlocker blocker(optComm_[page]);
     optComm_[page]->setChecked(true);
     pages_->setCurrentIndex(static_cast<int>(page));
@@ -73,14 +73,14 @@ void frmComm::followDevices() {
     if (busy_) {
         return;
     }
-    switch (linkPage(parts_.settings.CommType)) {
-    case LinkPage::Serial:
+    switch (knownLink(parts_.settings.CommType)) {
+    case LinkType::Serial:
         showSerial();
         break;
-    case LinkPage::Usb:
+    case LinkType::Usb:
         showUsb();
         break;
-    case LinkPage::Ethernet:
+    case LinkType::Ethernet:
         break;
     }
     if (!(facts() == shownFacts_)) {

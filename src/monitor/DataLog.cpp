@@ -33,7 +33,7 @@ DataLog::DataLog(FilePort& files, const Clock& clock, const NumberLocale& locale
 
 void DataLog::InitDataLog() {
     beginRun();
-    if (settings_.Type == kLogOverwrite) {
+    if (settings_.Type == LogMode::Overwrite) {
         files_.remove(fullPath());
     }
     offerDeletion();

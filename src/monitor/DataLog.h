@@ -48,7 +48,7 @@ public:
 
     /// From the preparation of a run's log (or its first line, where logging was switched on in the middle of
     /// the run) to its end block, as long as the log mode is not 0.
-    [[nodiscard]] bool isWriting() const { return open_ && settings_.Type != kLogNone; }
+    [[nodiscard]] bool isWriting() const { return open_ && settings_.Type != LogMode::None; }
     [[nodiscard]] int runNumber() const {
         return run_;
     } ///< logged runs since the program's start; 0 none yet

@@ -13,9 +13,9 @@ constexpr std::size_t kNameLength = 8;
 /// What tells one link from another; the baud rate does not.
 std::string identity(const LinkSettings& link) {
     switch (link.CommType) {
-    case 1:
+    case LinkType::Usb:
         return "USB " + link.USBSerNum;
-    case 2:
+    case LinkType::Ethernet:
         return link.EAddress + ":" + link.EPort;
     default:
         return "COM" + std::to_string(link.Port);

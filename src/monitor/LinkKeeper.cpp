@@ -25,8 +25,8 @@ LinkKeeper::LinkKeeper(Link& link, Discovery& discovery, ActionQueue& actions, c
     discovery_.addListener(*this);
 }
 
-LinkKeeper::Tick LinkKeeper::judge(std::int16_t runMode) {
-    const bool keeps = runMode == kIdle || runMode == kRunning;
+LinkKeeper::Tick LinkKeeper::judge(RunState runMode) {
+    const bool keeps = runMode == RunState::Idle || runMode == RunState::Running;
     living_ = false;
     acceptedBefore_ = link_.accepted();
     if (!link_.CommOK()) {

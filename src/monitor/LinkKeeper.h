@@ -4,7 +4,7 @@
 #include "link/Commands.h"
 #include "link/Discovery.h"
 #include "link/Link.h"
-#include "monitor/RunModes.h"
+#include "monitor/RunState.h"
 #include "platform/Clock.h"
 
 #include <cstdint>
@@ -26,7 +26,7 @@ public:
     LinkKeeper(Link& link, Discovery& discovery, ActionQueue& actions, const Clock& clock);
 
     /// What the tick that begins has to do. The status of a living instrument's refusal is cleared.
-    Tick judge(std::int16_t runMode);
+    Tick judge(RunState runMode);
     /// Clears the status of a living instrument's refusal; true when the link can be used.
     bool fine();
     /// The tick's reading has ended.

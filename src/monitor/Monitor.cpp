@@ -19,7 +19,7 @@ Monitor::Monitor(const MonitorParts& parts)
 // ---- start and end
 
 bool Monitor::Form_Load() {
-    if (runMode_ == kExiting) {
+    if (runMode_ == RunState::Exiting) {
         return false;
     }
     const ActionQueue::Scope scope(parts_.actions);
@@ -30,10 +30,10 @@ bool Monitor::Form_Load() {
     run_.initCharts();
     window_->setHourglass(true);
     window_->showWindow();
-    setRunMode(kStarting);
+    setRunMode(RunState::Starting);
     // A failure leaves the communications menu enabled, as modes 0 and 1 do.
     parts_.discovery.Comm_Open(Messages::Blocking, [this] { return parts_.actions.closing(); });
-    setRunMode(kIdle);
+    setRunMode(RunState::Idle);
     if (stepLost_) {
         InitForm(); // nothing stands yet that could be kept
     }
@@ -44,7 +44,7 @@ bool Monitor::Form_Load() {
 void Monitor::Form_QueryUnload(bool sessionEnds) {
     std::string notSaved;
     step([&] { notSaved = saveSettings(); });
-    step([this] { setRunMode(kExiting); });
+    step([this] { setRunMode(RunState::Exiting); });
     if (!notSaved.empty() && !sessionEnds) {
         parts_.boxes.show("Settings not saved: " + notSaved, kProgramName, MessageIcon::Exclamation);
     }
@@ -61,11 +61,11 @@ std::string Monitor::saveSettings() {
 }
 
 void Monitor::lastWords() {
-    if (runMode_ == kExiting) {
+    if (runMode_ == RunState::Exiting) {
         return;
     }
     try {
-        if (std::exchange(runMode_, kExiting) == kRunning) {
+        if (std::exchange(runMode_, RunState::Exiting) == RunState::Running) {
             run_.end(choice_.currentName());
         }
         saveSettings();
@@ -85,7 +85,7 @@ void Monitor::step(const std::function<void()>& action) {
 
 // ---- run mode
 
-void Monitor::setRunMode(std::int16_t mode) {
+void Monitor::setRunMode(RunState mode) {
     changeMode(mode, true);
 }
 
@@ -96,7 +96,7 @@ public:
         : monitor_(monitor) {}
     ~TimerRule() {
         // A lost link is opened again from the tick, so the tick goes on while it is lost.
-        const bool polls = monitor_.runMode_ == kIdle || monitor_.runMode_ == kRunning;
+        const bool polls = monitor_.runMode_ == RunState::Idle || monitor_.runMode_ == RunState::Running;
         const bool onLine = monitor_.parts_.link.CommOK() || monitor_.keeper_.lost();
         monitor_.parts_.timer.setWanted(polls && onLine);
     }
@@ -107,22 +107,22 @@ private:
     Monitor& monitor_;
 };
 
-void Monitor::changeMode(std::int16_t mode, bool refresh) {
-    if (runMode_ == kExiting) {
+void Monitor::changeMode(RunState mode, bool refresh) {
+    if (runMode_ == RunState::Exiting) {
         return;
     }
     const ActionQueue::Scope scope(parts_.actions);
-    if (runMode_ == kRunning) {
+    if (runMode_ == RunState::Running) {
         run_.end(choice_.currentName());
     }
     runMode_ = mode;
     {
         const TimerRule rule(*this); // also when the refresh throws: polling goes on
-        if (mode == kIdle && refresh) {
+        if (mode == RunState::Idle && refresh) {
             InitForm();
         }
     }
-    if (mode == kRunning) {
+    if (mode == RunState::Running) {
         startRun();
     }
     changed();
@@ -147,7 +147,7 @@ std::uint16_t Monitor::ZeroAll() {
 }
 
 void Monitor::toggleRun() {
-    setRunMode(runMode_ == kIdle ? kRunning : kIdle);
+    setRunMode(runMode_ == RunState::Idle ? RunState::Running : RunState::Idle);
 }
 
 // ---- what the window shows of the instrument
@@ -216,13 +216,13 @@ void Monitor::filmChanged() {
 }
 
 int Monitor::sensorCount() const {
-    return runMode_ == kRunning ? run_.sensors() : parts_.link.sensorCount();
+    return runMode_ == RunState::Running ? run_.sensors() : parts_.link.sensorCount();
 }
 
 // ---- the cycle
 
 void Monitor::tmrUpdate_Timer() {
-    if (parts_.actions.busy() || parts_.actions.waiting() || runMode_ == kExiting) {
+    if (parts_.actions.busy() || parts_.actions.waiting() || runMode_ == RunState::Exiting) {
         return;
     }
     const ActionQueue::Scope scope(parts_.actions);
@@ -240,7 +240,7 @@ void Monitor::tmrUpdate_Timer() {
 }
 
 void Monitor::poll() {
-    if (refreshOwed_ && runMode_ == kIdle) {
+    if (refreshOwed_ && runMode_ == RunState::Idle) {
         InitForm(); // readings follow from the next tick on
         return;
     }
@@ -270,7 +270,7 @@ Commands::ReadResult Monitor::ReadDRX() {
 }
 
 void Monitor::storeReading() {
-    run_.store(readings_, sensorCount(), runMode_ == kRunning);
+    run_.store(readings_, sensorCount(), runMode_ == RunState::Running);
     refreshReadouts();
 }
 
@@ -278,7 +278,7 @@ void Monitor::storeReading() {
 void Monitor::takeStopWithoutLink() {
     if (desk_.takeStop(runMode_)) {
         refreshOwed_ = true;
-        changeMode(kIdle, false);
+        changeMode(RunState::Idle, false);
     }
 }
 
@@ -305,7 +305,7 @@ void Monitor::reopen() {
 }
 
 void Monitor::reopened() {
-    if (runMode_ == kRunning) {
+    if (runMode_ == RunState::Running) {
         if (!keeper_.sameVersion()) {
             tell("Another instrument answers now: " + utf8FromAnsi(trimmed(parts_.link.CommVersion())),
                  "Another instrument");
@@ -319,7 +319,7 @@ void Monitor::reopened() {
         desk_.raiseFilm();
     }
     refreshOwed_ = true;
-    changeMode(kIdle, !parts_.actions.waiting()); // what waits goes first
+    changeMode(RunState::Idle, !parts_.actions.waiting()); // what waits goes first
 }
 
 // ---- the operator's requests
@@ -374,7 +374,7 @@ void Monitor::linkFound() {
 }
 
 void Monitor::linkSetupClosed(bool reopen, bool sameLink) {
-    if (runMode_ == kExiting) {
+    if (runMode_ == RunState::Exiting) {
         return;
     }
     const ActionQueue::Scope scope(parts_.actions);
@@ -387,7 +387,7 @@ void Monitor::linkSetupClosed(bool reopen, bool sameLink) {
     } else if (!parts_.link.CommOK() && keeper_.wasOnLine()) {
         keeper_.beginLoss();
     }
-    setRunMode(kIdle);
+    setRunMode(RunState::Idle);
 }
 
 void Monitor::systemSent(bool accepted) {
@@ -407,7 +407,7 @@ std::string Monitor::shutterCaption() const {
 }
 
 std::string Monitor::startStopCaption() const {
-    return runMode_ == kRunning ? "STOP" : "START";
+    return runMode_ == RunState::Running ? "STOP" : "START";
 }
 
 void Monitor::changed() {

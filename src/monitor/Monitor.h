@@ -13,8 +13,8 @@
 #include "monitor/PollTimer.h"
 #include "monitor/Readouts.h"
 #include "monitor/RequestDesk.h"
-#include "monitor/RunModes.h"
 #include "monitor/RunRecord.h"
+#include "monitor/RunState.h"
 #include "monitor/Settings.h"
 #include "platform/Clock.h"
 #include "platform/Desktop.h"
@@ -74,8 +74,8 @@ public:
 
     // Run mode.
 
-    [[nodiscard]] std::int16_t RunMode() const override { return runMode_; }
-    void setRunMode(std::int16_t mode);
+    [[nodiscard]] RunState RunMode() const override { return runMode_; }
+    void setRunMode(RunState mode);
     /// Refreshes the window from the instrument. Pumps.
     void InitForm();
     /// The start values of a run: empty charts, elapsed time 0, and "T". Its status. Pumps.
@@ -127,7 +127,7 @@ public:
         Message notice;           ///< stays until the next run starts
     };
     [[nodiscard]] const Shown& shown() const { return shown_; }
-    [[nodiscard]] bool locked() const { return runMode_ == kRunning; } ///< setup menus and film list
+    [[nodiscard]] bool locked() const { return runMode_ == RunState::Running; } ///< setup menus and film list
     [[nodiscard]] const FilmChoice& films() const { return choice_; }
     [[nodiscard]] const RequestDesk& requests() const { return desk_; }
     [[nodiscard]] std::string shutterCaption() const;
@@ -159,7 +159,7 @@ private:
     void reopened();
     void showOffLine();
     void takeRefresh(InstrumentRefresh::Result result);
-    void changeMode(std::int16_t mode, bool refresh);
+    void changeMode(RunState mode, bool refresh);
     void startRun();
     void refreshReadouts();
     void step(const std::function<void()>& action);
@@ -175,7 +175,7 @@ private:
     RequestDesk desk_;
     InstrumentRefresh refresh_;
     Readings readings_;
-    std::int16_t runMode_ = kStarting;
+    RunState runMode_ = RunState::Starting;
     Shown shown_;
     bool loaded_ = false;      ///< the settings were read
     bool refreshOwed_ = false; ///< a refresh was cut, or could not be made: the next tick that can makes it

@@ -1,6 +1,5 @@
 #include "monitor/Readouts.h"
 
-#include "monitor/RunModes.h"
 #include "util/DisplayFormats.h"
 #include "util/Numbers.h"
 
@@ -77,12 +76,12 @@ void Readouts::graphItemClicked(std::int16_t item) {
     }
 }
 
-void Readouts::refresh(std::int16_t runMode, const Readings* readings, const FilmRecord* currentFilm,
+void Readouts::refresh(RunState runMode, const Readings* readings, const FilmRecord* currentFilm,
                        int sensorCount) {
-    if (runMode == kStarting) {
+    if (runMode == RunState::Starting) {
         return;
     }
-    if (runMode == kRunning && readings != nullptr) {
+    if (runMode == RunState::Running && readings != nullptr) {
         refreshRun(*readings, currentFilm);
     }
     if (currentFilm != nullptr) {

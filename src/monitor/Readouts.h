@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/Records.h"
+#include "monitor/RunState.h"
 #include "util/NumberLocale.h"
 
 #include <array>
@@ -50,8 +51,7 @@ public:
     /// After each reading and after a film change. `readings` is null before the first one: then only what
     /// the film tells is shown. `currentFilm` is null where there is no valid film; `sensorCount` 0..6. Does
     /// nothing in run mode 0.
-    void refresh(std::int16_t runMode, const Readings* readings, const FilmRecord* currentFilm,
-                 int sensorCount);
+    void refresh(RunState runMode, const Readings* readings, const FilmRecord* currentFilm, int sensorCount);
 
     [[nodiscard]] const Texts& texts() const { return texts_; }
     [[nodiscard]] const Texts& labels() const { return labels_; }

@@ -1,7 +1,5 @@
 #include "monitor/RequestDesk.h"
 
-#include "monitor/RunModes.h"
-
 #include <utility>
 
 namespace drx9 {
@@ -31,7 +29,7 @@ void RequestDesk::carryOut(RunHost& host, bool all) {
     }
     // The shutter, its query and the start that it raises belong together.
     const bool shutter = mayGoOn(all) && takeShutter(host);
-    if (host.RunMode() == kStarting || !mayGoOn(all || shutter)) {
+    if (host.RunMode() == RunState::Starting || !mayGoOn(all || shutter)) {
         return;
     }
     queryShutter(host);
@@ -96,7 +94,7 @@ bool RequestDesk::takeShutter(const RunHost& host) {
 void RequestDesk::openShutter(const RunHost& host) {
     const std::uint16_t status = note("U", parts_.commands.Comm_SetUnit(1));
     report_.ended("Shutter", status, inStep());
-    if (host.RunMode() != kIdle) {
+    if (host.RunMode() != RunState::Idle) {
         return;
     }
     if (status == comm::kOk && inStep()) {
@@ -116,15 +114,15 @@ void RequestDesk::queryShutter(RunHost& host) {
     host.shutterQueried();
 }
 
-void RequestDesk::startBehindShutter(std::int16_t answer, std::int16_t runMode) {
+void RequestDesk::startBehindShutter(std::int16_t answer, RunState runMode) {
     const std::optional<double> sent = std::exchange(unansweredOpening_, std::nullopt);
-    if (sent && answer > 0 && runMode == kIdle && !parts_.keeper.longLossSince(*sent)) {
+    if (sent && answer > 0 && runMode == RunState::Idle && !parts_.keeper.longLossSince(*sent)) {
         flags_.startStop = true;
     }
 }
 
-bool RequestDesk::takeStop(std::int16_t runMode) {
-    return runMode == kRunning && std::exchange(flags_.startStop, false);
+bool RequestDesk::takeStop(RunState runMode) {
+    return runMode == RunState::Running && std::exchange(flags_.startStop, false);
 }
 
 void RequestDesk::dropWaiting() {

@@ -6,6 +6,7 @@
 #include "monitor/FilmChoice.h"
 #include "monitor/LinkKeeper.h"
 #include "monitor/RequestReport.h"
+#include "monitor/RunState.h"
 #include "platform/Clock.h"
 
 #include <cstdint>
@@ -17,7 +18,7 @@ namespace drx9 {
 class RunHost {
 public:
     virtual ~RunHost() = default;
-    [[nodiscard]] virtual std::int16_t RunMode() const = 0;
+    [[nodiscard]] virtual RunState RunMode() const = 0;
     /// Resets charts and elapsed time and sends "T"; 0 or its status. Pumps events.
     virtual std::uint16_t ZeroAll() = 0;
     /// Starts a run, or stops the one in progress. Pumps events.
@@ -66,7 +67,7 @@ public:
     void carryOut(RunHost& host, bool all = false);
     /// A stop does not wait for the link: true when one was requested in a run, which is then taken off the
     /// desk.
-    [[nodiscard]] bool takeStop(std::int16_t runMode);
+    [[nodiscard]] bool takeStop(RunState runMode);
     /// Drops what waits and says so: a window opens that would hold it as long as it stays open.
     void dropWaiting();
     /// A run begins: what was said of earlier requests goes.
@@ -84,7 +85,7 @@ private:
     bool takeShutter(const RunHost& host);
     void openShutter(const RunHost& host);
     void queryShutter(RunHost& host);
-    void startBehindShutter(std::int16_t answer, std::int16_t runMode);
+    void startBehindShutter(std::int16_t answer, RunState runMode);
     [[nodiscard]] bool inStep() const;
     std::uint16_t note(const char* command, std::uint16_t status);
 

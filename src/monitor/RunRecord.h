@@ -47,7 +47,7 @@ public:
     [[nodiscard]] int sensors() const { return sensors_; }                  ///< that the last run began with
 
 private:
-    [[nodiscard]] bool logs() const { return parts_.settings.Type != kLogNone; }
+    [[nodiscard]] bool logs() const { return parts_.settings.Type != LogMode::None; }
 
     Parts parts_;
     PointStore points_;

@@ -78,7 +78,7 @@ std::string toolKey(std::size_t crystal) {
 }
 
 void loadLink(LinkSettings& link, const Reader& in) {
-    link.CommType = in.int16("CommType", "0");
+    link.CommType = LinkType{in.int16("CommType", "0")};
     link.Baud = in.int32("Baud", "19200");
     link.Port = in.int16("Port", "1");
     link.USBSerNum = in.text("USBSerNum", "0");
@@ -91,7 +91,7 @@ void loadLog(DataLogSettings& log, const Reader& in, const FilePort& files, cons
     if (!files.exists(paths.resolve(log.File))) {
         log.File = bareName(log.File);
     }
-    log.Type = in.int16("Type", "0");
+    log.Type = LogMode{in.int16("Type", "0")};
     log.Start = in.int32("Start", "0");
     log.End = in.int32("End", "300");
     log.Interval = in.int16("Interval", "1");
@@ -116,7 +116,7 @@ void loadSystem(SystemParameters& system, const Reader& in) {
 }
 
 void saveLink(const LinkSettings& link, const Writer& out) {
-    out.integer("CommType", link.CommType);
+    out.integer("CommType", static_cast<std::int32_t>(link.CommType));
     out.integer("Baud", link.Baud);
     out.integer("Port", link.Port);
     out.text("USBSerNum", link.USBSerNum);
@@ -126,7 +126,7 @@ void saveLink(const LinkSettings& link, const Writer& out) {
 
 void saveLog(const DataLogSettings& log, const Writer& out) {
     out.text("File", log.File);
-    out.integer("Type", log.Type);
+    out.integer("Type", static_cast<std::int32_t>(log.Type));
     out.integer("Start", log.Start);
     out.integer("End", log.End);
     out.integer("Interval", log.Interval);

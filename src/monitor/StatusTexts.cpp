@@ -21,9 +21,9 @@ struct LinkName {
 
 LinkName linkName(const LinkSettings& link) {
     switch (link.CommType) {
-    case 1:
+    case LinkType::Usb:
         return {"USB " + link.USBSerNum, "USB"};
-    case 2:
+    case LinkType::Ethernet:
         return {"Ethernet " + link.EAddress + ":" + link.EPort, "Ethernet"};
     default: {
         const std::string port = "COM" + std::to_string(link.Port);
@@ -77,7 +77,7 @@ std::string waitingRequests(const StatusFacts& facts) {
         addPart(list, "shutter");
     }
     if (facts.requests.startStop) {
-        addPart(list, facts.runMode == kRunning ? "stop" : "start");
+        addPart(list, facts.runMode == RunState::Running ? "stop" : "start");
     }
     return list.empty() ? list : "waiting: " + list;
 }
@@ -129,7 +129,7 @@ std::string silenceNote(const StatusFacts& facts) {
 
 Notice gravestNotice(const StatusFacts& facts) {
     using enum Notice::Subject;
-    if (facts.runMode == kStarting && !facts.started) {
+    if (facts.runMode == RunState::Starting && !facts.started) {
         const LinkName name = linkName(facts.link);
         return {Connecting, "Connecting, " + name.text, "Connecting, " + name.brief};
     }
@@ -141,7 +141,7 @@ Notice gravestNotice(const StatusFacts& facts) {
         const std::string since = facts.hasReading ? " since " + timeOfDayText(facts.lastReading) : "";
         return {OutOfStep, "Answers out of step: no readings" + since, "Answers out of step"};
     }
-    if (!facts.logError.empty() && facts.log.Type != kLogNone) {
+    if (!facts.logError.empty() && facts.log.Type != LogMode::None) {
         return {Log, "Log not written: " + facts.logError, "Log not written"};
     }
     if (!facts.requestNotice.empty()) {
@@ -191,7 +191,7 @@ StatusText staRun(const StatusFacts& facts) {
     if (!facts.started) {
         return {};
     }
-    StatusText run = facts.runMode == kRunning
+    StatusText run = facts.runMode == RunState::Running
                          ? StatusText{"Running since " + timeOfDayText(facts.runStart), "Running"}
                          : StatusText{"Idle", "Idle"};
     const std::string waiting = waitingRequests(facts);
@@ -238,7 +238,7 @@ StatusText staMode(const StatusFacts& facts) {
 
 StatusText staLog(const StatusFacts& facts) {
     const std::string name = bareName(facts.log.File);
-    if (facts.log.Type == kLogNone) {
+    if (facts.log.Type == LogMode::None) {
         return {"Log: " + facts.logPath + ", off", "Log off"};
     }
     if (facts.logLost > 0) {
@@ -249,7 +249,7 @@ StatusText staLog(const StatusFacts& facts) {
         return {"Log: " + facts.logPath + ", old part not deleted: " + facts.logCutError,
                 "Log: old part not deleted", StatusText::Tone::Warn};
     }
-    const std::string mode = facts.log.Type == kLogOverwrite ? " (Overwrite)" : " (Append)";
+    const std::string mode = facts.log.Type == LogMode::Overwrite ? " (Overwrite)" : " (Append)";
     StatusText log{"Log: " + facts.logPath + mode, "Log: " + name + mode};
     const std::string span = spanText(facts);
     if (!span.empty()) {

@@ -2,7 +2,7 @@
 
 #include "link/Records.h"
 #include "monitor/RequestDesk.h"
-#include "monitor/RunModes.h"
+#include "monitor/RunState.h"
 #include "monitor/Settings.h"
 #include "util/LocalTime.h"
 
@@ -30,7 +30,7 @@ struct Notice {
 
 /// All that notices and status bar speak of, at one moment.
 struct StatusFacts {
-    std::int16_t runMode = kStarting;
+    RunState runMode = RunState::Starting;
     bool controlsVisible = false; ///< on line at the last refresh of the window
     bool started = false;
     bool hasReading = false;

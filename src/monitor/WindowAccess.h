@@ -21,14 +21,14 @@ public:
 
     [[nodiscard]] std::unique_ptr<Tenure> holdTimer(const std::string& reason) override;
 
-    void linkSetupOpened() override { monitor_.setRunMode(kStarting); }
+    void linkSetupOpened() override { monitor_.setRunMode(RunState::Starting); }
     void linkFound() override { monitor_.linkFound(); }
     void linkSetupClosed(bool reopen, bool sameLink) override { monitor_.linkSetupClosed(reopen, sameLink); }
 
     [[nodiscard]] bool systemKnown() const override { return monitor_.shown().systemKnown; }
     void systemSent(bool accepted) override { monitor_.systemSent(accepted); }
 
-    void filmMemoryChanged() override { monitor_.setRunMode(kIdle); }
+    void filmMemoryChanged() override { monitor_.setRunMode(RunState::Idle); }
     void filmUnconfirmed() override { monitor_.filmUnconfirmed(); }
 
 private:

@@ -58,28 +58,29 @@ QGroupBox* frmDataLog::buildFile() {
     auto* grid = new QGridLayout(group);
     grid->setContentsMargins(12, 12, 12, 12);
     grid->setVerticalSpacing(8);
-    struct Mode {
-        int index;
+    struct Choice {
+        LogMode mode;
         const char* caption;
         const char* toolTip;
     };
-    const std::array<Mode, 3> modes{
-        {{kLogOverwrite, "Overwrite", "Overwrite the log file at start of each run."},
-         {kLogAppend, "Append", "Append each run to the log file."},
-         {kLogNone, "None", "Do not log data."}}};
+    const std::array<Choice, 3> choices{
+        {{LogMode::Overwrite, "Overwrite", "Overwrite the log file at start of each run."},
+         {LogMode::Append, "Append", "Append each run to the log file."},
+         {LogMode::None, "None", "Do not log data."}}};
     for (int row = 0; row < 3; ++row) {
-        const Mode& mode = modes[static_cast<std::size_t>(row)];
-        auto* button = new QRadioButton(QString::fromLatin1(mode.caption), group);
-        button->setObjectName(QStringLiteral("optLog_%1").arg(mode.index));
-        button->setToolTip(QString::fromLatin1(mode.toolTip));
+        const Choice& choice = choices[static_cast<std::size_t>(row)];
+        const auto index = static_cast<int>(choice.mode);
+        auto* button = new QRadioButton(QString::fromLatin1(choice.caption), group);
+        button->setObjectName(QStringLiteral("optLog_%1").arg(index));
+        button->setToolTip(QString::fromLatin1(choice.toolTip));
         button->setMinimumHeight(28);
-        connect(button, &QRadioButton::toggled, this, [this, index = mode.index](bool on) {
+        connect(button, &QRadioButton::toggled, this, [this, index](bool on) {
             if (on && !loading_) { // however it was switched on
                 optLog_Click(index);
             }
         });
         grid->addWidget(button, row, 0, Qt::AlignLeft);
-        optLog_[static_cast<std::size_t>(mode.index)] = button;
+        optLog_[static_cast<std::size_t>(index)] = button;
     }
     cmdNew_ = new QPushButton(QStringLiteral("&New"), group);
     cmdView_ = new QPushButton(QStringLiteral("View"), group);
@@ -171,9 +172,9 @@ QLayout* frmDataLog::buildBottom() {
 }
 
 void frmDataLog::showSettings() {
-    const std::size_t mode = parts_.settings.Type >= kLogNone && parts_.settings.Type <= kLogAppend
-                                 ? static_cast<std::size_t>(parts_.settings.Type)
-                                 : std::size_t{kLogAppend};
+    const LogMode type = parts_.settings.Type;
+    const bool known = type == LogMode::None || type == LogMode::Overwrite;
+    const auto mode = static_cast<std::size_t>(known ? type : LogMode::Append);
     optLog_[mode]->setChecked(true);
     fill(start_, span_.start());
     fill(end_, span_.end());
@@ -228,7 +229,7 @@ void frmDataLog::showState() {
 
 void frmDataLog::optLog_Click(int index) {
     SpinBox::finishTyping(*this);
-    parts_.settings.Type = static_cast<std::int16_t>(index);
+    parts_.settings.Type = static_cast<LogMode>(index);
     emit settingsChanged();
 }
 

@@ -44,7 +44,7 @@ RunBar::Facts frmMain::barFacts() const {
     const Requests& requests = monitor_.requests().waiting();
     return {.started = monitor_.shown().started,
             .onLine = monitor_.shown().controlsVisible,
-            .running = monitor_.RunMode() == kRunning,
+            .running = monitor_.RunMode() == RunState::Running,
             .filmsLocked = monitor_.locked(),
             .films = monitor_.films().names(),
             .filmIndex = monitor_.films().index(),
@@ -89,7 +89,7 @@ double frmMain::gaugeShare() const {
 }
 
 ReadoutPanel::Looks frmMain::readoutLooks(const StatusFacts& facts) const {
-    return {.running = facts.runMode == kRunning,
+    return {.running = facts.runMode == RunState::Running,
             .stale = facts.hasReading && facts.stale,
             .failed = readouts_.failed(),
             .age = QString::fromStdString(readingAgeMark(facts)),

@@ -87,7 +87,8 @@ protected:
         return await("ok ").section(' ', -1);
     }
     bool onLine() {
-        return films().count() == 99 && monitor().RunMode() == kIdle && monitor().answers().hasReading();
+        return films().count() == 99 && monitor().RunMode() == RunState::Idle &&
+               monitor().answers().hasReading();
     }
     void startRun() {
         ASSERT_TRUE(waitFor([this] { return onLine(); }));
@@ -95,7 +96,8 @@ protected:
         ASSERT_TRUE(waitFor([this] { return text("cmdStartStop") == "STOP" && logLines(0) >= 2; }));
     }
     bool ended() {
-        return waitFor([this] { return !program->window().isVisible() && monitor().RunMode() == kExiting; });
+        return waitFor(
+            [this] { return !program->window().isVisible() && monitor().RunMode() == RunState::Exiting; });
     }
     template<class Condition>
     bool waitFor(Condition condition) {
@@ -317,7 +319,8 @@ INSTANTIATE_TEST_SUITE_P(
         Moment{"Connecting", "silent", nullptr, [](const Core& c) { return !c.monitor.shown().started; }},
         Moment{"ReadingFilms", "none", nullptr,
                [](const Core& c) { return c.link.CommLastPacket()[2] == 'A' && c.link.accepted() > 7; }},
-        Moment{"InARun", "none", "state?", [](const Core& c) { return c.monitor.RunMode() == kRunning; }},
+        Moment{"InARun", "none", "state?",
+               [](const Core& c) { return c.monitor.RunMode() == RunState::Running; }},
         Moment{"LostInARun", "none", "faults silent",
                [](const Core& c) { return c.monitor.reconnecting(); }}),
     [](const auto& c) { return c.param.name; });

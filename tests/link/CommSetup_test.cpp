@@ -15,7 +15,7 @@ using Tone = CommState::Tone;
 
 LinkSettings settingsOf(std::int16_t type) {
     LinkSettings settings;
-    settings.CommType = type;
+    settings.CommType = LinkType{type};
     settings.Port = 3;
     settings.USBSerNum = "0A7C21";
     return settings;
@@ -34,8 +34,10 @@ TEST(CommSetupTest, AnotherLinkIsOneThatLeadsElsewhere) {
         {"its letters' case", [](auto& s) { s.USBSerNum = "0a7c21"; }, {true, true, true}},
         {"address", [](auto& s) { s.EAddress = "10.0.0.1"; }, {true, true, false}},
         {"Ethernet port", [](auto& s) { s.EPort = "2102"; }, {true, true, false}},
-        {"type", [](auto& s) { s.CommType = s.CommType == 1 ? 2 : 1; }, {false, false, false}},
-        {"a type that counts as RS-232", [](auto& s) { s.CommType = 7; }, {true, false, false}},
+        {"type",
+         [](auto& s) { s.CommType = s.CommType == LinkType::Usb ? LinkType::Ethernet : LinkType::Usb; },
+         {false, false, false}},
+        {"a type that counts as RS-232", [](auto& s) { s.CommType = LinkType{7}; }, {true, false, false}},
     };
     for (const auto& c : cases) {
         for (std::int16_t opened = 0; opened < 3; ++opened) {
@@ -65,7 +67,7 @@ TEST(CommSetupTest, TheBottomLineTellsOnlyWhatIsKnownOfTheLinkThatIsSet) {
     setup.searched(now, "No connection to 10.0.0.1 port 2101: refused");
     EXPECT_EQ(setup.state(now, {}),
               (CommState{"Off line: No connection to 10.0.0.1 port 2101: refused", Tone::Alarm}));
-    now.CommType = 0;
+    now.CommType = LinkType::Serial;
     setup.portOpened(3, "/dev/ttyUSB0 is in use by another program.");
     EXPECT_EQ(setup.state(now, ok),
               (CommState{"Off line: Comm Port 3 not available. /dev/ttyUSB0 is in use by another program.",

@@ -75,7 +75,7 @@ TEST_F(DiscoveryTest, TheTypeIsTheLastCharacterAndMayBeMissing) {
 
 TEST_F(DiscoveryTest, NoAnswerIsSaidInASystemModalBox) {
     for (std::int16_t type = 0; type < 3; ++type) {
-        bench.settings.CommType = type;
+        bench.settings.CommType = LinkType{type};
         answer(bench.wire(), type == 0 ? "" : replyPacket('B', ""), good("3"));
         bench.boxes.expectShow(kNotFound, [this] {
             expectLost();
@@ -124,7 +124,7 @@ TEST_F(DiscoveryTest, UsbBridges) {
          {"77", "ab12", "78"}},
         {"more than eight", ten, false, "ab12", std::vector<std::string>(8, "x")},
     };
-    bench.settings.CommType = 1;
+    bench.settings.CommType = LinkType::Usb;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         bench.settings.USBSerNum = "ab12";
@@ -147,7 +147,7 @@ TEST_F(DiscoveryTest, UsbBridges) {
 }
 
 TEST_F(DiscoveryTest, TheEthernetWaitEndsWithItsReason) {
-    bench.settings.CommType = 2;
+    bench.settings.CommType = LinkType::Ethernet;
     const struct {
         double delay;
         std::string refusal;
@@ -184,7 +184,7 @@ TEST_F(DiscoveryTest, ALossIsToldOnceWithoutBlocking) {
 }
 
 TEST_F(DiscoveryTest, WhateverRunsInItsWaitsChangesNothing) {
-    bench.settings.CommType = 2;
+    bench.settings.CommType = LinkType::Ethernet;
     bench.socket.connectDelay = 0.2;
     bench.socket.wire.setAnswerer(
         [](const std::string& command) { return good(command == "@" ? "DRX-9 Ver 5.01" : "3"); }, 0.1);

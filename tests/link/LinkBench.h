@@ -25,19 +25,21 @@ struct LinkBench {
     Commands commands{link, boxes, clock};
 
     LinkBench() { usb.devices = {{"83F5", "1234"}}; }
-    explicit LinkBench(std::int16_t commType)
+    explicit LinkBench(std::int16_t type)
         : LinkBench() {
-        use(commType);
+        use(type);
     }
 
-    void use(std::int16_t commType) {
-        settings.CommType = commType;
+    void use(std::int16_t type) {
+        settings.CommType = LinkType{type};
         transports.serial.open(1, settings.Baud);
         transports.usb.open(0);
         transports.socket.open(settings.EAddress, settings.EPort, pump, clock);
     }
     FakeWire& wire() {
-        return settings.CommType == 0 ? serial.wire : settings.CommType == 1 ? usb.wire : socket.wire;
+        return settings.CommType == LinkType::Serial ? serial.wire
+               : settings.CommType == LinkType::Usb  ? usb.wire
+                                                     : socket.wire;
     }
 };
 

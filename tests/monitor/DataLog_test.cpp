@@ -30,7 +30,7 @@ protected:
 
     DataLogTest() {
         files.makeFolder("/data");
-        settings.Type = kLogAppend;
+        settings.Type = LogMode::Append;
         clock.setLocal({2026, 3, 7, 14, 2, 5, 0});
     }
     /// Readings every 0.25 s; gives the elapsed times of those that were logged.
@@ -110,15 +110,15 @@ TEST_F(DataLogTest, ALargeFileIsOfferedForDeletionWithoutHoldingTheRunUp) {
     const std::string old(1000000, 'x');
     const std::string question = "Log file size is 1000002. Delete?";
     const struct {
-        std::int16_t type;
+        LogMode type;
         std::size_t size;
         bool asks;
         int answer;       ///< 1 yes, 0 no, -1 none before the next run
         const char* left; ///< of what stood before
     } cases[] = {
-        {kLogAppend, 999999, false, -1, "all"}, {kLogAppend, 1000000, true, 0, "all"},
-        {kLogAppend, 1000000, true, 1, "none"}, {kLogOverwrite, 1000000, false, -1, "none"},
-        {7, 1000000, true, -1, "all"}, // a mode that is none counts as Append
+        {LogMode::Append, 999999, false, -1, "all"}, {LogMode::Append, 1000000, true, 0, "all"},
+        {LogMode::Append, 1000000, true, 1, "none"}, {LogMode::Overwrite, 1000000, false, -1, "none"},
+        {LogMode{7}, 1000000, true, -1, "all"}, // a mode that is none counts as Append
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.size);
@@ -142,7 +142,7 @@ TEST_F(DataLogTest, ALargeFileIsOfferedForDeletionWithoutHoldingTheRunUp) {
     }
     // A Yes that cannot be carried out is told, and the file is whole.
     files.put(kPath, old + "yz");
-    settings.Type = kLogAppend;
+    settings.Type = LogMode::Append;
     settings.File = "drx9.txt";
     boxes.expect(FakeMessageBoxes::Kind::Later, question);
     log.InitDataLog();

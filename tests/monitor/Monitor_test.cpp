@@ -56,11 +56,11 @@ TEST_F(MonitorTest, ComesUpOffLine) {
 
 struct RequestCase {
     const char* name;
-    int shutter;       ///< state of the instrument's shutter before
-    bool running;      ///< a run is in progress
-    Texts clicks;      ///< "start", "zero", "shutter", "film3"
-    Texts commands;    ///< of the tick that carries them out, the reading left out
-    std::int16_t mode; ///< afterwards
+    int shutter;    ///< state of the instrument's shutter before
+    bool running;   ///< a run is in progress
+    Texts clicks;   ///< "start", "zero", "shutter", "film3"
+    Texts commands; ///< of the tick that carries them out, the reading left out
+    RunState mode;  ///< afterwards
     std::string shutterCaption;
 };
 
@@ -83,9 +83,9 @@ TEST_P(RequestTest, SendsItsCommandsInOrder) {
     EXPECT_EQ(requestsOfTick(), c.commands);
     EXPECT_EQ(monitor.RunMode(), c.mode);
     EXPECT_EQ(monitor.shutterCaption(), c.shutterCaption);
-    EXPECT_EQ(monitor.startStopCaption(), c.mode == kRunning ? "STOP" : "START");
-    EXPECT_EQ(monitor.locked(), c.mode == kRunning);
-    EXPECT_EQ(sleep.held, c.mode == kRunning ? 1 : 0);
+    EXPECT_EQ(monitor.startStopCaption(), c.mode == RunState::Running ? "STOP" : "START");
+    EXPECT_EQ(monitor.locked(), c.mode == RunState::Running);
+    EXPECT_EQ(sleep.held, c.mode == RunState::Running ? 1 : 0);
 }
 
 const Texts kRefresh = {"U?", "A1?", "A2?", "A3?", "A4?", "A5?", "A6?", "A7?", "A8?", "A9?", "B?", "C?"};
@@ -93,23 +93,35 @@ const Texts kRefresh = {"U?", "A1?", "A2?", "A3?", "A4?", "A5?", "A6?", "A7?", "
 INSTANTIATE_TEST_SUITE_P(
     Requests, RequestTest,
     testing::Values(
-        RequestCase{"nothing", 0, false, {}, {"U?"}, kIdle, "Open Shutter"},
-        RequestCase{"start", 0, false, {"start"}, {"U?", "T", "T"}, kRunning, "Open Shutter"},
+        RequestCase{"nothing", 0, false, {}, {"U?"}, RunState::Idle, "Open Shutter"},
+        RequestCase{"start", 0, false, {"start"}, {"U?", "T", "T"}, RunState::Running, "Open Shutter"},
+        RequestCase{"twice_is_once",
+                    0,
+                    false,
+                    {"start", "start"},
+                    {"U?", "T", "T"},
+                    RunState::Running,
+                    "Open Shutter"},
+        RequestCase{"stop", 0, true, {"start"}, kRefresh, RunState::Idle, "Open Shutter"},
+        RequestCase{"zero", 0, false, {"zero"}, {"S", "T", "T", "U?"}, RunState::Idle, "Open Shutter"},
+        RequestCase{"shutter_starts_a_run",
+                    0,
+                    false,
+                    {"shutter"},
+                    {"U1", "U?", "T", "T"},
+                    RunState::Running,
+                    "Close Shutter"},
         RequestCase{
-            "twice_is_once", 0, false, {"start", "start"}, {"U?", "T", "T"}, kRunning, "Open Shutter"},
-        RequestCase{"stop", 0, true, {"start"}, kRefresh, kIdle, "Open Shutter"},
-        RequestCase{"zero", 0, false, {"zero"}, {"S", "T", "T", "U?"}, kIdle, "Open Shutter"},
+            "shutter_closes_in_a_run", 1, true, {"shutter"}, {"U0", "U?"}, RunState::Running, "Open Shutter"},
         RequestCase{
-            "shutter_starts_a_run", 0, false, {"shutter"}, {"U1", "U?", "T", "T"}, kRunning, "Close Shutter"},
-        RequestCase{"shutter_closes_in_a_run", 1, true, {"shutter"}, {"U0", "U?"}, kRunning, "Open Shutter"},
-        RequestCase{"shutter_opens_in_a_run", 0, true, {"shutter"}, {"U1", "U?"}, kRunning, "Close Shutter"},
-        RequestCase{"third_film", 0, false, {"film3"}, {"D3", "A3?", "U?"}, kIdle, "Open Shutter"},
+            "shutter_opens_in_a_run", 0, true, {"shutter"}, {"U1", "U?"}, RunState::Running, "Close Shutter"},
+        RequestCase{"third_film", 0, false, {"film3"}, {"D3", "A3?", "U?"}, RunState::Idle, "Open Shutter"},
         RequestCase{"all_at_once",
                     0,
                     false,
                     {"shutter", "zero", "film3"},
                     {"D3", "A3?", "S", "T", "T", "U1", "U?", "T", "T"},
-                    kRunning,
+                    RunState::Running,
                     "Close Shutter"}),
     [](const auto& given) { return std::string(given.param.name); });
 
@@ -146,7 +158,7 @@ TEST_F(MonitorTest, OneBadAnswerAtTheEndOfARunChangesNeitherFilmNorList) {
         SCOPED_TRACE(given.command);
         monitor.cmdStartStop_Click();
         tick();
-        ASSERT_EQ(monitor.RunMode(), kRunning);
+        ASSERT_EQ(monitor.RunMode(), RunState::Running);
         special[given.command] = given.answer;
         if (given.listed < 9) {
             boxes.expectNonBlocking("Get Film Error: ");
@@ -154,7 +166,7 @@ TEST_F(MonitorTest, OneBadAnswerAtTheEndOfARunChangesNeitherFilmNorList) {
         monitor.cmdStartStop_Click();
         tick();
         special.erase(given.command);
-        ASSERT_EQ(monitor.RunMode(), kIdle);
+        ASSERT_EQ(monitor.RunMode(), RunState::Idle);
         EXPECT_EQ(monitor.films().names().size(), given.listed);
         EXPECT_FALSE(progress.shown);
         EXPECT_EQ(monitor.films().index(), given.selected);
@@ -181,7 +193,7 @@ TEST_F(MonitorTest, ARecordThatIsNeverAnsweredDoesNotKeepTheProgramFromPolling) 
 TEST_F(MonitorTest, AFilmChoiceOutlivesARefresh) {
     bringUp();
     onCommand["A6?"] = [this] { monitor.cboFilms_Click(1); }; // chosen while the list is read
-    monitor.setRunMode(kIdle);
+    monitor.setRunMode(RunState::Idle);
     EXPECT_EQ(monitor.films().index(), 1);
     EXPECT_EQ(requestsOfTick().front(), "D2");
 }
@@ -201,7 +213,7 @@ TEST_F(MonitorTest, RunStartsWithZeroThenLogAndEndsWithLogThenRefresh) {
     onCommand["A1?"] = [&] {
         ++refreshes;
         EXPECT_NE(logText().find("\r\nEnd:     Date: "), std::string::npos) << "before the refresh";
-        EXPECT_EQ(monitor.RunMode(), kIdle);
+        EXPECT_EQ(monitor.RunMode(), RunState::Idle);
         tick(); // never inside the change
     };
     monitor.cmdStartStop_Click();
@@ -224,7 +236,7 @@ TEST_P(ClosingInARun, SavesFirstAndEndsTheLog) {
     }
     monitor.Form_QueryUnload();
     EXPECT_EQ(events, (EventList{"windows closed"}));
-    EXPECT_EQ(monitor.RunMode(), kExiting);
+    EXPECT_EQ(monitor.RunMode(), RunState::Exiting);
     EXPECT_TRUE(logEnded());
     EXPECT_FALSE(ticker.on);
     EXPECT_FALSE(monitor.Form_Load()) << "exiting";
@@ -278,20 +290,20 @@ TEST_F(MonitorTest, LinkStatusDecidesWhatATickDoes) {
     const struct {
         const char* name;
         std::uint16_t status;
-        std::int16_t mode;
+        RunState mode;
         bool polls, reconnects;
     } cases[] = {
-        {"ok", 0, kIdle, true, false},
-        {"timeout", 1, kIdle, false, true},
-        {"no data", 2, kIdle, false, true},
-        {"not ready", 3, kIdle, true, false},
-        {"bad data", 5, kIdle, true, false},
-        {"checksum", 7, kIdle, true, false},
-        {"port", 8, kIdle, false, true},
-        {"busy", 9, kIdle, false, false},
-        {"lost", 10, kIdle, false, true},
-        {"lost at start", 10, kStarting, false, false},
-        {"lost in a run", 10, kRunning, false, true},
+        {"ok", 0, RunState::Idle, true, false},
+        {"timeout", 1, RunState::Idle, false, true},
+        {"no data", 2, RunState::Idle, false, true},
+        {"not ready", 3, RunState::Idle, true, false},
+        {"bad data", 5, RunState::Idle, true, false},
+        {"checksum", 7, RunState::Idle, true, false},
+        {"port", 8, RunState::Idle, false, true},
+        {"busy", 9, RunState::Idle, false, false},
+        {"lost", 10, RunState::Idle, false, true},
+        {"lost at start", 10, RunState::Starting, false, false},
+        {"lost in a run", 10, RunState::Running, false, true},
     };
     bringUp();
     for (const auto& c : cases) {
@@ -304,7 +316,10 @@ TEST_F(MonitorTest, LinkStatusDecidesWhatATickDoes) {
         const auto& sent = socket.wire.commands();
         EXPECT_EQ(std::count(sent.begin(), sent.end(), "P1"), c.polls ? 1 : 0) << c.name;
         EXPECT_EQ(socket.connects - connects, c.reconnects ? 1 : 0) << c.name;
-        EXPECT_EQ(link.CommStatus(), c.status == 9 ? 9 : c.mode == kStarting ? c.status : 0) << c.name;
+        EXPECT_EQ(link.CommStatus(), c.status == 9                  ? 9
+                                     : c.mode == RunState::Starting ? c.status
+                                                                    : 0)
+            << c.name;
         link.setCommStatus(0);
     }
 }
@@ -364,7 +379,7 @@ TEST_F(MonitorTest, RunGoesOnOverALossWithAGapAndOneBox) {
         tickAfter(0.25);
     }
     EXPECT_LE(clock.monotonic() - back, 2.3);
-    EXPECT_EQ(monitor.RunMode(), kRunning);
+    EXPECT_EQ(monitor.RunMode(), RunState::Running);
     EXPECT_EQ(shutter, 1) << "the request waited";
     EXPECT_NE(monitor.shown().notice.text.find("DRX-9 Ver 4.12"), std::string::npos);
     tickAfter(0.25);

@@ -7,8 +7,6 @@
 namespace drx9 {
 namespace {
 
-enum : std::int16_t { kStarting = 0, kIdle = 1, kRunning = 2 };
-
 class ReadoutsTest : public testing::Test {
 protected:
     NumberLocale locale;
@@ -19,7 +17,7 @@ protected:
 
     std::string text(std::size_t field) const { return readouts.texts()[field]; }
     /// One more reading, a quarter of a second after the last.
-    void read(std::int16_t mode, int sensors = kMaxSensors) {
+    void read(RunState mode, int sensors = kMaxSensors) {
         readings.elapsed += 0.25;
         readouts.refresh(mode, &readings, &film, sensors);
     }
@@ -46,7 +44,7 @@ TEST_F(ReadoutsTest, TimeRemaining) {
         readings.averageThickness = c.thickness;
         readings.averageRate = c.rate;
         film.EndThick = c.finalThickness;
-        read(kRunning);
+        read(RunState::Running);
         EXPECT_EQ(text(Readouts::TimeRemaining), c.remaining) << c.thickness << " " << c.rate;
         EXPECT_EQ(readouts.finalReached(), c.reached) << c.thickness;
     }
@@ -57,18 +55,18 @@ TEST_F(ReadoutsTest, WhatEachRunModeRefreshes) {
     readings.elapsed = 3725;
     readings.averageRate = 9.905;
     readings.averageThickness = 1234.5;
-    read(kStarting);
+    read(RunState::Starting);
     EXPECT_EQ(readouts.texts(), Readouts::Texts());
-    read(kRunning, 4);
+    read(RunState::Running, 4);
     Readouts::Texts expected{"", "9.91", "", "", "", "", "", "OFF", "OFF", "12.50", "1:02:05", "0:00:00"};
     EXPECT_EQ(readouts.texts(), expected);
 
     readings.elapsed = 5;
     readings.averageThickness = 0.5;
-    readouts.refresh(kIdle, &readings, nullptr, 4); // keeps the run's texts and the film's
+    readouts.refresh(RunState::Idle, &readings, nullptr, 4); // keeps the run's texts and the film's
     expected[Readouts::AverageThickness] = "0.500";
     EXPECT_EQ(readouts.texts(), expected);
-    readouts.refresh(kRunning, &readings, nullptr, 4);
+    readouts.refresh(RunState::Running, &readings, nullptr, 4);
     expected[Readouts::ElapsedTime] = "0:00:05";
     EXPECT_EQ(readouts.texts(), expected);
 }
@@ -90,7 +88,7 @@ TEST_F(ReadoutsTest, SensorFieldsFollowTheCheckedItem) {
     };
     for (const auto& s : steps) {
         readouts.setDisplay(s.display);
-        read(kIdle);
+        read(RunState::Idle);
         EXPECT_EQ(readouts.Display(), s.display);
         EXPECT_EQ(readouts.checkedSensorItem(), s.checked);
         EXPECT_EQ(readouts.labels()[4], s.label);
@@ -117,10 +115,10 @@ TEST_F(ReadoutsTest, FailedExchangesMarkTheFieldsThatShowThem) {
         readouts.setDisplay(c.display);
         readings.failed.reset();
         readings.failed.set(valueIndex(c.value));
-        read(kRunning);
+        read(RunState::Running);
         EXPECT_EQ(readouts.failed(), c.fields);
     }
-    read(kRunning, 0);
+    read(RunState::Running, 0);
     EXPECT_EQ(readouts.failed()[3], false) << "OFF is no failure";
 }
 
@@ -137,18 +135,19 @@ TEST_F(ReadoutsTest, CrystalsAreMarkedAfterTwoBadReadings) {
         system.FreqMin = c.least;
         system.FreqMax = c.most;
         readings.frequency.fill(5.5e6);
-        read(kIdle);
+        read(RunState::Idle);
         readings.frequency[2] = c.frequency;
-        read(kIdle);
-        readouts.refresh(kIdle, &readings, &film, kMaxSensors); // the same reading, after a film change
+        read(RunState::Idle);
+        readouts.refresh(RunState::Idle, &readings, &film,
+                         kMaxSensors); // the same reading, after a film change
         EXPECT_FALSE(readouts.crystalMarked(3)) << c.frequency;
-        read(kIdle);
+        read(RunState::Idle);
         EXPECT_EQ(readouts.crystalMarked(3), c.marked) << c.frequency;
         EXPECT_FALSE(readouts.crystalMarked(1));
     }
     readings.failed.set(valueIndex(Value::Frequency, 2)); // says nothing about the crystal
     readings.frequency[2] = 0;
-    read(kIdle);
+    read(RunState::Idle);
     EXPECT_TRUE(readouts.crystalMarked(3));
 }
 

@@ -107,7 +107,7 @@ void expectSane(Scene& t, const std::string& event, bool start) {
     EXPECT_FALSE(t.actions.waiting());
     EXPECT_FALSE(t.actionRanInside) << "an action ran inside an operation";
     EXPECT_EQ(t.actionRan, event == "menu" || event == "close");
-    EXPECT_EQ(t.monitor.RunMode() == kExiting, event == "close");
+    EXPECT_EQ(t.monitor.RunMode() == RunState::Exiting, event == "close");
     if (event == "close" ||
         (start && event == "dead port")) { // off line from the start: nothing more is tried
         return;

@@ -87,7 +87,7 @@ TEST_F(RequestsTest, ARequestIsCarriedOutOnceAndItsFailureTold) {
         for (const std::string& act : later) {
             EXPECT_EQ(act, "D1") << "nothing but the confirmed film after a loss";
         }
-        EXPECT_EQ(monitor.RunMode(), kIdle);
+        EXPECT_EQ(monitor.RunMode(), RunState::Idle);
         EXPECT_EQ(report().notice(), "") << "ten seconds";
         socket.wire.forget();
         onCommand.clear();
@@ -111,7 +111,7 @@ TEST_F(RequestsTest, AStartBehindAnUnansweredOpeningFollowsTheShutter) {
         special["U1"] = "";
         monitor.cmdShutter_Click();
         tick();
-        EXPECT_EQ(monitor.RunMode(), kIdle);
+        EXPECT_EQ(monitor.RunMode(), RunState::Idle);
         shutter = c.shutter;
         if (c.gone > 0) {
             loseLink();
@@ -120,8 +120,8 @@ TEST_F(RequestsTest, AStartBehindAnUnansweredOpeningFollowsTheShutter) {
         }
         special.erase("U1");
         actsDuring(4);
-        EXPECT_EQ(monitor.RunMode(), c.starts ? kRunning : kIdle);
-        monitor.setRunMode(kIdle);
+        EXPECT_EQ(monitor.RunMode(), c.starts ? RunState::Running : RunState::Idle);
+        monitor.setRunMode(RunState::Idle);
         shutter = 0;
         tick();
     }
@@ -133,7 +133,7 @@ TEST_F(RequestsTest, StopAloneDoesNotWaitForTheLink) {
     tick();
     tickAfter(0.25);
     for (const bool connected : {true, false}) {
-        ASSERT_EQ(monitor.RunMode(), kRunning);
+        ASSERT_EQ(monitor.RunMode(), RunState::Running);
         silent = true;
         if (!connected) {
             loseLink();
@@ -143,7 +143,7 @@ TEST_F(RequestsTest, StopAloneDoesNotWaitForTheLink) {
         monitor.cmdZero_Click();
         events.clear();
         tick();
-        EXPECT_EQ(monitor.RunMode(), kIdle);
+        EXPECT_EQ(monitor.RunMode(), RunState::Idle);
         EXPECT_NE(logText().find("\r\nEnd:     Date: "), std::string::npos);
         EXPECT_EQ(std::count(events.begin(), events.end(), "U?"), 0);
         EXPECT_FALSE(monitor.locked());
@@ -194,7 +194,7 @@ TEST_F(RequestsTest, AConfirmedFilmGoesOutOnceAfterALossInIdle) {
         special["A3?"] = replyPacket('A', "FILM_3  2.7 100 1 6 4 1 3");
         EXPECT_EQ(actsDuring(6), c.acts);
         EXPECT_EQ(monitor.films().mark().empty(), !c.marked);
-        monitor.setRunMode(kIdle);
+        monitor.setRunMode(RunState::Idle);
     }
     special["D3"] = ""; // not accepted: the loss that this causes repeats nothing
     monitor.cboFilms_Click(2);
@@ -251,7 +251,7 @@ TEST_F(RequestsTest, AWaitingActionCutsARefreshAndAReconnectBetweenExchanges) {
         EXPECT_EQ(std::count(events.begin(), events.end(), "C?"), 1);
         tickAfter(0.25);
         EXPECT_FALSE(monitor.answers().stale(clock.monotonic()));
-        monitor.setRunMode(kStarting);
+        monitor.setRunMode(RunState::Starting);
     }
 }
 
@@ -264,7 +264,7 @@ TEST_F(RequestsTest, ACloseLetsNoFurtherRequestBegin) {
     monitor.cmdShutter_Click();
     EXPECT_EQ(requestsOfTick(), (Texts{"D3", "A3?"}));
     pump.runPosted();
-    EXPECT_EQ(monitor.RunMode(), kExiting);
+    EXPECT_EQ(monitor.RunMode(), RunState::Exiting);
     EXPECT_EQ(shutter, 0);
 }
 
@@ -309,7 +309,7 @@ TEST_F(RequestsTest, ARefreshOutOfStepKeepsTheListAndReadsNoRecord) {
     special["B?"] = replyPacket('A', "1 1 1 1 1 1 1 1 1 1 1");
     onCommand["A5?"] = [this] { socket.wire.arrive(replyPacket('A', "OTHER     1 1 1 1 1 1 1")); };
     onCommand["A6?"] = [this] { special["A6?"] = replyPacket('A', "CHANGED   1 1 1 1 1 1 1"); };
-    monitor.setRunMode(kIdle);
+    monitor.setRunMode(RunState::Idle);
     EXPECT_EQ(monitor.films().names().at(5), "FILM_6");
     EXPECT_FALSE(monitor.shown().systemKnown);
     EXPECT_NE(settings.system.Simulate, 1);
@@ -350,7 +350,7 @@ TEST_F(RequestsTest, AnotherInstrumentWithFewerFilmsGetsNoFilmUnasked) {
 TEST_F(RequestsTest, AFaultInARefreshLeavesPollingOn) {
     bringUp();
     onCommand["A3?"] = [] { throw std::runtime_error("fault"); };
-    EXPECT_THROW(monitor.setRunMode(kIdle), std::runtime_error);
+    EXPECT_THROW(monitor.setRunMode(RunState::Idle), std::runtime_error);
     EXPECT_TRUE(ticker.on);
     onCommand.clear();
     tickAfter(2);
@@ -362,9 +362,9 @@ TEST_F(RequestsTest, ACloseBeforeTheStartWritesNoSettings) {
     const std::string before = files.text("/app/Monitor.ini");
     monitor.Form_QueryUnload();
     EXPECT_EQ(files.text("/app/Monitor.ini"), before);
-    EXPECT_EQ(monitor.RunMode(), kExiting);
-    monitor.setRunMode(kIdle);
-    EXPECT_EQ(monitor.RunMode(), kExiting) << "for good";
+    EXPECT_EQ(monitor.RunMode(), RunState::Exiting);
+    monitor.setRunMode(RunState::Idle);
+    EXPECT_EQ(monitor.RunMode(), RunState::Exiting) << "for good";
 }
 
 TEST_F(RequestsTest, ARunKeepsTheSensorsThatItBeganWith) {

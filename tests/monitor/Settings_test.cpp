@@ -95,8 +95,8 @@ TEST_F(SettingsTest, EveryKeyIsReadAndWrittenBack) {
     const SystemParameters& system = settings.system;
     EXPECT_EQ(settings.DBFileName + link.USBSerNum + link.EPort + link.EAddress + log.File,
               "films.mdb0A7C400110.0.0.5run.txt");
-    EXPECT_EQ((std::vector<int>{settings.Display, settings.Graph, link.CommType, link.Baud, link.Port,
-                                log.Type, log.Start, log.End, log.Interval}),
+    EXPECT_EQ((std::vector<int>{settings.Display, settings.Graph, static_cast<int>(link.CommType), link.Baud,
+                                link.Port, static_cast<int>(log.Type), log.Start, log.End, log.Interval}),
               (std::vector<int>{2, 4, 2, 9600, 3, 2, 70000, 80000, 5}));
     EXPECT_EQ(system.Tooling, (std::array<double, 6>{101, 102, 103, 104, 105, 106}));
     EXPECT_EQ(

@@ -13,12 +13,12 @@ using Change = std::function<void(StatusFacts&)>;
 /// On line and idle, everything well, appending to a log.
 StatusFacts wellFacts() {
     StatusFacts facts;
-    facts.runMode = kIdle;
+    facts.runMode = RunState::Idle;
     facts.controlsVisible = facts.started = facts.hasReading = true;
-    facts.link.CommType = 2;
+    facts.link.CommType = LinkType::Ethernet;
     facts.lastReading = {2026, 11, 25, 14, 9, 4, 0};
     facts.runStart = {2026, 11, 25, 14, 2, 2, 0};
-    facts.log.Type = kLogAppend;
+    facts.log.Type = LogMode::Append;
     facts.logPath = "/runs/drx9.txt";
     return facts;
 }
@@ -29,7 +29,7 @@ void silentFor(StatusFacts& facts, double seconds) {
 }
 
 void runLogged(StatusFacts& facts, double elapsed) {
-    facts.runMode = kRunning;
+    facts.runMode = RunState::Running;
     facts.logging = true;
     facts.elapsed = elapsed;
     facts.logLines = 418;
@@ -50,7 +50,7 @@ TEST(StatusTexts, ReadingsAreDatedFromTwoSeconds) {
 
 TEST(StatusTexts, ThePlateShowsTheGravestOnly) {
     StatusFacts all = wellFacts();
-    all.runMode = kRunning;
+    all.runMode = RunState::Running;
     silentFor(all, 14);
     all.logError = "disk full";
     all.crystals = 0b010100;
@@ -62,7 +62,7 @@ TEST(StatusTexts, ThePlateShowsTheGravestOnly) {
         {[](StatusFacts& f) { f.pauseReason.clear(), f.stale = false; }, "Check crystals 3, 5"},
         {[](StatusFacts& f) { f.crystals = 0b1; }, "Check crystal 1"},
         {[](StatusFacts& f) { f.crystals.reset(); }, ""},
-        {[](StatusFacts& f) { f.started = f.controlsVisible = false, f.runMode = kStarting; },
+        {[](StatusFacts& f) { f.started = f.controlsVisible = false, f.runMode = RunState::Starting; },
          "Connecting, Ethernet"},
     };
     for (const auto& [change, brief] : cases) { // each on top of the ones before
@@ -84,10 +84,10 @@ TEST(StatusTexts, FieldsOfTheBarSayOnlyWhatIsSo) {
         {[](auto& f) { silentFor(f, 14); }, staLink, "Ethernet 192.168.1.200:2101, no reply for 14 s", Warn},
         {[](auto& f) { silentFor(f, 14), f.pauseReason = "Films is open"; }, staLink,
          "Ethernet 192.168.1.200:2101, on line"},
-        {[](auto& f) { f.runMode = kRunning; }, staRun, "Running since 14:02:02"},
+        {[](auto& f) { f.runMode = RunState::Running; }, staRun, "Running since 14:02:02"},
         {[](auto& f) { f.requests.zero = true; }, staRun, "Idle"}, // all is well: it is carried out at once
         {[](auto& f) {
-             silentFor(f, 3), f.runMode = kRunning, f.requests = {true, true, true, true};
+             silentFor(f, 3), f.runMode = RunState::Running, f.requests = {true, true, true, true};
          },
          staRun, "Running since 14:02:02, waiting: film, zero, shutter, stop", Warn},
         {[](auto& f) { f.shutter = 1; }, staShutter, "Shutter open"},
@@ -97,8 +97,8 @@ TEST(StatusTexts, FieldsOfTheBarSayOnlyWhatIsSo) {
         {[](auto& f) { f.systemKnown = f.simulate = f.etch = true; }, staMode, "Simulate, Etch", Warn},
         {[](auto& f) { f.simulate = true; }, staMode, "System parameters not read", Warn}, // of the file only
         {[](auto& f) { f.message = "Another instrument"; }, staMode, "Another instrument", Warn},
-        {[](auto& f) { f.log.Type = kLogNone; }, staLog, "Log: /runs/drx9.txt, off"},
-        {[](auto& f) { f.log.Type = kLogOverwrite, f.log.Start = 60; }, staLog,
+        {[](auto& f) { f.log.Type = LogMode::None; }, staLog, "Log: /runs/drx9.txt, off"},
+        {[](auto& f) { f.log.Type = LogMode::Overwrite, f.log.Start = 60; }, staLog,
          "Log: /runs/drx9.txt (Overwrite), from 0:01:00 until 0:05:00"},
         {[](auto& f) { f.log.Start = 300; }, staLog, "Log: /runs/drx9.txt (Append), empty span"},
         {[](auto& f) { runLogged(f, 300); }, staLog,

@@ -83,8 +83,9 @@ TEST_F(Accessibility, EverythingThatCanBeReachedHasANameAndARole) {
 TEST_F(Accessibility, ActionsDoWhatAClickDoes) {
     const QString press = QAccessibleActionInterface::pressAction();
     const QString toggle = QAccessibleActionInterface::toggleAction();
-    for (const auto& [name, mode] :
-         {std::pair{"optLog_0", kLogNone}, {"optLog_1", kLogOverwrite}, {"optLog_2", kLogAppend}}) {
+    for (const auto& [name, mode] : {std::pair{"optLog_0", LogMode::None},
+                                     {"optLog_1", LogMode::Overwrite},
+                                     {"optLog_2", LogMode::Append}}) {
         act(interfaceOf(name), toggle);
         EXPECT_EQ(settings.log.Type, mode) << name;
     }

@@ -66,7 +66,7 @@ protected:
                                   : good("2.5");
     }
     void open(std::int16_t type) {
-        settings.CommType = type;
+        settings.CommType = LinkType{type};
         window = new frmComm({settings, bench.link, discovery, bench.transports, shell, bench.boxes,
                               bench.actions, program, program, program},
                              &owner);
@@ -131,7 +131,7 @@ TEST_F(CommWindow, EachLinkShowsItsControlsAndNoOthers) {
     const QSize size = window->size();
     for (const int link : {0, 1, 2, 0}) {
         click(("optComm_" + std::to_string(link)).c_str());
-        EXPECT_EQ(settings.CommType, link);
+        EXPECT_EQ(static_cast<int>(settings.CommType), link);
         EXPECT_EQ(window->size(), size);
         for (const auto& [name, page] : pages) {
             EXPECT_EQ(find<QWidget>(name.c_str())->isVisible(), page == link) << name;
@@ -305,7 +305,7 @@ TEST_F(CommWindow, NothingEntersAnExchangeAndCloseWaitsForItsEnd) {
     click("cmdSend");
     EXPECT_EQ(bench.socket.wire.commands(), std::vector<std::string>{"P1"});
     EXPECT_EQ(changes, 0);
-    EXPECT_EQ(settings.CommType, 2);
+    EXPECT_EQ(settings.CommType, LinkType::Ethernet);
     EXPECT_TRUE(find<QRadioButton>("optComm_2")->isChecked());
     EXPECT_EQ(textOf("txtRcv"), "Timeout");
     settle();

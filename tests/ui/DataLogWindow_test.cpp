@@ -13,7 +13,7 @@ namespace {
 class DataLogWindow : public UiFixture {
 protected:
     void open() {
-        settings.log.Type = kLogAppend;
+        settings.log.Type = LogMode::Append;
         settings.log.Start = 3725;
         settings.log.End = 7384;
         settings.log.Interval = 61;

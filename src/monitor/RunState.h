@@ -5,6 +5,6 @@
 namespace drx9 {
 
 /// Values of Monitor::RunMode().
-enum : std::int16_t { kStarting = 0, kIdle = 1, kRunning = 2, kExiting = 3 };
+enum class RunState : std::uint8_t { Starting, Idle, Running, Exiting };
 
 } // namespace drx9

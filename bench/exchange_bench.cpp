@@ -211,7 +211,7 @@ struct Program {
 
     void exchange(benchmark::State& state) {
         for ([[maybe_unused]] auto _ : state) {
-            if (link.Comm_Send("P1") != kData) {
+            if (link.Comm_Send("P1").reply != kData) {
                 return state.SkipWithError("no reply");
             }
         }

@@ -72,21 +72,19 @@ void FilmTransfer::beginExchange() {
     began_ = parts_.clock.monotonic();
 }
 
-bool FilmTransfer::endExchange() {
-    const std::uint16_t outcome = parts_.link.outcome();
-    const bool timedOut = outcome == comm::kTimeout || outcome == comm::kLost;
-    timeouts_ = timedOut ? timeouts_ + 1 : 0;
-    if (outcome == comm::kOk) {
+bool FilmTransfer::endExchange(std::uint16_t status) {
+    timeouts_ = comm::isSilence(status) ? timeouts_ + 1 : 0;
+    if (status == comm::kOk) {
         longest_ = std::max(longest_, parts_.clock.monotonic() - began_);
     }
-    return outcome == comm::kOk;
+    return status == comm::kOk;
 }
 
-bool FilmTransfer::readFilm(int number, FilmRecord& film) {
+Commands::FilmAnswer FilmTransfer::readFilm(int number) {
     beginExchange();
-    const bool failed = parts_.commands.Comm_GetFilm(number, film);
-    const bool answered = endExchange();
-    return !failed && answered;
+    Commands::FilmAnswer answer = parts_.commands.Comm_GetFilm(number);
+    endExchange(answer.status);
+    return answer;
 }
 
 /// An answer that is one too many moves all behind it by one, and then the last one is still to come: within
@@ -138,14 +136,13 @@ int FilmTransfer::readFilms(TransferReport& report) {
     int failed = 0;
     for (int i = 1; i <= parts_.link.FilmCount() && failed == 0 && !stopped(); ++i) {
         parts_.progress.setProgress(percent(i, parts_.link.FilmCount()));
-        FilmRecord film;
-        if (readFilm(i, film)) {
-            read.push_back(film);
+        const Commands::FilmAnswer answer = readFilm(i);
+        if (answer.film) {
+            read.push_back(*answer.film);
         } else {
             failed = i;
-            const std::uint16_t outcome = parts_.link.outcome();
             report.fail("Film " + std::to_string(i) + ": " +
-                        (outcome == comm::kOk ? "no film" : commStatusText(outcome)));
+                        (answer.status == comm::kOk ? "no film" : commStatusText(answer.status)));
         }
         if (parts_.clock.monotonic() - stored + longest_ >= kStoreWithin) {
             failed = storeRead(read, report) || failed != 0 ? failed : i;
@@ -219,20 +216,19 @@ void FilmTransfer::download(int index) {
 /// Where it is open the hourglass is left behind (kept).
 bool FilmTransfer::shutterClosed() {
     beginExchange();
-    const std::optional<std::int16_t> shutter = parts_.commands.queryUnit();
-    const bool answered = endExchange();
-    const std::uint16_t outcome = parts_.link.outcome();
+    const Commands::UnitAnswer shutter = parts_.commands.Comm_GetUnit();
+    const bool answered = endExchange(shutter.status);
     const bool sound = inStep();
-    if (!answered || !shutter || !sound) {
-        const std::string reason = !answered  ? commStatusText(outcome)
-                                   : !shutter ? commStatusText(comm::kNoData)
-                                              : "answers out of step";
+    if (!shutter.unit || !sound) {
+        const std::string reason = !answered       ? commStatusText(shutter.status)
+                                   : !shutter.unit ? commStatusText(comm::kNoData)
+                                                   : "answers out of step";
         parts_.library.tell("Nothing sent: whether the shutter is closed is not known (" + reason + ")",
                             NoticeTone::Alarm);
         parts_.list.setHourglass(false);
         return false;
     }
-    if (*shutter > 0) {
+    if (*shutter.unit > 0) {
         parts_.boxes.show("Please close shutter before downloading films.", "Shutter is opened!",
                           MessageIcon::Exclamation);
         return false;
@@ -290,12 +286,12 @@ void FilmTransfer::writeRow(int film, TransferReport& report) {
         report.name("Material not in the library, density and Z factor left as they are", named);
     }
     beginExchange();
-    parts_.commands.Comm_SetFilm(film, record);
-    if (endExchange()) {
+    const std::uint16_t status = parts_.commands.Comm_SetFilm(film, record);
+    if (endExchange(status)) {
         parts_.films[static_cast<std::size_t>(film)] = record;
         report.done(1);
     } else {
-        report.name("Not accepted (" + commStatusText(parts_.link.outcome()) + ")", std::to_string(film));
+        report.name("Not accepted (" + commStatusText(status) + ")", std::to_string(film));
     }
 }
 
@@ -318,16 +314,15 @@ void FilmTransfer::VerifyFilms(int index, TransferReport& report) {
 /// False when the operator cancelled. What differs is asked about only when the answer is surely this
 /// film's.
 bool FilmTransfer::verifyRow(int film, TransferReport& report) {
-    FilmRecord readBack;
-    const bool read = readFilm(film, readBack);
-    const auto mismatches =
-        read ? filmMismatches(parts_.library, readBack, parts_.list.manySensors(), parts_.locale)
-             : std::vector<FilmMismatch>();
-    if (!read || (!mismatches.empty() && !inStep())) {
+    const Commands::FilmAnswer readBack = readFilm(film);
+    const auto mismatches = readBack.film ? filmMismatches(parts_.library, *readBack.film,
+                                                           parts_.list.manySensors(), parts_.locale)
+                                          : std::vector<FilmMismatch>();
+    if (!readBack.film || (!mismatches.empty() && !inStep())) {
         report.name("Not read back", std::to_string(film));
         return true;
     }
-    parts_.films[0] = readBack;
+    parts_.films[0] = *readBack.film;
     return std::all_of(mismatches.begin(), mismatches.end(), [&](const FilmMismatch& mismatch) {
         return parts_.boxes.askOkCancel(mismatch.text(film), kProgramName, MessageIcon::Information);
     });

@@ -11,6 +11,7 @@
 #include "platform/Progress.h"
 #include "util/NumberLocale.h"
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -90,9 +91,8 @@ private:
     [[nodiscard]] int rows() const;
     void beginExchange();
     /// Notes how the exchange ended; true when it was answered.
-    bool endExchange();
-    /// True when the film was read.
-    bool readFilm(int number, FilmRecord& film);
+    bool endExchange(std::uint16_t status);
+    Commands::FilmAnswer readFilm(int number);
     /// Listens a while: false when an answer too many came since the last look, so that those since then may
     /// belong to other commands.
     bool inStep();

@@ -173,12 +173,8 @@ RawCommand rawCommand(const std::string& typed) {
     return command;
 }
 
-std::string responseText(std::uint16_t outcome, const std::string& reply) {
-    return outcome == comm::kOk ? utf8FromAnsi(reply) : commStatusText(outcome);
-}
-
-bool isSilence(std::uint16_t outcome) {
-    return outcome == comm::kTimeout || outcome == comm::kPortNotReady || outcome == comm::kLost;
+std::string responseText(const Exchange& exchange) {
+    return exchange.ok() ? utf8FromAnsi(exchange.reply) : commStatusText(exchange.status);
 }
 
 } // namespace drx9

@@ -11,6 +11,7 @@
 namespace drx9 {
 
 class UsbBridge;
+struct Exchange;
 
 /// What the communications window computes: which controls belong to a link, what its changes mean, what a
 /// typed command becomes, and every text that it shows by itself. All texts are UTF-8.
@@ -91,8 +92,6 @@ struct RawCommand {
 RawCommand rawCommand(const std::string& typed);
 
 /// What the response box shows: the reply, or the status in words.
-std::string responseText(std::uint16_t outcome, const std::string& reply);
-/// True when an exchange ended without any answer.
-bool isSilence(std::uint16_t outcome);
+std::string responseText(const Exchange& exchange);
 
 } // namespace drx9

@@ -87,14 +87,14 @@ private:
             end_ = ReadResult::Abandoned;
             return false;
         }
-        const Exchange exchange = link_.exchange(command);
+        const Exchange exchange = link_.Comm_Send(command);
         value = Val(exchange.reply);
         const bool empty = exchange.ok() && !beginsWithNumber(exchange.reply);
         values_.failed.set(index, !exchange.ok() || empty);
         if (values_.failed[index]) {
             failure_ = command + ": " + commStatusText(empty ? comm::kNoData : exchange.status);
         }
-        const bool timedOut = exchange.status == comm::kTimeout || exchange.status == comm::kLost;
+        const bool timedOut = comm::isSilence(exchange.status);
         timeouts_ = timedOut ? timeouts_ + 1 : 0;
         timedOut_ = timedOut_ || timedOut;
         if (timeouts_ >= kDeadAfterTimeouts) {
@@ -150,49 +150,49 @@ Commands::ReadResult Commands::Comm_GetData(Readings& readings, int sensors,
 }
 
 std::uint16_t Commands::Comm_ZeroThickness() {
-    return link_.exchange("S").status;
+    return link_.Comm_Send("S").status;
 }
 
 std::uint16_t Commands::Comm_ZeroTime() {
-    return link_.exchange("T").status;
+    return link_.Comm_Send("T").status;
 }
 
 std::uint16_t Commands::Comm_FilmDefaults() {
-    return link_.exchange("Z").status;
+    return link_.Comm_Send("Z").status;
 }
 
-std::int16_t Commands::Comm_GetUnit() {
-    const Exchange exchange = link_.exchange("U?");
-    return exchange.ok() ? toInt16(Val(exchange.reply)) : static_cast<std::int16_t>(exchange.status);
-}
-
-std::optional<std::int16_t> Commands::queryUnit() {
-    const Exchange exchange = link_.exchange("U?");
-    return exchange.reply.empty() ? std::nullopt : std::optional(toInt16(Val(exchange.reply)));
+Commands::UnitAnswer Commands::Comm_GetUnit() {
+    const Exchange exchange = link_.Comm_Send("U?");
+    UnitAnswer answer{exchange.status, std::nullopt};
+    if (!exchange.reply.empty()) {
+        answer.unit = toInt16(Val(exchange.reply));
+    }
+    return answer;
 }
 
 std::uint16_t Commands::Comm_SetUnit(std::int16_t value) {
-    return link_.exchange("U" + std::to_string(value)).status;
+    return link_.Comm_Send("U" + std::to_string(value)).status;
 }
 
 std::uint16_t Commands::Comm_SelectFilm(int film) {
-    return link_.exchange("D" + std::to_string(film)).status;
+    return link_.Comm_Send("D" + std::to_string(film)).status;
 }
 
-bool Commands::Comm_GetFilm(int number, FilmRecord& film, Messages messages) {
+Commands::FilmAnswer Commands::Comm_GetFilm(int number, Messages messages) {
     if (link_.CommStatus() != comm::kOk) {
+        const std::uint16_t status = link_.CommStatus();
         tell(messages, "Get Film Error: Busy");
-        return true;
+        return {status, std::nullopt};
     }
-    std::string reply = link_.Comm_Send(filmCommand(number) + "?");
-    if (const std::string& data = link_.CommReply(); trimmed(data) == reply) {
-        reply = data.substr(0, data.find_last_not_of(' ') + 1); // a name may begin with a blank
-    }
+    const Exchange exchange = link_.Comm_Send(filmCommand(number) + "?");
+    // Not trimmed at its left: a name may begin with a blank.
+    const std::string reply = exchange.data.substr(0, exchange.data.find_last_not_of(' ') + 1);
+    FilmRecord film;
     if (parseFilmReply(reply, number, film)) {
-        return false;
+        return {exchange.status, film};
     }
     tell(messages, "Get Film Error: " + utf8FromAnsi(reply));
-    return true;
+    return {exchange.status, std::nullopt};
 }
 
 void Commands::tell(Messages messages, const std::string& text) {
@@ -204,25 +204,25 @@ void Commands::tell(Messages messages, const std::string& text) {
 }
 
 std::uint16_t Commands::Comm_SetFilm(int number, const FilmRecord& film) {
-    return link_.exchange(filmCommand(number) + filmPayload(film)).status;
+    return link_.Comm_Send(filmCommand(number) + filmPayload(film)).status;
 }
 
-bool Commands::Comm_GetSystem(SystemParameters& parameters) {
+Commands::SystemAnswer Commands::Comm_GetSystem(SystemParameters& parameters) {
     link_.watch().begin();
-    const std::string first = link_.exchange("B?").reply;
-    const std::string second = link_.exchange("C?").reply;
+    const Exchange first = link_.Comm_Send("B?");
+    const Exchange second = link_.Comm_Send("C?");
     if (link_.watch().surplus()) {
-        return false; // one record may be the other's, or a film's
+        return {false, second.status}; // one record may be the other's, or a film's
     }
-    const bool firstTaken = parseSystemB(first, parameters);
-    return parseSystemC(second, parameters) && firstTaken;
+    const bool firstTaken = parseSystemB(first.reply, parameters);
+    return {parseSystemC(second.reply, parameters) && firstTaken, second.status};
 }
 
 std::uint16_t Commands::Comm_SetSystem(const SystemParameters& parameters) {
     // Both are built first: the record may change under a wait.
     const std::string second = systemPayloadC(parameters);
-    const std::uint16_t status = link_.exchange(systemPayloadB(parameters)).status;
-    return status == comm::kOk ? link_.exchange(second).status : status;
+    const std::uint16_t status = link_.Comm_Send(systemPayloadB(parameters)).status;
+    return status == comm::kOk ? link_.Comm_Send(second).status : status;
 }
 
 } // namespace drx9

@@ -41,30 +41,36 @@ public:
     std::uint16_t Comm_ZeroTime();      ///< "T"; 0 or the status
     std::uint16_t Comm_FilmDefaults();  ///< "Z"; 0 or the status
 
-    /// "U?": the reply's number when the status is 0, else the status code. 1 is thus ambiguous: queryUnit()
-    /// is not.
-    std::int16_t Comm_GetUnit();
-    /// "U?": the reply's number, 0 for a text without one; nothing when the query failed or brought no text.
-    std::optional<std::int16_t> queryUnit();
+    struct UnitAnswer {
+        std::uint16_t status = comm::kOk; ///< of the exchange
+        /// The reply's number, 0 for a text without one; nothing when the query failed or brought no text.
+        std::optional<std::int16_t> unit;
+    };
+    UnitAnswer Comm_GetUnit();                      ///< "U?"
     std::uint16_t Comm_SetUnit(std::int16_t value); ///< "U" value; 0 or the status
     std::uint16_t Comm_SelectFilm(int film);        ///< "D" film; 0 or the status
 
-    /// "A" c "?" into `film`. True on failure, after showing "Get Film Error: ..." itself; `film` is then
-    /// unchanged.
-    bool Comm_GetFilm(int number, FilmRecord& film, Messages messages = Messages::Blocking);
+    struct FilmAnswer {
+        std::uint16_t status = comm::kOk; ///< of the exchange, or that which kept it from being sent
+        std::optional<FilmRecord> film;   ///< nothing on failure; "Get Film Error: ..." is then shown already
+    };
+    /// "A" c "?".
+    FilmAnswer Comm_GetFilm(int number, Messages messages = Messages::Blocking);
     /// "A" c fields; 0 or the status.
     std::uint16_t Comm_SetFilm(int number, const FilmRecord& film);
 
-    /// "B?" and "C?", each taken whole or not at all, and only from answers in step. True when both were
-    /// taken.
-    bool Comm_GetSystem(SystemParameters& parameters);
+    struct SystemAnswer {
+        bool taken = false;               ///< both records
+        std::uint16_t status = comm::kOk; ///< of "C?"
+    };
+    /// "B?" and "C?" into `parameters`, each taken whole or not at all, and only from answers in step.
+    SystemAnswer Comm_GetSystem(SystemParameters& parameters);
     /// "B" and, only if that was accepted, "C". 0 or the status of the one that failed.
     std::uint16_t Comm_SetSystem(const SystemParameters& parameters);
 
 private:
     class Reading;
 
-    std::uint16_t statusOnly(const std::string& command);
     void tell(Messages messages, const std::string& text);
 
     Link& link_;

@@ -180,13 +180,13 @@ bool Discovery::openSocket(const Abandon& abandon) {
 bool Discovery::instrumentAnswers() {
     link_.setCommStatus(comm::kOk);
     link_.watch().begin();
-    const Exchange version = link_.exchange("@");
+    const Exchange version = link_.Comm_Send("@");
     if (!version.ok()) {
         failure_ = std::string(kNotFound) + " (" + commStatusText(version.status) + ")";
         transports_.usb.close(); // after a failure no device stays open
         return false;
     }
-    const std::string type = link_.exchange("J").reply;
+    const std::string type = link_.Comm_Send("J").reply;
     if (answersStray()) {
         return false;
     }

@@ -55,7 +55,6 @@ public:
             link_.pending_.clear();
             link_.lateUntil_ = link_.clock_.monotonic() + kReplyLimit + kLateLimit;
         }
-        link_.outcome_ = link_.status_;
     }
     InFlight(const InFlight&) = delete;
     InFlight& operator=(const InFlight&) = delete;
@@ -72,20 +71,18 @@ Link::Link(const LinkSettings& settings, Transports& transports, EventPump& pump
     , clock_(clock)
     , actions_(actions) {}
 
-Exchange Link::exchange(const std::string& command) {
+Exchange Link::Comm_Send(const std::string& command) {
     const ActionQueue::Scope scope(actions_);
     if (waiting_ || status_ == comm::kBusy) {
         pending_ = command;
-        outcome_ = comm::kBusy;
         return {comm::kBusy, {}};
     }
     if (actions_.hurrying()) {
-        status_ = outcome_ = comm::kTimeout;
+        status_ = comm::kTimeout;
         return {comm::kTimeout, {}};
     }
     Exchange ended = exchangeNow(command);
     sendPending();
-    outcome_ = ended.status;
     return ended;
 }
 
@@ -96,7 +93,7 @@ void Link::sendPending() {
 }
 
 Exchange Link::exchangeNow(const std::string& command) {
-    std::string reply;
+    std::string data;
     {
         const InFlight inFlight(*this);
         // The same one to the end, should the operator choose another link meanwhile.
@@ -104,13 +101,13 @@ Exchange Link::exchangeNow(const std::string& command) {
         awaitLateAnswer(transport);
         lastPacket_ = commandPacket(command);
         if (send(transport)) {
-            reply = Comm_Receive(transport);
+            data = Comm_Receive(transport);
         } else {
             pump_.processPending();
             timeOut();
         }
     }
-    return {outcome_, std::move(reply)};
+    return {status_, trimmed(data), data};
 }
 
 bool Link::send(Transport& transport) {
@@ -137,7 +134,7 @@ std::string Link::Comm_Receive(Transport& transport) {
             sleep(transport, start, deadline);
         }
     }
-    return status_ == comm::kOk ? trimmed(reply_) : std::string();
+    return status_ == comm::kOk ? reply_ : std::string();
 }
 
 void Link::sleep(const Transport& transport, double start, double deadline) {
@@ -166,15 +163,13 @@ void Link::settle() {
         return;
     }
     const ActionQueue::Scope scope(actions_);
-    const std::uint16_t status = status_; // the exchange that timed out has ended: its outcome stays
-    const std::uint16_t outcome = outcome_;
+    const std::uint16_t status = status_; // the exchange that timed out has ended: its status stays
     {
         const InFlight inFlight(*this);
         awaitLateAnswer(transports_.of(settings_.CommType));
         status_ = status;
     }
     sendPending();
-    outcome_ = outcome;
 }
 
 void Link::awaitLateAnswer(Transport& transport) {

@@ -27,6 +27,15 @@ inline constexpr std::uint16_t kChecksum = 7;
 inline constexpr std::uint16_t kPortNotReady = 8;
 inline constexpr std::uint16_t kBusy = 9;
 inline constexpr std::uint16_t kLost = 10;
+
+/// Nothing came back in time.
+constexpr bool isSilence(std::uint16_t status) {
+    return status == kTimeout || status == kLost;
+}
+/// Nobody knows whether the command arrived: there was no answer, or one that cannot be read.
+constexpr bool isUnanswered(std::uint16_t status) {
+    return isSilence(status) || status == kChecksum;
+}
 } // namespace comm
 
 /// Text shown for a status: "Timeout", "No Data", ... "Unknown Error"; empty for 0.
@@ -36,12 +45,9 @@ std::string commStatusText(std::uint16_t status);
 struct Exchange {
     std::uint16_t status = comm::kOk; ///< of the values above
     std::string reply;                ///< trimmed reply data; empty unless the status is 0
+    std::string data = {};            ///< the same, not trimmed
 
     [[nodiscard]] bool ok() const { return status == comm::kOk; }
-    /// Nobody knows whether the command arrived: there was no answer, or one that cannot be read.
-    [[nodiscard]] bool unanswered() const {
-        return status == comm::kTimeout || status == comm::kLost || status == comm::kChecksum;
-    }
 };
 
 /// The wire: one command packet out, one reply packet in, over the transport that `CommType` selects.
@@ -64,22 +70,18 @@ public:
     /// Sends a command and waits for its reply, at most 1.0 s, sleeping in the event loop: pumps events.
     /// Given in mid-exchange it ends at once with status 9 and is sent later. Whatever path it leaves by,
     /// exceptions of event handlers included, CommStatus() is not 9 afterwards.
-    Exchange exchange(const std::string& command);
-    /// The same; returns the reply data alone.
-    std::string Comm_Send(const std::string& command) { return exchange(command).reply; }
+    Exchange Comm_Send(const std::string& command);
 
+    /// The status of the last exchange. Where a pending command was sent behind it, this tells how that one
+    /// ended, and what Comm_Send() returned how the first did.
     [[nodiscard]] std::uint16_t CommStatus() const { return status_; }
     void setCommStatus(std::uint16_t status) { status_ = status; }
-    /// Status of the exchange that exchange() returned last. The same as CommStatus(), except where a pending
-    /// command was sent behind it: CommStatus() then tells how that one ended.
-    [[nodiscard]] std::uint16_t outcome() const { return outcome_; }
 
     /// The instrument is on line.
     [[nodiscard]] bool CommOK() const { return ok_; }
     void setCommOK(bool ok) { ok_ = ok; }
 
     [[nodiscard]] const std::string& CommLastPacket() const { return lastPacket_; }
-    [[nodiscard]] const std::string& CommReply() const { return reply_; }
     [[nodiscard]] const std::string& CommVersion() const { return version_; }
 
     /// Numeric value of the last character of the reply to "J"; 0 when unknown.
@@ -139,10 +141,9 @@ private:
     ActionQueue& actions_;
     FrameParser parser_;
     StepWatch watch_;
-    std::uint16_t status_ = comm::kOk;  ///< CommStatus: 9 from the start of an exchange to its end
-    std::uint16_t outcome_ = comm::kOk; ///< of the exchange that ended last, pending ones left out
-    bool ok_ = false;                   ///< CommOK
-    bool waiting_ = false;              ///< an exchange is on the stack, its wait for a late answer included
+    std::uint16_t status_ = comm::kOk; ///< CommStatus: 9 from the start of an exchange to its end
+    bool ok_ = false;                  ///< CommOK
+    bool waiting_ = false;             ///< an exchange is on the stack, its wait for a late answer included
     /// Until when the answer of an exchange that timed out may still come; none owed below 0. Monotonic.
     double lateUntil_ = -1;
     std::string pending_;    ///< command given in mid-exchange, empty when none

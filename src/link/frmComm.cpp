@@ -259,14 +259,13 @@ void frmComm::send() {
     if (command.changesFilm) {
         parts_.films.filmUnconfirmed();
     }
-    const std::string reply = parts_.link.Comm_Send(command.bytes);
+    const Exchange exchange = parts_.link.Comm_Send(command.bytes);
     if (self == nullptr) {
         return;
     }
-    const std::uint16_t outcome = parts_.link.outcome();
-    txtRcv_->setText(q(responseText(outcome, reply)));
+    txtRcv_->setText(q(responseText(exchange)));
     txtRcv_->setCursorPosition(0);
-    if (isSilence(outcome)) {
+    if (comm::isSilence(exchange.status)) {
         say(CommSetup::silence(parts_.settings, facts()));
     } else {
         showState();

@@ -46,25 +46,26 @@ void InstrumentRefresh::readFilms(Films& films, Result& result) {
             break;
         }
         parts_.progress.setProgress(percent(i, count));
-        FilmRecord& film = films[static_cast<std::size_t>(i)];
-        const bool failed = parts_.commands.Comm_GetFilm(i, film, Messages::NonBlocking);
-        if (failed) {
-            parts_.answers.noteExchange("A", parts_.link.outcome());
+        const Commands::FilmAnswer answer = parts_.commands.Comm_GetFilm(i, Messages::NonBlocking);
+        if (!answer.film) {
+            parts_.answers.noteExchange("A", answer.status);
             break;
         }
-        result.films.push_back(filmListName(film));
+        films[static_cast<std::size_t>(i)] = *answer.film;
+        result.films.push_back(filmListName(*answer.film));
     }
     parts_.progress.ProgressHide();
 }
 
 void InstrumentRefresh::readRecord(Result& result) {
     result.recordAsked = true;
-    result.recordRead = parts_.commands.Comm_GetSystem(parts_.system);
-    parts_.answers.noteExchange("C?", parts_.link.outcome());
+    const Commands::SystemAnswer answer = parts_.commands.Comm_GetSystem(parts_.system);
+    result.recordRead = answer.taken;
+    parts_.answers.noteExchange("C?", answer.status);
     if (parts_.link.watch().surplus()) {
         result.end = End::OutOfStep;
     } else if (!result.recordRead) {
-        parts_.answers.noteFailure("B?: not read"); // the outcome is that of "C?"
+        parts_.answers.noteFailure("B?: not read"); // the status is that of "C?"
     }
 }
 

@@ -56,11 +56,10 @@ void RequestDesk::takeFilm(RunHost& host) {
 }
 
 void RequestDesk::readFilm(int number) {
-    FilmRecord film;
-    const bool failed = parts_.commands.Comm_GetFilm(number, film, Messages::NonBlocking);
-    note("A", parts_.link.outcome());
-    if (!failed && inStep()) {
-        parts_.films[static_cast<std::size_t>(number)] = film;
+    const Commands::FilmAnswer answer = parts_.commands.Comm_GetFilm(number, Messages::NonBlocking);
+    note("A", answer.status);
+    if (answer.film && inStep()) {
+        parts_.films[static_cast<std::size_t>(number)] = *answer.film;
     }
 }
 
@@ -99,17 +98,17 @@ void RequestDesk::openShutter(const RunHost& host) {
     }
     if (status == comm::kOk && inStep()) {
         flags_.startStop = true; // opening the shutter while idle starts a run in the same tick
-    } else if (status == comm::kOk || Exchange{status, {}}.unanswered()) {
+    } else if (status == comm::kOk || comm::isUnanswered(status)) {
         unansweredOpening_ = parts_.clock.monotonic();
     }
 }
 
 void RequestDesk::queryShutter(RunHost& host) {
-    const std::optional<std::int16_t> answer = parts_.commands.queryUnit();
-    shutterState_ = answer.value_or(kShutterUnknown);
-    note("U?", parts_.link.outcome());
-    if (answer) {
-        startBehindShutter(*answer, host.RunMode());
+    const Commands::UnitAnswer answer = parts_.commands.Comm_GetUnit();
+    shutterState_ = answer.unit.value_or(kShutterUnknown);
+    note("U?", answer.status);
+    if (answer.unit) {
+        startBehindShutter(*answer.unit, host.RunMode());
     }
     host.shutterQueried();
 }

@@ -14,7 +14,7 @@ void RequestReport::ended(const char* request, std::uint16_t status, bool inStep
     if (std::exchange(fresh_, false)) {
         clear();
     }
-    if (status == comm::kTimeout || status == comm::kLost) {
+    if (comm::isSilence(status)) {
         add(std::string(request) + ": no reply", " Press again if needed.");
     } else if (status != comm::kOk) {
         add(std::string(request) + ": " + commStatusText(status), " Press again if needed.");

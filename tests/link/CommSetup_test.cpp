@@ -108,8 +108,8 @@ TEST(CommSetupTest, TypedCommandsAreFramedWholeOrRefusedInWords) {
         }
         EXPECT_EQ(command.changesFilm, c.changesFilm);
     }
-    EXPECT_EQ(responseText(comm::kOk, "caf\xE9"), "caf\xC3\xA9");
-    EXPECT_EQ(responseText(77, "x"), "Unknown Error");
+    EXPECT_EQ(responseText({comm::kOk, "caf\xE9"}), "caf\xC3\xA9");
+    EXPECT_EQ(responseText({77, "x"}), "Unknown Error");
 }
 
 TEST(CommSetupTest, BridgesAreCountedWithoutOpeningThem) {

@@ -214,8 +214,7 @@ TEST_F(CommandsTest, ABusyLinkIsSaidAndNothingSent) {
     bench.boxes.expectNonBlocking("Get Data Error");
     bench.boxes.expectShow("Get Film Error: Busy");
     EXPECT_EQ(read(), Commands::ReadResult::Busy);
-    FilmRecord film;
-    EXPECT_TRUE(commands.Comm_GetFilm(3, film));
+    EXPECT_FALSE(commands.Comm_GetFilm(3).film);
     EXPECT_EQ(sent(), Sent{});
 }
 
@@ -236,23 +235,13 @@ TEST_F(CommandsTest, ShortCommandsAndTheirResults) {
     EXPECT_EQ(commands.Comm_ZeroTime(), comm::kBadMode);
     EXPECT_EQ(commands.Comm_FilmDefaults(), comm::kBadCommand);
     EXPECT_EQ(sent(), (Sent{"U-3", "D12", "S", "T", "Z"}));
-
-    const struct {
-        std::string packet;
-        int unit;
-    } units[] = {{good("1"), 1}, {good(" 2.5x"), 2}, {good("open"), 0}, {replyPacket('B', "7"), 3}, {"", 1}};
-    for (const auto& u : units) {
-        packets["U?"] = u.packet;
-        EXPECT_EQ(commands.Comm_GetUnit(), u.unit) << u.packet;
-    }
 }
 
 TEST_F(CommandsTest, FilmsAreAddressedByOneByte) {
     for (const auto& [number, byte] :
          std::map<int, int>{{1, '1'}, {9, '9'}, {10, ':'}, {12, 60}, {99, 147}}) {
-        FilmRecord film;
         packets[filmCommand(number) + "?"] = good("GOLD____  19.3 100 .381 1.08  .5 60 3");
-        EXPECT_FALSE(commands.Comm_GetFilm(number, film));
+        const FilmRecord film = commands.Comm_GetFilm(number).film.value();
         commands.Comm_SetFilm(number, film);
         const std::string head = {'A', static_cast<char>(byte)};
         EXPECT_EQ(sent(), (Sent{head + "?", head + "GOLD____ 19.300 100 0.381 1.080 0.500  60  3"}));
@@ -276,24 +265,22 @@ TEST(Payloads, FilmWrite) {
 }
 
 TEST_F(CommandsTest, FilmReplies) {
-    FilmRecord film;
     packets["A5?"] = good("Al  2   2.7  100   1.08 1  .5  60  3 99");
     packets["A6?"] = good("ALUMIN__x");
     packets["A9?"] = good("  AL     2.7 100 1 1 1 60 3 ");
     packets["A7?"] = good("\xE9shorter");
     packets["A8?"] = replyPacket('E', "");
-    EXPECT_FALSE(commands.Comm_GetFilm(5, film));
+    FilmRecord film = commands.Comm_GetFilm(5).film.value();
     EXPECT_EQ(film.FilmName, "Al  2   ");
     EXPECT_EQ(film.Density, 2.7);
     EXPECT_EQ(film.SensorAvg, 3);
-    EXPECT_FALSE(commands.Comm_GetFilm(6, film));
+    film = commands.Comm_GetFilm(6).film.value();
     EXPECT_EQ(film.Density, 0);
     bench.boxes.expectShow("Get Film Error: \xC3\xA9shorter");
     bench.boxes.expectShow("Get Film Error: ");
-    EXPECT_TRUE(commands.Comm_GetFilm(7, film));
-    EXPECT_TRUE(commands.Comm_GetFilm(8, film));
-    EXPECT_EQ(film.FilmNum, 6);
-    EXPECT_FALSE(commands.Comm_GetFilm(9, film));
+    EXPECT_FALSE(commands.Comm_GetFilm(7).film);
+    EXPECT_FALSE(commands.Comm_GetFilm(8).film);
+    film = commands.Comm_GetFilm(9).film.value();
     EXPECT_EQ(film.FilmName, "  AL    ") << "blanks before it are the name's";
     EXPECT_EQ(film.Density, 2.7);
 }
@@ -334,7 +321,7 @@ TEST_F(CommandsTest, SystemRecordsAreTakenWholeOrNotAtAll) {
         SystemParameters p{9, 9, 9, 9, 9, {}, 9, 9, 9, 9, 9, 9, 9};
         packets["B?"] = good("1 0 1 0 2.5 101 102 103 104 105 106");
         packets["C?"] = good(c.reply);
-        EXPECT_EQ(commands.Comm_GetSystem(p), c.taken) << c.reply;
+        EXPECT_EQ(commands.Comm_GetSystem(p).taken, c.taken) << c.reply;
         const std::array second{p.FreqMin,  p.FreqMax,  p.RateMin, p.RateMax,
                                 p.ThickMin, p.ThickMax, p.EtchMode};
         EXPECT_EQ(second, c.values) << c.reply;
@@ -352,24 +339,22 @@ TEST_F(CommandsTest, SystemRecordsAreTakenWholeOrNotAtAll) {
     bench.link.Comm_Send("A1?");
     SystemParameters p;
     p.Simulate = p.EtchMode = 9;
-    EXPECT_FALSE(commands.Comm_GetSystem(p));
+    EXPECT_FALSE(commands.Comm_GetSystem(p).taken);
     EXPECT_EQ(p.Simulate, 9) << "neither the film nor an answer after its time-out";
     EXPECT_EQ(p.EtchMode, 7) << "in step";
 }
 
 TEST_F(CommandsTest, AShutterQueryIsAnsweredOrNot) {
     const std::pair<std::string, std::optional<std::int16_t>> cases[] = {
-        {good("1"), std::int16_t{1}},
-        {good("open"), std::int16_t{0}},
-        {good(""), std::nullopt},
-        {replyPacket('B', "1"), std::nullopt},
-        {"", std::nullopt}};
+        {good("1"), std::int16_t{1}}, {good(" 2.5x"), std::int16_t{2}},      {good("open"), std::int16_t{0}},
+        {good(""), std::nullopt},     {replyPacket('B', "1"), std::nullopt}, {"", std::nullopt}};
     for (const auto& [packet, answer] : cases) {
         packets["U?"] = packet;
-        EXPECT_EQ(commands.queryUnit(), answer) << packet;
+        EXPECT_EQ(commands.Comm_GetUnit().unit, answer) << packet;
     }
-    bench.pump.atPump(
-        2, [this] { EXPECT_EQ(commands.Comm_GetUnit(), comm::kBusy) << "not that of the one before"; });
+    bench.pump.atPump(2, [this] {
+        EXPECT_EQ(commands.Comm_GetUnit().status, comm::kBusy) << "not that of the one before";
+    });
     bench.link.Comm_Send("M");
 }
 

@@ -199,7 +199,7 @@ TEST_F(DiscoveryTest, WhateverRunsInItsWaitsChangesNothing) {
             ran = true;
             discovery.Comm_Open();
             if (link.CommStatus() == comm::kBusy && !link.exchanging()) {
-                EXPECT_EQ(link.Comm_Send("T"), "") << "no link is open yet: dropped";
+                EXPECT_EQ(link.Comm_Send("T").reply, "") << "no link is open yet: dropped";
             }
         });
         EXPECT_TRUE(discovery.Comm_Open());

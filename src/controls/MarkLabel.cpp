@@ -35,11 +35,6 @@ void MarkLabel::say(const QString& text, Tone tone) {
     update();
 }
 
-void MarkLabel::setReserve(int width) {
-    reserve_ = width;
-    updateGeometry();
-}
-
 void MarkLabel::setTextPixels(int pixels, bool bold) {
     setFont(fontOfSize(font(), pixels, bold));
 }
@@ -56,7 +51,7 @@ int MarkLabel::markWidth() const {
 int MarkLabel::widthFor(const QString& text, Tone tone) const {
     const int mark = tone == Tone::Plain ? 0 : kMark + kGap;
     const int wanted = text.isEmpty() ? 0 : mark + widths_.of(text, fontMetrics()) + 1;
-    return std::max(reserve_, wanted) + (separator_ ? kSeparatorRoom + 1 : 0);
+    return wanted + (separator_ ? kSeparatorRoom + 1 : 0);
 }
 
 QSize MarkLabel::sizeHint() const {
@@ -64,7 +59,7 @@ QSize MarkLabel::sizeHint() const {
 }
 
 QSize MarkLabel::minimumSizeHint() const {
-    return {reserve_, fontMetrics().height()};
+    return {0, fontMetrics().height()};
 }
 
 void MarkLabel::paintEvent(QPaintEvent*) {

@@ -6,8 +6,7 @@
 
 namespace drx9 {
 
-/// A word with a warning triangle before it. Takes the room of `reserve` characters whether it says something
-/// or not, so that nothing beside it moves.
+/// A word with a warning triangle before it.
 class MarkLabel : public QWidget {
     Q_OBJECT
 public:
@@ -18,8 +17,6 @@ public:
     void say(const QString& text, Tone tone);
     [[nodiscard]] const QString& text() const { return text_; }
     [[nodiscard]] Tone tone() const { return tone_; }
-    /// Width kept for the widest text; 0 lets the width follow the text.
-    void setReserve(int width);
     void setTextPixels(int pixels, bool bold);
     /// A hair line at the left edge, as between the fields of a status bar.
     void setSeparator(bool on);
@@ -39,7 +36,6 @@ private:
     mutable TextWidths widths_;
     QString text_;
     Tone tone_ = Tone::Plain;
-    int reserve_ = 0;
     bool separator_ = false;
 };
 

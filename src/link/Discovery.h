@@ -41,13 +41,12 @@ public:
     /// Listeners outlive this.
     void addListener(LinkListener& listener) { listeners_.push_back(&listener); }
 
-    /// Searches the attached bridges for product "83F5" with this serial number; fills USBSerialList; on
-    /// success sets USBIndex. Leaves every device closed. Does not pump.
+    /// Searches the attached bridges for product "83F5" with this serial number; fills USBSerialList. Leaves
+    /// every device closed. Does not pump.
     bool Comm_FindUSBDRX9(const std::string& serialNumber);
 
     [[nodiscard]] const std::vector<std::string>& USBSerialList() const { return serials_; }
     [[nodiscard]] std::int32_t USBCount() const { return static_cast<std::int32_t>(serials_.size()); }
-    [[nodiscard]] std::int32_t USBIndex() const { return index_; }
     /// Why the last Comm_Open failed, for the status bar; empty after success, and where it was abandoned.
     [[nodiscard]] const std::string& failure() const { return failure_; }
 
@@ -73,7 +72,7 @@ private:
     CErrHandler& errors_;
     std::vector<LinkListener*> listeners_;
     std::vector<std::string> serials_;
-    std::int32_t index_ = 0;
+    std::int32_t index_ = 0; ///< USBIndex: of the bridge that the last successful search found
     std::string failure_;
     std::string refusal_; ///< what the serial port's box says; empty when nothing is to be shown
     bool opening_ = false;

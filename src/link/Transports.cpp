@@ -75,11 +75,8 @@ bool UsbTransport::send(std::string_view packet, const Feed&) {
         return false;
     }
     std::uint32_t written = 0;
-    status_ = bridge_.SI_FlushBuffers(handle_, 1, 1);
-    if (status_ == 0) {
-        status_ = bridge_.SI_Write(handle_, packet, written);
-    }
-    const bool sent = status_ == 0;
+    const bool sent =
+        bridge_.SI_FlushBuffers(handle_, 1, 1) == 0 && bridge_.SI_Write(handle_, packet, written) == 0;
     if (!sent) {
         close();
     }
@@ -92,7 +89,7 @@ void UsbTransport::receive(const Feed& feed, const Awaiting& awaiting) {
     }
     std::array<std::uint8_t, kUsbChunk> buffer{};
     std::uint32_t read = 0;
-    status_ = bridge_.SI_Read(handle_, buffer.data(), kUsbChunk, read);
+    bridge_.SI_Read(handle_, buffer.data(), kUsbChunk, read);
     const std::size_t count = std::min<std::size_t>(read, buffer.size());
     for (std::size_t i = 0; i < count && awaiting(); ++i) {
         feed(buffer[i]);
@@ -101,7 +98,7 @@ void UsbTransport::receive(const Feed& feed, const Awaiting& awaiting) {
 
 void UsbTransport::close() {
     if (isOpen()) {
-        status_ = bridge_.SI_Close(handle_);
+        bridge_.SI_Close(handle_);
         handle_ = 0;
     }
 }
@@ -113,12 +110,11 @@ double UsbTransport::pollInterval(double waited) const {
 bool UsbTransport::open(std::int32_t index) {
     close();
     std::int32_t handle = 0;
-    status_ = bridge_.SI_Open(static_cast<std::uint32_t>(index), handle);
-    if (status_ != 0) {
+    if (bridge_.SI_Open(static_cast<std::uint32_t>(index), handle) != 0) {
         return false;
     }
     handle_ = handle;
-    status_ = bridge_.SI_SetBaudRate(handle_, kBaud);
+    bridge_.SI_SetBaudRate(handle_, kBaud);
     return true;
 }
 

@@ -72,13 +72,10 @@ public:
     bool open(std::int32_t index);
 
     [[nodiscard]] UsbBridge& bridge() { return bridge_; }
-    [[nodiscard]] std::int32_t USBHandle() const { return handle_; } ///< 0 when closed
-    [[nodiscard]] std::int32_t USBStatus() const { return status_; } ///< last result of the library
 
 private:
     UsbBridge& bridge_;
-    std::int32_t handle_ = 0;
-    std::int32_t status_ = 0;
+    std::int32_t handle_ = 0; ///< USBHandle; 0 when closed
 };
 
 /// Ethernet over the TCP socket control.

@@ -406,10 +406,6 @@ std::string Monitor::shutterCaption() const {
     return desk_.shutterState() > 0 ? "Close Shutter" : "Open Shutter";
 }
 
-std::string Monitor::startStopCaption() const {
-    return runMode_ == RunState::Running ? "STOP" : "START";
-}
-
 void Monitor::changed() {
     if (window_ != nullptr) {
         window_->changed();

@@ -131,7 +131,6 @@ public:
     [[nodiscard]] const FilmChoice& films() const { return choice_; }
     [[nodiscard]] const RequestDesk& requests() const { return desk_; }
     [[nodiscard]] std::string shutterCaption() const;
-    [[nodiscard]] std::string startStopCaption() const;
     [[nodiscard]] const Readings& readings() const { return readings_; }
     /// Sensors read and shown: in a run those that it began with.
     [[nodiscard]] int sensorCount() const;

@@ -8,7 +8,6 @@ void PointStore::clear() {
     rows_.fill(Row{});
     current_ = 1;
     plotted_ = 1;
-    rolledOver_ = false;
 }
 
 void PointStore::store(const Readings& readings, int sensors, bool gapBefore) {
@@ -21,14 +20,12 @@ void PointStore::store(const Readings& readings, int sensors, bool gapBefore) {
     for (std::size_t s = 0; s < static_cast<std::size_t>(sensors); ++s) {
         row.rate[s] = toThousandths(readings.rate[s]);
         row.thickness[s] = readings.thickness[s];
-        frequencies_[s] = readings.frequency[s];
     }
 }
 
 void PointStore::advance() {
     ++current_;
     if (current_ > kRows) {
-        rolledOver_ = true;
         current_ = kRestartPoint;
     }
 }

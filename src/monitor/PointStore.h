@@ -35,18 +35,14 @@ public:
     [[nodiscard]] std::int16_t currentPoint() const { return current_; }
     [[nodiscard]] std::int16_t lastPlotted() const { return plotted_; }
     void setLastPlotted(std::int16_t point) { plotted_ = point; }
-    [[nodiscard]] bool rolledOver() const { return rolledOver_; }
     [[nodiscard]] const Row& row(std::int16_t point) const {
         return rows_[static_cast<std::size_t>(point - 1)];
     }
-    [[nodiscard]] const std::array<double, kMaxSensors>& frequencies() const { return frequencies_; }
 
 private:
     std::array<Row, kRows> rows_{};
-    std::array<double, kMaxSensors> frequencies_{};
     std::int16_t current_ = 1;
     std::int16_t plotted_ = 1;
-    bool rolledOver_ = false;
 };
 
 } // namespace drx9

@@ -35,7 +35,6 @@ public:
         , clock_(clock) {}
 
     void setWanted(bool wanted);
-    [[nodiscard]] bool wanted() const { return wanted_; }
     [[nodiscard]] bool held() const { return !holds_.empty(); }
     /// Seconds since `time` (monotonic) in which a window held the timer; exact for the last few holds.
     [[nodiscard]] double heldSince(double time) const;

@@ -35,7 +35,6 @@ void frmMain::showTitle() {
 
 MainMenus::Facts frmMain::menuFacts() const {
     return {.locked = monitor_.locked(),
-            .commEnabled = !monitor_.locked(),
             .graphItem = readouts_.checkedGraphItem(),
             .sensorItem = readouts_.checkedSensorItem()};
 }

@@ -89,7 +89,7 @@ void MainMenus::buildFileAndEdit(QMainWindow& window) {
     QMenu* setup = namedMenu(window, "mnuSetup", "&Edit");
     setupItems_[1] = addItem(setup, "mnuSetupFilms", "&Films", {}, When::Idle, handlers_.films);
     setupItems_[2] = addItem(setup, "mnuSetupSystem", "&System", {}, When::IdleForSystem, handlers_.system);
-    comm_ = addItem(setup, "mnuSetupComm", "&Communcations", {}, When::Idle, handlers_.comm);
+    setupItems_[3] = addItem(setup, "mnuSetupComm", "&Communcations", {}, When::Idle, handlers_.comm);
     addSeparator(setup, "mnuSetupSep2");
     addItem(setup, "mnuSetupGraphs", "&Graph", {}, When::AtOnce, handlers_.graphSet);
 }
@@ -116,7 +116,7 @@ void MainMenus::buildHelp(QMainWindow& window) {
     QAction* index = addItem(help, "mnuHelpHelp", "&Help", {Qt::Key_F1}, When::AtOnce, handlers_.help);
     index->setShortcutContext(Qt::ApplicationShortcut); // in every window
     addSeparator(help, "mnuHelpSep1");
-    setupItems_[3] = addItem(help, "mnuHelpAbout", "&About", {}, When::AtOnce, handlers_.about);
+    setupItems_[4] = addItem(help, "mnuHelpAbout", "&About", {}, When::AtOnce, handlers_.about);
 }
 
 void MainMenus::showFacts(const Facts& facts) {
@@ -124,7 +124,6 @@ void MainMenus::showFacts(const Facts& facts) {
     for (QAction* item : setupItems_) {
         item->setEnabled(!facts.locked);
     }
-    comm_->setEnabled(facts.commEnabled);
     check(graphItems_, facts.graphItem);
     check(sensorItems_, facts.sensorItem);
 }

@@ -34,8 +34,7 @@ public:
     };
     struct Facts {
         bool locked = false; ///< setup is locked: a run
-        bool commEnabled = false;
-        int graphItem = 0; ///< checked item from 1, 0 none
+        int graphItem = 0;   ///< checked item from 1, 0 none
         int sensorItem = 0;
     };
     /// Items that only touch windows act at once, also in mid-exchange; those that talk to the instrument
@@ -59,8 +58,7 @@ private:
     Handlers handlers_;
     Later later_;
     Facts shown_;
-    std::array<QAction*, 4> setupItems_{}; ///< locked in a run
-    QAction* comm_ = nullptr;
+    std::array<QAction*, 5> setupItems_{}; ///< locked in a run
     std::array<QAction*, 4> graphItems_{};
     std::array<QAction*, 3> sensorItems_{};
 };

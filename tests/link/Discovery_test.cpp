@@ -2,6 +2,7 @@
 #include "fakes/MemoryFilePort.h"
 #include "link/Discovery.h"
 #include "link/LinkBench.h"
+#include "util/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -136,7 +137,8 @@ TEST_F(DiscoveryTest, UsbBridges) {
         c.found ? expectOnLine(3) : expectLost();
         if (c.found) {
             ASSERT_EQ(bench.usb.handles().size(), 1U);
-            EXPECT_EQ(bench.usb.handles().begin()->second, static_cast<std::uint32_t>(discovery.USBIndex()));
+            const std::uint32_t opened = bench.usb.handles().begin()->second;
+            EXPECT_EQ(upperAscii(bench.usb.devices.at(opened).serial), upperAscii(c.serial));
         }
     }
     // The search names itself to the error handler, and leaves every device closed.

@@ -83,7 +83,6 @@ TEST_P(RequestTest, SendsItsCommandsInOrder) {
     EXPECT_EQ(requestsOfTick(), c.commands);
     EXPECT_EQ(monitor.RunMode(), c.mode);
     EXPECT_EQ(monitor.shutterCaption(), c.shutterCaption);
-    EXPECT_EQ(monitor.startStopCaption(), c.mode == RunState::Running ? "STOP" : "START");
     EXPECT_EQ(monitor.locked(), c.mode == RunState::Running);
     EXPECT_EQ(sleep.held, c.mode == RunState::Running ? 1 : 0);
 }

@@ -44,8 +44,9 @@ public:
     }
     /// The cable is pulled.
     void vanish() {
-        if (master >= 0)
+        if (master >= 0) {
             ::close(master);
+        }
         master = -1;
     }
 

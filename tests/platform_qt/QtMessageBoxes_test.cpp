@@ -17,10 +17,12 @@ using Answer = std::function<void(QMessageBox&)>;
 
 QList<QMessageBox*> boxes() {
     QList<QMessageBox*> found;
-    for (QWidget* widget : QApplication::topLevelWidgets())
-        if (auto* box = qobject_cast<QMessageBox*>(widget); box != nullptr && box->isVisible())
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (auto* box = qobject_cast<QMessageBox*>(widget); box != nullptr && box->isVisible()) {
             found << box;
-    return found;
+        }
+        return found;
+    }
 }
 
 /// Gives the answer to the box once it stands.

@@ -22,8 +22,9 @@ protected:
     void expectArrives(const std::string& expected) {
         std::string bytes;
         EXPECT_TRUE(wait([&] {
-            while (serial.inBufferCount() > 0 && bytes.size() < expected.size())
+            while (serial.inBufferCount() > 0 && bytes.size() < expected.size()) {
                 bytes += static_cast<char>(serial.input());
+            }
             return bytes.size() == expected.size();
         }));
         EXPECT_EQ(bytes, expected);
@@ -95,8 +96,9 @@ TEST_F(QtSerialControlTest, AVanishedDeviceClosesThePortAndCostsNothing) {
         gone.write("half a rep");
         EXPECT_TRUE(wait([&] { return serial.inBufferCount() > 0; }));
         gone.vanish();
-        if (sending)
+        if (sending) {
             serial.output("P1");
+        }
         EXPECT_TRUE(wait([&] { return !serial.isOpen(); })) << "the wait was not woken";
         // Every operation is harmless now, also before the port itself is gone.
         EXPECT_EQ(serial.inBufferCount(), 0u);

@@ -100,8 +100,9 @@ TEST_F(QtSocketControlTest, AFloodIsBoundedAndGoesOnWhenFetched) {
     const double start = now();
     EXPECT_TRUE(wait([&] {
         EXPECT_LT(socket.bytesReceived(), 70000u);
-        if (socket.bytesReceived() > 60000 || fetched + socket.bytesReceived() == 1'000'000)
+        if (socket.bytesReceived() > 60000 || fetched + socket.bytesReceived() == 1'000'000) {
             fetched += socket.getData().size();
+        }
         return fetched == 1'000'000;
     })) << fetched;
     EXPECT_LT(now() - start, 3) << "slept with bytes waiting";

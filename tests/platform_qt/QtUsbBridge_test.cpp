@@ -26,8 +26,9 @@ protected:
     /// Until the condition holds, looking again every 2 ms as a polling link does.
     bool poll(const std::function<bool()>& condition) {
         const double deadline = now() + 2;
-        while (!condition() && now() < deadline)
+        while (!condition() && now() < deadline) {
             pump.sleepUntil(now() + 0.002);
+        }
         return condition();
     }
     void expectRead(UsbBridge& bridge, std::int32_t handle, const std::string& expected) {
@@ -111,18 +112,21 @@ TEST_F(QtUsbBridgeTest, LibraryInTheProgramsFolder) {
     EXPECT_NE(bridge.library(), "");
     QTcpSocket* end = nullptr;
     const auto instrument = [&]() -> QTcpSocket& {
-        if (end == nullptr && (server.hasPendingConnections() || server.waitForNewConnection(1000)))
+        if (end == nullptr && (server.hasPendingConnections() || server.waitForNewConnection(1000))) {
             end = server.nextPendingConnection();
-        if (end == nullptr)
+        }
+        if (end == nullptr) {
             throw std::runtime_error("the library has not connected");
+        }
         return *end;
     };
     check(
         bridge, [&](const std::string& bytes) { instrument().write(bytes.c_str()); },
         [&] { return instrument().readAll().toStdString(); });
     qunsetenv("DRX9SIM_USB");
-    for (const char* path : {DRX9_SOURCE_DIR "/CMakeLists.txt", "/nowhere/libSiUSBXp.so", "libm.so.6"})
+    for (const char* path : {DRX9_SOURCE_DIR "/CMakeLists.txt", "/nowhere/libSiUSBXp.so", "libm.so.6"}) {
         EXPECT_EQ(LibraryUsbBridge::load(path), nullptr) << path;
+    }
 }
 
 } // namespace

@@ -14,10 +14,12 @@ SerialDevice usb(const std::string& name, const std::string& serial, const std::
 
 std::string ports(const SerialPortList& list) {
     std::string text;
-    for (int port = 0; port <= 10; ++port)
-        if (const std::string device = list.device(port); !device.empty())
+    for (int port = 0; port <= 10; ++port) {
+        if (const std::string device = list.device(port); !device.empty()) {
             text += std::to_string(port) + "=" + device.substr(5) + " ";
-    return text;
+        }
+        return text;
+    }
 }
 
 TEST(SerialPortListTest, KeepsEachDevicesNumberThroughUpdates) {
@@ -54,8 +56,9 @@ TEST(SerialPortListTest, KeepsEachDevicesNumberThroughUpdates) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         SerialPortList list;
-        for (const Devices& present : c.updates)
+        for (const Devices& present : c.updates) {
             list.update(present);
+        }
         EXPECT_EQ(ports(list), c.ports);
     }
 }

@@ -18,8 +18,9 @@ protected:
     template<class Condition>
     bool wait(Condition condition, double limit = 5.0) {
         const double deadline = now() + limit;
-        while (!condition() && now() < deadline)
+        while (!condition() && now() < deadline) {
             pump.sleepUntil(deadline);
+        }
         return condition();
     }
     /// CPU seconds that sleeping for so long costs: nearly none, all of it where something is left that
@@ -37,8 +38,9 @@ protected:
 /// Each byte once, in order.
 inline std::string allBytes() {
     std::string all;
-    for (int byte = 0; byte < 256; ++byte)
+    for (int byte = 0; byte < 256; ++byte) {
         all += static_cast<char>(byte);
+    }
     return all;
 }
 

@@ -56,8 +56,9 @@ QMessageBox::StandardButton ask(const QPointer<QMessageBox>& box, QMessageBox::S
     box->setStandardButtons(buttons);
     box->setEscapeButton(escape);
     box->exec();
-    if (!box)
+    if (!box) {
         return escape;
+    }
     const QMessageBox::StandardButton pressed = box->standardButton(box->clickedButton());
     delete box.data();
     return pressed == QMessageBox::NoButton ? escape : pressed;
@@ -77,8 +78,9 @@ void QtMessageBoxes::show(const std::string& text, const std::string& title, Mes
     }
     const QPointer<QMessageBox> box = makeBox(text, title, icon);
     box->setWindowModality(Qt::ApplicationModal);
-    if (systemModal)
+    if (systemModal) {
         box->setWindowFlag(Qt::WindowStaysOnTopHint);
+    }
     ask(box, QMessageBox::Ok, QMessageBox::Ok);
 }
 

@@ -21,8 +21,9 @@ constexpr int kLastPort = 9;     // "COM9"
 
 bool applySettings(QSerialPort& port, const std::string& settings) {
     const QStringList fields = QString::fromStdString(settings).toUpper().remove(' ').split(',');
-    if (fields.size() != 4)
+    if (fields.size() != 4) {
         return false;
+    }
     const QString parities = "NEOSM";
     const QSerialPort::Parity parity[] = {QSerialPort::NoParity, QSerialPort::EvenParity,
                                           QSerialPort::OddParity, QSerialPort::SpaceParity,
@@ -51,8 +52,9 @@ bool isFault(QSerialPort::SerialPortError error) {
 
 std::string whyNotOpen(const QSerialPort& port, const std::string& device) {
     const QFileInfo node(QString::fromStdString(device));
-    if (port.error() != QSerialPort::PermissionError && port.error() != QSerialPort::DeviceNotFoundError)
+    if (port.error() != QSerialPort::PermissionError && port.error() != QSerialPort::DeviceNotFoundError) {
         return device + ": " + port.errorString().toStdString();
+    }
     const bool windows = !node.isAbsolute(); // "COM3" is no path, and denied there means in use
     return refusalText({.device = device,
                         .exists = port.error() != QSerialPort::DeviceNotFoundError,
@@ -68,15 +70,17 @@ QtSerialControl::QtSerialControl(EventPump& pump, std::string programFolder)
 #ifndef Q_OS_WIN
     // Looking takes some ten milliseconds: not before the first window is painted.
     QTimer::singleShot(kFirstLook, this, [this] {
-        if (!lookedAt_.isValid())
+        if (!lookedAt_.isValid()) {
             lookForDevices();
+        }
     });
 #endif
 }
 
 QtSerialControl::~QtSerialControl() {
-    if (port_)
+    if (port_) {
         port_->disconnect(this);
+    }
 }
 
 std::string QtSerialControl::deviceName(int port) const {
@@ -97,8 +101,9 @@ std::string QtSerialControl::pathOf(int port) const {
     return name;
 #else
     const QFileInfo link(QString::fromStdString(programFolder_ + "/" + name));
-    if (link.isSymLink())
+    if (link.isSymLink()) {
         return link.symLinkTarget().toStdString();
+    }
     lookForDevices();
     return list_.device(port);
 #endif
@@ -106,12 +111,15 @@ std::string QtSerialControl::pathOf(int port) const {
 
 /// The reason, and what to do where devices are present but none of COM1 to COM9 leads to one.
 std::string QtSerialControl::withHint(const std::string& reason) const {
-    for (int port = 1; port <= kLastPort; ++port)
-        if (!deviceName(port).empty())
+    for (int port = 1; port <= kLastPort; ++port) {
+        if (!deviceName(port).empty()) {
             return reason;
-    std::vector<std::string> present;
-    for (const SerialDevice& device : presentSerialDevices())
+        }
+        std::vector<std::string> present;
+    }
+    for (const SerialDevice& device : presentSerialDevices()) {
         present.push_back(device.path);
+    }
 #ifdef Q_OS_WIN
     const std::string hint = mappingText(present, {});
 #else
@@ -121,8 +129,9 @@ std::string QtSerialControl::withHint(const std::string& reason) const {
 }
 
 void QtSerialControl::lookForDevices() const {
-    if (lookedAt_.isValid() && lookedAt_.elapsed() < kLookAgain)
+    if (lookedAt_.isValid() && lookedAt_.elapsed() < kLookAgain) {
         return;
+    }
     list_.update(presentSerialDevices());
     lookedAt_.start();
 }
@@ -130,14 +139,17 @@ void QtSerialControl::lookForDevices() const {
 std::string QtSerialControl::open() {
     close();
     const std::string device = pathOf(number_);
-    if (device.empty())
+    if (device.empty()) {
         return withHint("There is no serial device for COM" + std::to_string(number_) + ".");
+    }
     auto port = std::make_unique<QSerialPort>(QString::fromStdString(device));
-    if (!applySettings(*port, settings_))
+    if (!applySettings(*port, settings_)) {
         return "Not the settings of a serial port: " + settings_;
+    }
     port->setReadBufferSize(kInputBuffer);
-    if (!port->open(QIODevice::ReadWrite))
+    if (!port->open(QIODevice::ReadWrite)) {
         return withHint(whyNotOpen(*port, device));
+    }
     // A pseudo-terminal has no such lines; what it answers is of no account.
     port->setDataTerminalReady(false);
     port->setRequestToSend(false);
@@ -170,41 +182,47 @@ void QtSerialControl::receive() {
 
 /// Runs inside a signal of the port, which must outlive it: it is closed from the event loop.
 void QtSerialControl::errorOccurred(QSerialPort::SerialPortError error) {
-    if (faulted_ || !isFault(error))
+    if (faulted_ || !isFault(error)) {
         return;
+    }
     faulted_ = true;
     received_.clear();
     taken_ = 0;
     const auto dropIt = [this, port = port_.get()] {
-        if (port == port_.get()) // not opened anew meanwhile
+        if (port == port_.get()) { // not opened anew meanwhile
             drop();
+        }
     };
     QMetaObject::invokeMethod(port_.get(), dropIt, Qt::QueuedConnection);
     pump_.wake();
 }
 
 void QtSerialControl::drop() {
-    if (!port_)
+    if (!port_) {
         return;
+    }
     port_->disconnect(this);
     port_->close();
     port_.release()->deleteLater();
 }
 
 std::size_t QtSerialControl::inBufferCount() {
-    if (isOpen() && received_.size() == taken_ && port_->bytesAvailable() > 0)
+    if (isOpen() && received_.size() == taken_ && port_->bytesAvailable() > 0) {
         receive();
+    }
     return isOpen() ? received_.size() - taken_ : 0;
 }
 
 /// Reading is what makes a port go on that stopped because its buffer was full; clear() alone would not.
 void QtSerialControl::discardInput() {
-    if (!isOpen())
+    if (!isOpen()) {
         return;
+    }
     received_.clear();
     taken_ = 0;
-    if (port_->bytesAvailable() > 0)
+    if (port_->bytesAvailable() > 0) {
         port_->readAll();
+    }
     port_->clear(QSerialPort::Input);
 }
 
@@ -214,8 +232,9 @@ std::uint8_t QtSerialControl::input() {
 
 /// The first flush() sends; the second one sees that all is gone and so spares a turn of the event loop.
 void QtSerialControl::output(std::string_view bytes) {
-    if (!isOpen())
+    if (!isOpen()) {
         return;
+    }
     port_->write(bytes.data(), static_cast<qint64>(bytes.size()));
     port_->flush();
     port_->flush();

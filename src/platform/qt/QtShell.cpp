@@ -14,10 +14,12 @@ namespace {
 /// Why a name that findExecutable() does not find is no program, for people.
 std::string whyNotAProgram(const QString& name, const QString& folder) {
     const std::string program = name.toStdString();
-    if (QFileInfo(name).isFile() || QFileInfo(folder + '/' + name).isFile())
+    if (QFileInfo(name).isFile() || QFileInfo(folder + '/' + name).isFile()) {
         return program + " is not a program that can be run here.";
-    if (QFileInfo(name).isAbsolute())
+    }
+    if (QFileInfo(name).isAbsolute()) {
         return program + " was not found.";
+    }
     return program + " was not found, neither in " + folder.toStdString() + " nor where programs are kept.";
 }
 
@@ -25,12 +27,15 @@ std::string whyNotAProgram(const QString& name, const QString& folder) {
 
 std::string QtShell::openDocument(const std::string& path) {
     const QFileInfo file(QString::fromStdString(path));
-    if (!file.exists())
+    if (!file.exists()) {
         return path + ": there is no such file.";
-    if (!file.isReadable())
+    }
+    if (!file.isReadable()) {
         return path + ": no permission to read it.";
-    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath())))
+    }
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath()))) {
         return path + ": no program is associated with this kind of file.";
+    }
     return {};
 }
 
@@ -38,15 +43,18 @@ std::string QtShell::startProgram(const std::string& program) {
     const QString name = QString::fromStdString(program);
     const QString folder = QCoreApplication::applicationDirPath();
     QString found = QStandardPaths::findExecutable(name, {folder});
-    if (found.isEmpty())
+    if (found.isEmpty()) {
         found = QStandardPaths::findExecutable(name);
-    if (found.isEmpty())
+    }
+    if (found.isEmpty()) {
         return whyNotAProgram(name, folder);
+    }
     QProcess process;
     process.setProgram(found);
     process.setWorkingDirectory(QFileInfo(found).absolutePath());
-    if (!process.startDetached())
+    if (!process.startDetached()) {
         return program + " could not be started: " + process.errorString().toStdString() + '.';
+    }
     return {};
 }
 

@@ -18,12 +18,13 @@ std::string nameOf(const std::string& path) {
 std::tuple<int, std::size_t, std::string> orderOf(const SerialDevice& device) {
     const std::string name = nameOf(device.path);
     int kind = 3;
-    if (name.starts_with("ttyUSB"))
+    if (name.starts_with("ttyUSB")) {
         kind = 1;
-    else if (name.starts_with("ttyACM"))
+    } else if (name.starts_with("ttyACM")) {
         kind = 2;
-    else if (name.starts_with("ttyS"))
+    } else if (name.starts_with("ttyS")) {
         kind = 0;
+    }
     return {kind, name.size(), name};
 }
 
@@ -37,8 +38,9 @@ void SerialPortList::update(std::vector<SerialDevice> present) {
     std::sort(present.begin(), present.end(),
               [](const SerialDevice& a, const SerialDevice& b) { return orderOf(a) < orderOf(b); });
     markTwins(present);
-    for (Slot& slot : slots_)
+    for (Slot& slot : slots_) {
         slot.present = false;
+    }
     for (const SerialDevice& device : present) {
         Slot& slot = slotOf(device);
         slot.device = device;
@@ -49,30 +51,35 @@ void SerialPortList::update(std::vector<SerialDevice> present) {
 void SerialPortList::markTwins(const std::vector<SerialDevice>& present) {
     for (const SerialDevice& device : present) {
         const auto same = [&](const SerialDevice& other) { return claimOf(other) == claimOf(device); };
-        if (std::count_if(present.begin(), present.end(), same) > 1)
+        if (std::count_if(present.begin(), present.end(), same) > 1) {
             twins_.push_back(claimOf(device));
+        }
     }
     std::sort(twins_.begin(), twins_.end());
     twins_.erase(std::unique(twins_.begin(), twins_.end()), twins_.end());
-    for (Slot& slot : slots_)
+    for (Slot& slot : slots_) {
         slot.twin = std::binary_search(twins_.begin(), twins_.end(), claimOf(slot.device));
+    }
 }
 
 SerialPortList::Slot& SerialPortList::slotOf(const SerialDevice& device) {
     const auto known = std::find_if(slots_.begin(), slots_.end(), [&](const Slot& slot) {
-        if (slot.present || claimOf(slot.device) != claimOf(device))
+        if (slot.present || claimOf(slot.device) != claimOf(device)) {
             return false;
+        }
         return (!device.serial.empty() && !slot.twin) || slot.device.place == device.place;
     });
-    if (known != slots_.end())
+    if (known != slots_.end()) {
         return *known;
+    }
     const bool twin = std::binary_search(twins_.begin(), twins_.end(), claimOf(device));
     return slots_.emplace_back(Slot{device, true, twin});
 }
 
 std::string SerialPortList::device(int port) const {
-    if (port < 1 || port > static_cast<int>(slots_.size()))
+    if (port < 1 || port > static_cast<int>(slots_.size())) {
         return {};
+    }
     const Slot& slot = slots_[static_cast<std::size_t>(port) - 1];
     return slot.present ? slot.device.path : std::string();
 }
@@ -81,13 +88,15 @@ std::vector<SerialDevice> presentSerialDevices() {
     std::vector<SerialDevice> devices;
     for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts()) {
         // On macOS each device has two names; "tty." waits for a carrier that nobody raises.
-        if (info.portName().startsWith("tty."))
+        if (info.portName().startsWith("tty.")) {
             continue;
+        }
         SerialDevice device;
         device.path = info.systemLocation().toStdString();
-        if (info.hasVendorIdentifier())
+        if (info.hasVendorIdentifier()) {
             device.model = QString::asprintf("%04x:%04x", info.vendorIdentifier(), info.productIdentifier())
                                .toStdString();
+        }
         device.serial = info.serialNumber().toStdString();
         // The link into the device tree ends in the port's own name, which changes; its folder is the plug.
         const QString node = QFileInfo("/sys/class/tty/" + info.portName() + "/device").canonicalFilePath();
@@ -99,21 +108,26 @@ std::vector<SerialDevice> presentSerialDevices() {
 }
 
 std::string mappingText(const std::vector<std::string>& present, const std::string& programFolder) {
-    if (present.empty())
+    if (present.empty()) {
         return {};
-    if (programFolder.empty())
+    }
+    if (programFolder.empty()) {
         return "Only " + present.front() + " is there: give it a number from 1 to 9 in the Device Manager.";
+    }
     return "Only " + present.front() + " is there. Make a link to it: ln -s " + present.front() + " \"" +
            programFolder + "/COM1\"";
 }
 
 std::string refusalText(const SerialRefusal& refusal) {
-    if (!refusal.exists)
+    if (!refusal.exists) {
         return refusal.device + " is not there: is the adapter plugged in?";
-    if (refusal.permitted)
+    }
+    if (refusal.permitted) {
         return refusal.device + " is in use by another program.";
-    if (refusal.group.empty() || refusal.user.empty())
+    }
+    if (refusal.group.empty() || refusal.user.empty()) {
         return refusal.device + ": " + refusal.error;
+    }
     return refusal.device + " belongs to group " + refusal.group + ": sudo usermod -a -G " + refusal.group +
            " " + refusal.user + ", then log in again.";
 }

@@ -15,10 +15,12 @@ constexpr char kProductText[] = "83F5";
 
 std::vector<BridgePort> presentBridgePorts() {
     std::vector<BridgePort> bridges;
-    for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts())
-        if (info.productIdentifier() == kProduct && !info.portName().startsWith("tty."))
+    for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts()) {
+        if (info.productIdentifier() == kProduct && !info.portName().startsWith("tty.")) {
             bridges.push_back({info.systemLocation().toStdString(), info.serialNumber().toStdString()});
-    return bridges;
+        }
+        return bridges;
+    }
 }
 
 SerialUsbBridge::SerialUsbBridge(Lister lister)
@@ -40,18 +42,21 @@ int SerialUsbBridge::SI_GetNumDevices(std::uint32_t& count) {
 
 int SerialUsbBridge::SI_GetProductString(std::uint32_t index, std::string& text, int option) {
     text.clear();
-    if (index >= devices_.size())
+    if (index >= devices_.size()) {
         return kNotFound;
-    if (option != 0 && option != 4)
+    }
+    if (option != 0 && option != 4) {
         return kInvalidParameter;
+    }
     text = option == 4 ? std::string(kProductText) : devices_[index].serialNumber.substr(0, 255);
     return kSuccess;
 }
 
 int SerialUsbBridge::SI_Open(std::uint32_t index, std::int32_t& handle) {
     handle = 0;
-    if (index >= devices_.size())
+    if (index >= devices_.size()) {
         return kNotFound;
+    }
     auto open = std::make_unique<Open>();
     open->port = std::make_unique<QSerialPort>(QString::fromStdString(devices_[index].device));
     QSerialPort* port = open->port.get();
@@ -62,8 +67,9 @@ int SerialUsbBridge::SI_Open(std::uint32_t index, std::int32_t& handle) {
     // A device that goes is closed from the event loop, outside its own signal, or its notifier would fire
     // for ever.
     QObject::connect(port, &QSerialPort::errorOccurred, port, [state = open.get(), port](auto error) {
-        if (!isFault(error))
+        if (!isFault(error)) {
             return;
+        }
         state->gone = true;
         QMetaObject::invokeMethod(
             port, [port] { port->close(); }, Qt::QueuedConnection);
@@ -75,8 +81,9 @@ int SerialUsbBridge::SI_Open(std::uint32_t index, std::int32_t& handle) {
 
 int SerialUsbBridge::SI_SetBaudRate(std::int32_t handle, std::uint32_t baud) {
     QSerialPort* port = portOf(handle);
-    if (port == nullptr)
+    if (port == nullptr) {
         return kInvalidHandle;
+    }
     return baud > 0 && baud <= 3000000 && port->setBaudRate(static_cast<qint32>(baud)) ? kSuccess
                                                                                        : kInvalidBaud;
 }
@@ -89,10 +96,12 @@ int SerialUsbBridge::SI_Close(std::int32_t handle) {
 /// one.
 int SerialUsbBridge::SI_FlushBuffers(std::int32_t handle, std::uint8_t transmit, std::uint8_t receive) {
     QSerialPort* port = portOf(handle);
-    if (port == nullptr)
+    if (port == nullptr) {
         return kInvalidHandle;
-    if (receive != 0)
+    }
+    if (receive != 0) {
         port->readAll();
+    }
     QSerialPort::Directions directions;
     directions.setFlag(QSerialPort::Output, transmit != 0);
     directions.setFlag(QSerialPort::Input, receive != 0);
@@ -102,13 +111,15 @@ int SerialUsbBridge::SI_FlushBuffers(std::int32_t handle, std::uint8_t transmit,
 int SerialUsbBridge::SI_Write(std::int32_t handle, std::string_view bytes, std::uint32_t& written) {
     written = 0;
     QSerialPort* port = portOf(handle);
-    if (port == nullptr)
+    if (port == nullptr) {
         return kInvalidHandle;
+    }
     const qint64 count = port->write(bytes.data(), static_cast<qint64>(bytes.size()));
     port->flush();
     port->flush();
-    if (count != static_cast<qint64>(bytes.size()) || portOf(handle) == nullptr)
+    if (count != static_cast<qint64>(bytes.size()) || portOf(handle) == nullptr) {
         return kWriteError;
+    }
     written = static_cast<std::uint32_t>(count);
     return kSuccess;
 }
@@ -117,11 +128,13 @@ int SerialUsbBridge::SI_Read(std::int32_t handle, std::uint8_t* buffer, std::uin
                              std::uint32_t& read) {
     read = 0;
     QSerialPort* port = portOf(handle);
-    if (port == nullptr)
+    if (port == nullptr) {
         return kInvalidHandle;
+    }
     const qint64 got = port->read(reinterpret_cast<char*>(buffer), static_cast<qint64>(count));
-    if (got < 0)
+    if (got < 0) {
         return kReadError;
+    }
     read = static_cast<std::uint32_t>(got);
     return kSuccess;
 }

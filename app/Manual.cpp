@@ -7,7 +7,7 @@
 #include <array>
 #include <utility>
 
-// Must stand outside of any namespace.
+// Must be outside of any namespace.
 static void initManualPages() {
     Q_INIT_RESOURCE(manual);
 }

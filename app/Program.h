@@ -29,7 +29,7 @@ namespace drx9 {
 /// same program in a folder of their own.
 class Program {
 public:
-    /// `placesFile` keeps where windows stand; without one each start puts them anew.
+    /// `placesFile` keeps where windows are; without one each start places them itself.
     Program(FilePort& files, const Paths& paths, const NumberLocale& locale, const QString& placesFile = {});
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
@@ -40,7 +40,7 @@ public:
     /// What an event handler threw, for the error report.
     void reportError(const std::exception& error) noexcept;
 
-    /// The session ends: boxes and dialogs that stand are closed as Cancel, and the program closes without
+    /// The session ends: boxes and dialogs that are open are closed as Cancel, and the program closes without
     /// asking, as soon as the exchange in hand has ended.
     void endSession();
 

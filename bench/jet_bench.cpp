@@ -36,7 +36,7 @@ std::string scratch(const char* name) {
     return fs::temp_directory_path() / ("drx9-bench-" + std::string(name));
 }
 
-// ---- Every row of every user table, file opened anew ----
+// ---- Every row of every user table, file opened again ----
 
 void readAllRows(benchmark::State& state) {
     const auto files = makeOsFilePort();

@@ -191,7 +191,7 @@ double bareShare(double seconds) {
             if (::write(fd, command.data(), command.size()) < 0) {
                 return -1;
             }
-            // The second byte is 35 more than the length of status letter and data; four bytes stand round
+            // The second byte is 35 more than the length of status letter and data; four bytes are around
             // them.
             while (have < 2 || have < static_cast<std::size_t>(reply[1]) - 35 + 4) {
                 const ssize_t got = ::read(fd, reply + have, sizeof reply - have);

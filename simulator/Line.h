@@ -11,7 +11,7 @@
 
 namespace drx9::sim {
 
-/// What stands behind a line: takes a command that came over the line `name`, gives the bytes of its reply.
+/// What is behind a line: takes a command that came over the line `name`, gives the bytes of its reply.
 class Responder {
 public:
     virtual ~Responder() = default;

@@ -29,8 +29,8 @@ public:
                   QStyleHintReturn* data) const override;
 
     using QProxyStyle::polish;
-    /// Takes the context menu of Qt's own scroll bars, spin boxes and file lists away, wherever they stand
-    /// (in a list, in the colour dialog): Qt executes it, and its event loop would stand above an exchange.
+    /// Takes the context menu of Qt's own scroll bars, spin boxes and file lists away, wherever they are
+    /// (in a list, in the colour dialog): Qt executes it, and its event loop would run above an exchange.
     void polish(QWidget* widget) override;
 };
 

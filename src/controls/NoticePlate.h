@@ -7,7 +7,7 @@ namespace drx9 {
 /// The amber plate of the main bar. Its place is reserved: empty, it is hidden and keeps it. It shows the
 /// long text where there is room for it, else the short one; the long one is its tooltip. Announced to screen
 /// readers when its subject changes, not each time a count in it does: its accessible name is the text as the
-/// notice came, the description the text as it stands.
+/// notice came, the description the text as it is now.
 class NoticePlate : public QWidget {
     Q_OBJECT
 public:

@@ -41,7 +41,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
-    /// Digits of this size are outlines that the painter fills anew each time, which took more than all else
+    /// Digits of this size are outlines that the painter fills again each time, which took more than all else
     /// in the window together: they are painted from pictures, as long as nothing is selected.
     void paintEvent(QPaintEvent* event) override;
 

@@ -5,7 +5,7 @@
 namespace drx9 {
 
 /// START on pure green, STOP on pure red, black on both whatever the theme; the face is never tinted. A
-/// triangle or a square stands left of the caption. The focus ring lies 3 px outside the face, inside the
+/// triangle or a square is left of the caption. The focus ring lies 3 px outside the face, inside the
 /// widget.
 class StartStopButton : public QPushButton {
     Q_OBJECT

@@ -85,8 +85,8 @@ bool isDark(const QPalette& palette) {
     return luminance(palette.color(QPalette::Window)) < luminance(palette.color(QPalette::WindowText));
 }
 
-/// A desktop palette whose text stands at 19:1 or more is a high-contrast one, but for the plain black on
-/// near-white that every desktop's ordinary light palette has.
+/// A desktop palette whose text has a contrast of 19:1 or more is a high-contrast one, except for the plain
+/// black on near-white that every desktop's ordinary light palette has.
 bool isHighContrast(const QPalette& palette) {
     const QColor window = palette.color(QPalette::Window);
     const QColor text = palette.color(QPalette::WindowText);

@@ -49,7 +49,7 @@ inline constexpr QPalette::ColorRole kMutedRole = QPalette::LinkVisited;
 /// Gives the application its style, font size and colours after the desktop's palette. Called once before the
 /// first window.
 void applyDesktopTheme(QApplication& application);
-/// Takes the colours anew after the desktop's have changed. `dark` is what the desktop said in words; empty
+/// Takes the colours again after the desktop's have changed. `dark` is what the desktop said in words; empty
 /// leaves it to its palette. A high-contrast palette is kept whatever it says.
 void followDesktop(QApplication& application, std::optional<bool> dark = {});
 

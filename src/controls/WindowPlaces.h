@@ -9,15 +9,15 @@ class QWidget;
 
 namespace drx9 {
 
-/// Where windows stood when they were last closed, by their object names. Kept in a small file of the user's
+/// Where windows were when they were last closed, by their object names. Kept in a small file of the user's
 /// own, apart from the program's settings; a file that cannot be read or written is no fault.
 class WindowPlaces : public QObject {
 public:
     /// An empty file name keeps nothing.
     explicit WindowPlaces(QString file);
 
-    /// Puts a window, not yet shown, where it stood, and keeps its place whenever it is closed. False where
-    /// no place is known: then it stands where it was put, or where Qt puts it. A window of fixed size keeps
+    /// Puts a window, not yet shown, where it was, and keeps its place whenever it is closed. False where
+    /// no place is known: then it stays where it was put, or where Qt puts it. A window of fixed size keeps
     /// its position only.
     bool follow(QWidget& window);
 

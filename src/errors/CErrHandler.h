@@ -30,7 +30,7 @@ struct CErrHandlerParts {
 
 /// Reports errors with the names of the procedures that led to them. Procedures that want to be named
 /// register on entry (Push) and on every way out (Pop). No operation throws. Those that may show a message
-/// box pump events while it stands: HandleError, and Push, Pop and the destructor where pushes and pops do
+/// box pump events while it is open: HandleError, and Push, Pop and the destructor where pushes and pops do
 /// not balance.
 class CErrHandler {
 public:

@@ -58,7 +58,7 @@ public:
 
     /// A number typed into a bound box. A text that is no number changes nothing.
     void editBox(FilmBox box, const std::string& text);
-    /// The name box was left, or Enter pressed in it. True when the film list must be read anew.
+    /// The name box was left, or Enter pressed in it. True when the film list must be read again.
     bool EditFilmName(const std::string& text);
     void clickSensor(std::size_t sensor, bool checked); ///< 0..5
     void setTime(int minutes, int seconds);

@@ -147,7 +147,7 @@ bool FilmLibrary::openUploadCopy() {
     return true;
 }
 
-/// Copies the current file; an empty text when the copy stands. A file copied onto itself stays as it is.
+/// Copies the current file; an empty text when the copy is made. A file copied onto itself stays as it is.
 std::string FilmLibrary::copyTo(const std::string& target) {
     std::string bytes;
     FileStatus status = parts_.files.read(path(), bytes);

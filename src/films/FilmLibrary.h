@@ -74,7 +74,7 @@ public:
 
     /// Points a source at a query or a table, and reads which rows there are.
     Found select(Dat source, const std::string& recordSource);
-    /// Reads anew which rows there are.
+    /// Reads again which rows there are.
     Found refresh(Dat source);
     /// True when the source has a current row.
     [[nodiscard]] bool found(Dat source) const;

@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// The queries of the film library, their different spellings kept. Values stand in them as they are: a text
-/// that holds a quote breaks its query, which then finds nothing.
+/// The queries of the film library, their different spellings kept. Values are put into them as they are: a
+/// text that holds a quote breaks its query, which then finds nothing.
 namespace drx9::queries {
 
 std::string chosenMaterial(const std::string& material); ///< the one chosen in the combo

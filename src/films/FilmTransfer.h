@@ -30,7 +30,7 @@ public:
     [[nodiscard]] virtual std::string filmName() const = 0;
     /// Shows the current row's film.
     virtual void ShowDBFilm() = 0;
-    /// Reads the film list and the material list anew.
+    /// Reads the film list and the material list again.
     virtual void refreshLists() = 0;
     /// Selects the first row alone.
     virtual void selectFirstRow() = 0;
@@ -55,8 +55,8 @@ struct FilmTransferParts {
 };
 
 /// Moves films between the library and the instrument. Every operation pumps events, from its first exchange
-/// to its last: nothing of ours runs meanwhile but what only looks, and another operation asked for then has
-/// no effect. It ends early when two exchanges in a row time out, or after the exchange in hand when the
+/// to its last: nothing of ours runs meanwhile except what only looks, and another operation asked for then
+/// has no effect. It ends early when two exchanges in a row time out, or after the exchange in hand when the
 /// program closes. What came of it is the library's notice.
 class FilmTransfer {
 public:

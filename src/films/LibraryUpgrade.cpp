@@ -77,7 +77,7 @@ void LibraryUpgrade::number(jet::Database& database, const std::vector<Row>& fil
 }
 
 /// A failed commit leaves the file as it was, and then no copy. Where only the last flush failed, the
-/// converted file stands, and its copy too.
+/// converted file stays, and its copy too.
 void LibraryUpgrade::commit(jet::Database& database) {
     const auto before = files_.identity(path_);
     try {

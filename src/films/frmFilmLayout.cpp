@@ -301,7 +301,7 @@ QGroupBox* frmFilm::buildMaterial() {
     };
     row(1, "Density", buildBox(FilmBox::Density, "Density", "Set material density."));
     row(2, "Z Factor", buildBox(FilmBox::ZFactor, "Z Factor", "Set Material Z factor."));
-    // Both groups' boxes stand below each other.
+    // Both groups' boxes are below each other.
     const int captions = fontMetrics().horizontalAdvance(QStringLiteral("Final Thickness")) + kGroupGap;
     grid->setColumnMinimumWidth(0, captions);
     qobject_cast<QGridLayout*>(film_->layout())->setColumnMinimumWidth(0, captions);

@@ -14,7 +14,7 @@ struct AxisLabel {
 
 /// Where an axis has grid lines, labels and small ticks, all at whole multiples of their spacings. Where
 /// there is no room for all of a kind, some are left out; where the view holds no whole multiple, labels
-/// stand at round parts of the spacing.
+/// are at round parts of the spacing.
 struct AxisTicks {
     std::vector<double> grid;
     std::vector<AxisLabel> labels;
@@ -31,7 +31,7 @@ struct AxisRoom {
 AxisTicks axisTicks(const AxisLook& axis, const ValueSpan& view, const AxisRoom& room);
 
 /// Elapsed seconds in a time format: "%H", "%M", "%S" are hours (beyond 24), minutes and seconds in two
-/// digits, other characters stand as they are.
+/// digits, other characters stay as they are.
 std::string elapsedText(double seconds, const std::string& format = "%H:%M:%S");
 /// A value in a number format: "%.0f" to "%.6f"; any other text is the shortest form.
 std::string axisValueText(double value, const std::string& format, char decimal);

@@ -16,7 +16,7 @@ struct CurvePoint {
 /// What a view needs of the points: a polyline that is exact where readings are thin enough, else of each
 /// pixel column the first, least, greatest and last value.
 ///
-/// Columns are anchored in time, at whole multiples of their width since time zero, and stand on whole
+/// Columns are anchored in time, at whole multiples of their width since time zero, and lie on whole
 /// pixels: scrolling moves the picture of a moment and never changes it.
 class ChartCurves {
 public:
@@ -44,8 +44,8 @@ private:
     int height_;
     double perColumn_; ///< s
     double origin_;    ///< time of the plot's left edge, s
-    std::vector<std::size_t>
-        rows_; ///< first row of each column; one beside the view at each side, and an end
+    /// First row of each column; one beside the view at each side, and an end.
+    std::vector<std::size_t> rows_;
     bool thinned_ = false;
 };
 

@@ -37,7 +37,7 @@ public:
     /// Who puts the chart where InitChart says.
     void setPlacer(std::function<void(const GraphPlace&)> placer) { placer_ = std::move(placer); }
 
-    /// Applies the geometry, empties the series and applies the grid spacings anew.
+    /// Applies the geometry, empties the series and applies the grid spacings again.
     void InitChart();
     /// First-time set-up. For cAvgGraph and cAvgThkGraph it ends by running the events that wait (kept).
     void Init() override;

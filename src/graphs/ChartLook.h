@@ -63,7 +63,7 @@ struct ChartLook {
     bool legend = true;
     int fontPixels = 0; ///< of labels and legend; 0: the application's own size
     std::vector<SeriesLook> series;
-    /// Lines of the file that this version does not know, each with the heading under which it stood; they
+    /// Lines of the file that this version does not know, each with the heading above it; they
     /// are written back.
     std::vector<std::pair<std::string, std::string>> unknown;
 };

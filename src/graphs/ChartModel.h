@@ -27,7 +27,7 @@ public:
     /// `points` are shared by all charts of the run and outlive the model.
     ChartModel(const ChartDesign& design, RunPoints& points);
 
-    /// Called when what is to be drawn has changed, but for appended points. At most one listener.
+    /// Called when what is to be drawn has changed, except by appended points. At most one listener.
     void setListener(std::function<void()> changed) { changed_ = std::move(changed); }
     /// Tells the listener; within a batch only once, when the last batch ends.
     void changed();

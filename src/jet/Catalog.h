@@ -15,7 +15,7 @@ struct CatalogEntry {
     bool link = false; ///< lies in another file
 };
 
-/// The catalog, itself the table whose definition stands on page 2.
+/// The catalog, itself the table whose definition is on page 2.
 class Catalog {
 public:
     explicit Catalog(PageStore& store)

@@ -12,8 +12,8 @@ struct CheckResult {
     std::size_t tables = 0;
     std::size_t rows = 0;
     std::size_t indexes = 0;
-    std::size_t unkeyed =
-        0; ///< indexes whose keys are of a kind that cannot be recomputed; checked for structure only
+    /// Indexes whose keys are of a kind that cannot be recomputed; checked for structure only.
+    std::size_t unkeyed = 0;
 };
 
 /// Looks through the whole file: every page owned once and not free, definitions, rows, long values, counts,

@@ -32,7 +32,7 @@ struct NewSlot {
     std::string bytes;
 };
 
-/// Lays all rows of a page out anew, from its end downward.
+/// Lays all rows of a page out again, from its end downward.
 void layOut(PageStore& store, PageNo number, const std::vector<NewSlot>& slots) {
     const Layout& layout = store.layout();
     Patch page = store.edit(number);

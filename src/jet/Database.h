@@ -50,7 +50,7 @@ private:
 };
 
 /// An open database. Everything that fails throws JetError, whose message begins with the file's name. Each
-/// Update, Delete, Execute and Append is one atomic commit, unless it stands between BeginTrans and
+/// Update, Delete, Execute and Append is one atomic commit, unless it is between BeginTrans and
 /// CommitTrans: then these commit together. All databases that one DBEngine opened on a file share its pages
 /// and its transactions: these nest, and each is ended by the database that began it, the innermost first.
 class Database {
@@ -97,8 +97,8 @@ public:
     explicit DBEngine(FilePort& files)
         : files_(files) {}
 
-    /// `path` is absolute. A file that another program changed since it was last opened is read anew; who has
-    /// it open from before keeps what was read and can no longer commit.
+    /// `path` is absolute. A file that another program changed since it was last opened is read again; who
+    /// has it open from before keeps what was read and can no longer commit.
     std::unique_ptr<Database> OpenDatabase(const std::string& path, Reading reading = Reading::Whole);
     /// Makes a database with empty tables; the file must not exist. `created` is entered as it is, local
     /// time. One commit.

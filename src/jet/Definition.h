@@ -76,7 +76,7 @@ struct RealIndex {
     RowId map;
     PageNo root = 0;
     std::uint8_t flags = 0;
-    bool primary = false; ///< a logical index of kind primary stands on it
+    bool primary = false; ///< a logical index of kind primary uses it
     std::string name;     ///< of the first logical index on it, for messages
 
     [[nodiscard]] bool isUnique() const { return primary || (flags & indexFlag::kUnique) != 0; }
@@ -86,7 +86,7 @@ struct RealIndex {
 
 enum class Relation : std::uint8_t { None = 0, Referenced = 1, Refers = 2 };
 
-/// An index as people see it; several can stand on one tree. Kept sorted by name.
+/// An index as people see it; several can use one tree. Kept sorted by name.
 struct LogicalIndex {
     std::string block;
     std::string storedName;

@@ -18,7 +18,7 @@ struct IndexHead {
 };
 
 /// One page of an index tree, read where it lies: valid until the store's next appendPage(). An entry is
-/// named by its offset among the entries' bytes; 0 is the first, used() stands behind the last.
+/// named by its offset among the entries' bytes; 0 is the first, used() is behind the last.
 class IndexPage : public IndexHead {
 public:
     /// Throws JetError(Damaged) for a page that is no index page; entries are checked when they are read.
@@ -53,7 +53,7 @@ private:
     mutable std::string joined_;
 };
 
-/// Writes a page anew, with no shared prefix.
+/// Writes a page again, with no shared prefix.
 void writeIndexPage(PageStore& store, PageNo number, const IndexHead& head,
                     std::span<const std::string> entries);
 /// Puts an entry into a plain page that has room for it, and takes one out.

@@ -80,7 +80,7 @@ std::vector<RowId> IndexTree::rows() const {
 
 bool IndexTree::containsKey(const std::string& key) const {
     const std::string lowest = key + std::string(kRowPointerSize, '\0');
-    // The first entry that is not below stands in this leaf, or starts the next one.
+    // The first entry that is not below is in this leaf, or starts the next one.
     std::size_t visited = 0;
     for (PageNo number = pathTo(lowest).back(); number != 0;) {
         const IndexPage page(store_, number);
@@ -296,7 +296,7 @@ bool IndexTree::dropLeaf(PageNo leaf, const std::string& entry) {
     return true;
 }
 
-/// Lays the tree out anew from an empty root.
+/// Lays the tree out again from an empty root.
 void IndexTree::rebuildWithout(const std::string& entry) {
     std::vector<std::string> entries;
     std::size_t bytes = 0;

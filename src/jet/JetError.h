@@ -9,8 +9,7 @@ namespace drx9::jet {
 enum class Fault {
     CannotOpen, ///< no such file, unreadable, no Jet 3 or 4 database, encrypted, protected by a password
     Damaged,    ///< the file contradicts itself
-    Rejected,   ///< the change or the query is not possible: unknown name, bad value, duplicate key,
-                ///< relationship
+    Rejected,   ///< not possible: unknown name, bad value, duplicate key, relationship
     NoSortKey,  ///< a value for which no index key can be built; a case of Rejected
     ReadOnly,   ///< the file may not be written, or another program has it open
     NotSaved,   ///< the commit failed: disk full, changed by another program

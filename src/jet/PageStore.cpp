@@ -119,7 +119,7 @@ void PageStore::restore(Undo& undo) {
 }
 
 /// Saves the image, or takes the outermost change back and throws. The replace may fail after its rename
-/// (flush of the folder): then the new file stands, and so does the image.
+/// (flush of the folder): then the new file stays, and so does the image.
 void PageStore::save() {
     if (const auto reason = readOnlyReason(); !reason.empty()) {
         rollback();

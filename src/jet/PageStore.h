@@ -102,8 +102,8 @@ private:
     TextCodec text_;
     PageImage image_;
     bool cutShort_ = false;
-    std::optional<FileIdentity>
-        identity_; ///< of the file as it was read or last written; nothing for a new one
+    /// Of the file as it was read or last written; nothing for a new one.
+    std::optional<FileIdentity> identity_;
     std::vector<Undo> undo_;
     std::uint64_t version_ = 0;
     std::uint64_t changes_ = 0;

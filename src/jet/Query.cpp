@@ -140,7 +140,7 @@ private:
         return result;
     }
 
-    /// A text; the quote that ends it stands doubled inside.
+    /// A text; the quote that ends it is doubled inside.
     std::string quoted(char quote) {
         std::string value;
         for (++at_; at_ < text_.size(); ++at_) {

@@ -22,7 +22,7 @@ public:
 
     /// Orders the rows by an index of the table, and goes to the first one. Whole tables only.
     void Index(const std::string& name);
-    /// Reads anew which rows there are; goes to the first one.
+    /// Reads again which rows there are; goes to the first one.
     void Requery();
 
     void MoveFirst();
@@ -39,7 +39,7 @@ public:
 
     void AddNew();
     void Edit();
-    /// Stores the new or edited row; one commit. The current row stays the current one; a new row stands
+    /// Stores the new or edited row; one commit. The current row stays the current one; a new row is
     /// behind the last.
     void Update();
     void CancelUpdate();

@@ -39,7 +39,7 @@ PageNo createTable(PageStore& store, const TableSpec& spec, DateTime created);
 /// Appends a column behind all others; no row changes.
 void addColumn(PageStore& store, PageNo definitionPage, const ColumnSpec& spec);
 
-/// Drops an index by name; its tree goes when no other index stands on it.
+/// Drops an index by name; its tree goes when no other index uses it.
 void dropIndex(PageStore& store, PageNo definitionPage, std::string_view name);
 
 /// Writes the definition of a table, with its maps and index roots, from `page` on. `system` gives it the

@@ -67,7 +67,7 @@ public:
     template<class Visitor>
     void scan(const Visitor& visitor) const;
 
-    /// True when a row stands at this place.
+    /// True when a row is at this place.
     [[nodiscard]] bool contains(RowId id) const;
     [[nodiscard]] Record read(RowId id) const;
 

@@ -22,16 +22,16 @@ inline constexpr int kSerialPorts = 9; ///< "COM1" to "COM9"
 /// Entry of the rate or of the port in its list; none where the list does not hold it.
 std::optional<std::size_t> baudEntry(std::int32_t baud);
 std::optional<std::size_t> portEntry(std::int16_t port);
-/// What stands beside the two lists. `device` is the one behind the port, empty where there is none.
+/// The texts beside the two lists. `device` is the one behind the port, empty where there is none.
 std::string deviceText(std::int16_t port, const std::string& device);
 std::string baudText(std::int32_t baud);
 
 /// Bridges with the instrument's product that are attached now, opened by anyone or not. One that does not
 /// tell its product counts: that is one in use. Opens none.
 int attachedBridges(UsbBridge& bridge);
-/// What stands below the list of bridges: `listed` of them were found by the last search.
+/// The text below the list of bridges: `listed` of them were found by the last search.
 std::string bridgeText(int listed, int attached);
-/// What stands beside the list; `chosen` is the serial number that is set, `isListed` when the list has it.
+/// The text beside the list; `chosen` is the serial number that is set, `isListed` when the list has it.
 std::string serialNumberText(int listed, bool isListed, const std::string& chosen);
 
 /// "COM3 at 19200", "USB 0A7C21", "192.168.1.200:2101".

@@ -6,7 +6,7 @@
 
 namespace drx9 {
 
-/// The commands that were sent, walked with the arrow keys. The line that was being typed stands behind the
+/// The commands that were sent, walked with the arrow keys. The line that was being typed comes after the
 /// newest one and comes back.
 class CommandHistory {
 public:

@@ -64,7 +64,7 @@ FrameParser::Reply FrameParser::complete() const {
     reply.crcOk = crc[0] == bytes_[bytes_.size() - 2] && crc[1] == bytes_.back();
     if (reply.crcOk) {
         reply.statusLetter = static_cast<char>(bytes_[2]);
-        // Out of the text, not out of the slots (kept): length bytes that were passed over stand there too.
+        // Out of the text, not out of the slots (kept): length bytes that were passed over are there too.
         const std::size_t start = std::min(kDataStart, text_.size());
         reply.data = text_.substr(start, text_.size() - std::min(kFrameSize, text_.size()));
     }

@@ -96,7 +96,7 @@ Exchange Link::exchangeNow(const std::string& command) {
     std::string data;
     {
         const InFlight inFlight(*this);
-        // The same one to the end, should the operator choose another link meanwhile.
+        // The same one to the end, also when the operator chooses another link meanwhile.
         Transport& transport = transports_.of(settings_.CommType);
         awaitLateAnswer(transport);
         lastPacket_ = commandPacket(command);

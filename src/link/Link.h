@@ -99,7 +99,7 @@ public:
     /// Film slots of the instrument: 9 for firmware above 0 and up to 4.08, else 99.
     [[nodiscard]] std::int16_t FilmCount() const;
 
-    /// Forgets what belongs to the link as it was: a command given while status 9 stood, and an answer that
+    /// Forgets what belongs to the link as it was: a command given while the status was 9, and an answer that
     /// may come late. Used when a link is opened.
     void forget();
 

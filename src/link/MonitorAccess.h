@@ -32,7 +32,7 @@ public:
     /// A find that the operator asked for has connected: a loss that lasted until now is over.
     virtual void linkFound() = 0;
     /// The window closes. `reopen`: opens the link again first, without a box; the reason of a failure goes
-    /// to the status bar. `sameLink`: the link is the one that stood when the window opened, so attempts to
+    /// to the status bar. `sameLink`: the link is the one that was set when the window opened, so attempts to
     /// open it go on while it is lost. Then run mode 1. Pumps events.
     virtual void linkSetupClosed(bool reopen, bool sameLink) = 0;
 };

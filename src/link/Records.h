@@ -12,7 +12,7 @@ inline constexpr int kMaxSensors = 6;
 /// The ways to the instrument, by the numbers of the settings file.
 enum class LinkType : std::int16_t { Serial = 0, Usb = 1, Ethernet = 2 };
 
-/// A number that stands for no way counts as RS-232.
+/// Any other number counts as RS-232.
 constexpr LinkType knownLink(LinkType stored) {
     return stored == LinkType::Usb || stored == LinkType::Ethernet ? stored : LinkType::Serial;
 }
@@ -20,7 +20,7 @@ constexpr LinkType knownLink(LinkType stored) {
 /// The link's settings as the settings file keeps them; changed by the communications window and by the
 /// adoption of a single USB bridge.
 struct LinkSettings {
-    LinkType CommType = LinkType::Serial; ///< the file's number, also one that stands for no way
+    LinkType CommType = LinkType::Serial; ///< the file's number, also another than these
     std::int32_t Baud = 19200;
     std::int16_t Port = 1; ///< COMn
     std::string USBSerNum = "0";

@@ -1,4 +1,4 @@
-// The communications window's controls and where they stand.
+// The communications window's controls and where they are.
 #include "link/frmComm.h"
 
 #include "controls/ReadOnlyLine.h"

@@ -68,7 +68,7 @@ void frmComm::showUsb() {
     setShortened(lblSerialNumber_, serialNumberText(listed, isListed, parts_.settings.USBSerNum));
 }
 
-/// What stands beside the lists follows devices that come and go; the list of bridges itself does not.
+/// What is shown beside the lists follows devices that come and go; the list of bridges itself does not.
 void frmComm::followDevices() {
     if (busy_) {
         return;

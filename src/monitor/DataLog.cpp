@@ -52,7 +52,7 @@ void DataLog::beginRun() {
 
 void DataLog::offerDeletion() {
     boxes_.dropQuestion(); // about an earlier run
-    // The name may be changed while the box stands: the file that was asked about is the one that is cut.
+    // The name may be changed while the box is open: the file that was asked about is the one that is cut.
     const std::string path = fullPath();
     if (files_.size(path).value_or(0) < kLargeFile) {
         return;

@@ -21,7 +21,7 @@ namespace drx9 {
 /// never queued; the run goes on.
 ///
 /// A large file is offered for deletion at the start of a run. The question holds nothing up: the run's texts
-/// go behind what the file holds, and on Yes what stood before them is taken out in one atomic replace.
+/// go behind what the file holds, and on Yes what was before them is taken out in one atomic replace.
 ///
 /// The settings are read at each call, so that a change takes effect at once. Film names are bytes as the
 /// instrument sent them and go into the file unchanged; everything else in the file is ASCII (the date as far
@@ -33,7 +33,7 @@ public:
 
     // Writing. Call the first three only when the log mode is not 0.
 
-    /// Prepares the log at the start of a run and begins to count anew: deletes the file in mode 1, offers a
+    /// Prepares the log at the start of a run and begins to count again: deletes the file in mode 1, offers a
     /// large one for deletion. Pumps events once before it asks.
     void InitDataLog();
     void startBlock(std::string_view filmName);
@@ -49,9 +49,8 @@ public:
     /// From the preparation of a run's log (or its first line, where logging was switched on in the middle of
     /// the run) to its end block, as long as the log mode is not 0.
     [[nodiscard]] bool isWriting() const { return open_ && settings_.Type != LogMode::None; }
-    [[nodiscard]] int runNumber() const {
-        return run_;
-    } ///< logged runs since the program's start; 0 none yet
+    /// Logged runs since the program's start.
+    [[nodiscard]] int runNumber() const { return run_; }
     [[nodiscard]] int linesWritten() const { return written_; } ///< readings, not the block's own lines
     [[nodiscard]] int linesLost() const { return lost_; } ///< texts of any kind that could not be appended
     [[nodiscard]] const std::optional<LocalTime>& lastLineTime() const { return lastLineTime_; }
@@ -82,8 +81,8 @@ private:
     MessageBoxes& boxes_;
     EventPump& pump_;
     const DataLogSettings& settings_;
-    float lastLogTime_ =
-        0; ///< s after midnight of the last line that was due; negative once midnight has passed
+    /// s after midnight of the last line that was due; negative once midnight has passed.
+    float lastLogTime_ = 0;
     bool open_ = false;
     int run_ = 0;
     int written_ = 0;

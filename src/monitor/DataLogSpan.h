@@ -34,9 +34,9 @@ public:
     /// Minutes and seconds only: `hours` is 0, minutes go beyond 59.
     [[nodiscard]] SpanFields interval() const;
 
-    /// True when the end was before the new start and has been set equal to it: show its spinners anew.
+    /// True when the end was before the new start and has been set equal to it: show its spinners again.
     bool setStart(const SpanFields& fields);
-    /// True when the start was after the new end and has been set equal to it: show its spinners anew.
+    /// True when the start was after the new end and has been set equal to it: show its spinners again.
     bool setEnd(const SpanFields& fields);
     void setInterval(std::int32_t minutes, std::int32_t seconds);
 

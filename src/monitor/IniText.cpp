@@ -55,7 +55,7 @@ bool startsWith(std::string_view bytes, std::string_view mark) {
     return bytes.substr(0, mark.size()) == mark;
 }
 
-/// A value as it can stand in one line of UTF-8.
+/// A value as it can be in one line of UTF-8.
 std::string oneLine(std::string_view value) {
     value = value.substr(0, value.find_first_of(std::string_view("\r\n\0", 3)));
     return isUtf8(value) ? std::string(value) : utf8FromAnsi(value);

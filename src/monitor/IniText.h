@@ -10,7 +10,7 @@ namespace drx9 {
 
 /// The text of an INI file, for look-ups and for edits that leave every other byte as it was.
 ///
-/// Section and key names are compared without case (ASCII letters); where a name stands twice the first one
+/// Section and key names are compared without case (ASCII letters); where a name is there twice the first one
 /// counts, and only the first section of a name is looked at. A line whose first character is ";" is a
 /// comment, a line without "=" is kept and means nothing, and so does "[" without "]". Blanks and tabs around
 /// names and values do not count; one pair of quotes, single or double, around a value is taken off. Keys
@@ -22,7 +22,7 @@ namespace drx9 {
 class IniText {
 public:
     explicit IniText(std::string_view bytes = {});
-    /// The file's bytes: those that were taken in but for what was changed.
+    /// The file's bytes: those that were taken in, with what was changed.
     [[nodiscard]] std::string bytes() const;
 
     /// Nothing when there is no such key.
@@ -63,7 +63,7 @@ private:
     void replaceText(std::size_t begin, std::size_t end, std::string_view with);
 
     Encoding encoding_ = Encoding::Utf8;
-    bool mark_ = false; ///< a UTF-8 byte-order mark stands before the text
+    bool mark_ = false; ///< a UTF-8 byte-order mark is before the text
     std::string text_;  ///< without the mark; UTF-16 is held as UTF-8
     std::vector<Line> lines_;
     std::string original_; ///< bytes of a UTF-16 file, until the first change

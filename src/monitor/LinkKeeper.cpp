@@ -6,7 +6,7 @@ namespace drx9 {
 
 namespace {
 constexpr double kAttemptInterval = 1.5; // s
-/// Bad ticks, or readings out of step, in a row before a link that answers is opened anew.
+/// Bad ticks, or readings out of step, in a row before a link that answers is opened again.
 constexpr int kBadBeforeReopen = 4;
 constexpr double kLongLoss = 3;        // s
 constexpr double kLivingInterval = 60; // s between two reopenings that do not help

@@ -35,7 +35,7 @@ bool Monitor::Form_Load() {
     parts_.discovery.Comm_Open(Messages::Blocking, [this] { return parts_.actions.closing(); });
     setRunMode(RunState::Idle);
     if (stepLost_) {
-        InitForm(); // nothing stands yet that could be kept
+        InitForm(); // there is nothing yet that could be kept
     }
     window_->setHourglass(false);
     return true;
@@ -313,7 +313,7 @@ void Monitor::reopened() {
         return;
     }
     if (keeper_.repeated()) {
-        return; // a link that answers was opened anew for nothing: its films are known
+        return; // a link that answers was opened again for nothing: its films are known
     }
     if (choice_.takeRepeat()) {
         desk_.raiseFilm();

@@ -34,8 +34,8 @@ public:
     [[nodiscard]] std::int16_t Display() const { return display_; }
     void setDisplay(std::int16_t value); ///< 1 rate, 2 thickness, 3 frequency
     [[nodiscard]] std::int16_t Graph() const { return graph_; }
-    void
-    setGraph(std::int16_t value); ///< 1 average rate, 2 sensor rates, 3 average thickness, 4 sensor thickness
+    /// 1 average rate, 2 sensor rates, 3 average thickness, 4 sensor thickness.
+    void setGraph(std::int16_t value);
 
     /// The checked sensor item, 1..3 as for Display; 0 when none is checked yet.
     [[nodiscard]] std::int16_t checkedSensorItem() const { return sensorItem_; }

@@ -12,13 +12,13 @@ namespace drx9 {
 class cFile;
 class FilePort;
 
-/// By the numbers of the settings file. A number that stands for no mode counts as Append, so that no run
+/// By the numbers of the settings file. Any other number counts as Append, so that no run
 /// goes unlogged or overwritten.
 enum class LogMode : std::int16_t { None = 0, Overwrite = 1, Append = 2 };
 
 struct DataLogSettings {
     std::string File = "drx9.txt"; ///< as given; resolved where it is used
-    LogMode Type = LogMode::None;  ///< the file's number, also one that stands for no mode
+    LogMode Type = LogMode::None;  ///< the file's number, also another than these
     std::int32_t Start = 0;        ///< s of elapsed run time from which readings are logged
     std::int32_t End = 300;        ///< s of elapsed run time up to which readings are logged
     std::int16_t Interval = 1;     ///< least number of seconds between two lines

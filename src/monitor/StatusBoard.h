@@ -29,7 +29,7 @@ public:
     explicit StatusBoard(const Parts& parts)
         : parts_(parts) {}
 
-    /// As things stand now.
+    /// As things are now.
     [[nodiscard]] StatusFacts facts() const;
 
 private:

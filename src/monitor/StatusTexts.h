@@ -41,7 +41,7 @@ struct StatusFacts {
     std::string pauseReason; ///< empty when no window holds the polling
     LinkSettings link;
     std::string lastExchange = "OK";
-    std::string message;      ///< stands until the next run; empty when none
+    std::string message;      ///< stays until the next run; empty when none
     std::string messageBrief; ///< its short form
     LocalTime lastReading;
     LocalTime runStart;

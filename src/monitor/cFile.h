@@ -49,7 +49,7 @@ public:
     /// the file exists and cannot be read: nothing is held back then.
     bool beginWrites(const std::string& path);
     /// Replaces the file in one step, or creates it; leaves it alone when nothing has changed. False when
-    /// that failed: the old file stands.
+    /// that failed: the old file stays.
     bool commitWrites();
 
     /// Why the last write failed, for people; empty when it succeeded.

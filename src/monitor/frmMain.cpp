@@ -168,7 +168,7 @@ void frmMain::changed() {
     showCharts();
     beat();
     if (heartbeat_.isActive()) {
-        heartbeat_.start(); // anew: it stands in where the monitor has nothing to tell
+        heartbeat_.start(); // again: it ticks where the monitor has nothing to tell
     }
 }
 

@@ -68,7 +68,7 @@ QAction* MainMenus::addItem(QMenu* menu, const char* name, const char* caption, 
             action();
             return;
         }
-        // At its turn the item may be locked, or a window may stand in the way: then it is dropped.
+        // At its turn the item may be locked, or a window may be in the way: then it is dropped.
         const auto turn = [item = QPointer<QAction>(item), action] {
             if (item != nullptr && item->isEnabled() && QApplication::activeModalWidget() == nullptr) {
                 action();

@@ -29,8 +29,8 @@ public:
         const Readouts::Texts& texts;
         const Readouts::Texts& labels;
         int sensorCount = kMaxSensors; ///< labels beyond it have no swatch
-        std::array<QString, kMaxSensors> crystalMark =
-            {};                ///< why the crystal looks failed; empty: it does not
+        /// Why the crystal looks failed; empty: it does not.
+        std::array<QString, kMaxSensors> crystalMark = {};
         double gaugeShare = 0; ///< 0 to 1
     };
     /// What changes with time alone.

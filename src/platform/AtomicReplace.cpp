@@ -8,7 +8,7 @@ namespace {
 constexpr int kMaxTemporaryNames = 1000;
 
 /// Beside the target, of a length that does not depend on the target's name (which may be as long as the file
-/// system allows). A name that stands belongs to another program, on this machine or another, or to a dead
+/// system allows). A name that exists belongs to another program, on this machine or another, or to a dead
 /// one.
 std::string freeTemporaryName(const FilePort& files, const std::string& folder) {
     const std::string stem = ".drx9-" + std::to_string(files.processId()) + "-";

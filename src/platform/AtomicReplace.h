@@ -11,7 +11,7 @@ namespace drx9 {
 /// Replaces the contents of `path` in one step, or creates the file: a temporary file beside the target,
 /// every call's result checked (create, write, flush, close), rename, flush of the folder. Mode, owner where
 /// possible and a link's target are kept. On any failure before the rename the old file is untouched and the
-/// temporary one is gone; a failure of the folder's flush after the rename is reported, the new file stands.
+/// temporary one is gone; a failure of the folder's flush after the rename is reported, the new file stays.
 /// An existing file that this process may not write is refused, although renaming over it would work. Where
 /// the temporary file cannot be removed the reason names it.
 ///

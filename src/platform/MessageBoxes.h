@@ -26,12 +26,12 @@ public:
     virtual bool askYesNo(const std::string& text, const std::string& title, MessageIcon icon) = 0;
     /// True for OK. Esc and the close box mean Cancel.
     virtual bool askOkCancel(const std::string& text, const std::string& title, MessageIcon icon) = 0;
-    /// Shows a box and returns at once. There is at most one: a box that stands gets the new text.
+    /// Shows a box and returns at once. There is at most one: a box that is open gets the new text.
     virtual void showNonBlocking(const std::string& text, const std::string& title, MessageIcon icon) = 0;
-    /// Takes the non-blocking box away; no effect where none stands.
+    /// Takes the non-blocking box away; no effect where none is open.
     virtual void closeNonBlocking() = 0;
     /// Asks and returns at once; `answered` is called later from the event loop: true for Yes, false for No,
-    /// Esc and the close box. At most one stands: a new question takes the place of one that was not
+    /// Esc and the close box. At most one is open: a new question takes the place of one that was not
     /// answered, whose `answered` is then never called.
     virtual void askYesNoLater(const std::string& text, const std::string& title, MessageIcon icon,
                                std::function<void(bool)> answered) = 0;

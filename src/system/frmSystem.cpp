@@ -131,7 +131,7 @@ void frmSystem::numberChanged(const Number& number) {
 void frmSystem::numberRefused(const Number& number) {
     state_.refused = number.label.toStdString() + systemText::kTakes +
                      number.field->rangeText(parts_.locale) + (number.unit.empty() ? "" : " " + number.unit);
-    // A press on Save that made the operator leave the field does not send the number that stood before.
+    // A press on Save that made the operator leave the field does not send the number that was there before.
     saveSpoiled_ = QApplication::focusWidget() == cmdSave_;
     showState();
 }

@@ -116,7 +116,7 @@ private:
     std::vector<std::unique_ptr<Number>> numbers_;
     std::vector<std::unique_ptr<Mode>> modes_;
     SystemState state_;
-    bool telling_ = false;     ///< the message on the frequencies is to come, or stands
+    bool telling_ = false;     ///< the message on the frequencies is to come, or is open
     bool saveSpoiled_ = false; ///< the press on Save left a field whose text was refused
     bool closeWanted_ = false;
     QPushButton* cmdSave_ = nullptr;

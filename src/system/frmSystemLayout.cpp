@@ -34,7 +34,7 @@ QString latin(const char* text) {
 }
 } // namespace
 
-/// One number. `index` is that of its control array; -1 where it stands alone.
+/// One number. `index` is that of its control array; -1 where it is the only one.
 struct frmSystem::Row {
     SpinnerField* field;
     const char* array;
@@ -43,7 +43,7 @@ struct frmSystem::Row {
     const char* unit;
 };
 
-/// A mode's two option buttons, as they stand from left to right.
+/// A mode's two option buttons, as they are from left to right.
 struct frmSystem::ModeBox {
     SystemMode mode;
     const char* array;
@@ -144,7 +144,7 @@ QBoxLayout* frmSystem::buildNumbers() {
                                      parameter(F::kMinRate, "Min Rate", "A/s"),
                                      parameter(F::kMinThickness, "Min Thickness", "kA"),
                                      parameter(F::kMaxThickness, "Max Thickness", "kA")};
-    int widest = 0; // so that the boxes of both groups stand in one column
+    int widest = 0; // so that the boxes of both groups are in one column
     for (const auto* rows : {&measurement, &analogOut}) {
         for (const Row& row : *rows) {
             widest = std::max(widest, QLabel(row.label).sizeHint().width());
@@ -180,7 +180,7 @@ QBoxLayout* frmSystem::buildModes() {
                   "Enable/disable sensor simulation."}}) {
         column->addWidget(buildMode(look));
     }
-    int widest = 0; // the second buttons stand in one column
+    int widest = 0; // the second buttons are in one column
     for (const auto& mode : modes_) {
         widest = std::max({widest, mode->on->sizeHint().width(), mode->off->sizeHint().width()});
     }

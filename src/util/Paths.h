@@ -7,8 +7,8 @@ namespace drx9 {
 /// Folders of the program, found once at start. Tests point the whole program at a temporary folder.
 struct Paths {
     std::string programFolder; ///< holds the executable
-    std::string dataFolder; ///< where relative names resolve: the program's folder, or the per-user one where
-                            ///< that is not writable
+    /// Where relative names resolve: the program's folder, or the per-user one where that is not writable.
+    std::string dataFolder;
 
     /// Absolute path of a name: itself when absolute, else below the data folder.
     [[nodiscard]] std::string resolve(const std::string& name) const;

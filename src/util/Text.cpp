@@ -51,7 +51,7 @@ std::string upperAnsi(std::string_view bytes) {
     std::transform(out.begin(), out.end(), out.begin(), [](char c) {
         const auto code = static_cast<unsigned char>(c);
         switch (code) {
-        case 0x9A: // the three whose upper case stands sixteen before them, and y with two dots
+        case 0x9A: // the three whose upper case is sixteen before them, and y with two dots
         case 0x9C:
         case 0x9E:
             return static_cast<char>(code - 0x10);

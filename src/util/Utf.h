@@ -9,7 +9,7 @@ inline constexpr char32_t kReplacement = 0xFFFD; ///< stands for what is no char
 inline constexpr char32_t kNoCharacter = 0xFFFFFFFF;
 
 /// Takes the character at `at`, which moves behind it; by one byte only, and with kNoCharacter, where no
-/// whole one stands (a cut or overlong form, a surrogate, a code beyond 10FFFF). `at` lies within the text.
+/// whole one is there (a cut or overlong form, a surrogate, a code beyond 10FFFF). `at` lies within the text.
 char32_t takeUtf8(std::string_view utf8, std::size_t& at);
 /// `code` is a character, and no surrogate.
 void appendUtf8(std::string& out, char32_t code);

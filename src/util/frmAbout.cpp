@@ -37,7 +37,7 @@ QString licences() {
         .arg(QString::fromLatin1(qVersion()));
 }
 
-/// The mark, drawn anew at whatever scale the screen has.
+/// The mark, drawn again at whatever scale the screen has.
 class IconLabel : public QWidget {
 public:
     explicit IconLabel(QWidget* parent)

@@ -1,5 +1,5 @@
-// Holds the includes of src, app and simulator against the arrows that CMake's libraries state: who may stand
-// on whom.
+// Holds the includes of src, app and simulator against the arrows that CMake's libraries state: who may use
+// whom.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -17,11 +17,11 @@ const fs::path kRoot = DRX9_SOURCE_DIR;
 
 struct Unit {
     bool qt = false;
-    std::set<std::string> standsOn; ///< also what these stand on
+    std::set<std::string> standsOn; ///< also what these use
 };
 using Units = std::map<std::string, Unit>;
 
-/// CMake names each library after those that it stands on, so one pass takes all they stand on along.
+/// CMake names each library after those that it uses, so one pass takes all that they use along.
 Units readUnits() {
     Units units;
     std::ifstream file(DRX9_ARROWS);

@@ -273,7 +273,7 @@ struct Moment {
     const char* faults;   ///< of the instrument from the start on
     const char* cutInRun; ///< what it is told once a run is on; null: no run is started
     bool (*come)(const Core& core);
-    const char* boxes = ""; ///< texts of those that stand in the way
+    const char* boxes = ""; ///< texts of those that are in the way
 };
 
 void PrintTo(const Moment& moment, std::ostream* out) {

@@ -25,7 +25,7 @@ public:
         MessageIcon icon = MessageIcon::None;
         bool systemModal = false;
     };
-    /// Runs while the box stands, as the event loop of a real one would; may be empty.
+    /// Runs while the box is open, as the event loop of a real one would; may be empty.
     using Meanwhile = std::function<void()>;
 
     FakeMessageBoxes() = default;
@@ -51,7 +51,7 @@ public:
     /// Every box that came so far, in order.
     [[nodiscard]] const std::vector<Box>& shown() const { return shown_; }
     [[nodiscard]] bool allCame() const { return expected_.empty(); }
-    /// Text of the non-blocking box that stands; empty when none does.
+    /// Text of the non-blocking box that is open; empty when none does.
     [[nodiscard]] const std::string& nonBlockingText() const { return nonBlocking_; }
 
     void show(const std::string& text, const std::string& title, MessageIcon icon,
@@ -75,7 +75,7 @@ public:
         come({Kind::Later, text, title, icon, false});
     }
     void dropQuestion() override { later_ = {}; }
-    /// Answers the question that stands; it must.
+    /// Answers the question that is open; there must be one.
     void answerLater(bool yes) {
         ASSERT_TRUE(later_);
         std::exchange(later_, {})(yes);

@@ -142,7 +142,7 @@ TEST_P(Objects, HonourOtherPrograms) {
     EXPECT_NE(change().find("another program changed the file"), std::string::npos);
     set->CancelUpdate();
     EXPECT_NE(set->Value("Tooling"), Value(1.0));
-    // Opened again it is read anew.
+    // Opened again it is read again.
     const auto fresh = engine.OpenDatabase(kPath)->OpenRecordset("Film");
     editRow(*fresh, {{"Tooling", 2.0}});
     files.find(kPath)->writeProtected = true;

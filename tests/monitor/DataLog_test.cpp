@@ -114,7 +114,7 @@ TEST_F(DataLogTest, ALargeFileIsOfferedForDeletionWithoutHoldingTheRunUp) {
         std::size_t size;
         bool asks;
         int answer;       ///< 1 yes, 0 no, -1 none before the next run
-        const char* left; ///< of what stood before
+        const char* left; ///< of what was there before
     } cases[] = {
         {LogMode::Append, 999999, false, -1, "all"}, {LogMode::Append, 1000000, true, 0, "all"},
         {LogMode::Append, 1000000, true, 1, "none"}, {LogMode::Overwrite, 1000000, false, -1, "none"},

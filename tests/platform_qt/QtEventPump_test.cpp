@@ -33,7 +33,7 @@ protected:
     static void queue(std::function<void()> action) {
         QMetaObject::invokeMethod(qApp, std::move(action), Qt::QueuedConnection);
     }
-    /// Stands until 150 ms have passed; 30 ms into it `meanwhile` runs.
+    /// Sleeps until 150 ms have passed; 30 ms into it `meanwhile` runs.
     static void dialog(std::function<void()> meanwhile) {
         QEventLoop loop;
         after(30, std::move(meanwhile));
@@ -90,7 +90,7 @@ TEST_F(QtEventPumpTest, EndsASleepEarly) {
 TEST_F(QtEventPumpTest, SleepsInsideADialogAreAllowed) {
     double slept = 0;
     queue([&] { dialog([&] { slept = sleep(0.05); }); });
-    QCoreApplication::processEvents(); // the dialog stands under the sleep, not above it
+    QCoreApplication::processEvents(); // the dialog is under the sleep, not above it
     EXPECT_GT(slept, 0.045);
 }
 
@@ -125,7 +125,7 @@ TEST_F(QtEventPumpTest, ALateTickIsFollowedByOneAtOnceAndTheBeatStartsAnew) {
             after(20, note("20 ms later"));
         } else if (ticks == 2) {
             after(40, note("40 ms later"));
-        } else { // started anew in mid-beat
+        } else { // started again in mid-beat
             wait([] { return false; }, 0.02);
             ticker.stop();
             if (ticks == 3) {

@@ -25,7 +25,7 @@ QList<QMessageBox*> boxes() {
     }
 }
 
-/// Gives the answer to the box once it stands.
+/// Gives the answer to the box once it is open.
 void onBox(const Answer& answer) {
     QTimer::singleShot(20, qApp, [answer] {
         ASSERT_EQ(boxes().size(), 1);

@@ -57,7 +57,7 @@ protected:
         }
     }
     static double level(int s) { return 2.5 * s; }
-    /// Where a reading stands in the window.
+    /// Where a reading is in the window.
     [[nodiscard]] QPoint place(double t, double value) const {
         const QRect plot = chart.plotRect();
         const double top = graph.shownYMax();

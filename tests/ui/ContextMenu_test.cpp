@@ -22,7 +22,7 @@ protected:
         choose("mnuFileLog");
         choose("mnuHelpAbout");
     }
-    /// False when an event loop ran inside the action; what stands open is closed then.
+    /// False when an event loop ran inside the action; what is open is closed then.
     static bool returnsAtOnce(const std::function<void()>& action) {
         bool ran = false;
         QObject inside;

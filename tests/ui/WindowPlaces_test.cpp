@@ -1,4 +1,4 @@
-// Where windows stand the next time.
+// Where windows are the next time.
 #include "controls/WindowPlaces.h"
 
 #include <QTemporaryDir>

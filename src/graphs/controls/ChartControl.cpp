@@ -304,7 +304,7 @@ void ChartControl::addViews(QMenu& menu) {
                    [this] { mouse_.zoom(1 / kZoomStep, Qt::Vertical); });
 }
 
-/// What mouse and keys do, for those who look for it. The keys stand beside as texts: the chart takes them
+/// What mouse and keys do, for those who look for it. The keys are beside them as texts: the chart takes them
 /// itself.
 QMenu* ChartControl::buildMenu() {
     auto* menu = new QMenu(this);

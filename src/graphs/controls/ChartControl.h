@@ -38,7 +38,7 @@ public:
     void setSilence(const QString& text);
     [[nodiscard]] bool following() const { return model_.following(); }
     [[nodiscard]] QString note() const;
-    /// Stands as a note for a while.
+    /// Is shown as a note for a while.
     void showMessage(const QString& text);
     /// Where the plot lies within the axes.
     [[nodiscard]] QRect plotRect() const;

@@ -17,7 +17,7 @@ namespace drx9 {
 
 class ChartTracer;
 
-/// Where the parts of a chart lie in its rectangle. The legend stands right of the title, or on a second line
+/// Where the parts of a chart lie in its rectangle. The legend is right of the title, or on a second line
 /// where both do not fit one.
 struct ChartLayout {
     QRect title;

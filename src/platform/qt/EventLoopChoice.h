@@ -2,7 +2,7 @@
 
 namespace drx9 {
 
-/// Stands while the QApplication is made: takes Qt's own event loop where nothing needs GLib's, which costs
+/// Lives while the QApplication is made: takes Qt's own event loop where nothing needs GLib's, which costs
 /// about twice as much a poll (each serial packet registers and drops a notifier, and GLib wakes itself up
 /// for both). GLib's stays under desktops whose file and colour dialogs GTK draws (GNOME, Cinnamon, MATE,
 /// Xfce, LXDE, Unity): those would not come alive without it. QT_NO_GLIB set by the user is left as it is;

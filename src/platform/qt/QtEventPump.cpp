@@ -98,7 +98,7 @@ void QtEventPump::watchForLoops() {
     }
 }
 
-/// A timer that stands for an earlier time is left to run: it is armed again when it has fired.
+/// A timer that is set for an earlier time is left to run: it is armed again when it has fired.
 void QtEventPump::armTimer(double deadline) {
     if (timer_.isActive() && armedFor_ <= deadline) {
         return;

@@ -53,8 +53,8 @@ private:
     void finishSleeps();
 
     const Clock& clock_;
-    /// Stands from one sleep to the next: arming a timer for each exchange, a second ahead and never reached,
-    /// costs more than one idle expiry a second.
+    /// Runs on from one sleep to the next: arming a timer for each exchange, a second ahead and never
+    /// reached, costs more than one idle expiry a second.
     QTimer timer_;
     double armedFor_ = 0; ///< deadline (s) of the running timer
     double lastTurn_ = 0; ///< when the event loop last came round

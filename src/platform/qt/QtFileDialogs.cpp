@@ -44,7 +44,7 @@ std::string run(const FileDialogRequest& request, bool save) {
     dialog->setDefaultSuffix(QString::fromStdString(request.defaultExtension));
     preset(*dialog, request);
     const bool accepted = dialog->exec() == QDialog::Accepted;
-    if (!dialog) { // went away with the window it stood over
+    if (!dialog) { // went away with the window it was open over
         return {};
     }
     const QStringList files = dialog->selectedFiles();

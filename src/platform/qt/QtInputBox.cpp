@@ -7,7 +7,7 @@
 namespace drx9 {
 
 std::string QtInputBox::ask(const std::string& prompt, const std::string& title) {
-    // On the heap and guarded: the window it stands over may go while it is open.
+    // On the heap and guarded: the window under it may go while it is open.
     const QPointer<QInputDialog> dialog = new QInputDialog(QApplication::activeWindow());
     dialog->setObjectName(QStringLiteral("InputBox"));
     dialog->setInputMode(QInputDialog::TextInput);

@@ -31,7 +31,7 @@ void fill(QMessageBox& box, const std::string& text, const std::string& title, M
     box.setIcon(iconOf(icon));
 }
 
-/// A box over the active window. On the heap and guarded: the window it stands over may go while it is open.
+/// A box over the active window. On the heap and guarded: the window under it may go while it is open.
 QPointer<QMessageBox> makeBox(const std::string& text, const std::string& title, MessageIcon icon) {
     QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
     fill(*box, text, title, icon);

@@ -189,7 +189,7 @@ void QtSerialControl::errorOccurred(QSerialPort::SerialPortError error) {
     received_.clear();
     taken_ = 0;
     const auto dropIt = [this, port = port_.get()] {
-        if (port == port_.get()) { // not opened anew meanwhile
+        if (port == port_.get()) { // not opened again meanwhile
             drop();
         }
     };

@@ -47,7 +47,7 @@ private:
     mutable QElapsedTimer lookedAt_; ///< when that was
     int number_ = 1;
     std::string settings_ = "19200,N,8,1";
-    std::unique_ptr<QSerialPort> port_; ///< null when closed; stands until the pump runs next after a fault
+    std::unique_ptr<QSerialPort> port_; ///< null when closed; lives until the pump runs next after a fault
     bool faulted_ = false;
     std::string received_;  ///< arrived and not taken; at most the input buffer's size
     std::size_t taken_ = 0; ///< of received_

@@ -109,8 +109,8 @@ private:
         }
     }
 
-    unsigned holding_ =
-        0; ///< counts hold() and release(), so that an answer knows whether it is still wanted
+    /// Counts hold() and release(), so that an answer knows whether it is still wanted.
+    unsigned holding_ = 0;
     QDBusMessage giveBack_; ///< the call that lets the machine sleep again
 };
 

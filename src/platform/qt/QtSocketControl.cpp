@@ -38,7 +38,7 @@ void QtSocketControl::connect() {
     }
     state_ = kConnecting;
     socket_ = std::make_unique<QTcpSocket>();
-    // The instrument stands in the local network: a proxy for the web is no way to it.
+    // The instrument is in the local network: a proxy for the web is no way to it.
     socket_->setProxy(QNetworkProxy::NoProxy);
     QObject::connect(socket_.get(), &QTcpSocket::connected, this, &QtSocketControl::connected);
     QObject::connect(socket_.get(), &QTcpSocket::readyRead, this, [this] {

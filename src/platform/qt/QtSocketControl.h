@@ -42,8 +42,8 @@ private:
     std::string reason_;
     std::string received_;  ///< arrived and not fetched
     bool justSent_ = false; ///< nobody has looked for bytes since the last packet went out
-    std::unique_ptr<QTcpSocket>
-        socket_; ///< null when closed; stands until the pump runs next after a failure
+    /// Null when closed; lives until the pump runs next after a failure.
+    std::unique_ptr<QTcpSocket> socket_;
 };
 
 } // namespace drx9

@@ -10,7 +10,7 @@
 namespace drx9 {
 
 /// Ticks on multiples of the interval since start(). A tick that takes longer than the interval is followed
-/// by the next as soon as the events that wait have run once, and the beat starts anew from there; however
+/// by the next as soon as the events that wait have run once, and the beat starts again from there; however
 /// many beats it ran over, one tick makes up for them.
 class QtTicker : public Ticker {
 public:

@@ -276,13 +276,13 @@ TEST_F(CommandsTest, FilmReplies) {
     EXPECT_EQ(film.SensorAvg, 3);
     film = commands.Comm_GetFilm(6).film.value();
     EXPECT_EQ(film.Density, 0);
+    film = commands.Comm_GetFilm(9).film.value();
+    EXPECT_EQ(film.FilmName, "  AL    ") << "blanks before it are the name's";
+    EXPECT_EQ(film.Density, 2.7);
     bench.boxes.expectShow("Get Film Error: \xC3\xA9shorter");
     bench.boxes.expectShow("Get Film Error: ");
     EXPECT_FALSE(commands.Comm_GetFilm(7).film);
     EXPECT_FALSE(commands.Comm_GetFilm(8).film);
-    film = commands.Comm_GetFilm(9).film.value();
-    EXPECT_EQ(film.FilmName, "  AL    ") << "blanks before it are the name's";
-    EXPECT_EQ(film.Density, 2.7);
 }
 
 TEST_F(CommandsTest, SystemRecordsByteForByte) {

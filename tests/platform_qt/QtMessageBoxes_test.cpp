@@ -21,8 +21,8 @@ QList<QMessageBox*> boxes() {
         if (auto* box = qobject_cast<QMessageBox*>(widget); box != nullptr && box->isVisible()) {
             found << box;
         }
-        return found;
     }
+    return found;
 }
 
 /// Gives the answer to the box once it is open.

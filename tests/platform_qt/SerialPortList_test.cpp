@@ -18,8 +18,8 @@ std::string ports(const SerialPortList& list) {
         if (const std::string device = list.device(port); !device.empty()) {
             text += std::to_string(port) + "=" + device.substr(5) + " ";
         }
-        return text;
     }
+    return text;
 }
 
 TEST(SerialPortListTest, KeepsEachDevicesNumberThroughUpdates) {

@@ -115,8 +115,8 @@ std::string QtSerialControl::withHint(const std::string& reason) const {
         if (!deviceName(port).empty()) {
             return reason;
         }
-        std::vector<std::string> present;
     }
+    std::vector<std::string> present;
     for (const SerialDevice& device : presentSerialDevices()) {
         present.push_back(device.path);
     }

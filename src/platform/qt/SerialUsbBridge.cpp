@@ -19,8 +19,8 @@ std::vector<BridgePort> presentBridgePorts() {
         if (info.productIdentifier() == kProduct && !info.portName().startsWith("tty.")) {
             bridges.push_back({info.systemLocation().toStdString(), info.serialNumber().toStdString()});
         }
-        return bridges;
     }
+    return bridges;
 }
 
 SerialUsbBridge::SerialUsbBridge(Lister lister)

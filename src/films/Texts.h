@@ -85,6 +85,12 @@ inline constexpr const char* kReset = "The DRX-9 was reset to its default values
 inline constexpr const char* kNotReset = "Defaults not accepted: {}";
 inline constexpr const char* kNotSavedYet = ". Not saved under another name yet";
 
+// The errors table.
+inline constexpr const char* kErrorsNotOpen = "Error opening recordset: {}";
+inline constexpr const char* kErrorsNoRecordset =
+    "Error handler cannot write to the [{}] errors table because the "
+    "Destination recordset variable has not been initialized.";
+
 // The window.
 inline constexpr const char* kHoldReason = "Film Setup is open";
 inline constexpr const char* kUnsaved = "Uploaded data, not saved under another name yet";

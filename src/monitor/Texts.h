@@ -42,6 +42,9 @@ inline constexpr const char* kFilmNotConfirmed =
 inline constexpr const char* kListEndsBefore =
     "The film list could not be read as far as this film, which is in use.";
 
+inline constexpr const char* kOffLine = "DRX-9 Off Line";
+inline constexpr const char* kChooseLink = "Choose the link under Edit, Communcations."; // kept
+
 // The status bar.
 inline constexpr const char* kLinkConnecting = "connecting";
 inline constexpr const char* kLinkOffLine = "off line";

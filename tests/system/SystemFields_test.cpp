@@ -4,6 +4,7 @@
 #include "system/SystemState.h"
 
 #include "link/Commands.h"
+#include "system/Texts.h"
 
 #include <gtest/gtest.h>
 

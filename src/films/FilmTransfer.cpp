@@ -139,8 +139,10 @@ int FilmTransfer::readFilms(TransferReport& report) {
             read.push_back(*answer.film);
         } else {
             failed = i;
-            report.fail("Film " + std::to_string(i) + ": " +
-                        (answer.status == comm::kOk ? "no film" : commStatusText(answer.status)));
+            report.fail(
+                filled(filmText::kFilmFailed,
+                       {std::to_string(i),
+                        answer.status == comm::kOk ? filmText::kNoFilm : commStatusText(answer.status)}));
         }
         if (parts_.clock.monotonic() - stored + longest_ >= kStoreWithin) {
             failed = storeRead(read, report) || failed != 0 ? failed : i;
@@ -288,7 +290,7 @@ void FilmTransfer::writeRow(int film, TransferReport& report) {
         parts_.films[static_cast<std::size_t>(film)] = record;
         report.done(1);
     } else {
-        report.name("Not accepted (" + commStatusText(status) + ")", std::to_string(film));
+        report.name(filled(filmText::kNotAccepted, {commStatusText(status)}), std::to_string(film));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "app/OtherWindows.h"
 
 #include "films/frmFilm.h"
+#include "graphs/Texts.h"
 #include "graphs/frmGraphSet.h"
 #include "link/frmComm.h"
 #include "monitor/frmDataLog.h"
@@ -54,7 +55,7 @@ QWidget* makeGraphSet(Core& core, ChartSet& charts, QWidget* owner) {
     auto* window = new frmGraphSet(charts, std::max<int>(1, core.readouts.checkedGraphItem()), owner);
     window->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(window, &frmGraphSet::settingsNotSaved, owner, [&core](const QString& text) {
-        core.monitor.tell(text.toStdString(), "Graph settings not saved");
+        core.monitor.tell(text.toStdString(), graphText::kSettingsNotSavedBrief);
     });
     return window;
 }

@@ -1,4 +1,5 @@
 #include "app/Program.h"
+#include "app/Texts.h"
 #include "controls/Theme.h"
 #include "platform/DataFolder.h"
 #include "platform/os/OsFilePort.h"
@@ -7,6 +8,7 @@
 #include "platform/qt/SessionEnd.h"
 #include "platform/qt/SingleInstance.h"
 #include "util/ProgramName.h"
+#include "util/Text.h"
 
 #include <QApplication>
 #include <QStandardPaths>
@@ -51,8 +53,8 @@ int main(int argc, char* argv[]) {
         QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation).toStdString());
     const SingleInstance instance(paths.dataFolder);
     if (!instance.isFirst()) {
-        QtMessageBoxes().show("DRX9 Comm is already running with the files in " + paths.dataFolder + ".",
-                              kProgramName, MessageIcon::Information);
+        QtMessageBoxes().show(filled(appText::kRunningAlready, {paths.dataFolder}), kProgramName,
+                              MessageIcon::Information);
         return 1;
     }
     const QString places =

@@ -7,11 +7,13 @@
 #include <QApplication>
 #include <QFile>
 #include <QHBoxLayout>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScrollBar>
+#include <QSet>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QTextBlock>
@@ -31,10 +33,12 @@ constexpr int kMeasure = 72; ///< characters in a line
 constexpr int kGap = 8;
 constexpr int kMargin = 16;
 constexpr int kLeastSteps = -3, kMostSteps = 16; ///< points
+constexpr int kPictureDensity = 2;               ///< pixels of a picture to one of the page
 constexpr int kLink = Qt::UserRole;
 constexpr QLatin1String kIndex("index.md");
 
-/// Lines no longer than can be read with ease.
+/// Lines no longer than can be read with ease, and pictures no wider. Beside "x.png" may stand "x-dark.png",
+/// which is shown on dark ground.
 class Page : public TextView {
 public:
     using TextView::TextView;
@@ -43,13 +47,66 @@ public:
         const int measure = fontMetrics().averageCharWidth() * kMeasure;
         setLineWrapMode(QTextEdit::FixedPixelWidth);
         setLineWrapColumnOrWidth(std::min(measure, viewport()->width()));
+        showPicturesAnew();
     }
 
 protected:
+    QVariant loadResource(int type, const QUrl& name) override {
+        if (type != QTextDocument::ImageResource) {
+            return TextView::loadResource(type, name);
+        }
+        pictures_.insert(name);
+        return picture(name);
+    }
+
+    void changeEvent(QEvent* event) override {
+        TextView::changeEvent(event);
+        if (event->type() == QEvent::PaletteChange) {
+            showPicturesAnew();
+        }
+    }
+
     void resizeEvent(QResizeEvent* event) override {
         TextView::resizeEvent(event);
         wrap();
     }
+
+private:
+    QImage loaded(const QUrl& name) {
+        return QImage::fromData(TextView::loadResource(QTextDocument::ImageResource, name).toByteArray());
+    }
+
+    QImage picture(const QUrl& name) {
+        QImage image;
+        if (palette().color(QPalette::Base).lightness() < palette().color(QPalette::Text).lightness()) {
+            QUrl dark = name;
+            dark.setPath(dark.path().replace(QStringLiteral(".png"), QStringLiteral("-dark.png")));
+            image = loaded(dark);
+        }
+        image = image.isNull() ? loaded(name) : image;
+        if (image.isNull()) {
+            return image;
+        }
+        const double ratio = devicePixelRatioF();
+        const double room = lineWrapColumnOrWidth() - 2 * document()->documentMargin();
+        const double width = std::clamp(room, 1.0, 1.0 * image.width() / kPictureDensity);
+        image = image.scaledToWidth(qRound(width * ratio), Qt::SmoothTransformation);
+        image.setDevicePixelRatio(ratio);
+        return image;
+    }
+
+    /// The page's width or colours have changed.
+    void showPicturesAnew() {
+        if (pictures_.isEmpty()) {
+            return;
+        }
+        for (const QUrl& name : pictures_) {
+            document()->addResource(QTextDocument::ImageResource, name, picture(name));
+        }
+        document()->markContentsDirty(0, document()->characterCount());
+    }
+
+    QSet<QUrl> pictures_; ///< of the pages that were shown
 };
 
 QString textOfPage(const QString& path) {

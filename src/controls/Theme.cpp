@@ -15,6 +15,7 @@ namespace drx9 {
 
 namespace {
 constexpr double kLeastPoints = 10;
+constexpr const char* kAppearance = "DRX9_APPEARANCE"; ///< "dark" or "light"; docs/screenshots sets it
 
 Theme lightTheme() {
     return {.ground = 0xE8EAEC,
@@ -194,7 +195,8 @@ void followDesktop(QApplication& application, std::optional<bool> dark) {
     if (isHighContrast(desktop)) {
         return;
     }
-    const bool wantsDark = dark.value_or(desktopWantsDark(desktop));
+    const QByteArray chosen = qgetenv(kAppearance);
+    const bool wantsDark = chosen.isEmpty() ? dark.value_or(desktopWantsDark(desktop)) : chosen == "dark";
     const QPalette ours = (wantsDark ? Theme::dark() : Theme::light()).palette();
     QApplication::setPalette(ours);
     QToolTip::setPalette(ours);

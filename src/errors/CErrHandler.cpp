@@ -1,6 +1,8 @@
 #include "errors/CErrHandler.h"
 
 #include "errors/FileReportSink.h"
+#include "errors/Texts.h"
+#include "util/Text.h"
 
 #include <algorithm>
 #include <limits>
@@ -40,8 +42,7 @@ CErrHandler::~CErrHandler() {
     setTraceExecution(false);
     if (pointer_ != 0) {
         quietly([&] {
-            information("Error Trace Stack = " + std::to_string(pointer_) +
-                        " on Terminate.\nProcedure: " + topOfStack());
+            information(filled(errorText::kStackAtEnd, {std::to_string(pointer_), topOfStack()}));
         });
     }
 }
@@ -54,7 +55,7 @@ void CErrHandler::Push(std::string_view procedure) noexcept {
         if (pointer_ <= maxProcStackItems_ && pointer_ < kStackSlots) {
             stack_[static_cast<std::size_t>(pointer_)] = procedure;
         } else {
-            information("Error Stack Overflow.");
+            information(errorText::kOverflow);
         }
     });
     quietly([&] {
@@ -70,7 +71,7 @@ void CErrHandler::Pop() noexcept {
     }
     if (--pointer_ < 0) {
         pointer_ = 0;
-        quietly([&] { information("Error Stack Underflow."); });
+        quietly([&] { information(errorText::kUnderflow); });
     }
 }
 
@@ -108,7 +109,7 @@ void CErrHandler::setDestination(ReportDestination destination) noexcept {
     quietly([&] {
         const auto* sink = std::get_if<ErrorReportSink*>(&destination);
         if (sink && !*sink) {
-            parts_.boxes.show("Invalid object type: Nothing", parts_.app.title, MessageIcon::Exclamation);
+            parts_.boxes.show(errorText::kNoSink, parts_.app.title, MessageIcon::Exclamation);
             return;
         }
         destination_ = std::move(destination);
@@ -173,12 +174,13 @@ ErrorReport CErrHandler::makeReport() const {
 }
 
 std::string CErrHandler::messageText() const {
-    const std::string line = lastError_.line == 0 ? "<unknown>" : std::to_string(lastError_.line);
-    std::string text = "The following error has occurred in procedure: \n" + currentProcedure_ + " on line " +
-                       line + "\nError (" + std::to_string(lastError_.number) + ") " + lastError_.description;
+    const std::string line = lastError_.line == 0 ? errorText::kUnknownLine : std::to_string(lastError_.line);
+    std::string text =
+        filled(errorText::kOccurred,
+               {currentProcedure_, line, std::to_string(lastError_.number), lastError_.description});
     if (!currentOperation_.empty()) {
         // Kept: no line break before it.
-        text += "Current Operation: " + currentOperation_;
+        text += filled(errorText::kOperation, {currentOperation_});
     }
     return text;
 }
@@ -202,7 +204,7 @@ void CErrHandler::withSink(const std::function<void(ErrorReportSink&)>& action) 
 }
 
 void CErrHandler::information(const std::string& text) {
-    parts_.boxes.show("Non Fatal Error:\n" + text, parts_.app.title, MessageIcon::Information);
+    parts_.boxes.show(filled(errorText::kNonFatal, {text}), parts_.app.title, MessageIcon::Information);
 }
 
 } // namespace drx9

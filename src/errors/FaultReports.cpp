@@ -1,5 +1,8 @@
 #include "errors/FaultReports.h"
 
+#include "errors/Texts.h"
+#include "util/Text.h"
+
 #include <utility>
 
 namespace drx9 {
@@ -24,7 +27,7 @@ void FaultReports::report(const std::exception& error) noexcept {
         }
         seen.reportedAt = now;
         if (const int leftOut = std::exchange(seen.leftOut, 0); leftOut > 0) {
-            description += " (and " + std::to_string(leftOut) + " times before)";
+            description += filled(errorText::kTimesBefore, {std::to_string(leftOut)});
         }
         handler_.HandleError({.number = 0, .line = 0, .description = std::move(description)});
     } catch (const std::exception&) {

@@ -1,6 +1,7 @@
 #include "films/ErrorsTable.h"
 
 #include "films/FilmText.h"
+#include "films/Texts.h"
 #include "util/Text.h"
 
 #include <chrono>
@@ -34,15 +35,14 @@ std::string ErrorsTable::open(jet::DBEngine& engine, const std::string& path) {
         records_ = database_->OpenRecordset(table_);
     } catch (const jet::JetError& error) {
         database_.reset();
-        return std::string("Error opening recordset: ") + error.what();
+        return filled(filmText::kErrorsNotOpen, {error.what()});
     }
     return {};
 }
 
 std::string ErrorsTable::write(const ErrorReport& report) {
     if (!records_) {
-        return "Error handler cannot write to the [" + table_ +
-               "] errors table because the Destination recordset variable has not been initialized.";
+        return filled(filmText::kErrorsNoRecordset, {table_});
     }
     records_->AddNew();
     for (const jet::Field& column : database_->TableDefs(table_).Fields()) {

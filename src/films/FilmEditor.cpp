@@ -2,6 +2,7 @@
 
 #include "films/FilmQueries.h"
 #include "films/FilmText.h"
+#include "films/Texts.h"
 #include "util/Numbers.h"
 #include "util/Text.h"
 
@@ -29,7 +30,7 @@ constexpr std::array<Bound, kFilmBoxes> kBound{{{Dat::DBSelected, "Tooling"},
                                                 {Dat::DBSelected, "FilmName"}}};
 
 std::string cannotHold(const std::string& what) {
-    return "Not stored: a film name cannot hold \"" + what + "\"";
+    return filled(filmText::kCannotHold, {what});
 }
 } // namespace
 
@@ -56,8 +57,7 @@ std::vector<std::string> FilmEditor::materials() {
 void FilmEditor::ShowDBFilm(const std::string& name) {
     const Found film = parts_.library.select(Dat::DBSelected, queries::chosenFilm(name));
     if (film == Found::Failed && name.find('\'') != std::string::npos) {
-        parts_.library.tell("\"" + trimmed(name) + "\" cannot be looked up: its name holds a quote",
-                            NoticeTone::Warn);
+        parts_.library.tell(filled(filmText::kQuote, {trimmed(name)}), NoticeTone::Warn);
     }
     selectMaterial(text(Dat::DBSelected, "Material"));
 }
@@ -84,8 +84,7 @@ ShownFilm FilmEditor::shown() {
     now.minutes = toInt16(std::clamp(minutes, 0.0, kMostMinutes));
     now.seconds = toInt16(std::clamp(std::floor(time - minutes * kSecondsPerMinute), 0.0, 59.0));
     if ((minutes > kMostMinutes || time < 0) && parts_.library.notice().text.empty()) {
-        parts_.library.tell("Time setpoint of " + generalNumber(time, parts_.locale) +
-                                " s: more than its boxes can show",
+        parts_.library.tell(filled(filmText::kLongTime, {generalNumber(time, parts_.locale)}),
                             NoticeTone::Warn);
     }
     return now;
@@ -105,7 +104,7 @@ void FilmEditor::editBox(FilmBox box, const std::string& typed) {
     const Bound& bound = kBound[static_cast<std::size_t>(box)];
     const auto value = typedNumber(typed, parts_.locale);
     if (!value) {
-        parts_.library.tell("\"" + typed + "\" is no number: the value stays as it was", NoticeTone::Warn);
+        parts_.library.tell(filled(filmText::kNoNumber, {typed}), NoticeTone::Warn);
         return;
     }
     parts_.library.edit(bound.source, {{bound.field, *value}});
@@ -119,8 +118,7 @@ bool FilmEditor::EditFilmName(const std::string& typed) {
     const std::string name = firstCharacters(
         typed.empty() ? "FILM " + shownText(filmNum, NumberLocale{}) : typed, kFilmNameLength);
     if (firstCharacters(name, std::string_view(kNewFilm).size()) == kNewFilm || name == kUnitFilm) {
-        refuse("UnitFilm and NewFilm cannot be used for\nfilm names. Please select another name.",
-               "Invalid Film Name!");
+        refuse(filmText::kReservedName, filmText::kReservedNameTitle);
         return false;
     }
     if (name.find('!') != std::string::npos) {
@@ -157,8 +155,7 @@ void FilmEditor::changeMaterial(const std::string& typed) {
     if (parts_.library.found(Dat::Material)) {
         parts_.library.edit(Dat::DBSelected, {{"Material", parts_.library.value(Dat::Material, "Material")}});
     } else if (!typed.empty()) {
-        parts_.library.tell("No material \"" + typed + "\": the film keeps \"" +
-                                text(Dat::DBSelected, "Material") + "\"",
+        parts_.library.tell(filled(filmText::kNoMaterial, {typed, text(Dat::DBSelected, "Material")}),
                             NoticeTone::Warn);
     }
 }
@@ -170,12 +167,12 @@ void FilmEditor::refuse(const std::string& what, const std::string& title) {
 }
 
 std::string FilmEditor::addMaterial() {
-    const std::string answer = fitting(parts_.input.ask("Enter new material name:", "New Material"));
+    const std::string answer = fitting(parts_.input.ask(filmText::kAskMaterial, filmText::kAskMaterialTitle));
     if (answer.empty()) {
         return {};
     }
     if (parts_.library.select(Dat::Material, queries::materialTaken(answer)) == Found::Yes) {
-        refuse("Duplicate name. Select another name for Material", "Material Name already Exists!");
+        refuse(filmText::kDuplicateMaterial, filmText::kDuplicateMaterialTitle);
         selectMaterial(text(Dat::DBSelected, "Material"));
         return {};
     }
@@ -187,7 +184,7 @@ std::string FilmEditor::addMaterial() {
 }
 
 bool FilmEditor::addFilm(const std::string& material) {
-    const std::string answer = parts_.input.ask("Enter new film name:", "New Film");
+    const std::string answer = parts_.input.ask(filmText::kAskFilm, filmText::kAskFilmTitle);
     if (answer.empty()) {
         return false;
     }
@@ -197,7 +194,7 @@ bool FilmEditor::addFilm(const std::string& material) {
     }
     const std::string current = text(Dat::DBSelected, "FilmName");
     if (parts_.library.select(Dat::DBSelected, queries::filmTaken(answer)) == Found::Yes) {
-        refuse("Duplicate name. Select another name for Film", "Film Name already Exists!");
+        refuse(filmText::kDuplicateFilm, filmText::kDuplicateFilmTitle);
         ShowDBFilm(current);
         return false;
     }
@@ -205,8 +202,7 @@ bool FilmEditor::addFilm(const std::string& material) {
     const bool added = parts_.library.add(Dat::DBFilms, {{"FilmName", name}, {"Material", material}});
     parts_.library.refresh(Dat::DBFilms);
     if (parts_.library.select(Dat::DBSelected, queries::filmNamed(answer)) != Found::Yes && added) {
-        parts_.library.tell("Film \"" + name + "\" was added; choose it in the list to edit it",
-                            NoticeTone::Plain);
+        parts_.library.tell(filled(filmText::kFilmAdded, {name}), NoticeTone::Plain);
     }
     selectMaterial(text(Dat::DBSelected, "Material"));
     return added;

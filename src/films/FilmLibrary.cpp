@@ -2,6 +2,7 @@
 
 #include "films/FilmText.h"
 #include "films/LibraryUpgrade.h"
+#include "films/Texts.h"
 #include "jet/LockFile.h"
 #include "platform/AtomicReplace.h"
 #include "util/Text.h"
@@ -54,7 +55,7 @@ void FilmLibrary::DBOpen() {
     const std::string notLookedAt = upgrade();
     bind();
     if (!notLookedAt.empty() && openFailure_.empty()) {
-        tell("Not converted: " + notLookedAt, NoticeTone::Alarm);
+        tell(filled(filmText::kNotConverted, {notLookedAt}), NoticeTone::Alarm);
     }
     caption_ = "Films - [" + trimmed(bareName(parts_.DBFileName)) + "]";
 }
@@ -121,24 +122,21 @@ bool FilmLibrary::saveDatabaseAs() {
     }
     const std::string saved = bareName(chosen);
     if (const std::string reason = copyTo(parts_.paths.resolve(chosen)); !reason.empty()) {
-        tell("Not saved as " + saved + ": " + reason, NoticeTone::Alarm);
+        tell(filled(filmText::kNotSavedAs, {saved, reason}), NoticeTone::Alarm);
         return false;
     }
     parts_.DBFileName = chosen;
     unsavedUpload_ = false;
     const bool elsewhere = !isSameFile(parts_.files, path(), boundPath_);
-    tell("Saved as " + saved + "." +
-             (elsewhere
-                  ? " Changes here still go to " + bareName(boundPath_) + "; open " + saved + " to edit it."
-                  : ""),
+    tell(filled(elsewhere ? filmText::kSavedElsewhere : filmText::kSavedAs,
+                {saved, bareName(boundPath_), saved}),
          NoticeTone::Plain);
     return true;
 }
 
 bool FilmLibrary::openUploadCopy() {
     if (const std::string reason = copyTo(parts_.paths.resolve(kUploadFile)); !reason.empty()) {
-        tell("Nothing read: the library cannot be copied to " + std::string(kUploadFile) + ": " + reason,
-             NoticeTone::Alarm);
+        tell(filled(filmText::kNotCopied, {kUploadFile, reason}), NoticeTone::Alarm);
         return false;
     }
     parts_.DBFileName = kUploadFile;
@@ -163,7 +161,8 @@ LibraryNotice FilmLibrary::standing() const {
         return {bareName(boundPath_) + ": " + openFailure_, NoticeTone::Alarm};
     }
     const std::string reason = database_ ? database_->ReadOnlyReason() : std::string();
-    return reason.empty() ? LibraryNotice{} : LibraryNotice{"Read-only: " + reason, NoticeTone::Warn};
+    return reason.empty() ? LibraryNotice{}
+                          : LibraryNotice{filled(filmText::kReadOnly, {reason}), NoticeTone::Warn};
 }
 
 // ---- The record sources ----
@@ -269,7 +268,7 @@ bool FilmLibrary::store(Source& source, const Values& values) {
 }
 
 bool FilmLibrary::notSaved() {
-    tell("Change not saved: " + plainReason(statements_.reason()), NoticeTone::Alarm);
+    tell(filled(filmText::kChangeNotSaved, {plainReason(statements_.reason())}), NoticeTone::Alarm);
     return false;
 }
 
@@ -300,7 +299,7 @@ bool FilmLibrary::commitGathered() {
     gathering_ = false;
     const bool stored = statements_.run([&] { database_->CommitTrans(); });
     if (!stored) {
-        tell("Changes not saved: " + plainReason(statements_.reason()), NoticeTone::Alarm);
+        tell(filled(filmText::kChangesNotSaved, {plainReason(statements_.reason())}), NoticeTone::Alarm);
         for (Source& source : sources_) {
             statements_.run([&] { requery(source); });
         }

@@ -1,6 +1,7 @@
 #include "films/FilmMismatches.h"
 
 #include "films/FilmText.h"
+#include "films/Texts.h"
 #include "util/Numbers.h"
 #include "util/Text.h"
 
@@ -17,23 +18,16 @@ struct Compared {
     double FilmRecord::*is;
     Dat source;
     const char* field;
-    const char* first;
-    const char* second;
+    const char* text;
 };
-constexpr Compared kCompared[] = {{&FilmRecord::Density, Dat::Material, "Density", "Film Density for film #",
-                                   "The Film Density should be "},
-                                  {&FilmRecord::Tooling, Dat::DBSelected, "Tooling",
-                                   "Film Tooling for film #", "The Film Tooling should be "},
-                                  {&FilmRecord::ZFactor, Dat::Material, "ZFactor", "Film ZFactor for film #",
-                                   "The Film ZFactor should be "},
-                                  {&FilmRecord::EndThick, Dat::DBSelected, "EndThick",
-                                   "Final Thickness for film #", "The Final Thickness should be "},
-                                  {&FilmRecord::ThickSet, Dat::DBSelected, "ThickSet",
-                                   "Thickness Setpoint for film #", "The Thickness Setpoint should be "},
-                                  {&FilmRecord::TimeSet, Dat::DBSelected, "TimeSet",
-                                   "Time Setpoint for film #", "The Time Setpoint should be "},
-                                  {&FilmRecord::SensorAvg, Dat::DBSelected, "SensorAvg",
-                                   "Sensor Average for film #", "The Sensor Average should be "}};
+constexpr Compared kCompared[] = {
+    {&FilmRecord::Density, Dat::Material, "Density", filmText::kDensityIs},
+    {&FilmRecord::Tooling, Dat::DBSelected, "Tooling", filmText::kToolingIs},
+    {&FilmRecord::ZFactor, Dat::Material, "ZFactor", filmText::kZFactorIs},
+    {&FilmRecord::EndThick, Dat::DBSelected, "EndThick", filmText::kFinalIs},
+    {&FilmRecord::ThickSet, Dat::DBSelected, "ThickSet", filmText::kThicknessIs},
+    {&FilmRecord::TimeSet, Dat::DBSelected, "TimeSet", filmText::kTimeIs},
+    {&FilmRecord::SensorAvg, Dat::DBSelected, "SensorAvg", filmText::kSensorsIs}};
 
 /// What the instrument should hold; nothing for a null.
 std::optional<double> wanted(FilmLibrary& library, const Compared& compared, bool manySensors) {
@@ -46,7 +40,7 @@ std::optional<double> wanted(FilmLibrary& library, const Compared& compared, boo
 } // namespace
 
 std::string FilmMismatch::text(int film) const {
-    return is + std::to_string(film) + " = " + instrument + ".\n" + shouldBe + database;
+    return filled(differs, {std::to_string(film), instrument, database});
 }
 
 std::vector<FilmMismatch> filmMismatches(FilmLibrary& library, const FilmRecord& instrument, bool manySensors,
@@ -55,15 +49,13 @@ std::vector<FilmMismatch> filmMismatches(FilmLibrary& library, const FilmRecord&
     const jet::Value stored = library.value(Dat::DBSelected, "FilmName");
     const std::string name = trimmed(upperAnsi(ansiFromUtf8(textOf(stored))));
     if (!jet::isNull(stored) && trimmed(instrument.FilmName) != name) {
-        found.push_back({"Film Name for film #", utf8FromAnsi(trimmed(instrument.FilmName)),
-                         "The Film Name should be ", utf8FromAnsi(name)});
+        found.push_back({filmText::kNameIs, utf8FromAnsi(trimmed(instrument.FilmName)), utf8FromAnsi(name)});
     }
     for (const Compared& compared : kCompared) {
         const double is = instrument.*compared.is;
         const auto value = wanted(library, compared, manySensors);
         if (value && is != *value) {
-            found.push_back(
-                {compared.first, generalNumber(is, locale), compared.second, generalNumber(*value, locale)});
+            found.push_back({compared.text, generalNumber(is, locale), generalNumber(*value, locale)});
         }
     }
     return found;

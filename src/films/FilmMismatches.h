@@ -11,9 +11,8 @@ namespace drx9 {
 
 /// One field in which a film read back differs from the library's. UTF-8 texts.
 struct FilmMismatch {
-    const char* is; ///< begins the line of the instrument's value
+    const char* differs; ///< takes the film's number and the two values
     std::string instrument;
-    const char* shouldBe; ///< begins the line of the database's value
     std::string database;
 
     /// The question about it.

@@ -3,6 +3,7 @@
 #include "films/FilmMismatches.h"
 #include "films/FilmRows.h"
 #include "films/FilmText.h"
+#include "films/Texts.h"
 #include "link/Crc.h"
 #include "util/Numbers.h"
 #include "util/ProgramName.h"
@@ -17,9 +18,6 @@ namespace drx9 {
 namespace {
 constexpr int kAll = 1;                  ///< the button's index for all films
 constexpr double kListenAtLeast = 0.002; // s, for the system's sake
-constexpr const char* kNoAnswer = "The DRX-9 does not answer";
-constexpr const char* kOutOfStep = "Answers out of step";
-constexpr const char* kNotSavedYet = ". Not saved under another name yet";
 
 std::int16_t percent(int part, int whole) {
     return toInt16(part * 100.0 / whole);
@@ -114,17 +112,17 @@ void FilmTransfer::upload() {
     parts_.list.refreshLists();
     TransferReport report("read");
     {
-        const Shown shown(parts_.progress, "Reading DRX-9 Films");
+        const Shown shown(parts_.progress, filmText::kReading);
         const int failed = readFilms(report);
         if (failed != 0) {
-            parts_.boxes.show("Error reading Film number " + std::to_string(failed), "Upload Error!",
-                              MessageIcon::Critical);
+            parts_.boxes.show(filled(filmText::kUploadError, {std::to_string(failed)}),
+                              filmText::kUploadErrorTitle, MessageIcon::Critical);
         }
     }
     parts_.list.refreshLists();
     parts_.list.ShowDBFilm();
     const LibraryNotice read = report.notice();
-    parts_.library.tell(opened.text + (opened.text.empty() ? "" : ". ") + read.text + kNotSavedYet,
+    parts_.library.tell(opened.text + (opened.text.empty() ? "" : ". ") + read.text + filmText::kNotSavedYet,
                         std::max({opened.tone, read.tone, NoticeTone::Warn}));
 }
 
@@ -141,8 +139,10 @@ int FilmTransfer::readFilms(TransferReport& report) {
             read.push_back(*answer.film);
         } else {
             failed = i;
-            report.fail("Film " + std::to_string(i) + ": " +
-                        (answer.status == comm::kOk ? "no film" : commStatusText(answer.status)));
+            report.fail(
+                filled(filmText::kFilmFailed,
+                       {std::to_string(i),
+                        answer.status == comm::kOk ? filmText::kNoFilm : commStatusText(answer.status)}));
         }
         if (parts_.clock.monotonic() - stored + longest_ >= kStoreWithin) {
             failed = storeRead(read, report) || failed != 0 ? failed : i;
@@ -160,7 +160,7 @@ bool FilmTransfer::storeRead(std::vector<FilmRecord>& read, TransferReport& repo
         return true;
     }
     if (!inStep()) {
-        report.fail(kOutOfStep);
+        report.fail(filmText::kOutOfStep);
         return false;
     }
     parts_.library.gatherCommits();
@@ -181,7 +181,7 @@ bool FilmTransfer::storeFilm(const FilmRecord& film, TransferReport& report) {
     if (CommToDBFilm(parts_.library, film)) {
         return true;
     }
-    report.name("Not stored", std::to_string(film.FilmNum));
+    report.name(filmText::kNotStored, std::to_string(film.FilmNum));
     if (!parts_.library.notice().text.empty()) {
         report.fail(parts_.library.notice().text);
     }
@@ -205,7 +205,7 @@ void FilmTransfer::download(int index) {
         VerifyFilms(index, report);
     }
     if (timeouts_ >= kDeadAfterTimeouts) {
-        report.fail(kNoAnswer);
+        report.fail(filmText::kNoAnswer);
     }
     parts_.list.selectFirstRow();
     parts_.list.setHourglass(false);
@@ -222,15 +222,13 @@ bool FilmTransfer::shutterClosed() {
     if (!shutter.unit || !sound) {
         const std::string reason = !answered       ? commStatusText(shutter.status)
                                    : !shutter.unit ? commStatusText(comm::kNoData)
-                                                   : "answers out of step";
-        parts_.library.tell("Nothing sent: whether the shutter is closed is not known (" + reason + ")",
-                            NoticeTone::Alarm);
+                                                   : filmText::kShutterOutOfStep;
+        parts_.library.tell(filled(filmText::kShutterUnknown, {reason}), NoticeTone::Alarm);
         parts_.list.setHourglass(false);
         return false;
     }
     if (*shutter.unit > 0) {
-        parts_.boxes.show("Please close shutter before downloading films.", "Shutter is opened!",
-                          MessageIcon::Exclamation);
+        parts_.boxes.show(filmText::kShutterOpen, filmText::kShutterOpenTitle, MessageIcon::Exclamation);
         return false;
     }
     return true;
@@ -245,7 +243,7 @@ bool FilmTransfer::takes(int film, int index) const {
 }
 
 void FilmTransfer::writeFilms(int index, TransferReport& report) {
-    const Shown shown(parts_.progress, "Writing DRX-9 Films");
+    const Shown shown(parts_.progress, filmText::kWriting);
     const int count = rows();
     int expected = 0;
     for (int i = 1; i <= count; ++i) {
@@ -260,7 +258,7 @@ void FilmTransfer::writeFilms(int index, TransferReport& report) {
         }
     }
     if (!stopped() && expected > 0 && !inStep()) {
-        report.fail(std::string(kOutOfStep) + ": some films may not have been taken");
+        report.fail(filmText::kSentOutOfStep);
     }
 }
 
@@ -269,21 +267,22 @@ void FilmTransfer::writeRow(int film, TransferReport& report) {
     FilmRecord record = held;
     const std::string name = parts_.list.filmName();
     DBFilmToComm(parts_.library, film, name, parts_.list.manySensors(), record);
-    const std::string named = trimmed(name).empty() ? "row " + std::to_string(film) : trimmed(name);
+    const std::string named =
+        trimmed(name).empty() ? filled(filmText::kRow, {std::to_string(film)}) : trimmed(name);
     if (record.FilmName == kNotAFilm) {
-        report.name("Not sent, cannot be looked up", named);
+        report.name(filmText::kNotLookedUp, named);
         return;
     }
     record.FilmName = wireFilmName(record.FilmName);
     if (filmPayload(record).size() + filmCommand(film).size() > kLongestCommand) {
-        report.name("Not sent, its numbers are too long", named);
+        report.name(filmText::kTooLong, named);
         return;
     }
     if (characterCount(trimmedRight(name)) > kFilmNameLength) {
-        report.name("Names cut to 8 characters", named);
+        report.name(filmText::kNamesCut, named);
     }
     if (!parts_.library.found(Dat::Material)) {
-        report.name("Material not in the library, density and Z factor left as they are", named);
+        report.name(filmText::kMaterialMissing, named);
     }
     beginExchange();
     const std::uint16_t status = parts_.commands.Comm_SetFilm(film, record);
@@ -291,14 +290,14 @@ void FilmTransfer::writeRow(int film, TransferReport& report) {
         parts_.films[static_cast<std::size_t>(film)] = record;
         report.done(1);
     } else {
-        report.name("Not accepted (" + commStatusText(status) + ")", std::to_string(film));
+        report.name(filled(filmText::kNotAccepted, {commStatusText(status)}), std::to_string(film));
     }
 }
 
 // ---- Verification ----
 
 void FilmTransfer::VerifyFilms(int index, TransferReport& report) {
-    const Shown shown(parts_.progress, "Verifying DRX-9 Films");
+    const Shown shown(parts_.progress, filmText::kVerifying);
     const int count = rows();
     bool goesOn = true;
     for (int i = 1; i <= count && goesOn && !stopped(); ++i) {
@@ -319,7 +318,7 @@ bool FilmTransfer::verifyRow(int film, TransferReport& report) {
                                                            parts_.list.manySensors(), parts_.locale)
                                           : std::vector<FilmMismatch>();
     if (!readBack.film || (!mismatches.empty() && !inStep())) {
-        report.name("Not read back", std::to_string(film));
+        report.name(filmText::kNotReadBack, std::to_string(film));
         return true;
     }
     parts_.films[0] = *readBack.film;
@@ -341,9 +340,9 @@ void FilmTransfer::resetToDefaults() {
     const std::uint16_t status = parts_.commands.Comm_FilmDefaults();
     parts_.list.setHourglass(false);
     if (status == comm::kOk) {
-        parts_.library.tell("The DRX-9 was reset to its default values", NoticeTone::Plain);
+        parts_.library.tell(filmText::kReset, NoticeTone::Plain);
     } else {
-        parts_.library.tell("Defaults not accepted: " + commStatusText(status), NoticeTone::Alarm);
+        parts_.library.tell(filled(filmText::kNotReset, {commStatusText(status)}), NoticeTone::Alarm);
     }
 }
 

@@ -1,8 +1,10 @@
 #include "films/LibraryUpgrade.h"
 
 #include "films/FilmText.h"
+#include "films/Texts.h"
 #include "platform/AtomicReplace.h"
 #include "util/Paths.h"
+#include "util/Text.h"
 
 #include <array>
 
@@ -23,7 +25,7 @@ LibraryUpgrade::Outcome LibraryUpgrade::DBUpgrade() {
     try {
         convert(*database, indexes.front().Name);
     } catch (const jet::JetError& error) {
-        return {false, "Not converted: " + error.reason()};
+        return {false, filled(filmText::kNotConverted, {error.reason()})};
     }
     return {true, told(!database->TableDefs("Film").Indexes().empty())};
 }
@@ -87,7 +89,7 @@ void LibraryUpgrade::commit(jet::Database& database) {
             files_.remove(backup_);
             throw;
         }
-        warning_ = ". Attention: " + error.reason();
+        warning_ = filled(filmText::kAttention, {error.reason()});
     }
 }
 
@@ -102,7 +104,7 @@ void LibraryUpgrade::keepOldFile() {
     if (status.ok()) {
         status = replaceFile(files_, name, bytes, [&] {
             ours = !files_.exists(name);
-            return ours ? FileStatus() : FileStatus::failure("it exists already");
+            return ours ? FileStatus() : FileStatus::failure(filmText::kBackupExists);
         });
     }
     if (!status.ok()) {
@@ -110,17 +112,18 @@ void LibraryUpgrade::keepOldFile() {
             files_.remove(name); // only its folder could not be flushed
         }
         throw jet::JetError(jet::Fault::NotSaved,
-                            "the old file cannot be kept as " + bareName(name) + ": " + status.reason());
+                            filled(filmText::kNoBackup, {bareName(name), status.reason()}));
     }
     backup_ = name;
 }
 
 std::string LibraryUpgrade::told(bool indexLeft) const {
+    const std::string kept = bareName(backup_);
     const std::string numbered =
-        stood_ > kMostFilms ? std::to_string(kMostFilms) + " of " + std::to_string(stood_) + " films numbered"
-                            : std::string("all films numbered");
-    return "Converted, " + numbered + "; the old file is kept as " + bareName(backup_) +
-           (indexLeft ? ". An index is left on Film" : "") + warning_;
+        stood_ > kMostFilms
+            ? filled(filmText::kSomeNumbered, {std::to_string(kMostFilms), std::to_string(stood_), kept})
+            : filled(filmText::kAllNumbered, {kept});
+    return numbered + (indexLeft ? filmText::kIndexLeft : "") + warning_;
 }
 
 } // namespace drx9

@@ -2,7 +2,9 @@
 
 #include "controls/MarkLabel.h"
 #include "controls/SpinBox.h"
+#include "films/Texts.h"
 #include "util/ProgramName.h"
+#include "util/Text.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -24,7 +26,6 @@ namespace drx9 {
 namespace {
 constexpr std::size_t kFirstOfMany = 2; ///< index of the third sensor's box
 constexpr int kRowHeight = 28;
-constexpr const char* kUnsaved = "Uploaded data, not saved under another name yet";
 
 QString shown(const std::string& text) {
     return QString::fromStdString(text);
@@ -61,7 +62,7 @@ frmFilm::~frmFilm() {
 // ---- Load and unload ----
 
 void frmFilm::Form_Load() {
-    timerHold_ = parts_.polling.holdTimer("Film Setup is open");
+    timerHold_ = parts_.polling.holdTimer(filmText::kHoldReason);
     closeRound_ = parts_.round.beforeClose([this] { beforeProgramCloses(); });
     wasOnline_ = online();
     for (QPushButton* transfer : instrumentButtons_) {
@@ -109,7 +110,7 @@ void frmFilm::Form_QueryUnload() {
 
 void frmFilm::askUnsaved() {
     if (library_.unsavedUpload() &&
-        parts_.boxes.askYesNo("Save Uploaded Data to a database?", kProgramName, MessageIcon::Question)) {
+        parts_.boxes.askYesNo(filmText::kAskUnsaved, kProgramName, MessageIcon::Question)) {
         library_.saveDatabaseAs();
     }
 }
@@ -374,9 +375,9 @@ void frmFilm::showFilm() {
 }
 
 void frmFilm::showInstrument() {
-    const QString version = shown("Ver. " + parts_.link.Comm_VersionText() + ", " +
-                                  std::to_string(parts_.link.FilmCount()) + " films");
-    version_->setText(online() ? version : QStringLiteral("Off line"));
+    const QString version = shown(filled(
+        filmText::kInstrument, {parts_.link.Comm_VersionText(), std::to_string(parts_.link.FilmCount())}));
+    version_->setText(online() ? version : QString::fromUtf8(filmText::kOffLine));
 }
 
 /// What came of the last operation goes before what lasts.
@@ -389,9 +390,9 @@ void frmFilm::showState() {
     } else if (!standing.text.empty()) {
         said = standing;
     } else if (library_.unsavedUpload()) {
-        said = {kUnsaved, NoticeTone::Warn};
+        said = {filmText::kUnsaved, NoticeTone::Warn};
     } else if (wasOnline_ && !online()) {
-        said = {"Off line: the link was lost", NoticeTone::Alarm};
+        said = {filmText::kLinkLost, NoticeTone::Alarm};
     }
     state_->say(shown(said.text), toneOf(said.tone));
     state_->setToolTip(shown(said.text));

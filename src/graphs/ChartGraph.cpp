@@ -1,6 +1,7 @@
 #include "graphs/ChartGraph.h"
 
 #include "graphs/ChartFile.h"
+#include "graphs/Texts.h"
 #include "util/Numbers.h"
 #include "util/Paths.h"
 
@@ -136,7 +137,7 @@ bool ChartGraph::Cfg_Save() {
     model_.beginBatch();
     model_.setXMinimum(0);
     model_.setXMaximum(xWide_);
-    FileStatus status = FileStatus::failure("no folder for it");
+    FileStatus status = FileStatus::failure(graphText::kNoFolder);
     if (ports_.files != nullptr) {
         status = saveChartLook(*ports_.files, fileName_, model_.look());
     }

@@ -3,8 +3,10 @@
 #include "controls/MarkLabel.h"
 #include "controls/SpinBox.h"
 #include "controls/Theme.h"
+#include "graphs/Texts.h"
 #include "graphs/controls/ChartControl.h"
 #include "util/Numbers.h"
+#include "util/Text.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -187,8 +189,7 @@ void frmGraphSet::Form_Load() {
 
 void frmGraphSet::spnSetup_Change() {
     const bool ordered = spn(kYMinimum).value() < spn(kYMaximum).value();
-    state_->say(ordered ? QString()
-                        : QStringLiteral("Y Axis Min. is not below Y Axis Max.: the axis stays as it is."),
+    state_->say(ordered ? QString() : QString::fromUtf8(graphText::kNotOrdered),
                 ordered ? MarkLabel::Tone::Plain : MarkLabel::Tone::Warn);
 }
 
@@ -205,8 +206,8 @@ void frmGraphSet::cmdOK_Click() {
         ChartGraph& each = charts_.graph(number);
         each.setXwide(static_cast<float>(width));
         if (!each.Cfg_Save()) {
-            emit settingsNotSaved(QStringLiteral("Graph settings not saved: ") +
-                                  QString::fromStdString(each.saveFault()));
+            emit settingsNotSaved(
+                QString::fromStdString(filled(graphText::kSettingsNotSaved, {each.saveFault()})));
         }
     }
     accept();

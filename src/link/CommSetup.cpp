@@ -1,6 +1,7 @@
 #include "link/CommSetup.h"
 
 #include "link/Link.h"
+#include "link/Texts.h"
 #include "platform/LinkPorts.h"
 #include "util/Text.h"
 
@@ -16,10 +17,6 @@ constexpr int kProductId = 4;                // option of SI_GetProductString
 bool isProduct(UsbBridge& bridge, std::uint32_t index) {
     std::string product;
     return bridge.SI_GetProductString(index, product, kProductId) != 0 || equalNoCase(product, kProduct);
-}
-
-std::string counted(int count, const std::string& noun) {
-    return (count == 0 ? "No" : std::to_string(count)) + " " + noun + (count < 2 ? "" : "s");
 }
 
 /// First character of well-formed UTF-8 that Windows-1252 does not hold; empty when it holds all.
@@ -51,13 +48,13 @@ std::optional<std::size_t> portEntry(std::int16_t port) {
 
 std::string deviceText(std::int16_t port, const std::string& device) {
     if (!portEntry(port)) {
-        return "COM" + std::to_string(port) + " is set: choose another";
+        return filled(linkText::kOtherPortSet, {std::to_string(port)});
     }
-    return device.empty() ? "no device" : device;
+    return device.empty() ? linkText::kNoDevice : device;
 }
 
 std::string baudText(std::int32_t baud) {
-    return baudEntry(baud) ? "baud, 8 N 1" : std::to_string(baud) + " baud is set";
+    return baudEntry(baud) ? linkText::kBaud : filled(linkText::kOtherBaudSet, {std::to_string(baud)});
 }
 
 int attachedBridges(UsbBridge& bridge) {
@@ -73,15 +70,18 @@ int attachedBridges(UsbBridge& bridge) {
 }
 
 std::string bridgeText(int listed, int attached) {
-    const std::string text = counted(attached, "DRX-9 bridge") + " attached";
-    return attached == listed ? text : text + ", " + std::to_string(listed) + " listed: press Find";
+    const char* const count = attached == 0   ? linkText::kNoBridges
+                              : attached == 1 ? linkText::kOneBridge
+                                              : linkText::kBridges;
+    const std::string text = filled(count, {std::to_string(attached)});
+    return attached == listed ? text : text + filled(linkText::kListed, {std::to_string(listed)});
 }
 
 std::string serialNumberText(int listed, bool isListed, const std::string& chosen) {
     if (listed == 0 || isListed) {
-        return "serial number";
+        return linkText::kSerialNumber;
     }
-    return chosen + " is set: choose one";
+    return filled(linkText::kOtherNumberSet, {chosen});
 }
 
 std::string linkName(const LinkSettings& settings) {
@@ -122,31 +122,35 @@ void CommSetup::searched(const LinkSettings& settings, const std::string& failur
 }
 
 void CommSetup::portOpened(std::int16_t port, const std::string& reason) {
-    refusal_ = reason.empty() ? reason : "Comm Port " + std::to_string(port) + " not available. " + reason;
+    refusal_ =
+        reason.empty() ? reason : filled(linkText::kPortNotAvailableBecause, {std::to_string(port), reason});
 }
 
 CommState CommSetup::state(const LinkSettings& now, const Facts& facts) const {
     using Tone = CommState::Tone;
     if (knownLink(now.CommType) == LinkType::Serial && !refusal_.empty()) {
-        return {"Off line: " + refusal_, Tone::Alarm};
+        return {filled(linkText::kOffLine, {refusal_}), Tone::Alarm};
     }
     if (!sameLink(searched_, now)) {
-        return {"Not tried yet: " + linkName(now) + ". Find looks for the instrument there.", Tone::Plain};
+        return {filled(linkText::kNotTried, {linkName(now)}), Tone::Plain};
     }
     if (facts.ok && !facts.open) {
-        return {"Off line: " + linkName(now) + " is no longer open", Tone::Alarm};
+        return {filled(linkText::kNoLongerOpen, {linkName(now)}), Tone::Alarm};
     }
     if (facts.ok) {
-        return {facts.version.empty() ? "On line" : "On line: Ver. " + facts.version, Tone::Plain};
+        return {facts.version.empty() ? linkText::kOnLine : filled(linkText::kOnLineVersion, {facts.version}),
+                Tone::Plain};
     }
-    return {"Off line: " + (failure_.empty() ? "no answer on " + linkName(now) : failure_), Tone::Alarm};
+    return {failure_.empty() ? filled(linkText::kNoAnswer, {linkName(now)})
+                             : filled(linkText::kOffLine, {failure_}),
+            Tone::Alarm};
 }
 
 CommState CommSetup::silence(const LinkSettings& now, const Facts& facts) {
     if (facts.ok && facts.open) {
-        return {"No answer on " + linkName(now) + " to this command", CommState::Tone::Warn};
+        return {filled(linkText::kNoAnswerToCommand, {linkName(now)}), CommState::Tone::Warn};
     }
-    return {"Off line: no answer on " + linkName(now), CommState::Tone::Alarm};
+    return {filled(linkText::kNoAnswer, {linkName(now)}), CommState::Tone::Alarm};
 }
 
 bool CommSetup::reopens(const LinkSettings& now, const Facts& facts) const {
@@ -162,10 +166,10 @@ RawCommand rawCommand(const std::string& typed) {
     const std::string stranger = firstStranger(typed);
     command.bytes = ansiFromUtf8(typed);
     if (!stranger.empty()) {
-        command.refusal = "Not sent: \"" + stranger + "\" is no character of Windows-1252.";
+        command.refusal = filled(linkText::kStrangeCharacter, {stranger});
     } else if (command.bytes.size() > kLongestCommand) {
-        command.refusal = "Not sent: " + counted(static_cast<int>(command.bytes.size()), "character") +
-                          ", the most is " + std::to_string(kLongestCommand) + ".";
+        command.refusal = filled(linkText::kTooLong,
+                                 {std::to_string(command.bytes.size()), std::to_string(kLongestCommand)});
     }
     const std::size_t first = command.bytes.find_first_not_of(' ');
     const std::string letter = first == std::string::npos ? "" : upperAscii(command.bytes.substr(first, 1));

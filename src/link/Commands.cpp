@@ -1,5 +1,6 @@
 #include "link/Commands.h"
 
+#include "link/Texts.h"
 #include "util/Numbers.h"
 #include "util/ProgramName.h"
 #include "util/Text.h"
@@ -54,8 +55,8 @@ public:
         }
         const StepWatch& watch = link_.watch();
         if (end_ == ReadResult::Done && watch.broken()) {
-            failure_ += watch.late() ? (failure_.empty() ? "Late answer" : ", answered late")
-                                     : (failure_.empty() ? "Answers out of step" : ", answers out of step");
+            failure_ += watch.late() ? (failure_.empty() ? linkText::kLateAnswer : linkText::kAlsoLate)
+                                     : (failure_.empty() ? linkText::kOutOfStep : linkText::kAlsoOutOfStep);
             end_ = ReadResult::OutOfStep;
         }
         return end_;
@@ -132,7 +133,7 @@ Commands::ReadResult Commands::Comm_GetData(Readings& readings, int sensors,
                                             const std::function<bool()>& abandon) {
     readFailure_.clear();
     if (link_.CommStatus() != comm::kOk) {
-        boxes_.showNonBlocking("Get Data Error", kProgramName, MessageIcon::None);
+        boxes_.showNonBlocking(linkText::kGetDataError, kProgramName, MessageIcon::None);
         return ReadResult::Busy;
     }
     link_.watch().begin();
@@ -181,7 +182,7 @@ std::uint16_t Commands::Comm_SelectFilm(int film) {
 Commands::FilmAnswer Commands::Comm_GetFilm(int number, Messages messages) {
     if (link_.CommStatus() != comm::kOk) {
         const std::uint16_t status = link_.CommStatus();
-        tell(messages, "Get Film Error: Busy");
+        tell(messages, linkText::kGetFilmBusy);
         return {status, std::nullopt};
     }
     const Exchange exchange = link_.Comm_Send(filmCommand(number) + "?");
@@ -191,7 +192,7 @@ Commands::FilmAnswer Commands::Comm_GetFilm(int number, Messages messages) {
     if (parseFilmReply(reply, number, film)) {
         return {exchange.status, film};
     }
-    tell(messages, "Get Film Error: " + utf8FromAnsi(reply));
+    tell(messages, filled(linkText::kGetFilmError, {utf8FromAnsi(reply)}));
     return {exchange.status, std::nullopt};
 }
 

@@ -1,5 +1,6 @@
 #include "link/Discovery.h"
 
+#include "link/Texts.h"
 #include "util/Numbers.h"
 #include "util/ProgramName.h"
 #include "util/Text.h"
@@ -9,7 +10,6 @@
 namespace drx9 {
 
 namespace {
-constexpr const char* kNotFound = "Instrument not found.";
 constexpr const char* kProduct = "83F5"; // tells the instrument's bridge from others of its family
 constexpr int kSerialNumber = 0;         // options of SI_GetProductString
 constexpr int kProductId = 4;
@@ -110,7 +110,7 @@ bool Discovery::Comm_Open(Messages messages, const Abandon& abandon) {
     if (!instrumentAnswers()) {
         lost();
         if (!abandon || !abandon()) {
-            tell(messages, kNotFound, MessageIcon::None, true);
+            tell(messages, linkText::kNotFound, MessageIcon::None, true);
         }
         return false;
     }
@@ -140,7 +140,7 @@ bool Discovery::openSerial() {
     if (reason.empty()) {
         return true;
     }
-    failure_ = "Comm Port " + std::to_string(port) + " not available.";
+    failure_ = filled(linkText::kPortNotAvailable, {std::to_string(port)});
     const bool tried = port >= SerialTransport::kFirstPort && port <= SerialTransport::kLastPort;
     refusal_ = tried ? failure_ : std::string(); // the port's reason is for the status bar
     failure_ += " " + reason;
@@ -157,12 +157,14 @@ bool Discovery::openUsb() {
         return true;
     }
     if (found) {
-        failure_ = "The USB device with serial number " + settings_.USBSerNum + " cannot be opened.";
+        failure_ = filled(linkText::kUsbRefuses, {settings_.USBSerNum});
     } else {
-        failure_ = serials_.empty() ? "No DRX-9 found on USB."
-                                    : "No DRX-9 with serial number " + settings_.USBSerNum + " among the " +
-                                          std::to_string(USBCount()) + " found on USB.";
+        failure_ = serials_.empty()
+                       ? linkText::kUsbNone
+                       : filled(linkText::kUsbOthers, {settings_.USBSerNum, std::to_string(USBCount())});
     }
+    const std::string reason = transports_.usb.bridge().reason();
+    failure_ += reason.empty() ? "" : " " + reason;
     return false;
 }
 
@@ -171,8 +173,8 @@ bool Discovery::openSocket(const Abandon& abandon) {
         return true;
     }
     const std::string reason = transports_.socket.control().reason();
-    failure_ = "No connection to " + settings_.EAddress + " port " + settings_.EPort + ": " +
-               (reason.empty() ? std::string("no answer within 1 s") : reason);
+    failure_ = filled(linkText::kNoConnection, {settings_.EAddress, settings_.EPort,
+                                                reason.empty() ? linkText::kNoAnswerInTime : reason});
     transports_.socket.close(); // a connection that comes later is not wanted
     return false;
 }
@@ -182,7 +184,7 @@ bool Discovery::instrumentAnswers() {
     link_.watch().begin();
     const Exchange version = link_.Comm_Send("@");
     if (!version.ok()) {
-        failure_ = std::string(kNotFound) + " (" + commStatusText(version.status) + ")";
+        failure_ = filled(linkText::kNotFoundBecause, {commStatusText(version.status)});
         transports_.usb.close(); // after a failure no device stays open
         return false;
     }
@@ -203,7 +205,7 @@ bool Discovery::answersStray() {
     if (!link_.watch().broken()) {
         return false;
     }
-    failure_ = "Answers out of step";
+    failure_ = linkText::kOutOfStep;
     transports_.usb.close();
     return true;
 }

@@ -1,6 +1,7 @@
 #include "link/Link.h"
 
 #include "link/Crc.h"
+#include "link/Texts.h"
 #include "util/Numbers.h"
 #include "util/Text.h"
 
@@ -33,10 +34,11 @@ std::uint16_t statusOfLetter(char letter) {
 } // namespace
 
 std::string commStatusText(std::uint16_t status) {
+    using namespace linkText;
     static constexpr std::array<const char*, 11> kTexts = {
-        "",         "Timeout",        "No Data",        "Not Ready",       "Bad Command",        "Bad Data",
-        "Bad Mode", "Checksum Error", "Port Not Ready", "Instrument Busy", "Lost Communications"};
-    return status < kTexts.size() ? kTexts[status] : "Unknown Error";
+        "",       kTimeout,  kNoData,       kNotReady, kBadCommand, kBadData,
+        kBadMode, kChecksum, kPortNotReady, kBusy,     kLost};
+    return status < kTexts.size() ? kTexts[status] : kUnknown;
 }
 
 /// Marks the exchange as in flight, and leaves neither the mark nor the busy status behind when an event

@@ -1,5 +1,6 @@
 #include "link/Transports.h"
 
+#include "link/Texts.h"
 #include "util/Numbers.h"
 
 #include <algorithm>
@@ -57,13 +58,13 @@ void SerialTransport::close() {
 
 std::string SerialTransport::open(int port, std::int32_t baud) {
     if (port < kFirstPort || port > kLastPort) {
-        return "Only COM1 to COM9 can be used.";
+        return linkText::kOnlyNinePorts;
     }
     close();
     control_.setCommPort(port);
     control_.setSettings(std::to_string(baud) + ",N,8,1");
     const std::string reason = control_.open();
-    return !reason.empty() || control_.isOpen() ? reason : "The port closed at once.";
+    return !reason.empty() || control_.isOpen() ? reason : linkText::kPortClosed;
 }
 
 bool UsbTransport::isOpen() {

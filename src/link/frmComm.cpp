@@ -1,6 +1,8 @@
 #include "link/frmComm.h"
 
+#include "link/Texts.h"
 #include "util/ProgramName.h"
+#include "util/Text.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -16,7 +18,6 @@
 namespace drx9 {
 
 namespace {
-constexpr const char* kHoldReason = "DRX-9 Comm Setup is open";
 constexpr const char* kSetupTool = "dgdiscvr.exe";
 constexpr int kDevicesMs = 1000;
 
@@ -67,8 +68,8 @@ private:
 frmComm::frmComm(const CommWindowParts& parts, QWidget* owner)
     : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint)
     , parts_(parts)
-    , hold_(parts.polling.holdTimer(kHoldReason))
-    , setup_(parts.settings, facts(), failure()) {
+    , hold_(parts.polling.holdTimer(linkText::kHoldReason))
+    , setup_(parts.settings, facts(), parts.discovery.failure()) {
     setObjectName(QStringLiteral("frmComm"));
     setWindowTitle(QStringLiteral("DRX-9 Comm Setup"));
     setAttribute(Qt::WA_DeleteOnClose);
@@ -142,7 +143,7 @@ void frmComm::openSerialPort(int port) {
     showState();
     const bool tried = port >= SerialTransport::kFirstPort && port <= SerialTransport::kLastPort;
     if (!reason.empty() && tried) {
-        parts_.boxes.show("Comm Port " + std::to_string(port) + " not available.", kProgramName,
+        parts_.boxes.show(filled(linkText::kPortNotAvailable, {std::to_string(port)}), kProgramName,
                           MessageIcon::Information);
     }
 }
@@ -225,14 +226,14 @@ void frmComm::find() {
     LinkSettings sought = parts_.settings; // what is typed meanwhile is another link
     txtSend_->clear();
     txtRcv_->clear();
-    say({"Looking for the DRX-9 on " + linkName(sought), CommState::Tone::Plain});
+    say({filled(linkText::kLooking, {linkName(sought)}), CommState::Tone::Plain});
     const bool found =
         parts_.discovery.Comm_Open(Messages::Blocking, [this] { return parts_.actions.closing(); });
     if (self == nullptr) {
         return;
     }
     sought.USBSerNum = parts_.settings.USBSerNum; // a single bridge is adopted
-    setup_.searched(sought, failure());
+    setup_.searched(sought, parts_.discovery.failure());
     if (parts_.settings.CommType == LinkType::Usb) {
         refillUsb();
         showUsb();
@@ -240,7 +241,7 @@ void frmComm::find() {
     showState();
     if (found) {
         parts_.setup.linkFound();
-        parts_.boxes.show("Found DRX-9 Ver. " + parts_.link.Comm_VersionText(), kProgramName,
+        parts_.boxes.show(filled(linkText::kFound, {parts_.link.Comm_VersionText()}), kProgramName,
                           MessageIcon::None);
     }
 }

@@ -87,7 +87,6 @@ private:
     void refillUsb();
     void followDevices();
     [[nodiscard]] CommSetup::Facts facts() const;
-    [[nodiscard]] std::string failure() const;
 
     // What the operator does.
 

@@ -2,6 +2,7 @@
 #include "link/frmComm.h"
 
 #include "controls/Theme.h"
+#include "link/Texts.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -30,14 +31,6 @@ CommSetup::Facts frmComm::facts() const {
             parts_.transports.of(parts_.settings.CommType).isOpen()};
 }
 
-/// Why the last search failed, with what the bridge's port says to it.
-std::string frmComm::failure() const {
-    const std::string& text = parts_.discovery.failure();
-    const bool usb = parts_.settings.CommType == LinkType::Usb;
-    const std::string reason = usb ? parts_.transports.usb.bridge().reason() : std::string();
-    return text.empty() || reason.empty() ? text : text + " " + reason;
-}
-
 /// Shows the controls of the link that is set, also where an option was chosen that did not count.
 void frmComm::showLink() {
     const auto page = static_cast<std::size_t>(knownLink(parts_.settings.CommType));
@@ -50,8 +43,7 @@ void frmComm::showLink() {
 void frmComm::showSerial() {
     for (int entry = 0; entry < cboRS232_->count(); ++entry) {
         const std::string device = parts_.transports.serial.control().deviceName(entry + 1);
-        cboRS232_->setItemData(entry, device.empty() ? QStringLiteral("no device") : q(device),
-                               Qt::ToolTipRole);
+        cboRS232_->setItemData(entry, q(device.empty() ? linkText::kNoDevice : device), Qt::ToolTipRole);
     }
     const std::int16_t port = parts_.settings.Port;
     const bool listed = portEntry(port).has_value();

@@ -1,5 +1,7 @@
 #include "monitor/AnswerRecord.h"
 
+#include "monitor/Texts.h"
+
 #include <algorithm>
 #include <numeric>
 
@@ -40,7 +42,7 @@ void AnswerRecord::noteFailure(const std::string& failure) {
 }
 
 void AnswerRecord::publish() {
-    lastExchange_ = failure_.empty() ? "OK" : failure_;
+    lastExchange_ = failure_.empty() ? monitorText::kOk : failure_;
 }
 
 double AnswerRecord::usualInterval() const {

@@ -1,9 +1,11 @@
 #include "monitor/DataLog.h"
 
+#include "monitor/Texts.h"
 #include "platform/AtomicReplace.h"
 #include "util/DisplayFormats.h"
 #include "util/Numbers.h"
 #include "util/ProgramName.h"
+#include "util/Text.h"
 
 #include <memory>
 #include <utility>
@@ -62,7 +64,7 @@ void DataLog::offerDeletion() {
     if (!size) {
         return;
     }
-    boxes_.askYesNoLater("Log file size is " + std::to_string(*size) + ". Delete?", kProgramName,
+    boxes_.askYesNoLater(filled(monitorText::kDeleteLog, {std::to_string(*size)}), kProgramName,
                          MessageIcon::Question,
                          [this, path, asked = files_.identity(path), bytes = *size](bool yes) {
                              if (yes && asked && isSameFile(path, *asked)) {

@@ -1,5 +1,6 @@
 #include "monitor/FilmChoice.h"
 
+#include "monitor/Texts.h"
 #include "util/Text.h"
 
 #include <utility>
@@ -96,10 +97,9 @@ std::string FilmChoice::mark() const {
         return {};
     }
     if (!confirmed_) {
-        return "The instrument has not confirmed this film. Choose it again to be sure.";
+        return monitorText::kFilmNotConfirmed;
     }
-    return index_ < 0 ? "The film list could not be read as far as this film, which is in use."
-                      : std::string();
+    return index_ < 0 ? monitorText::kListEndsBefore : std::string();
 }
 
 bool FilmChoice::takeRepeat() {

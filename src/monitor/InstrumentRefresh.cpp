@@ -1,6 +1,7 @@
 #include "monitor/InstrumentRefresh.h"
 
 #include "monitor/FilmChoice.h"
+#include "monitor/Texts.h"
 #include "util/Numbers.h"
 
 #include <algorithm>
@@ -65,7 +66,7 @@ void InstrumentRefresh::readRecord(Result& result) {
     if (parts_.link.watch().surplus()) {
         result.end = End::OutOfStep;
     } else if (!result.recordRead) {
-        parts_.answers.noteFailure("B?: not read"); // the status is that of "C?"
+        parts_.answers.noteFailure(monitorText::kRecordNotRead); // the status is that of "C?"
     }
 }
 

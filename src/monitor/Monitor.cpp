@@ -1,5 +1,6 @@
 #include "monitor/Monitor.h"
 
+#include "monitor/Texts.h"
 #include "util/Text.h"
 
 #include <utility>
@@ -46,7 +47,8 @@ void Monitor::Form_QueryUnload(bool sessionEnds) {
     step([&] { notSaved = saveSettings(); });
     step([this] { setRunMode(RunState::Exiting); });
     if (!notSaved.empty() && !sessionEnds) {
-        parts_.boxes.show("Settings not saved: " + notSaved, kProgramName, MessageIcon::Exclamation);
+        parts_.boxes.show(filled(monitorText::kSettingsNotSaved, {notSaved}), kProgramName,
+                          MessageIcon::Exclamation);
     }
     step([this] { window_->closeOtherWindows(); });
 }
@@ -191,7 +193,7 @@ void Monitor::takeRefresh(InstrumentRefresh::Result result) {
     if (result.end == InstrumentRefresh::End::OutOfStep) {
         stepLost_ = true;
         shown_.systemKnown = false;
-        answers_.noteFailure("Films and parameters not read: answers out of step");
+        answers_.noteFailure(monitorText::kRefreshOutOfStep);
         return;
     }
     shown_.systemKnown = result.recordAsked ? result.recordRead : shown_.systemKnown;
@@ -291,7 +293,7 @@ void Monitor::reopen() {
     takeStopWithoutLink();
     switch (keeper_.attempt()) {
     case LinkKeeper::Attempt::Opened:
-        answers_.say("OK");
+        answers_.say(monitorText::kOk);
         reopened();
         break;
     case LinkKeeper::Attempt::Failed:
@@ -307,8 +309,8 @@ void Monitor::reopen() {
 void Monitor::reopened() {
     if (runMode_ == RunState::Running) {
         if (!keeper_.sameVersion()) {
-            tell("Another instrument answers now: " + utf8FromAnsi(trimmed(parts_.link.CommVersion())),
-                 "Another instrument");
+            tell(filled(monitorText::kOtherInstrument, {utf8FromAnsi(trimmed(parts_.link.CommVersion()))}),
+                 monitorText::kOtherInstrumentBrief);
         }
         return;
     }
@@ -369,7 +371,7 @@ void Monitor::tell(const std::string& text, const std::string& brief) {
 }
 
 void Monitor::linkFound() {
-    answers_.say("OK"); // what the loss meant has ended with the opening itself
+    answers_.say(monitorText::kOk); // what the loss meant has ended with the opening itself
     changed();
 }
 

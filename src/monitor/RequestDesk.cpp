@@ -1,5 +1,7 @@
 #include "monitor/RequestDesk.h"
 
+#include "monitor/Texts.h"
+
 #include <utility>
 
 namespace drx9 {
@@ -51,7 +53,7 @@ void RequestDesk::takeFilm(RunHost& host) {
         readFilm(number);
     }
     parts_.choice.selected(number, status == comm::kOk && inStep());
-    report_.ended("Film", status, inStep());
+    report_.ended(monitorText::kFilm, status, inStep());
     host.filmChanged();
 }
 
@@ -72,7 +74,7 @@ void RequestDesk::takeZero(RunHost& host) {
     status =
         firstFailure(status, note("T", parts_.commands.Comm_ZeroTime())); // ZeroAll sends it once more: kept
     status = firstFailure(status, host.ZeroAll());
-    report_.ended("Zero", status, inStep());
+    report_.ended(monitorText::kZero, status, inStep());
 }
 
 bool RequestDesk::takeShutter(const RunHost& host) {
@@ -85,14 +87,14 @@ bool RequestDesk::takeShutter(const RunHost& host) {
     } else {
         const std::uint16_t status =
             note("U", parts_.commands.Comm_SetUnit(0)); // also when the query failed: kept
-        report_.ended("Shutter", status, inStep());
+        report_.ended(monitorText::kShutter, status, inStep());
     }
     return true;
 }
 
 void RequestDesk::openShutter(const RunHost& host) {
     const std::uint16_t status = note("U", parts_.commands.Comm_SetUnit(1));
-    report_.ended("Shutter", status, inStep());
+    report_.ended(monitorText::kShutter, status, inStep());
     if (host.RunMode() != RunState::Idle) {
         return;
     }
@@ -125,10 +127,10 @@ bool RequestDesk::takeStop(RunState runMode) {
 }
 
 void RequestDesk::dropWaiting() {
-    const std::pair<bool, const char*> waiting[] = {{flags_.film, "Film"},
-                                                    {flags_.zero, "Zero"},
-                                                    {flags_.shutter, "Shutter"},
-                                                    {flags_.startStop, "Start"}};
+    const std::pair<bool, const char*> waiting[] = {{flags_.film, monitorText::kFilm},
+                                                    {flags_.zero, monitorText::kZero},
+                                                    {flags_.shutter, monitorText::kShutter},
+                                                    {flags_.startStop, monitorText::kStart}};
     report_.beginRound();
     for (const auto& [flag, name] : waiting) {
         if (flag) {

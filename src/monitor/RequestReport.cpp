@@ -1,10 +1,14 @@
 #include "monitor/RequestReport.h"
 
 #include "link/Link.h"
+#include "monitor/Texts.h"
+#include "util/Text.h"
 
 #include <utility>
 
 namespace drx9 {
+
+using namespace monitorText;
 
 namespace {
 constexpr double kNoticeStands = 10; ///< s
@@ -15,11 +19,11 @@ void RequestReport::ended(const char* request, std::uint16_t status, bool inStep
         clear();
     }
     if (comm::isSilence(status)) {
-        add(std::string(request) + ": no reply", " Press again if needed.");
+        add(filled(kRequestNoReply, {request}), kPressAgain);
     } else if (status != comm::kOk) {
-        add(std::string(request) + ": " + commStatusText(status), " Press again if needed.");
+        add(std::string(request) + ": " + commStatusText(status), kPressAgain);
     } else if (!inStep) {
-        add(std::string(request) + ": answers out of step", " Press again if needed.");
+        add(filled(kRequestOutOfStep, {request}), kPressAgain);
     }
 }
 
@@ -27,7 +31,7 @@ void RequestReport::notSent(const char* request) {
     if (std::exchange(fresh_, false)) {
         clear();
     }
-    add(std::string(request) + ": not sent", "");
+    add(filled(kRequestNotSent, {request}), "");
 }
 
 void RequestReport::add(const std::string& text, const char* advice) {

@@ -1,5 +1,7 @@
 #include "monitor/RunRecord.h"
 
+#include "monitor/Texts.h"
+
 #include <utility>
 
 namespace drx9 {
@@ -16,7 +18,7 @@ void RunRecord::clear() {
 void RunRecord::begin(int sensors) {
     sensors_ = sensors;
     startTime_ = parts_.clock.local();
-    parts_.sleep.hold("A deposition run is in progress");
+    parts_.sleep.hold(monitorText::kKeepAwake);
 }
 
 void RunRecord::startLog(std::string_view filmName) {

@@ -1,11 +1,15 @@
 #include "monitor/StatusTexts.h"
 
+#include "monitor/Texts.h"
 #include "util/DisplayFormats.h"
+#include "util/Text.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace drx9 {
+
+using namespace monitorText;
 
 namespace {
 constexpr double kSpeakOfSilence = 1.5; ///< s without any answer from which on it is said in words
@@ -54,7 +58,7 @@ bool slow(const StatusFacts& facts) {
 }
 
 std::string lines(int count) {
-    return std::to_string(count) + (count == 1 ? " line" : " lines");
+    return count == 1 ? kOneLine : filled(kLines, {std::to_string(count)});
 }
 
 void addPart(std::string& list, const std::string& part) {
@@ -68,35 +72,36 @@ std::string waitingRequests(const StatusFacts& facts) {
         return list;
     }
     if (facts.requests.film) {
-        addPart(list, "film");
+        addPart(list, kWaitingFilm);
     }
     if (facts.requests.zero) {
-        addPart(list, "zero");
+        addPart(list, kWaitingZero);
     }
     if (facts.requests.shutter) {
-        addPart(list, "shutter");
+        addPart(list, kWaitingShutter);
     }
     if (facts.requests.startStop) {
-        addPart(list, facts.runMode == RunState::Running ? "stop" : "start");
+        addPart(list, facts.runMode == RunState::Running ? kWaitingStop : kWaitingStart);
     }
-    return list.empty() ? list : "waiting: " + list;
+    return list.empty() ? list : filled(kWaiting, {list});
 }
 
 /// Where in its span the log is.
 std::string spanText(const StatusFacts& facts) {
     const DataLogSettings& log = facts.log;
     if (log.Start == log.End) {
-        return "empty span";
+        return kSpanEmpty;
     }
     if (facts.logging && facts.elapsed > log.End) {
-        return "span ended";
+        return kSpanEnded;
     }
     const bool before = facts.logging ? facts.elapsed < log.Start : log.Start > 0;
-    std::string text = before ? "from " + clockText(log.Start) : "";
+    const std::string from = clockText(log.Start);
+    const std::string until = clockText(log.End);
     if (log.End < kLongestClock) {
-        text += (text.empty() ? "until " : " until ") + clockText(log.End);
+        return before ? filled(kSpanFromUntil, {from, until}) : filled(kSpanUntil, {until});
     }
-    return text;
+    return before ? filled(kSpanFrom, {from}) : std::string();
 }
 
 std::string crystalList(const std::bitset<kMaxSensors>& crystals) {
@@ -106,7 +111,7 @@ std::string crystalList(const std::bitset<kMaxSensors>& crystals) {
             addPart(list, std::to_string(i + 1));
         }
     }
-    return (crystals.count() == 1 ? "crystal " : "crystals ") + list;
+    return list;
 }
 } // namespace
 
@@ -120,42 +125,44 @@ std::string ageText(double seconds) {
 
 std::string readingAgeMark(const StatusFacts& facts) {
     const bool old = facts.hasReading && facts.stale && facts.readingAge >= kSpeakOfAge;
-    return old ? ageText(facts.readingAge) + " old" : "";
+    return old ? filled(kOld, {ageText(facts.readingAge)}) : "";
 }
 
 std::string silenceNote(const StatusFacts& facts) {
-    return readingAgeMark(facts).empty() ? "" : "No readings since " + timeOfDayText(facts.lastReading);
+    return readingAgeMark(facts).empty() ? "" : filled(kNoReadingsSince, {timeOfDayText(facts.lastReading)});
 }
 
 Notice gravestNotice(const StatusFacts& facts) {
     using enum Notice::Subject;
     if (facts.runMode == RunState::Starting && !facts.started) {
         const LinkName name = linkName(facts.link);
-        return {Connecting, "Connecting, " + name.text, "Connecting, " + name.brief};
+        return {Connecting, filled(kConnecting, {name.text}), filled(kConnecting, {name.brief})};
     }
     if (noReply(facts)) {
-        const std::string text = "No reply for " + ageText(facts.replyAge);
-        return {NoReply, text + ". Trying again.", text};
+        const std::string age = ageText(facts.replyAge);
+        return {NoReply, filled(kNoReply, {age}), filled(kNoReplyBrief, {age})};
     }
     if (outOfStep(facts)) {
-        const std::string since = facts.hasReading ? " since " + timeOfDayText(facts.lastReading) : "";
-        return {OutOfStep, "Answers out of step: no readings" + since, "Answers out of step"};
+        const std::string since = filled(kOutOfStepSince, {timeOfDayText(facts.lastReading)});
+        return {OutOfStep, facts.hasReading ? since : kOutOfStep, kOutOfStepBrief};
     }
     if (!facts.logError.empty() && facts.log.Type != LogMode::None) {
-        return {Log, "Log not written: " + facts.logError, "Log not written"};
+        return {Log, filled(kLogNotWritten, {facts.logError}), kLogNotWrittenBrief};
     }
     if (!facts.requestNotice.empty()) {
         return {Request, facts.requestNotice, facts.requestFailed};
     }
     if (slow(facts)) {
-        return {Slow, "Slow answers: a reading takes " + ageText(facts.readingAge), "Slow answers"};
+        return {Slow, filled(kSlow, {ageText(facts.readingAge)}), kSlowBrief};
     }
     if (!facts.pauseReason.empty() && facts.controlsVisible) {
-        return {Paused, "Readings paused: " + facts.pauseReason, "Readings paused"};
+        return {Paused, filled(kPaused, {facts.pauseReason}), kPausedBrief};
     }
     if (facts.crystals.any() && facts.controlsVisible) {
         const std::string which = crystalList(facts.crystals);
-        return {Crystal, "Check " + which + ": frequency outside the limits", "Check " + which};
+        const bool one = facts.crystals.count() == 1;
+        return {Crystal, filled(one ? kCheckCrystal : kCheckCrystals, {which}),
+                filled(one ? kCheckCrystalBrief : kCheckCrystalsBrief, {which})};
     }
     return {};
 }
@@ -166,15 +173,15 @@ StatusText staLink(const StatusFacts& facts) {
         return StatusText{name.text + ", " + state, name.brief + ", " + state, tone};
     };
     if (!facts.started) {
-        return with("connecting", StatusText::Tone::Plain);
+        return with(kLinkConnecting, StatusText::Tone::Plain);
     }
     if (offLine(facts)) {
-        return with("off line", StatusText::Tone::Alarm);
+        return with(kLinkOffLine, StatusText::Tone::Alarm);
     }
     if (noReply(facts)) {
-        return with("no reply for " + ageText(facts.replyAge), StatusText::Tone::Warn);
+        return with(filled(kLinkNoReply, {ageText(facts.replyAge)}), StatusText::Tone::Warn);
     }
-    return with("on line", StatusText::Tone::Plain);
+    return with(kLinkOnLine, StatusText::Tone::Plain);
 }
 
 StatusText staReply(const StatusFacts& facts) {
@@ -183,7 +190,7 @@ StatusText staReply(const StatusFacts& facts) {
     }
     const std::size_t sentence = std::min(facts.lastExchange.find(": "), facts.lastExchange.find(". "));
     const bool isReason = facts.lastExchange.size() > kBriefReply;
-    return {"Last exchange: " + facts.lastExchange,
+    return {filled(kLastExchange, {facts.lastExchange}),
             isReason ? facts.lastExchange.substr(0, std::min(sentence, kBriefReply)) : facts.lastExchange};
 }
 
@@ -192,8 +199,8 @@ StatusText staRun(const StatusFacts& facts) {
         return {};
     }
     StatusText run = facts.runMode == RunState::Running
-                         ? StatusText{"Running since " + timeOfDayText(facts.runStart), "Running"}
-                         : StatusText{"Idle", "Idle"};
+                         ? StatusText{filled(kRunningSince, {timeOfDayText(facts.runStart)}), kRunningBrief}
+                         : StatusText{kNoRun, kNoRun};
     const std::string waiting = waitingRequests(facts);
     if (!waiting.empty()) {
         run.text += ", " + waiting;
@@ -211,10 +218,11 @@ StatusText staShutter(const StatusFacts& facts) {
     if (!facts.hasReading || !facts.controlsVisible) {
         return {};
     }
-    const char* state = facts.shutter > 0 ? "open" : "closed";
-    std::string text = std::string("Shutter ") + (facts.stale ? "was " : "") + state;
+    const char* text = facts.stale         ? facts.shutter > 0 ? kShutterWasOpen : kShutterWasClosed
+                       : facts.shutter > 0 ? kShutterOpen
+                                           : kShutterClosed;
     if (facts.shutter == RequestDesk::kShutterUnknown) {
-        text = "Shutter unknown";
+        text = kShutterUnknown;
     }
     return {text, text};
 }
@@ -224,14 +232,14 @@ StatusText staMode(const StatusFacts& facts) {
         return {facts.message, facts.messageBrief, StatusText::Tone::Warn};
     }
     if (facts.controlsVisible && facts.started && !facts.systemKnown && facts.hasReading) {
-        return {"System parameters not read", "No parameters", StatusText::Tone::Warn};
+        return {kNoParameters, kNoParametersBrief, StatusText::Tone::Warn};
     }
     std::string list;
     if (facts.systemKnown && facts.simulate) {
-        addPart(list, "Simulate");
+        addPart(list, kSimulate);
     }
     if (facts.systemKnown && facts.etch) {
-        addPart(list, "Etch");
+        addPart(list, kEtch);
     }
     return {list, list, list.empty() ? StatusText::Tone::Plain : StatusText::Tone::Warn};
 }
@@ -239,22 +247,23 @@ StatusText staMode(const StatusFacts& facts) {
 StatusText staLog(const StatusFacts& facts) {
     const std::string name = bareName(facts.log.File);
     if (facts.log.Type == LogMode::None) {
-        return {"Log: " + facts.logPath + ", off", "Log off"};
+        return {filled(kLogOff, {facts.logPath}), kLogOffBrief};
     }
     if (facts.logLost > 0) {
-        return {"Log: " + facts.logPath + ", " + lines(facts.logLost) + " not written",
-                "Log not written, " + lines(facts.logLost) + " lost", StatusText::Tone::Alarm};
+        return {filled(kLogLost, {facts.logPath, lines(facts.logLost)}),
+                filled(kLogLostBrief, {lines(facts.logLost)}), StatusText::Tone::Alarm};
     }
     if (!facts.logCutError.empty()) {
-        return {"Log: " + facts.logPath + ", old part not deleted: " + facts.logCutError,
-                "Log: old part not deleted", StatusText::Tone::Warn};
+        return {filled(kLogNotCut, {facts.logPath, facts.logCutError}), kLogNotCutBrief,
+                StatusText::Tone::Warn};
     }
-    const std::string mode = facts.log.Type == LogMode::Overwrite ? " (Overwrite)" : " (Append)";
-    StatusText log{"Log: " + facts.logPath + mode, "Log: " + name + mode};
+    const char* const mode = facts.log.Type == LogMode::Overwrite ? kLogOverwrites : kLogAppends;
+    StatusText log{filled(mode, {facts.logPath}), filled(mode, {name})};
     const std::string span = spanText(facts);
     if (!span.empty()) {
         log.text += ", " + span;
-        log.brief += facts.logging && span.rfind("until", 0) == 0 ? "" : ", " + span;
+        log.brief +=
+            facts.logging && span == filled(kSpanUntil, {clockText(facts.log.End)}) ? "" : ", " + span;
     }
     if (facts.logging) {
         log.text += ", " + lines(facts.logLines);

@@ -4,8 +4,10 @@
 #include "controls/ReadOnlyLine.h"
 #include "controls/SpinBox.h"
 #include "controls/Theme.h"
+#include "monitor/Texts.h"
 #include "util/DisplayFormats.h"
 #include "util/Paths.h"
+#include "util/Text.h"
 
 #include <QGridLayout>
 #include <QGroupBox>
@@ -215,14 +217,18 @@ void frmDataLog::showState() {
     cmdView_->setEnabled(parts_.files.exists(parts_.log.fullPath()));
     const DataLog& log = parts_.log;
     if (!log.lastError().empty()) {
-        state_->say(QString::fromStdString("Not written: " + log.lastError()), MarkLabel::Tone::Alarm);
+        state_->say(QString::fromStdString(filled(monitorText::kNotWritten, {log.lastError()})),
+                    MarkLabel::Tone::Alarm);
         return;
     }
-    std::string text = "No line written yet";
+    std::string text = monitorText::kNoLineYet;
     if (log.lastLineTime()) {
-        text = "Run " + std::to_string(log.runNumber()) + ": " + std::to_string(log.linesWritten()) +
-               (log.linesWritten() == 1 ? " line" : " lines") + ", last " +
-               timeOfDayText(*log.lastLineTime());
+        text = filled(monitorText::kLastLine,
+                      {std::to_string(log.runNumber()),
+                       log.linesWritten() == 1
+                           ? monitorText::kOneLine
+                           : filled(monitorText::kLines, {std::to_string(log.linesWritten())}),
+                       timeOfDayText(*log.lastLineTime())});
     }
     state_->say(QString::fromStdString(text), MarkLabel::Tone::Plain);
 }

@@ -1,7 +1,9 @@
 // What the main window's panels show, pulled from the monitor.
 #include "monitor/frmMain.h"
 
+#include "monitor/Texts.h"
 #include "util/Numbers.h"
+#include "util/Text.h"
 
 #include <QStackedLayout>
 
@@ -73,8 +75,9 @@ ReadoutPanel::Facts frmMain::readoutFacts() const {
 QString frmMain::crystalMark(int sensor) const {
     const SystemParameters& system = parts_.system;
     const double frequency = monitor_.readings().frequency[static_cast<std::size_t>(sensor - 1)];
-    const std::string text = "Frequency " + plainNumber(frequency) + " Hz, limits " +
-                             plainNumber(system.FreqMin) + " to " + plainNumber(system.FreqMax) + " MHz";
+    const std::string text =
+        filled(monitorText::kCrystalLimits,
+               {plainNumber(frequency), plainNumber(system.FreqMin), plainNumber(system.FreqMax)});
     return QString::fromStdString(text);
 }
 

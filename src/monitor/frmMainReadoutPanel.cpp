@@ -7,6 +7,7 @@
 #include "controls/Readout.h"
 #include "controls/SensorLabel.h"
 #include "controls/Theme.h"
+#include "monitor/Texts.h"
 #include "monitor/frmMainSteps.h"
 
 #include <QGridLayout>
@@ -196,7 +197,7 @@ void ReadoutPanel::showLooks(const Looks& looks) {
     gauge_->setStale(looks.stale);
     const bool final = looks.finalReached && looks.age.isEmpty();
     ages_[0]->say(looks.age, MarkLabel::Tone::Warn);
-    ages_[1]->say(final ? QStringLiteral("final") : looks.age, MarkLabel::Tone::Warn);
+    ages_[1]->say(final ? QString::fromUtf8(monitorText::kFinal) : looks.age, MarkLabel::Tone::Warn);
 }
 
 void ReadoutPanel::setStep(const StepMeasures& m) {

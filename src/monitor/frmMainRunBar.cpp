@@ -8,6 +8,7 @@
 #include "controls/StartStopButton.h"
 #include "controls/Theme.h"
 #include "controls/WarnMark.h"
+#include "monitor/Texts.h"
 #include "monitor/frmMainSteps.h"
 
 #include <QApplication>
@@ -142,8 +143,8 @@ QWidget* RunBar::buildOffLineRow() {
     auto* lblNotFound = new MarkLabel(offLineRow_);
     lblNotFound->setObjectName(QStringLiteral("lblNotFound"));
     lblNotFound->setTextPixels(kOffLinePixels, true);
-    lblNotFound->say(QStringLiteral("DRX-9 Off Line"), MarkLabel::Tone::Alarm);
-    offLineHint_ = new QLabel(QStringLiteral("Choose the link under Edit, Communcations."), offLineRow_);
+    lblNotFound->say(QString::fromUtf8(monitorText::kOffLine), MarkLabel::Tone::Alarm);
+    offLineHint_ = new QLabel(QString::fromUtf8(monitorText::kChooseLink), offLineRow_);
     offLineHint_->setForegroundRole(kMutedRole);
     row->addWidget(lblNotFound);
     row->addWidget(offLineHint_);

@@ -3,6 +3,7 @@
 
 #include "controls/Readout.h"
 #include "controls/WindowPlaces.h"
+#include "monitor/Texts.h"
 #include "util/ProgramName.h"
 #include "util/frmAbout.h"
 
@@ -16,7 +17,7 @@
 namespace drx9 {
 
 void frmMain::notInThisBuild() {
-    parts_.boxes.showNonBlocking("Not in this build.", kProgramName, MessageIcon::Information);
+    parts_.boxes.showNonBlocking(monitorText::kNotInThisBuild, kProgramName, MessageIcon::Information);
 }
 
 void frmMain::openWindow(QPointer<QWidget>& window, const WindowMaker& make, bool modal) {

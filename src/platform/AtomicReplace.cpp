@@ -1,6 +1,8 @@
 #include "platform/AtomicReplace.h"
 
+#include "platform/Texts.h"
 #include "util/Paths.h"
+#include "util/Text.h"
 
 namespace drx9 {
 namespace {
@@ -37,7 +39,8 @@ FileStatus withdraw(FilePort& files, const std::string& temporary, const FileSta
         return why;
     }
     return FileStatus::failure(
-        why.reason() + " (" + bareName(temporary) + " is left: " + removed.reason() + ")", why.notFound());
+        filled(platformText::kTemporaryLeft, {why.reason(), bareName(temporary), removed.reason()}),
+        why.notFound());
 }
 
 } // namespace
@@ -46,12 +49,12 @@ FileStatus replaceFile(FilePort& files, const std::string& path, std::string_vie
                        const std::function<FileStatus()>& beforeRename) {
     const std::string target = files.resolveLinks(path);
     if (files.exists(target) && !files.writable(target)) {
-        return FileStatus::failure("The file is write-protected");
+        return FileStatus::failure(platformText::kWriteProtected);
     }
     const std::string folder = folderOf(target);
     const std::string temporary = freeTemporaryName(files, folder);
     if (temporary.empty()) {
-        return FileStatus::failure("Too many temporary files are left in the folder");
+        return FileStatus::failure(platformText::kTooManyTemporaries);
     }
     FileStatus status;
     const std::unique_ptr<OutputFile> file = files.create(temporary, target, status);

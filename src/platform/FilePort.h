@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Texts.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -17,7 +19,7 @@ public:
     FileStatus() = default;
     static FileStatus failure(std::string reason, bool notFound = false) {
         FileStatus status;
-        status.reason_ = reason.empty() ? std::string("unknown error") : std::move(reason);
+        status.reason_ = reason.empty() ? std::string(platformText::kUnknownError) : std::move(reason);
         status.notFound_ = notFound;
         return status;
     }

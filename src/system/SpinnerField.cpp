@@ -1,6 +1,8 @@
 #include "system/SpinnerField.h"
 
+#include "system/Texts.h"
 #include "util/Numbers.h"
+#include "util/Text.h"
 
 #include <algorithm>
 #include <optional>
@@ -118,8 +120,8 @@ std::string SpinnerField::storedText(const NumberLocale& locale) const {
 
 std::string SpinnerField::rangeText(const NumberLocale& locale) const {
     const SpinnerScale& top = range_.ranging ? kCoarse : range_.scale;
-    return plainText(static_cast<double>(top.least) / top.multiplier, locale) + " to " +
-           plainText(static_cast<double>(top.most) / top.multiplier, locale);
+    return filled(systemText::kRange, {plainText(static_cast<double>(top.least) / top.multiplier, locale),
+                                       plainText(static_cast<double>(top.most) / top.multiplier, locale)});
 }
 
 } // namespace drx9

@@ -1,10 +1,12 @@
 #include "system/frmSystem.h"
 
 #include "controls/MarkLabel.h"
+#include "system/Texts.h"
 #include "system/frmSystemMark.h"
 #include "system/frmSystemSpinBox.h"
 #include "util/DisplayFormats.h"
 #include "util/ProgramName.h"
+#include "util/Text.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -129,8 +131,9 @@ void frmSystem::numberChanged(const Number& number) {
 }
 
 void frmSystem::numberRefused(const Number& number) {
-    state_.refused = number.label.toStdString() + systemText::kTakes +
-                     number.field->rangeText(parts_.locale) + (number.unit.empty() ? "" : " " + number.unit);
+    state_.refused = filled(systemText::kTakes,
+                            {number.label.toStdString(), number.field->rangeText(parts_.locale) +
+                                                             (number.unit.empty() ? "" : " " + number.unit)});
     // A press on Save that made the operator leave the field does not send the number that was there before.
     saveSpoiled_ = QApplication::focusWidget() == cmdSave_;
     showState();

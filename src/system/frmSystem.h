@@ -8,7 +8,7 @@
 #include "platform/Clock.h"
 #include "platform/MessageBoxes.h"
 #include "system/SystemFields.h"
-#include "system/SystemTexts.h"
+#include "system/SystemState.h"
 #include "util/NumberLocale.h"
 
 #include <QDialog>

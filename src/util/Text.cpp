@@ -40,6 +40,20 @@ std::string trimmed(std::string_view text) {
     return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
 }
 
+std::string filled(std::string_view text, std::initializer_list<std::string_view> values) {
+    constexpr std::string_view kPlace = "{}";
+    std::string out;
+    const auto* value = values.begin();
+    for (std::size_t at = text.find(kPlace); at != std::string_view::npos; at = text.find(kPlace)) {
+        out += text.substr(0, at);
+        if (value != values.end()) {
+            out += *value++;
+        }
+        text.remove_prefix(at + kPlace.size());
+    }
+    return out.append(text);
+}
+
 std::string upperAscii(std::string_view text) {
     std::string out(text);
     std::transform(out.begin(), out.end(), out.begin(), upper);

@@ -2,12 +2,16 @@
 
 #include "util/Utf.h"
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
 namespace drx9 {
 
 std::string trimmed(std::string_view text); ///< without leading and trailing blanks (0x20 only)
+/// `text` with each "{}" replaced by the next value; what a value holds stays as it is. A "{}" without a
+/// value becomes nothing.
+std::string filled(std::string_view text, std::initializer_list<std::string_view> values);
 std::string upperAscii(std::string_view text);
 /// Windows-1252 letters in upper case, accented ones too; "ß" has none and stays.
 std::string upperAnsi(std::string_view bytes);

@@ -8,11 +8,13 @@
 #include <QCoreApplication>
 #include <QDate>
 #include <QDialogButtonBox>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
 #include <QSysInfo>
 #include <QVBoxLayout>
 
@@ -53,9 +55,19 @@ protected:
 };
 
 QString systemInfo() {
-    return QStringLiteral("<p>%1<br>%2, kernel %3 %4<br>Qt %5</p>")
-        .arg(QSysInfo::prettyProductName(), QSysInfo::currentCpuArchitecture(), QSysInfo::kernelType(),
-             QSysInfo::kernelVersion(), QString::fromLatin1(qVersion()));
+    QStringList screens;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QSizeF pixels = QSizeF(screen->size()) * screen->devicePixelRatio();
+        screens += QStringLiteral("%1 x %2 at %3 %")
+                       .arg(pixels.width())
+                       .arg(pixels.height())
+                       .arg(100 * screen->devicePixelRatio());
+    }
+    return QStringLiteral("<p>%1 %2, %3<br>%4, %5, kernel %6 %7<br>Qt %8, %9</p><p>Screens: %10</p>")
+        .arg(QString(kProgramName), QCoreApplication::applicationVersion(), buildDate(),
+             QSysInfo::prettyProductName(), QSysInfo::currentCpuArchitecture(), QSysInfo::kernelType(),
+             QSysInfo::kernelVersion(), QString::fromLatin1(qVersion()), QGuiApplication::platformName())
+        .arg(screens.join(QStringLiteral("; ")));
 }
 } // namespace
 
@@ -79,7 +91,10 @@ frmAbout::frmAbout(QWidget* owner)
     ok->setObjectName(QStringLiteral("cmdOK"));
     info->setAutoDefault(false);
     ok->setDefault(true);
-    connect(info, &QPushButton::clicked, text, [text] { text->setHtml(systemInfo()); });
+    connect(info, &QPushButton::clicked, text, [text] {
+        text->setHtml(systemInfo());
+        text->setAccessibleName(QStringLiteral("System information"));
+    });
     connect(ok, &QPushButton::clicked, this, &QDialog::close);
 
     auto* texts = new QVBoxLayout;

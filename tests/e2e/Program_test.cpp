@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QLineEdit>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -46,7 +47,8 @@ protected:
     }
     void build(LinkType link, const QString& faults = "none") {
         const QString path = folderPath();
-        arguments_ = QStringList{"--quiet", "--speed", "10", "--faults", faults};
+        arguments_ =
+            QStringList{"--quiet", "--speed", "10", "--faults", faults, "--trace", path + "/trace.txt"};
         arguments_ +=
             link == kSerial ? QStringList{"--pty", path + "/COM1"} : QStringList{"--tcp", "127.0.0.1:PORT"};
         startSimulator();
@@ -209,6 +211,45 @@ TEST_P(OnEveryLink, ADayAtTheInstrument) {
     for (const char* line : {"View=3\r\n", "EAddresst=127.0.0.1\r\n", "Interval=0\r\n"}) {
         EXPECT_TRUE(contentOf("Monitor.ini").contains(line)) << line;
     }
+    EXPECT_EQ(boxes, "");
+}
+
+/// Edited in one window, sent, and read back from the instrument by the other.
+TEST_P(OnEveryLink, ParametersGoToTheInstrumentAndComeBack) {
+    build(GetParam());
+    ASSERT_TRUE(waitFor([&] { return onLine(); }));
+    const auto open = [&](const char* item, const char* window) {
+        find<QAction>(item).trigger();
+        return waitFor([&] { return program->window().findChild<QWidget*>(window) != nullptr; });
+    };
+    const auto closed = [&](const char* window) {
+        click("cmdOK");
+        return waitFor([&] { return program->window().findChild<QWidget*>(window) == nullptr; });
+    };
+    ASSERT_TRUE(open("mnuSetupSystem", "frmSystem"));
+    QTest::keyClick(&find("spnSysParam_0"), Qt::Key_Up);
+    QTest::keyClick(&find("spnXTool_6"), Qt::Key_Down);
+    QTest::keyClick(&find("spnSysParam_2"), Qt::Key_Up);
+    QTest::mouseClick(&find("optEtchMode_1"), Qt::LeftButton);
+    click("cmdSave");
+    const QString b = "B .26  0  0  1  4  100  100  100  100  100  99 ";
+    const QString c = "C 5  6.1  0  20  0  5  1 ";
+    EXPECT_TRUE(waitFor([&] { return contentOf("trace.txt").contains("\t" + c + "\tA\t"); }));
+    EXPECT_TRUE(contentOf("trace.txt").contains("\t" + b + "\tA\t"));
+    EXPECT_TRUE(closed("frmSystem"));
+
+    ASSERT_TRUE(open("mnuSetupComm", "frmComm"));
+    for (const auto& [query, sent] : {std::pair("B?", b), std::pair("C?", c)}) {
+        auto& line = find<QLineEdit>("txtSend");
+        line.clear();
+        QTest::keyClicks(&line, query);
+        QTest::keyClick(&line, Qt::Key_Return);
+        EXPECT_TRUE(waitFor([&, answer = sent.mid(1).simplified()] {
+            return text("txtRcv").simplified() == answer;
+        })) << text("txtRcv").toStdString();
+    }
+    EXPECT_TRUE(closed("frmComm"));
+    EXPECT_TRUE(waitFor([&] { return onLine(); }));
     EXPECT_EQ(boxes, "");
 }
 

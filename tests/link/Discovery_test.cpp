@@ -103,6 +103,15 @@ TEST_F(DiscoveryTest, SerialPortsThatCannotBeUsed) {
     EXPECT_EQ(bench.boxes.shown().back().icon, MessageIcon::Information);
 }
 
+TEST_F(DiscoveryTest, SaysWhyABridgeDoesNotOpen) {
+    bench.settings.CommType = 1;
+    bench.settings.USBSerNum = "ab12";
+    bench.usb.devices = {{"83F5", "ab12", false}};
+    bench.usb.why = "/dev/ttyUSB0 is in use by another program.";
+    EXPECT_FALSE(discovery.Comm_Open());
+    EXPECT_EQ(discovery.failure(), "No DRX-9 found on USB. " + bench.usb.why);
+}
+
 TEST_F(DiscoveryTest, UsbBridges) {
     const std::vector<FakeUsb::Device> ten(10, {"83F5", "x"});
     const struct {

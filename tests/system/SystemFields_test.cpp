@@ -1,9 +1,10 @@
 // What the system parameters window computes: positions, scales, fallbacks, the frequency rule, what a save
 // stores.
 #include "system/SystemFields.h"
-#include "system/SystemTexts.h"
+#include "system/SystemState.h"
 
 #include "link/Commands.h"
+#include "system/Texts.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 // The system parameters window, worked with keys and clicks over the scripted instrument.
 #include "link/LinkBench.h"
+#include "system/Texts.h"
 #include "system/frmSystem.h"
 
 #include <QAbstractButton>

@@ -2,6 +2,7 @@
 
 #include "controls/PopUpMenu.h"
 #include "graphs/ChartSummary.h"
+#include "graphs/Texts.h"
 #include "graphs/controls/ChartEditor.h"
 #include "graphs/controls/ChartPainter.h"
 
@@ -90,7 +91,7 @@ QString ChartControl::note() const {
     if (!message_.isEmpty()) {
         return message_;
     }
-    return following() ? QString() : QStringLiteral("Following paused. Home returns");
+    return following() ? QString() : QString::fromUtf8(graphText::kPaused);
 }
 
 void ChartControl::showMessage(const QString& text) {

@@ -2,6 +2,7 @@
 
 #include "controls/SpinBox.h"
 #include "controls/Theme.h"
+#include "graphs/Texts.h"
 #include "graphs/controls/ChartPainter.h"
 
 #include <QCheckBox>
@@ -97,8 +98,7 @@ ChartEditor::ChartEditor(ChartModel& model, QWidget* owner)
     tabs->addTab(buildSeries(), QStringLiteral("Series"));
     tabs->addTab(buildTitles(), QStringLiteral("Titles && Fonts"));
     column->addWidget(tabs, 1);
-    auto* hint =
-        new QLabel(QStringLiteral("The chart shows each change at once. Cancel takes all back."), this);
+    auto* hint = new QLabel(QString::fromUtf8(graphText::kAtOnce), this);
     hint->setForegroundRole(kMutedRole);
     column->addWidget(hint);
     column->addLayout(buildBottom());

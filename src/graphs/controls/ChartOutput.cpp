@@ -1,6 +1,7 @@
 #include "graphs/controls/ChartOutput.h"
 
 #include "graphs/ChartFile.h"
+#include "graphs/Texts.h"
 #include "graphs/controls/ChartPainter.h"
 #include "graphs/controls/SvgPicture.h"
 #include "platform/AtomicReplace.h"
@@ -89,7 +90,7 @@ QByteArray ChartOutput::picture(PictureFormat format, const QWidget& chart) cons
 
 /// Asks for a file when nothing is on the stack, and saves what is rendered then.
 void ChartOutput::choose(QWidget& chart, const FileDialogRequest& request,
-                         const std::function<QByteArray(const std::string&)>& render, const QString& what) {
+                         const std::function<QByteArray(const std::string&)>& render, const char* what) {
     if (!hasFiles()) {
         return;
     }
@@ -102,10 +103,8 @@ void ChartOutput::choose(QWidget& chart, const FileDialogRequest& request,
         const QByteArray bytes = render(path);
         const FileStatus status =
             replaceFile(*ports_.files, path, {bytes.constData(), static_cast<std::size_t>(bytes.size())});
-        const QString name = QString::fromStdString(bareName(path));
-        say_(status.ok()
-                 ? QStringLiteral("%1 saved as %2").arg(what, name)
-                 : QStringLiteral("%1 not saved: %2").arg(what, QString::fromStdString(status.reason())));
+        say_(QString::fromStdString(status.ok() ? filled(graphText::kSavedAs, {what, bareName(path)})
+                                                : filled(graphText::kNotSaved, {what, status.reason()})));
     });
 }
 
@@ -118,7 +117,7 @@ void ChartOutput::savePicture(QWidget& chart) {
     request.overwritePrompt = true;
     choose(
         chart, request, [this, &chart](const std::string& path) { return picture(formatOf(path), chart); },
-        QStringLiteral("Picture"));
+        graphText::kPicture);
 }
 
 void ChartOutput::exportData(QWidget& chart) {
@@ -130,7 +129,7 @@ void ChartOutput::exportData(QWidget& chart) {
     request.overwritePrompt = true;
     choose(
         chart, request, [this](const std::string&) { return QByteArray::fromStdString(chartExport(model_)); },
-        QStringLiteral("Data"));
+        graphText::kData);
 }
 
 } // namespace drx9

@@ -46,7 +46,7 @@ public:
 
 private:
     void choose(QWidget& chart, const FileDialogRequest& request,
-                const std::function<QByteArray(const std::string&)>& render, const QString& what);
+                const std::function<QByteArray(const std::string&)>& render, const char* what);
     [[nodiscard]] QByteArray pdf(const QWidget& chart) const;
     [[nodiscard]] QByteArray svg(const QWidget& chart) const;
 

@@ -1,5 +1,6 @@
 #ifndef _WIN32
 
+#include "platform/Texts.h"
 #include "platform/os/OsFilePort.h"
 #include "util/Paths.h"
 
@@ -126,7 +127,7 @@ public:
                                static_cast<off_t>(at + done));
             });
             if (count <= 0) {
-                return count < 0 ? failureOf(errno) : FileStatus::failure("the file has become shorter");
+                return count < 0 ? failureOf(errno) : FileStatus::failure(platformText::kFileShorter);
             }
             done += static_cast<std::size_t>(count);
         }

@@ -1,7 +1,9 @@
 #ifdef _WIN32
 
+#include "platform/Texts.h"
 #include "platform/os/OsFilePort.h"
 #include "util/Paths.h"
+#include "util/Text.h"
 
 #include <algorithm>
 #include <limits>
@@ -51,7 +53,8 @@ FileStatus failureOf(DWORD error) {
     while (length > 0 && (buffer[length - 1] <= L' ' || buffer[length - 1] == L'.')) {
         --length;
     }
-    const std::string text = length > 0 ? narrow({buffer, length}) : "error " + std::to_string(error);
+    const std::string text =
+        length > 0 ? narrow({buffer, length}) : filled(platformText::kErrorNumber, {std::to_string(error)});
     return FileStatus::failure(text, error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND);
 }
 
@@ -132,7 +135,7 @@ public:
                 return failureOf(::GetLastError());
             }
             if (count == 0) {
-                return FileStatus::failure("the file has become shorter");
+                return FileStatus::failure(platformText::kFileShorter);
             }
             done += count;
         }

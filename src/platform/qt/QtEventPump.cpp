@@ -1,5 +1,7 @@
 #include "platform/qt/QtEventPump.h"
 
+#include "platform/Texts.h"
+
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QScopeGuard>
@@ -94,7 +96,7 @@ void QtEventPump::beforeBlocking() {
 void QtEventPump::watchForLoops() {
     if (sleep_ != nullptr && !sleep_->loopTold && runningLoops() > sleep_->loops) {
         sleep_->loopTold = true;
-        qCritical("An event loop runs above a wait for the instrument and holds it up.");
+        qCritical("%s", platformText::kLoopAboveWait);
     }
 }
 

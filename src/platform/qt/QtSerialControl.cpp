@@ -1,5 +1,8 @@
 #include "platform/qt/QtSerialControl.h"
 
+#include "platform/Texts.h"
+#include "util/Text.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QSerialPortInfo>
@@ -140,11 +143,11 @@ std::string QtSerialControl::open() {
     close();
     const std::string device = pathOf(number_);
     if (device.empty()) {
-        return withHint("There is no serial device for COM" + std::to_string(number_) + ".");
+        return withHint(filled(platformText::kNoSerialDevice, {std::to_string(number_)}));
     }
     auto port = std::make_unique<QSerialPort>(QString::fromStdString(device));
     if (!applySettings(*port, settings_)) {
-        return "Not the settings of a serial port: " + settings_;
+        return filled(platformText::kNoSettings, {settings_});
     }
     port->setReadBufferSize(kInputBuffer);
     if (!port->open(QIODevice::ReadWrite)) {

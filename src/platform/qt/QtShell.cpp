@@ -1,5 +1,8 @@
 #include "platform/qt/QtShell.h"
 
+#include "platform/Texts.h"
+#include "util/Text.h"
+
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QFileInfo>
@@ -15,12 +18,12 @@ namespace {
 std::string whyNotAProgram(const QString& name, const QString& folder) {
     const std::string program = name.toStdString();
     if (QFileInfo(name).isFile() || QFileInfo(folder + '/' + name).isFile()) {
-        return program + " is not a program that can be run here.";
+        return filled(platformText::kNotAProgram, {program});
     }
     if (QFileInfo(name).isAbsolute()) {
-        return program + " was not found.";
+        return filled(platformText::kProgramNotFound, {program});
     }
-    return program + " was not found, neither in " + folder.toStdString() + " nor where programs are kept.";
+    return filled(platformText::kProgramNowhere, {program, folder.toStdString()});
 }
 
 } // namespace
@@ -28,13 +31,13 @@ std::string whyNotAProgram(const QString& name, const QString& folder) {
 std::string QtShell::openDocument(const std::string& path) {
     const QFileInfo file(QString::fromStdString(path));
     if (!file.exists()) {
-        return path + ": there is no such file.";
+        return filled(platformText::kNoSuchFile, {path});
     }
     if (!file.isReadable()) {
-        return path + ": no permission to read it.";
+        return filled(platformText::kNotReadable, {path});
     }
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath()))) {
-        return path + ": no program is associated with this kind of file.";
+        return filled(platformText::kNoProgramForIt, {path});
     }
     return {};
 }
@@ -53,7 +56,7 @@ std::string QtShell::startProgram(const std::string& program) {
     process.setProgram(found);
     process.setWorkingDirectory(QFileInfo(found).absolutePath());
     if (!process.startDetached()) {
-        return program + " could not be started: " + process.errorString().toStdString() + '.';
+        return filled(platformText::kProgramNotStarted, {program, process.errorString().toStdString()});
     }
     return {};
 }

@@ -1,5 +1,8 @@
 #include "platform/qt/QtSocketControl.h"
 
+#include "platform/Texts.h"
+#include "util/Text.h"
+
 #include <QNetworkProxy>
 
 #include <utility>
@@ -33,7 +36,7 @@ void QtSocketControl::connect() {
     close();
     if (port_ < 1 || port_ > 65535 || host_.isEmpty()) {
         state_ = kFailed;
-        reason_ = "No valid address: \"" + host_.toStdString() + "\" port " + std::to_string(port_);
+        reason_ = filled(platformText::kNoAddress, {host_.toStdString(), std::to_string(port_)});
         return;
     }
     state_ = kConnecting;
@@ -47,7 +50,8 @@ void QtSocketControl::connect() {
     });
     QObject::connect(socket_.get(), &QTcpSocket::errorOccurred, this,
                      [this] { failed(socket_->errorString().toStdString()); });
-    QObject::connect(socket_.get(), &QTcpSocket::disconnected, this, [this] { failed("Connection closed"); });
+    QObject::connect(socket_.get(), &QTcpSocket::disconnected, this,
+                     [this] { failed(platformText::kConnectionClosed); });
     // Unbuffered, a packet goes out and a reply comes in by one system call each.
     socket_->connectToHost(host_, static_cast<quint16>(port_), QIODevice::ReadWrite | QIODevice::Unbuffered);
 }

@@ -1,5 +1,8 @@
 #include "platform/qt/SerialPortList.h"
 
+#include "platform/Texts.h"
+#include "util/Text.h"
+
 #include <QFileInfo>
 #include <QSerialPortInfo>
 
@@ -112,24 +115,22 @@ std::string mappingText(const std::vector<std::string>& present, const std::stri
         return {};
     }
     if (programFolder.empty()) {
-        return "Only " + present.front() + " is there: give it a number from 1 to 9 in the Device Manager.";
+        return filled(platformText::kMapInManager, {present.front()});
     }
-    return "Only " + present.front() + " is there. Make a link to it: ln -s " + present.front() + " \"" +
-           programFolder + "/COM1\"";
+    return filled(platformText::kMapByLink, {present.front(), present.front(), programFolder});
 }
 
 std::string refusalText(const SerialRefusal& refusal) {
     if (!refusal.exists) {
-        return refusal.device + " is not there: is the adapter plugged in?";
+        return filled(platformText::kDeviceGone, {refusal.device});
     }
     if (refusal.permitted) {
-        return refusal.device + " is in use by another program.";
+        return filled(platformText::kDeviceInUse, {refusal.device});
     }
     if (refusal.group.empty() || refusal.user.empty()) {
         return refusal.device + ": " + refusal.error;
     }
-    return refusal.device + " belongs to group " + refusal.group + ": sudo usermod -a -G " + refusal.group +
-           " " + refusal.user + ", then log in again.";
+    return filled(platformText::kNoPermission, {refusal.device, refusal.group, refusal.group, refusal.user});
 }
 
 } // namespace drx9

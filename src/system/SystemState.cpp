@@ -1,22 +1,21 @@
-#include "system/SystemTexts.h"
+#include "system/SystemState.h"
 
 #include "link/Link.h"
+#include "system/Texts.h"
+#include "util/Text.h"
 
 namespace drx9 {
 
 std::string saveFailureText(bool onLine, bool second, std::uint16_t status) {
-    std::string record = second ? systemText::kSecondRecord : systemText::kFirstRecord;
-    const std::string reason = commStatusText(status);
-    if (onLine) {
-        return record + systemText::kNotAccepted + reason;
-    }
-    record.replace(0, 1, second ? "s" : "f");
-    return systemText::kOffLine + record + systemText::kNotSent + reason;
+    const char* const text = onLine ? second ? systemText::kSecondNotAccepted : systemText::kFirstNotAccepted
+                             : second ? systemText::kSecondNotSent
+                                      : systemText::kFirstNotSent;
+    return filled(text, {commStatusText(status)});
 }
 
 std::string markText(bool known, const std::string& value, const std::string& unit) {
-    return (known ? systemText::kInstrumentHolds : systemText::kProgramHolds) + value +
-           (unit.empty() ? "" : " " + unit) + systemText::kKeptUnlessChanged;
+    return filled(known ? systemText::kInstrumentHolds : systemText::kProgramHolds,
+                  {unit.empty() ? value : value + " " + unit});
 }
 
 SystemStateLine stateLine(const SystemState& state) {
@@ -36,7 +35,7 @@ SystemStateLine stateLine(const SystemState& state) {
     if (state.changed) {
         return {systemText::kChanged, Tone::Warn};
     }
-    return {state.sentAt.empty() ? "" : systemText::kSent + state.sentAt, Tone::Plain};
+    return {state.sentAt.empty() ? "" : filled(systemText::kSent, {state.sentAt}), Tone::Plain};
 }
 
 } // namespace drx9

@@ -10,6 +10,7 @@ namespace drx9 {
 
 namespace {
 constexpr const char* kFilter = "DB Files (*.mdb)|*.mdb";
+constexpr const char* kUnsaved = "Uploaded data, not saved under another name yet";
 constexpr std::string_view kNotSaved = "the change was not saved: ";
 
 bool isSameFile(const FilePort& files, const std::string& a, const std::string& b) {
@@ -56,6 +57,7 @@ void FilmLibrary::DBOpen() {
     if (!notLookedAt.empty() && openFailure_.empty()) {
         tell("Not converted: " + notLookedAt, NoticeTone::Alarm);
     }
+    conversion_ = notice_;
     caption_ = "Films - [" + trimmed(bareName(parts_.DBFileName)) + "]";
 }
 
@@ -163,7 +165,10 @@ LibraryNotice FilmLibrary::standing() const {
         return {bareName(boundPath_) + ": " + openFailure_, NoticeTone::Alarm};
     }
     const std::string reason = database_ ? database_->ReadOnlyReason() : std::string();
-    return reason.empty() ? LibraryNotice{} : LibraryNotice{"Read-only: " + reason, NoticeTone::Warn};
+    if (!reason.empty()) {
+        return {"Read-only: " + reason, NoticeTone::Warn};
+    }
+    return unsavedUpload_ ? LibraryNotice{kUnsaved, NoticeTone::Warn} : conversion_;
 }
 
 // ---- The record sources ----

@@ -95,7 +95,7 @@ std::string FilmEditor::text(Dat source, const char* field) {
 }
 
 double FilmEditor::number(const char* field) {
-    return jet::asNumber(parts_.library.value(Dat::DBSelected, field)).value_or(0);
+    return numberOf(parts_.library.value(Dat::DBSelected, field)).value_or(0);
 }
 
 // ---- Edits ----

@@ -57,6 +57,7 @@ void FilmLibrary::DBOpen() {
     if (!notLookedAt.empty() && openFailure_.empty()) {
         tell(filled(filmText::kNotConverted, {notLookedAt}), NoticeTone::Alarm);
     }
+    conversion_ = notice_;
     caption_ = "Films - [" + trimmed(bareName(parts_.DBFileName)) + "]";
 }
 
@@ -161,8 +162,10 @@ LibraryNotice FilmLibrary::standing() const {
         return {bareName(boundPath_) + ": " + openFailure_, NoticeTone::Alarm};
     }
     const std::string reason = database_ ? database_->ReadOnlyReason() : std::string();
-    return reason.empty() ? LibraryNotice{}
-                          : LibraryNotice{filled(filmText::kReadOnly, {reason}), NoticeTone::Warn};
+    if (!reason.empty()) {
+        return {filled(filmText::kReadOnly, {reason}), NoticeTone::Warn};
+    }
+    return unsavedUpload_ ? LibraryNotice{filmText::kUnsaved, NoticeTone::Warn} : conversion_;
 }
 
 // ---- The record sources ----

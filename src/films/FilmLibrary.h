@@ -101,7 +101,8 @@ public:
     [[nodiscard]] const LibraryNotice& notice() const { return notice_; }
     void forgetNotice() { notice_ = {}; }
     void tell(std::string text, NoticeTone tone) { notice_ = {std::move(text), tone}; }
-    /// What holds as long as the file is open: that it could not be opened, or cannot be written and why.
+    /// What holds as long as the file is open: that it could not be opened, cannot be written and why, that an
+    /// upload is not saved yet, or what came of a conversion.
     [[nodiscard]] LibraryNotice standing() const;
 
 private:
@@ -129,7 +130,8 @@ private:
     std::unique_ptr<jet::Database> database_;
     std::array<Source, 4> sources_;
     std::string caption_;
-    std::string openFailure_; ///< why the file could not be opened
+    std::string openFailure_;  ///< why the file could not be opened
+    LibraryNotice conversion_; ///< what came of it; empty where nothing was to be converted
     bool gathering_ = false;
     bool unsavedUpload_ = false;
     LibraryNotice notice_;

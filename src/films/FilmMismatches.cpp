@@ -31,7 +31,7 @@ constexpr Compared kCompared[] = {
 
 /// What the instrument should hold; nothing for a null.
 std::optional<double> wanted(FilmLibrary& library, const Compared& compared, bool manySensors) {
-    auto value = jet::asNumber(library.value(compared.source, compared.field));
+    auto value = numberOf(library.value(compared.source, compared.field));
     if (value && compared.is == &FilmRecord::SensorAvg) {
         value = toInt32(*value) & (manySensors ? kWholeMask : kTwoSensorMask);
     }

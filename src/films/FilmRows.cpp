@@ -14,7 +14,7 @@ constexpr std::int32_t kTwoSensors = 3; ///< mask of the first two
 constexpr std::int32_t kFirstSensor = 1;
 
 void take(const jet::Value& value, double& number) {
-    number = jet::asNumber(value).value_or(number);
+    number = numberOf(value).value_or(number);
 }
 
 /// The material's name; null where there is none and none could be made.

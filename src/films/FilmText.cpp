@@ -69,11 +69,13 @@ std::string textOf(const jet::Value& value) {
     return text != nullptr ? *text : std::string();
 }
 
+std::optional<double> numberOf(const jet::Value& value) {
+    const auto* single = std::get_if<float>(&value);
+    return single != nullptr ? shortest(*single) : jet::asNumber(value);
+}
+
 std::string shownText(const jet::Value& value, const NumberLocale& locale) {
-    if (const auto* single = std::get_if<float>(&value)) {
-        return generalNumber(shortest(*single), locale);
-    }
-    const auto number = jet::asNumber(value);
+    const auto number = numberOf(value);
     return number ? generalNumber(*number, locale) : textOf(value);
 }
 

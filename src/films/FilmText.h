@@ -29,6 +29,9 @@ std::string trimmedRight(std::string_view text);
 
 /// A stored text; empty for null and for anything else.
 std::string textOf(const jet::Value& value);
+/// A stored number; a single-precision one as the decimal number that it was stored for: 0.1, not
+/// 0.100000001490116. Nothing for null and for texts.
+std::optional<double> numberOf(const jet::Value& value);
 /// A stored number in its shortest form with the locale's decimal sign; a text as it is; empty for null.
 std::string shownText(const jet::Value& value, const NumberLocale& locale);
 

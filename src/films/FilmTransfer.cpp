@@ -33,6 +33,7 @@ public:
         transfer_.running_ = true;
         transfer_.timeouts_ = 0;
         transfer_.longest_ = 0;
+        transfer_.lasting_ = {};
         transfer_.parts_.link.watch().begin();
         transfer_.parts_.library.forgetNotice();
     }
@@ -211,6 +212,7 @@ void FilmTransfer::download(int index) {
     parts_.list.setHourglass(false);
     const LibraryNotice sent = report.notice();
     parts_.library.tell(sent.text, sent.tone);
+    lasting_ = sent.tone == NoticeTone::Plain ? LibraryNotice{} : sent;
 }
 
 /// Where it is open the hourglass is left behind (kept).
@@ -277,6 +279,9 @@ void FilmTransfer::writeRow(int film, TransferReport& report) {
     if (filmPayload(record).size() + filmCommand(film).size() > kLongestCommand) {
         report.name(filmText::kTooLong, named);
         return;
+    }
+    if (parts_.library.column(Dat::DBSelected, "FilmName").size() > 1) {
+        report.name("Several films of that name, the first was sent", named);
     }
     if (characterCount(trimmedRight(name)) > kFilmNameLength) {
         report.name(filmText::kNamesCut, named);

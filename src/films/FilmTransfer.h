@@ -72,6 +72,8 @@ public:
     void resetToDefaults();
 
     [[nodiscard]] bool running() const { return running_; }
+    /// What the last download could not do, for the bottom line until the next transfer.
+    [[nodiscard]] const LibraryNotice& lasting() const { return lasting_; }
     /// A transfer or a reset went to the instrument.
     [[nodiscard]] bool reachedInstrument() const { return reachedInstrument_; }
 
@@ -104,6 +106,7 @@ private:
     FilmTransferParts parts_;
     bool running_ = false;
     bool reachedInstrument_ = false;
+    LibraryNotice lasting_;
     int timeouts_ = 0;   ///< in a row
     double began_ = 0;   ///< the exchange in hand; monotonic
     double longest_ = 0; ///< s, of the exchanges since the last look

@@ -3,6 +3,8 @@
 #include "controls/MarkLabel.h"
 #include "controls/SpinBox.h"
 #include "films/Texts.h"
+#include "films/controls/FilmList.h"
+#include "films/controls/StandStill.h"
 #include "util/ProgramName.h"
 #include "util/Text.h"
 
@@ -16,8 +18,6 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QSignalBlocker>
-#include <QStandardItemModel>
-#include <QTreeView>
 
 #include <utility>
 
@@ -25,7 +25,6 @@ namespace drx9 {
 
 namespace {
 constexpr std::size_t kFirstOfMany = 2; ///< index of the third sensor's box
-constexpr int kRowHeight = 28;
 
 QString shown(const std::string& text) {
     return QString::fromStdString(text);
@@ -75,7 +74,7 @@ void frmFilm::Form_Load() {
     library_.DBOpen();
     showInstrument();
     showLibrary();
-    lstDBFilms_->setFocus();
+    list_->setFocus();
 }
 
 bool frmFilm::online() const {
@@ -180,7 +179,7 @@ void frmFilm::mnuFileSave_Click() {
 
 void frmFilm::lstDBFilms_Click(int row) {
     library_.forgetNotice();
-    setCurrentRow(row);
+    list_->setCurrentRow(row);
     ShowDBFilm();
 }
 
@@ -195,18 +194,9 @@ void frmFilm::txtParam_Finished(FilmBox box) {
         editor_.editBox(box, field->text().toStdString());
     } else if (editor_.EditFilmName(field->text().toStdString())) {
         showList();
-        moveListToFirstRow();
+        list_->moveToFirstRow(); // the renamed film stays shown and selected
     }
     showFilm();
-}
-
-/// The current row moves; the renamed film stays shown and selected.
-void frmFilm::moveListToFirstRow() {
-    lstDBFilms_->setAutoScroll(false);
-    if (rowCount() > 0) {
-        setCurrentRow(0);
-    }
-    lstDBFilms_->setAutoScroll(true);
 }
 
 void frmFilm::dbcMaterial_Change() {
@@ -260,44 +250,17 @@ void frmFilm::cmdAddFilm_Click() {
         library_.forgetNotice();
         if (editor_.addFilm(dbcMaterial_->currentText().toStdString())) {
             showList();
-            shownRow_ = -1;
+            list_->forgetShown();
         }
         showFilm();
     });
 }
 
-/// The whole window stands still as long as this lives, and gets its focus back.
-class frmFilm::StandStill {
-public:
-    explicit StandStill(frmFilm& window)
-        : window_(window)
-        , focus_(QApplication::focusWidget()) {
-        enable(false);
-    }
-    StandStill(const StandStill&) = delete;
-    StandStill& operator=(const StandStill&) = delete;
-    ~StandStill() {
-        enable(true);
-        if (focus_ != nullptr) {
-            focus_->setFocus();
-        }
-    }
-
-private:
-    void enable(bool on) {
-        window_.content_->setEnabled(on);
-        window_.menu_->setEnabled(on);
-    }
-
-    frmFilm& window_;
-    QPointer<QWidget> focus_;
-};
-
 void frmFilm::transferClick(std::function<void()> transfer) {
     finishEditing();
     whenIdle([this, transfer = std::move(transfer)] {
         {
-            const StandStill still(*this);
+            const StandStill still({content_, menu_});
             transfer();
         }
         showInstrument();
@@ -312,31 +275,15 @@ void frmFilm::transferClick(std::function<void()> transfer) {
 // ---- What is shown ----
 
 void frmFilm::showLibrary() {
-    lstDBFilms_->selectionModel()->clear();
-    shownRow_ = -1;
+    list_->clearSelection();
     showList();
     showMaterials({});
     showFilm();
 }
 
-/// Row by row, so that the place in the list and the selection stay.
 void frmFilm::showList() {
-    filling_ = true;
     setWindowTitle(shown(library_.caption()));
-    rows_ = editor_.films();
-    listModel_->setRowCount(static_cast<int>(rows_.size()));
-    for (int row = 0; row < listModel_->rowCount(); ++row) {
-        const FilmRow& film = rows_[static_cast<std::size_t>(row)];
-        for (const auto& [column, text] : {std::pair{0, film.number}, {1, film.name}}) {
-            if (listModel_->item(row, column) == nullptr) {
-                listModel_->setItem(row, column, new QStandardItem);
-                listModel_->item(row, column)->setSizeHint(QSize(0, kRowHeight));
-            }
-            listModel_->item(row, column)->setText(shown(text));
-        }
-        listModel_->item(row, 0)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    }
-    filling_ = false;
+    list_->setFilms(editor_.films());
 }
 
 void frmFilm::showMaterials(const QString& chosen) {
@@ -382,17 +329,11 @@ void frmFilm::showInstrument() {
 
 /// What came of the last operation goes before what lasts.
 void frmFilm::showState() {
-    const LibraryNotice& notice = library_.notice();
-    const LibraryNotice standing = library_.standing();
+    const bool lost = wasOnline_ && !online();
     LibraryNotice said;
-    if (!notice.text.empty()) {
-        said = notice;
-    } else if (!standing.text.empty()) {
-        said = standing;
-    } else if (library_.unsavedUpload()) {
-        said = {filmText::kUnsaved, NoticeTone::Warn};
-    } else if (wasOnline_ && !online()) {
-        said = {filmText::kLinkLost, NoticeTone::Alarm};
+    for (const LibraryNotice& line : {library_.notice(), transfer_.lasting(), library_.standing(),
+                                      LibraryNotice{lost ? filmText::kLinkLost : "", NoticeTone::Alarm}}) {
+        said = said.text.empty() ? line : said;
     }
     state_->say(shown(said.text), toneOf(said.tone));
     state_->setToolTip(shown(said.text));
@@ -401,28 +342,24 @@ void frmFilm::showState() {
 // ---- For the transfer ----
 
 int frmFilm::rowCount() const {
-    return listModel_->rowCount();
+    return list_->rowCount();
 }
 
 void frmFilm::setCurrentRow(int row) {
-    const bool before = std::exchange(filling_, true);
-    lstDBFilms_->selectionModel()->setCurrentIndex(listModel_->index(row, 0), QItemSelectionModel::NoUpdate);
-    filling_ = before;
+    list_->setCurrentRow(row);
 }
 
 bool frmFilm::isSelected(int row) const {
-    return lstDBFilms_->selectionModel()->isRowSelected(row);
+    return list_->isSelected(row);
 }
 
 std::string frmFilm::filmName() const {
-    const int row = lstDBFilms_->currentIndex().row();
-    return row >= 0 && row < static_cast<int>(rows_.size()) ? rows_[static_cast<std::size_t>(row)].name
-                                                            : std::string();
+    return list_->filmName();
 }
 
 void frmFilm::ShowDBFilm() {
-    shownRow_ = lstDBFilms_->currentIndex().row();
-    editor_.ShowDBFilm(filmName());
+    list_->noteShown();
+    editor_.ShowDBFilm(list_->filmName());
     showFilm();
 }
 
@@ -434,10 +371,8 @@ void frmFilm::refreshLists() {
 }
 
 void frmFilm::selectFirstRow() {
-    filling_ = true;
-    lstDBFilms_->setCurrentIndex(listModel_->index(0, 0));
-    filling_ = false;
-    if (rowCount() > 0) {
+    list_->selectFirstRow();
+    if (list_->rowCount() > 0) {
         ShowDBFilm();
     }
 }

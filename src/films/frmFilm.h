@@ -19,11 +19,10 @@ class QLabel;
 class QLineEdit;
 class QMenuBar;
 class QPushButton;
-class QStandardItemModel;
-class QTreeView;
 
 namespace drx9 {
 
+class FilmList;
 class MarkLabel;
 class SpinBox;
 
@@ -66,8 +65,6 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    class StandStill;
-
     // Controls
     void buildControls();
     QMenuBar* buildMenu();
@@ -108,7 +105,6 @@ private:
     void showMaterials(const QString& chosen);
     void showState();
     void showInstrument();
-    void moveListToFirstRow();
     [[nodiscard]] bool online() const;
 
     // For the transfer
@@ -128,20 +124,17 @@ private:
     FilmTransfer transfer_;
     std::unique_ptr<Tenure> timerHold_;
     std::unique_ptr<Tenure> closeRound_;
-    std::vector<FilmRow> rows_; ///< of the list
-    bool filling_ = true;       ///< changes of the controls are the program's own
+    bool filling_ = true; ///< changes of the controls are the program's own
     bool manySensors_ = true;
     bool wasOnline_ = false;
     bool closeWanted_ = false; ///< asked for in mid-transfer
     bool closeAsked_ = false;
     bool closed_ = false;
     bool inCloseEvent_ = false;
-    int shownRow_ = -1; ///< whose film is shown; -1 none, or one chosen otherwise
 
     QMenuBar* menu_ = nullptr;
     QWidget* content_ = nullptr;
-    QTreeView* lstDBFilms_ = nullptr;
-    QStandardItemModel* listModel_ = nullptr;
+    FilmList* list_ = nullptr;
     QGroupBox* film_ = nullptr;
     QGroupBox* sensors_ = nullptr;
     std::array<QLineEdit*, kFilmBoxes> txtParam_{};

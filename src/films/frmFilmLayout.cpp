@@ -4,6 +4,7 @@
 #include "controls/MarkLabel.h"
 #include "controls/SpinBox.h"
 #include "controls/Theme.h"
+#include "films/controls/FilmList.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -11,15 +12,11 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPainter>
 #include <QPushButton>
-#include <QStandardItemModel>
-#include <QTreeView>
 
 namespace drx9 {
 
@@ -28,10 +25,9 @@ constexpr int kMargin = 16;
 constexpr int kGap = 8;
 constexpr int kGroupGap = 12;
 constexpr int kControlHeight = 28;
-constexpr int kListWidth = 252;
-constexpr int kNumberColumn = 92;
-constexpr int kNameWidth = 140;
+constexpr int kNameWidth = 138;
 constexpr int kNumberWidth = 112;
+constexpr int kWidestCaption = 2; // row of "Final Thickness"
 constexpr int kSpinnerWidth = 60;
 constexpr int kButtonWidth = 128;
 constexpr int kCloseWidth = 92;
@@ -49,39 +45,6 @@ QLabel* unit(const QString& text, QWidget* parent) {
     made->setForegroundRole(kMutedRole);
     return made;
 }
-
-/// The border of an input face around a list, accented while the list has the focus.
-class ListFrame : public QFrame {
-public:
-    ListFrame(QTreeView* list, QWidget* parent)
-        : QFrame(parent) {
-        auto* room = new QVBoxLayout(this);
-        room->setContentsMargins(2, 2, 2, 2);
-        room->addWidget(list);
-        list->setFrameShape(QFrame::NoFrame);
-        list->installEventFilter(this);
-        setFocusProxy(list);
-    }
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
-            update();
-        }
-        return QFrame::eventFilter(watched, event);
-    }
-    void paintEvent(QPaintEvent* /*event*/) override {
-        const Theme theme = Theme::of(palette());
-        const bool focused = focusProxy()->hasFocus();
-        const double width = focused ? 2 : 1;
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(focused ? theme.accent : theme.line, width));
-        painter.setBrush(theme.base);
-        const double inset = width / 2;
-        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), 4, 4);
-    }
-};
 
 QGridLayout* gridIn(QGroupBox* group) {
     auto* grid = new QGridLayout(group);
@@ -150,41 +113,8 @@ QPushButton* frmFilm::button(const char* name, const char* caption, const char* 
 }
 
 QLayout* frmFilm::buildList() {
-    lstDBFilms_ = new QTreeView(content_);
-    lstDBFilms_->setObjectName(QStringLiteral("lstDBFilms"));
-    lstDBFilms_->setToolTip(QStringLiteral("Select a film to edit."));
-    lstDBFilms_->setAccessibleName(QStringLiteral("Films"));
-    lstDBFilms_->setAllColumnsShowFocus(true);
-    lstDBFilms_->setRootIsDecorated(false);
-    lstDBFilms_->setUniformRowHeights(true);
-    lstDBFilms_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    lstDBFilms_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    lstDBFilms_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    listModel_ = new QStandardItemModel(0, 2, lstDBFilms_);
-    listModel_->setHorizontalHeaderLabels({QStringLiteral("FilmNum"), QStringLiteral("FilmName")});
-    listModel_->horizontalHeaderItem(0)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    listModel_->horizontalHeaderItem(1)->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    lstDBFilms_->setModel(listModel_);
-    lstDBFilms_->header()->setSectionResizeMode(QHeaderView::Fixed);
-    lstDBFilms_->header()->resizeSection(0, kNumberColumn);
-    lstDBFilms_->header()->setStretchLastSection(true);
-    lstDBFilms_->header()->setSectionsMovable(false);
-    QFont bold = lstDBFilms_->header()->font();
-    bold.setWeight(QFont::DemiBold);
-    lstDBFilms_->header()->setFont(bold);
-    lstDBFilms_->header()->setFixedHeight(kControlHeight);
-    // The current row alone, which a list that gets the focus finds itself, chooses no film.
-    connect(lstDBFilms_->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
-        const int row = lstDBFilms_->currentIndex().row();
-        if (!filling_ && row >= 0 && row != shownRow_ && isSelected(row)) {
-            lstDBFilms_Click(row);
-        }
-    });
-    connect(lstDBFilms_, &QTreeView::clicked, this, [this](const QModelIndex& clicked) {
-        if (clicked.row() != shownRow_) {
-            lstDBFilms_Click(clicked.row());
-        }
-    });
+    list_ = new FilmList(content_);
+    connect(list_, &FilmList::chosen, this, &frmFilm::lstDBFilms_Click);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(kGap);
     QPushButton* cmdAddFilm = button("cmdAddFilm", "&Add Film", "Create a new material.");
@@ -193,9 +123,7 @@ QLayout* frmFilm::buildList() {
     buttons->addWidget(button("cmdDelete", "&Delete Film", "Create a new material.")); // no action: kept
     auto* column = new QVBoxLayout;
     column->setSpacing(kGap);
-    auto* frame = new ListFrame(lstDBFilms_, content_);
-    frame->setFixedWidth(kListWidth);
-    column->addWidget(frame, 1);
+    column->addWidget(list_, 1);
     column->addLayout(buttons);
     return column;
 }
@@ -232,7 +160,7 @@ QGroupBox* frmFilm::buildFilm() {
     row(0, "Film Name", buildBox(FilmBox::FilmName, "Film Name", "Edit the name of database film selection."),
         false);
     row(1, "Tooling", buildBox(FilmBox::Tooling, "Tooling", "Set film tooling."), false);
-    row(2, "Final Thickness",
+    row(kWidestCaption, "Final Thickness",
         buildBox(FilmBox::EndThick, "Final Thickness, k\xC5", "Edit final thickness setpoint."), true);
     row(3, "Thick SetPt", buildBox(FilmBox::ThickSet, "Thick SetPt, k\xC5", "Edit thickness setpoint."),
         true);
@@ -301,10 +229,10 @@ QGroupBox* frmFilm::buildMaterial() {
     };
     row(1, "Density", buildBox(FilmBox::Density, "Density", "Set material density."));
     row(2, "Z Factor", buildBox(FilmBox::ZFactor, "Z Factor", "Set Material Z factor."));
-    // Both groups' boxes are below each other.
-    const int captions = fontMetrics().horizontalAdvance(QStringLiteral("Final Thickness")) + kGroupGap;
-    grid->setColumnMinimumWidth(0, captions);
-    qobject_cast<QGridLayout*>(film_->layout())->setColumnMinimumWidth(0, captions);
+    // Both groups' boxes are below each other, behind the widest caption.
+    const QLayoutItem* widest =
+        qobject_cast<QGridLayout*>(film_->layout())->itemAtPosition(kWidestCaption, 0);
+    grid->setColumnMinimumWidth(0, widest->sizeHint().width());
     return group;
 }
 
@@ -370,11 +298,11 @@ QLayout* frmFilm::buildBottom() {
 void frmFilm::setTabOrders() {
     const auto box = [this](FilmBox which) { return txtParam_[static_cast<std::size_t>(which)]; };
     const auto named = [this](const char* name) { return findChild<QWidget*>(QString::fromLatin1(name)); };
-    QList<QWidget*> order{
-        lstDBFilms_,           named("cmdAddFilm"),    named("cmdDelete"),     box(FilmBox::FilmName),
-        box(FilmBox::Tooling), box(FilmBox::EndThick), box(FilmBox::ThickSet), spnMinutes_,
-        spnSeconds_,           dbcMaterial_,           named("cmdNewMat"),     box(FilmBox::Density),
-        box(FilmBox::ZFactor)};
+    QList<QWidget*> order{list_->focusProxy(),    named("cmdAddFilm"),   named("cmdDelete"),
+                          box(FilmBox::FilmName), box(FilmBox::Tooling), box(FilmBox::EndThick),
+                          box(FilmBox::ThickSet), spnMinutes_,           spnSeconds_,
+                          dbcMaterial_,           named("cmdNewMat"),    box(FilmBox::Density),
+                          box(FilmBox::ZFactor)};
     for (QCheckBox* sensor : chkSensAvg_) {
         order.append(sensor);
     }

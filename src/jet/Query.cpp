@@ -215,7 +215,13 @@ bool Filter::holds(const Term& term, const Record& record) const {
         const auto stored = record.stored(term.position);
         return term.encodable && sameText(text_, *stored, term.stored);
     }
-    return sameValue(record.value(term.position), term.value);
+    const Value stored = record.value(term.position);
+    if (const auto* single = std::get_if<float>(&stored)) {
+        // In the column's own precision: a row is found again by the number that was stored in it.
+        const auto number = asNumber(term.value);
+        return number && *single == static_cast<float>(*number);
+    }
+    return sameValue(stored, term.value);
 }
 
 } // namespace drx9::jet

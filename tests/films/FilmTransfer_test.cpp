@@ -54,6 +54,31 @@ TEST(Upload, StoresByNumberInACopy) {
     EXPECT_FALSE(bench.library.unsavedUpload());
 }
 
+TEST(Upload, FindsItsMaterialsInSinglePrecisionAgain) {
+    Transfer bench({{"mine"}});
+    using enum jet::ColumnType;
+    bench.engine.CreateDatabase(
+        "/data/single.mdb", jet::Generation::Jet4,
+        {{"Film",
+          {FilmBench::column("FilmNum", Integer), FilmBench::column("FilmName", Text, 20),
+           FilmBench::column("Material", Text, 20), FilmBench::column("EndThick", Single),
+           FilmBench::column("ThickSet", Single)},
+          {}},
+         {"Material",
+          {FilmBench::column("Material", Text, 20), FilmBench::column("Density", Single),
+           FilmBench::column("ZFactor", Single)},
+          {}}},
+        {45000});
+    bench.dialogs.answers = {"/data/single.mdb"};
+    bench.library.openDatabase();
+    bench.instrument.execute("A2SAME____ 2.700 100 1.080 0.100 0.200  1  1", 0);
+    bench.transfer.upload();
+    EXPECT_EQ(bench.rows("Material", kUpload).size(), 8U) << "film 2 has film 1's";
+    EXPECT_EQ(bench.rows("Film", kUpload)[1], "2|SAME    |UnitMat1|0.1|0.2");
+    bench.transfer.download(1);
+    EXPECT_EQ(bench.told(), "9 films sent") << "and nothing differs";
+}
+
 TEST(Upload, EndsWhereTheCopyFails) {
     Transfer bench({{"mine"}});
     bench.files.failKind(FileStep::Rename);
@@ -133,6 +158,8 @@ TEST(Download, TakesNamesAndNullsAsTheyAre) {
         << "density, Z factor and nulls stay the instrument's";
     EXPECT_EQ(bench.told(), "1 of 4 films sent. Not sent, cannot be looked up: O'Hara, NotAFilm, TOO_LONG_1. "
                             "Material not in the library, density and Z factor left as they are: a!\xC3\xA9");
+    bench.library.forgetNotice();
+    EXPECT_NE(bench.transfer.lasting().text, "") << "until the next transfer";
 }
 
 TEST(Download, SendsNumbersAtTheFormatsEdges) {

@@ -104,7 +104,7 @@ TEST_F(DiscoveryTest, SerialPortsThatCannotBeUsed) {
 }
 
 TEST_F(DiscoveryTest, SaysWhyABridgeDoesNotOpen) {
-    bench.settings.CommType = 1;
+    bench.settings.CommType = LinkType{1};
     bench.settings.USBSerNum = "ab12";
     bench.usb.devices = {{"83F5", "ab12", false}};
     bench.usb.why = "/dev/ttyUSB0 is in use by another program.";

@@ -17,7 +17,7 @@ namespace drx9 {
 class RunRecord {
 public:
     struct Parts {
-        const DataLogSettings& settings; ///< read anew each time: the operator may change them in a run
+        const DataLogSettings& settings; ///< read again each time: the operator may change them in a run
         DataLog& log;
         GraphSet graphs;
         SleepInhibitor& sleep;

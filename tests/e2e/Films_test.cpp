@@ -97,7 +97,7 @@ TEST_P(OldLibrary, GoesToTheInstrumentAndBack) {
     EXPECT_EQ(core().films[2].EndThick, 2.5);
     EXPECT_EQ(boxes.isEmpty(), *GetParam() == '\0') << boxes.toStdString(); // samples have names with blanks
 
-    core().link.exchange("A2CHANGED_ 7.040 90 0.514 2.000 0.500  65  1"); // as from the raw terminal
+    core().link.Comm_Send("A2CHANGED_ 7.040 90 0.514 2.000 0.500  65  1"); // as from the raw terminal
     click("cmdUpload");
     ASSERT_TRUE(stateBecomes("99 films read"));
     chosenFiles = {shop};

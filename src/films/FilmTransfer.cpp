@@ -281,7 +281,7 @@ void FilmTransfer::writeRow(int film, TransferReport& report) {
         return;
     }
     if (parts_.library.column(Dat::DBSelected, "FilmName").size() > 1) {
-        report.name("Several films of that name, the first was sent", named);
+        report.name(filmText::kSameName, named);
     }
     if (characterCount(trimmedRight(name)) > kFilmNameLength) {
         report.name(filmText::kNamesCut, named);

@@ -76,6 +76,7 @@ inline constexpr const char* kSentOutOfStep = "Answers out of step: some films m
 inline constexpr const char* kTooLong = "Not sent, its numbers are too long";
 inline constexpr const char* kRow = "row {}"; ///< stands for a film without a name
 inline constexpr const char* kNotLookedUp = "Not sent, cannot be looked up";
+inline constexpr const char* kSameName = "Several films of that name, the first was sent";
 inline constexpr const char* kNamesCut = "Names cut to 8 characters";
 inline constexpr const char* kMaterialMissing =
     "Material not in the library, density and Z factor left as they are";

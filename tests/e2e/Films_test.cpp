@@ -95,7 +95,8 @@ TEST_P(OldLibrary, GoesToTheInstrumentAndBack) {
     EXPECT_EQ(ask("count A*"), "6") << "each is written and read back";
     EXPECT_EQ(core().films[2].Tooling, 98);
     EXPECT_EQ(core().films[2].EndThick, 2.5);
-    EXPECT_EQ(boxes.isEmpty(), *GetParam() == '\0') << boxes.toStdString(); // samples have names with blanks
+    // Samples have names with blanks, which the instrument keeps as "_".
+    EXPECT_TRUE(boxes.isEmpty() || *GetParam() != '\0') << boxes.toStdString();
 
     core().link.Comm_Send("A2CHANGED_ 7.040 90 0.514 2.000 0.500  65  1"); // as from the raw terminal
     click("cmdUpload");

@@ -6,7 +6,9 @@
 namespace drx9 {
 
 namespace {
-constexpr double kMostInColumn = 2; ///< readings on average, above which curves are thinned
+constexpr double kMostInColumn = 2; ///< readings, above which curves are thinned
+constexpr double kMostRows = 16;    ///< in view, to a column, whatever the usual pace is
+constexpr double kReach = 8;        ///< pixels that a reading's ink can reach aside
 constexpr int kWidthBits = 26;
 } // namespace
 
@@ -24,44 +26,44 @@ ChartCurves::ChartCurves(const ChartModel& model, int width, int height)
     , height_(std::max(1, height))
     , perColumn_(columnWidth(model.xView().size(), width_))
     , origin_(model.xView().from) {
-    findColumns();
+    const double step = points_.usualStep();
+    const auto inView = static_cast<double>(points_.firstAt(timeAt(width_)) - points_.firstAt(origin_));
+    thinned_ = (step > 0 && perColumn_ > kMostInColumn * step) || inView > kMostRows * width_;
     if (thinned_) {
         origin_ = std::floor(origin_ / perColumn_) * perColumn_;
+        findColumns();
     }
 }
 
-/// Finds where the columns begin among the rows, and whether there are too many rows to draw them all.
+/// Finds where the columns begin among the rows.
 void ChartCurves::findColumns() {
-    const double first = std::floor(origin_ / perColumn_) - 1;
-    std::size_t occupied = 0;
+    const double first = std::floor(model_.xView().from / perColumn_) - 1;
     rows_.reserve(static_cast<std::size_t>(width_) + 4);
     for (int i = 0; i < width_ + 4; ++i) {
         rows_.push_back(points_.firstAt((first + i) * perColumn_, rows_.empty() ? 0 : rows_.back()));
-        occupied += i > 0 && rows_.back() > rows_[rows_.size() - 2] ? 1 : 0;
     }
-    thinned_ =
-        static_cast<double>(rows_.back() - rows_.front()) > kMostInColumn * static_cast<double>(occupied);
 }
 
 double ChartCurves::yPixel(double value) const {
     return (y_.to - value) / y_.size() * height_;
 }
 
-std::vector<CurvePoint> ChartCurves::curve(int series) const {
-    return thinned_ ? thinnedCurve(series) : exactCurve(series);
+std::vector<CurvePoint> ChartCurves::curve(int series, double fromX) const {
+    return thinned_ ? thinnedCurve(series, fromX) : exactCurve(series, fromX);
 }
 
-std::vector<CurvePoint> ChartCurves::exactCurve(int series) const {
+std::vector<CurvePoint> ChartCurves::exactCurve(int series, double fromX) const {
     const ChartModel::Rows drawn = model_.drawnRows(series);
     const std::size_t column = model_.column(series);
-    // From a reading beyond each end of the view on, so that the curve runs up to its edges.
-    const std::size_t first = rows_.front();
-    const std::size_t last = rows_.back();
+    // From a reading beyond each end on, so that the curve runs up to the edges.
+    std::size_t row = std::clamp(points_.firstAt(timeAt(fromX - kReach)), drawn.from, drawn.to);
+    while (row > drawn.from && std::isnan(points_.value(column, --row))) {
+    }
+    const std::size_t end = std::min(drawn.to, points_.firstAt(timeAt(width_ + kReach), row) + 1);
     std::vector<CurvePoint> curve;
-    curve.reserve(last + 2 - first);
+    curve.reserve(end - std::min(row, end));
     bool start = true;
-    for (std::size_t row = std::max(drawn.from, first - std::min<std::size_t>(first, 1));
-         row < std::min(drawn.to, last + 1); ++row) {
+    for (; row < end; ++row) {
         start = start || points_.gapBefore(row);
         const float value = points_.value(column, row);
         if (!std::isnan(value)) {
@@ -72,16 +74,23 @@ std::vector<CurvePoint> ChartCurves::exactCurve(int series) const {
     return curve;
 }
 
-std::vector<CurvePoint> ChartCurves::thinnedCurve(int series) const {
+std::vector<CurvePoint> ChartCurves::thinnedCurve(int series, double fromX) const {
     const ChartModel::Rows drawn = model_.drawnRows(series);
     const std::size_t column = model_.column(series);
+    const auto rowsOf = [this, &drawn](std::size_t i) {
+        return ChartModel::Rows{std::max(rows_[i], drawn.from), std::min(rows_[i + 1], drawn.to)};
+    };
+    // From the last column before that one that holds a value.
+    auto first = static_cast<std::size_t>(std::clamp(fromX, 0.0, static_cast<double>(width_)));
+    while (first > 0 && points_.range(column, rowsOf(first).from, rowsOf(first).to).empty()) {
+        --first;
+    }
     std::vector<CurvePoint> curve;
     curve.reserve(4 * rows_.size());
-    for (std::size_t i = 0; i + 1 < rows_.size(); ++i) {
-        const std::size_t from = std::max(rows_[i], drawn.from);
-        const std::size_t to = std::min(rows_[i + 1], drawn.to);
-        if (from < to) {
-            addColumn(curve, column, from, to, static_cast<double>(i) - 0.5);
+    for (std::size_t i = first; i + 1 < rows_.size(); ++i) {
+        const ChartModel::Rows rows = rowsOf(i);
+        if (rows.from < rows.to) {
+            addColumn(curve, column, rows.from, rows.to, static_cast<double>(i) - 0.5);
         }
     }
     return curve;

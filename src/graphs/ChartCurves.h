@@ -2,6 +2,7 @@
 
 #include "graphs/ChartModel.h"
 
+#include <limits>
 #include <vector>
 
 namespace drx9 {
@@ -17,7 +18,8 @@ struct CurvePoint {
 /// pixel column the first, least, greatest and last value.
 ///
 /// Columns are anchored in time, at whole multiples of their width since time zero, and lie on whole
-/// pixels: scrolling moves the picture of a moment and never changes it.
+/// pixels; whether readings are thin enough follows from the column's width and the run's usual pace alone.
+/// So scrolling moves the picture of a moment and never changes it.
 class ChartCurves {
 public:
     /// For the model's present view in a plot of so many pixels. Keeps references to the model.
@@ -25,15 +27,17 @@ public:
 
     /// More than two readings to a pixel column.
     [[nodiscard]] bool thinned() const { return thinned_; }
-    [[nodiscard]] std::vector<CurvePoint> curve(int series) const;
+    /// The curve in view, or what shows of it from a pixel column on: strokes that end left of it are left
+    /// out.
+    [[nodiscard]] std::vector<CurvePoint> curve(int series, double fromX = 0) const;
     [[nodiscard]] double xPixel(double time) const { return (time - origin_) / perColumn_; }
     [[nodiscard]] double timeAt(double xPixel) const { return origin_ + xPixel * perColumn_; }
     [[nodiscard]] double yPixel(double value) const;
 
 private:
     void findColumns();
-    [[nodiscard]] std::vector<CurvePoint> exactCurve(int series) const;
-    [[nodiscard]] std::vector<CurvePoint> thinnedCurve(int series) const;
+    [[nodiscard]] std::vector<CurvePoint> exactCurve(int series, double fromX) const;
+    [[nodiscard]] std::vector<CurvePoint> thinnedCurve(int series, double fromX) const;
     void addColumn(std::vector<CurvePoint>& curve, std::size_t column, std::size_t from, std::size_t to,
                    double x) const;
 
@@ -44,9 +48,9 @@ private:
     int height_;
     double perColumn_; ///< s
     double origin_;    ///< time of the plot's left edge, s
-    /// First row of each column; one beside the view at each side, and an end.
-    std::vector<std::size_t> rows_;
     bool thinned_ = false;
+    /// While thinned: first row of each column, beginning with one beside the view, and an end.
+    std::vector<std::size_t> rows_;
 };
 
 /// A column's width in seconds, the same for all views of nearly the same width: what is left of it in the

@@ -92,7 +92,7 @@ public:
     void setLastPoint(int series, int last) override { model_.setLastPoint(series - 1, last); }
     void append(int series, double elapsed, double value) override;
     void appendGap() override { model_.appendGap(); }
-    void redraw() override { model_.changed(); }
+    void redraw() override { model_.redraw(); }
 
 private:
     void takeAxes();

@@ -13,6 +13,8 @@ constexpr std::string_view kFirstLine = "DRX9 chart settings 1";
 constexpr std::string_view kLastLine = "End of chart settings";
 constexpr std::size_t kMostText = 100; ///< bytes of a title or label
 constexpr std::size_t kMostLines = 4000;
+constexpr std::size_t kMostUnknown = 1900; ///< lines; written back, with headings, they are not too many
+constexpr std::size_t kMostUnknownBytes = 200000; ///< with their headings; likewise
 constexpr double kMostNumber = 1e12;
 
 std::string numberText(double value) {
@@ -166,12 +168,12 @@ std::vector<std::pair<std::string, Section>> sectionsOf(ChartLook& look) {
     return sections;
 }
 
-/// The next line without its end.
+/// The next line without its end, of whatever system.
 std::string_view takeLine(std::string_view& rest) {
     const std::size_t end = std::min(rest.find('\n'), rest.size());
     std::string_view line = rest.substr(0, end);
     rest.remove_prefix(std::min(end + 1, rest.size()));
-    if (!line.empty() && line.back() == '\r') {
+    while (!line.empty() && line.back() == '\r') {
         line.remove_suffix(1);
     }
     return line;
@@ -199,13 +201,15 @@ public:
         if (key != nullptr) {
             return key->read(line.substr(equals + 1));
         }
-        if (!line.empty()) {
-            look_.unknown.emplace_back(heading_, line);
-        }
-        return true;
+        return line.empty() || keep(line);
     }
 
 private:
+    bool keep(std::string_view line) {
+        look_.unknown.emplace_back(heading_, line);
+        unknownBytes_ += heading_.size() + line.size() + 2;
+        return look_.unknown.size() <= kMostUnknown && unknownBytes_ <= kMostUnknownBytes;
+    }
     [[nodiscard]] const Key* find(std::string_view name) const {
         for (const Key& key : section_ != nullptr ? *section_ : none_) {
             if (key.name == name) {
@@ -220,6 +224,7 @@ private:
     const Section none_;
     const Section* section_ = nullptr;
     std::string heading_;
+    std::size_t unknownBytes_ = 0;
 };
 
 /// The unknown lines of a heading; those of headings that the look does not have keep their order.

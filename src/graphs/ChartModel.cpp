@@ -29,6 +29,11 @@ ChartModel::ChartModel(const ChartDesign& design, RunPoints& points)
 }
 
 void ChartModel::changed() {
+    ++revision_;
+    redraw();
+}
+
+void ChartModel::redraw() {
     if (batches_ > 0) {
         changedInBatch_ = true;
     } else if (changed_) {
@@ -40,7 +45,7 @@ void ChartModel::endBatch() {
     --batches_;
     if (batches_ == 0 && changedInBatch_) {
         changedInBatch_ = false;
-        changed();
+        redraw();
     }
 }
 
@@ -132,6 +137,11 @@ std::size_t ChartModel::column(int series) const {
     return static_cast<std::size_t>(own_ ? series : design_.firstColumn + series);
 }
 
+void ChartModel::setFirstPoint(int series, int point) {
+    extent(series).firstPoint = point;
+    changed();
+}
+
 int ChartModel::lastPoint(int series) const {
     return static_cast<int>(points().count(column(series)));
 }
@@ -156,6 +166,7 @@ void ChartModel::append(int series, double elapsed, double value) {
 }
 
 void ChartModel::setOwnPoints(std::unique_ptr<RunPoints> points) {
+    revision_ += this->points().losses() + 1; // other points have other losses
     own_ = std::move(points);
     changed();
 }

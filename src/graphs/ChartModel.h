@@ -27,10 +27,12 @@ public:
     /// `points` are shared by all charts of the run and outlive the model.
     ChartModel(const ChartDesign& design, RunPoints& points);
 
-    /// Called when what is to be drawn has changed, except by appended points. At most one listener.
+    /// Called when what is to be drawn has changed; for appended points at redraw(). At most one listener.
     void setListener(std::function<void()> changed) { changed_ = std::move(changed); }
-    /// Tells the listener; within a batch only once, when the last batch ends.
-    void changed();
+    /// Tells the listener of appended points; within a batch only once, when the last batch ends.
+    void redraw();
+    /// Another number after every change of what is drawn, except for points that came at the end.
+    [[nodiscard]] std::size_t revision() const { return revision_ + points().losses(); }
     void beginBatch() { ++batches_; }
     void endBatch();
 
@@ -64,7 +66,7 @@ public:
     [[nodiscard]] int capacity(int series) const { return extent(series).capacity; }
     void setCapacity(int series, int points) { extent(series).capacity = points; }
     [[nodiscard]] int firstPoint(int series) const { return extent(series).firstPoint; }
-    void setFirstPoint(int series, int point) { extent(series).firstPoint = point; }
+    void setFirstPoint(int series, int point);
     /// Number of points, which is the last one's number.
     [[nodiscard]] int lastPoint(int series) const;
     /// Cuts the series to its first `last` points.
@@ -123,6 +125,7 @@ private:
     [[nodiscard]] Extent& extent(int series) { return extents_[static_cast<std::size_t>(series)]; }
     [[nodiscard]] RunPoints& ownOrRun() { return own_ ? *own_ : run_; }
     void applyYPair();
+    void changed();
 
     const ChartDesign& design_;
     RunPoints& run_;
@@ -130,6 +133,7 @@ private:
     ChartLook look_;
     std::vector<Extent> extents_;
     std::function<void()> changed_;
+    std::size_t revision_ = 0;
     int batches_ = 0;
     bool changedInBatch_ = false;
     bool gapPending_ = false;

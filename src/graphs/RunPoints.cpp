@@ -8,6 +8,7 @@ namespace drx9 {
 namespace {
 constexpr float kNoValue = std::numeric_limits<float>::quiet_NaN();
 constexpr double kMost = std::numeric_limits<float>::max();
+constexpr std::size_t kSample = 64; ///< steps that tell the usual one
 } // namespace
 
 void ValueRange::add(float value) { // NaN changes nothing
@@ -60,6 +61,18 @@ std::size_t RunPoints::firstAt(double wanted, std::size_t low) const {
         }
     }
     return low;
+}
+
+double RunPoints::usualStep() const {
+    if (rows_ <= kSample) {
+        return 0;
+    }
+    std::array<double, kSample> steps{};
+    for (std::size_t i = 0; i < kSample; ++i) {
+        steps[i] = time(i + 1) - time(i);
+    }
+    std::nth_element(steps.begin(), steps.begin() + kSample / 2, steps.end());
+    return steps[kSample / 2];
 }
 
 ValueRange RunPoints::range(std::size_t column, std::size_t from, std::size_t to) const {
@@ -125,6 +138,7 @@ void RunPoints::cut(std::size_t column, std::size_t count) {
 /// Takes the column's values from a row on, and what the spans knew of them.
 void RunPoints::cutRows(std::size_t column, std::size_t end) {
     Used& used = used_[column];
+    losses_ += end < used.end ? 1 : 0;
     for (std::size_t row = end; row < used.end; ++row) {
         float& held = piece(row).value[column * kPiece + row % kPiece];
         used.count -= std::isnan(held) ? 0 : 1;
@@ -161,6 +175,7 @@ void RunPoints::dropFrom(std::size_t row) {
 }
 
 void RunPoints::clear() {
+    ++losses_;
     pieces_.clear();
     rows_ = 0;
     used_.assign(columns_, {});

@@ -53,6 +53,12 @@ public:
     /// Least and greatest value of the column in the rows from .. to - 1.
     [[nodiscard]] ValueRange range(std::size_t column, std::size_t from, std::size_t to) const;
 
+    /// The usual time between two readings: the median of the first ones; 0 while there are too few to tell.
+    /// It stays the same for the rest of the run.
+    [[nodiscard]] double usualStep() const;
+    /// Grows with every loss of points. While it stays, points have only come at the end.
+    [[nodiscard]] std::size_t losses() const { return losses_; }
+
     /// Row of this time, added when it is later than all others. A time that goes back to where no row lies
     /// starts a new run: the rows from there on are dropped.
     std::size_t rowAt(double time);
@@ -90,6 +96,7 @@ private:
 
     std::size_t columns_;
     std::size_t rows_ = 0;
+    std::size_t losses_ = 0;
     std::vector<std::unique_ptr<Piece>> pieces_;
     std::vector<Used> used_;
 };

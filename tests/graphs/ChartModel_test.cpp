@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace drx9 {
 namespace {
 
@@ -124,7 +126,12 @@ TEST(ChartCurves, ExactWhereThinAndGapsStayGaps) {
     const ChartCurves exact(bench.model, 600, 400);
     ASSERT_FALSE(exact.thinned());
     const std::vector<CurvePoint> curve = exact.curve(3);
-    EXPECT_EQ(curve.size(), 161U + 81U + 2U) << "all readings in view, and one beyond each edge";
+    EXPECT_EQ(std::count_if(curve.begin(), curve.end(),
+                            [](const CurvePoint& point) { return point.x >= 0 && point.x <= 600; }),
+              161 + 81)
+        << "all readings in view";
+    EXPECT_LT(curve.front().x, 0) << "up to the edges";
+    EXPECT_GT(curve.back().x, 600);
     int starts = 0;
     for (const CurvePoint& point : curve) {
         starts += point.start ? 1 : 0;
@@ -143,6 +150,20 @@ TEST(ChartCurves, ExactWhereThinAndGapsStayGaps) {
         starts += point.start ? 1 : 0;
     }
     EXPECT_EQ(starts, 2);
+}
+
+TEST(ChartCurves, AreThinnedOrNotWhateverPartOfTheRunIsInView) {
+    ChartBench bench;
+    bench.feed(0, 900);
+    for (double t = 901; t < 1800; t += 1) { // a slow link
+        bench.graph.append(1, t, 1);
+    }
+    for (const auto& [width, thinned] : {std::pair{299.0, false}, {301.0, true}}) { // two readings a column
+        for (const double from : {-200.0, 0.0, 100.3, 800.0, 1200.0, 1700.0}) {
+            bench.model.setXView({from, from + width});
+            EXPECT_EQ(ChartCurves(bench.model, 600, 400).thinned(), thinned) << width << " " << from;
+        }
+    }
 }
 
 TEST(ChartModel, ViewsAndFit) {

@@ -1,5 +1,7 @@
 // Ink on pixels: as much of it everywhere, and where the curve is.
+#include "graphs/ChartBench.h"
 #include "graphs/CurveInk.h"
+#include "graphs/PlotPixels.h"
 
 #include <gtest/gtest.h>
 
@@ -57,6 +59,52 @@ TEST(CurveInk, ThinLinesCoverEachColumnsHeightsAndJoin) {
     Picture wide;
     CurveInk().thinLine(wide.area(), curve, 2, 0);
     EXPECT_NEAR(wide.column(13), 2, 0.1);
+}
+
+TEST(CurveInk, JoinsNothingOverAGapHoweverWideTheLine) {
+    Picture picture;
+    const std::vector<CurvePoint> curve{{20, 10, true}, {100, 10, false}, {101, 90, true}, {180, 90, false}};
+    CurveInk().line(picture.area(), curve, 10, 0);
+    for (int x = 90; x < 110; ++x) {
+        EXPECT_EQ(picture.ink(x, 50), 0) << x;
+    }
+}
+
+TEST(PlotPixels, WhatATickAddsIsWhatAWholePaintingShows) {
+    const PlotColors colors{
+        0xffffffff, 0xff808080, {0xff0000ff, 0xff00ff00, 0xffff0000, 0xff004488, 0xff0, 0}};
+    for (const double width : {90.0, 3000.0}) { // exact and thinned
+        ChartBench bench;
+        ChartLook look = bench.model.look();
+        look.series[1].width = 5;
+        look.series[3].shown = false;
+        bench.model.setLook(look);
+        bench.model.setXView({0, width});
+        const AxisTicks x = axisTicks(look.x, {0, width}, {200, 60, true});
+        const AxisTicks y = axisTicks(look.y, bench.model.yView(), {100, 20, false});
+        Picture grown;
+        PlotPixels ticks;
+        for (int step = 0; step < 40; ++step) {
+            if (step % 9 == 8) {
+                bench.graph.appendGap();
+            }
+            const double from = width / 40 * step;
+            bench.feed(from, from + width / 80);
+            const ChartCurves curves(bench.model, 200, 100);
+            const PlotPixels::Columns news = ticks.news(bench.model, curves, 200, 1.5);
+            EXPECT_LT(news.to - news.from, step > 8 ? 20 : 201);
+            ticks.paint(grown.area(), news, bench.model, curves, {x, y, colors, 1.5});
+            Picture whole;
+            PlotPixels().paint(whole.area(), {0, 200}, bench.model, curves, {x, y, colors, 1.5});
+            for (std::size_t i = 0; i < whole.pixels.size(); ++i) { // but for rounding
+                for (const int shift : {0, 8, 16}) {
+                    ASSERT_NEAR((grown.pixels[i] >> shift) & 0xff, (whole.pixels[i] >> shift) & 0xff, 2)
+                        << width << " " << step << " at " << i % 200 << " " << i / 200;
+                }
+            }
+            EXPECT_TRUE(ticks.news(bench.model, curves, 200, 1.5).empty());
+        }
+    }
 }
 
 TEST(CurveInk, TakesAnyCurve) {

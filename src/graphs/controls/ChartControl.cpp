@@ -4,6 +4,7 @@
 #include "graphs/ChartSummary.h"
 #include "graphs/Texts.h"
 #include "graphs/controls/ChartEditor.h"
+#include "graphs/controls/ChartNotes.h"
 #include "graphs/controls/ChartPainter.h"
 
 #include <QApplication>
@@ -16,8 +17,6 @@ namespace drx9 {
 
 namespace {
 constexpr int kRing = 2;
-constexpr double kPanStep = 0.1;
-constexpr double kZoomStep = 0.8;
 constexpr int kMessageMs = 10000;
 constexpr int kDescribeMs = 1000;
 constexpr int kFocusClickMs = 300; ///< within which a click is the one that gave the focus
@@ -41,7 +40,7 @@ ChartControl::ChartControl(ChartModel& model, ChartGraph& graph, const ChartPort
     connect(&messageTimer_, &QTimer::timeout, this, [this] { showMessage({}); });
     describeTimer_.setSingleShot(true);
     connect(&describeTimer_, &QTimer::timeout, this, &ChartControl::describe);
-    model.setListener([this] { chartChanged(); });
+    model.setListener([this] { modelChanged(); });
     graph.setPlacer([this](const GraphPlace& place) { placeAt(place); });
     takePlace();
     describe();
@@ -52,11 +51,19 @@ ChartControl::~ChartControl() {
     graph_.setPlacer({});
 }
 
-void ChartControl::chartChanged() {
+/// A tick paints only where readings came.
+void ChartControl::modelChanged() {
     if (model_.lastPoint(0) == 0) { // a new run
         tracer_.leave();
         tracer_.dropPin();
     }
+    if (isVisible()) {
+        update(surface_ != nullptr ? painter().news(rect(), devicePixelRatioF(), *surface_) : rect());
+    }
+    describeSoon();
+}
+
+void ChartControl::allChanged() {
     update();
     describeSoon();
 }
@@ -80,7 +87,7 @@ void ChartControl::placeAt(const GraphPlace& place) {
 void ChartControl::setSilence(const QString& text) {
     if (silence_ != text) {
         silence_ = text;
-        chartChanged();
+        allChanged();
     }
 }
 
@@ -97,7 +104,7 @@ QString ChartControl::note() const {
 void ChartControl::showMessage(const QString& text) {
     message_ = text;
     messageTimer_.start(kMessageMs);
-    chartChanged();
+    allChanged();
 }
 
 char ChartControl::decimal() const {
@@ -119,8 +126,9 @@ void ChartControl::paintEvent(QPaintEvent*) {
         surface_ = std::make_unique<ChartSurface>();
     }
     const QRect plot = drawing.paint(device, rect(), devicePixelRatioF(), surface_.get());
-    drawing.paintTracer(device, plot, tracer_);
-    drawing.paintNote(device, plot, note());
+    const ChartNotes notes(model_, drawing, Theme::of(palette()), decimal());
+    notes.paintTracer(device, plot, tracer_);
+    notes.paintNote(device, plot, note());
     if (hasFocus()) {
         device.setRenderHint(QPainter::Antialiasing);
         device.setPen(QPen(Theme::of(palette()).accent, kRing));
@@ -222,40 +230,6 @@ void ChartControl::leaveEvent(QEvent* event) {
     update();
 }
 
-bool ChartControl::viewKey(int key, Qt::KeyboardModifiers modifiers) {
-    const bool shift = modifiers.testFlag(Qt::ShiftModifier);
-    const bool keypad = modifiers.testFlag(Qt::KeypadModifier);
-    // "+" needs Shift on some keyboards: there only that of the number pad means Y.
-    const bool onlyY = shift && (keypad || (key != Qt::Key_Plus && key != Qt::Key_Asterisk));
-    const Qt::Orientations along = modifiers.testFlag(Qt::ControlModifier) ? Qt::Orientations(Qt::Horizontal)
-                                   : onlyY                                 ? Qt::Orientations(Qt::Vertical)
-                                                                           : kBoth;
-    switch (key) {
-    case Qt::Key_Left:
-    case Qt::Key_Right:
-        mouse_.pan(Qt::Horizontal, key == Qt::Key_Left ? -kPanStep : kPanStep);
-        return true;
-    case Qt::Key_Up:
-    case Qt::Key_Down:
-        mouse_.pan(Qt::Vertical, key == Qt::Key_Up ? kPanStep : -kPanStep);
-        return true;
-    case Qt::Key_Plus:
-    case Qt::Key_Equal:
-    case Qt::Key_Asterisk:
-        mouse_.zoom(kZoomStep, along);
-        return true;
-    case Qt::Key_Minus:
-    case Qt::Key_Underscore:
-        mouse_.zoom(1 / kZoomStep, along);
-        return true;
-    case Qt::Key_Home:
-        follow();
-        return true;
-    default:
-        return false;
-    }
-}
-
 bool ChartControl::tracerKey(int key, Qt::KeyboardModifiers modifiers) {
     if (modifiers.testFlag(Qt::ControlModifier) && (key == Qt::Key_Left || key == Qt::Key_Right)) {
         tracer_.step(key == Qt::Key_Left ? -1 : 1);
@@ -283,7 +257,10 @@ void ChartControl::keyPressEvent(QKeyEvent* event) {
         openMenu(mapToGlobal(plotRect().topLeft()));
     } else if (event->key() >= Qt::Key_1 && event->key() <= Qt::Key_6 && !(event->modifiers() & command)) {
         toggleSeries(event->key() - Qt::Key_1);
-    } else if (!tracerKey(event->key(), event->modifiers()) && !viewKey(event->key(), event->modifiers())) {
+    } else if (event->key() == Qt::Key_Home) {
+        follow();
+    } else if (!tracerKey(event->key(), event->modifiers()) &&
+               !mouse_.key(event->key(), event->modifiers())) {
         QWidget::keyPressEvent(event);
     }
 }
@@ -291,18 +268,15 @@ void ChartControl::keyPressEvent(QKeyEvent* event) {
 void ChartControl::addViews(QMenu& menu) {
     mouse_.setPlot(plotRect());
     menu.addAction(QStringLiteral("Follow the run\tHome"), this, &ChartControl::follow);
-    menu.addAction(QStringLiteral("Fit Y to what is shown"), this, [this] { model_.fitY(); });
-    menu.addAction(QStringLiteral("Whole run"), this, [this] { model_.viewWholeRun(); });
+    menu.addAction(QStringLiteral("Fit Y to what is shown\tF"), this, [this] { model_.fitY(); });
+    menu.addAction(QStringLiteral("Whole run\tW"), this, [this] { model_.viewWholeRun(); });
     menu.addSeparator();
-    menu.addAction(QStringLiteral("Zoom in\t+"), this, [this] { mouse_.zoom(kZoomStep, kBoth); });
-    menu.addAction(QStringLiteral("Zoom out\t-"), this, [this] { mouse_.zoom(1 / kZoomStep, kBoth); });
-    menu.addAction(QStringLiteral("Zoom X in\tCtrl++"), this,
-                   [this] { mouse_.zoom(kZoomStep, Qt::Horizontal); });
-    menu.addAction(QStringLiteral("Zoom X out\tCtrl+-"), this,
-                   [this] { mouse_.zoom(1 / kZoomStep, Qt::Horizontal); });
-    menu.addAction(QStringLiteral("Zoom Y in"), this, [this] { mouse_.zoom(kZoomStep, Qt::Vertical); });
-    menu.addAction(QStringLiteral("Zoom Y out\tShift+-"), this,
-                   [this] { mouse_.zoom(1 / kZoomStep, Qt::Vertical); });
+    menu.addAction(QStringLiteral("Zoom in\t+"), this, [this] { mouse_.zoomIn(kBoth); });
+    menu.addAction(QStringLiteral("Zoom out\t-"), this, [this] { mouse_.zoomOut(kBoth); });
+    menu.addAction(QStringLiteral("Zoom X in\tCtrl++"), this, [this] { mouse_.zoomIn(Qt::Horizontal); });
+    menu.addAction(QStringLiteral("Zoom X out\tCtrl+-"), this, [this] { mouse_.zoomOut(Qt::Horizontal); });
+    menu.addAction(QStringLiteral("Zoom Y in\tShift+Num +"), this, [this] { mouse_.zoomIn(Qt::Vertical); });
+    menu.addAction(QStringLiteral("Zoom Y out\tShift+-"), this, [this] { mouse_.zoomOut(Qt::Vertical); });
 }
 
 /// What mouse and keys do, for those who look for it. The keys are beside them as texts: the chart takes them
@@ -367,6 +341,7 @@ void ChartControl::focusOutEvent(QFocusEvent* event) {
 
 void ChartControl::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
+    surface_.reset(); // theme, font or locale
     update();
 }
 

@@ -68,13 +68,13 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    void chartChanged();
+    void modelChanged();
+    void allChanged();
     void takePlace();
     void placeAt(const GraphPlace& place);
     [[nodiscard]] ChartPainter painter() const;
     [[nodiscard]] char decimal() const;
     bool clickLegend(const QPoint& at);
-    bool viewKey(int key, Qt::KeyboardModifiers modifiers);
     bool tracerKey(int key, Qt::KeyboardModifiers modifiers);
     void pinTraced();
     void traceAt(const QPointF& at);

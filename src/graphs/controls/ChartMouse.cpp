@@ -9,6 +9,8 @@ namespace {
 constexpr double kDragFrom = 4; ///< pixels
 constexpr double kWheelZoom = 0.85;
 constexpr double kMostNotches = 20;
+constexpr double kPanStep = 0.1;
+constexpr double kZoomStep = 0.8;
 
 ValueSpan shifted(const ValueSpan& span, double by) {
     return {span.from + by, span.to + by};
@@ -83,8 +85,58 @@ void ChartMouse::pan(Qt::Orientation orientation, double share) {
     }
 }
 
-void ChartMouse::zoom(double factor, Qt::Orientations along) {
-    scale(QRectF(plot_).center(), factor, along);
+void ChartMouse::zoomIn(Qt::Orientations along) {
+    scale(QRectF(plot_).center(), kZoomStep, along);
+}
+
+void ChartMouse::zoomOut(Qt::Orientations along) {
+    scale(QRectF(plot_).center(), 1 / kZoomStep, along);
+}
+
+bool ChartMouse::zoomKey(int key, Qt::KeyboardModifiers modifiers) {
+    // "+" needs Shift on some keyboards: there only that of the number pad means Y.
+    const bool keypad = modifiers.testFlag(Qt::KeypadModifier);
+    const bool plain = key == Qt::Key_Plus || key == Qt::Key_Asterisk;
+    const bool onlyY = modifiers.testFlag(Qt::ShiftModifier) && (keypad || !plain);
+    const Qt::Orientations along = modifiers.testFlag(Qt::ControlModifier) ? Qt::Orientations(Qt::Horizontal)
+                                   : onlyY                                 ? Qt::Orientations(Qt::Vertical)
+                                                                           : Qt::Horizontal | Qt::Vertical;
+    if (plain || key == Qt::Key_Equal) {
+        zoomIn(along);
+        return true;
+    }
+    if (key == Qt::Key_Minus || key == Qt::Key_Underscore) {
+        zoomOut(along);
+        return true;
+    }
+    return false;
+}
+
+bool ChartMouse::key(int key, Qt::KeyboardModifiers modifiers) {
+    const bool command = modifiers.testFlag(Qt::ControlModifier) || modifiers.testFlag(Qt::AltModifier) ||
+                         modifiers.testFlag(Qt::MetaModifier);
+    switch (key) {
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+        pan(Qt::Horizontal, key == Qt::Key_Left ? -kPanStep : kPanStep);
+        return true;
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        pan(Qt::Vertical, key == Qt::Key_Up ? kPanStep : -kPanStep);
+        return true;
+    case Qt::Key_F:
+        if (!command) {
+            model_.fitY();
+        }
+        return !command;
+    case Qt::Key_W:
+        if (!command) {
+            model_.viewWholeRun();
+        }
+        return !command;
+    default:
+        return zoomKey(key, modifiers);
+    }
 }
 
 } // namespace drx9

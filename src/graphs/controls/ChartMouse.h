@@ -27,8 +27,10 @@ public:
     [[nodiscard]] bool pressed() const { return pressed_.has_value(); }
     void wheel(const QPointF& at, double notches);
 
-    void pan(Qt::Orientation orientation, double share); ///< share of the visible span
-    void zoom(double factor, Qt::Orientations along);    ///< about the middle
+    void zoomIn(Qt::Orientations along); ///< a step, about the middle
+    void zoomOut(Qt::Orientations along);
+    /// Arrows, "+" and "-", F and W. False for any other key.
+    bool key(int key, Qt::KeyboardModifiers modifiers);
 
 private:
     struct Press {
@@ -38,6 +40,8 @@ private:
         bool dragged = false;
     };
     [[nodiscard]] Qt::Orientations alongAt(const QPointF& at) const;
+    void pan(Qt::Orientation orientation, double share); ///< share of the visible span
+    bool zoomKey(int key, Qt::KeyboardModifiers modifiers);
     void scale(const QPointF& about, double factor, Qt::Orientations along);
 
     ChartModel& model_;

@@ -1,6 +1,5 @@
 #include "graphs/controls/ChartPainter.h"
 
-#include "graphs/ChartTracer.h"
 #include "graphs/EndMarks.h"
 
 #include <QFontMetrics>
@@ -28,7 +27,8 @@ constexpr int kNumberOffset = 15;
 constexpr int kNumberPixels = 13;
 constexpr double kNumberStep = 15;
 constexpr double kLeaderGap = 6;
-constexpr double kMostThin = 2; ///< device pixels
+constexpr int kMarkRoom = 44; ///< right of a curve's end, for dot and number
+constexpr int kMarkReach = 9;
 
 QFont bold(QFont font) {
     font.setBold(true);
@@ -43,15 +43,19 @@ QString text(const std::string& utf8) {
     return QString::fromStdString(utf8);
 }
 
-/// One pixel wide lines into a picture.
-void fillLines(QImage& surface, const QPointF& at, bool upright, int thickness, const QColor& color) {
-    QPainter painter(&surface);
-    const double scale = surface.devicePixelRatio();
-    if (upright) {
-        painter.fillRect(QRectF(at.x(), 0, thickness / scale, surface.height()), color);
-    } else {
-        painter.fillRect(QRectF(0, at.y(), surface.width(), thickness / scale), color);
-    }
+/// Whether the surface holds this chart's pixels as they were before readings came.
+bool holds(const ChartSurface& surface, const ChartModel& model, const QRect& rect, double scale) {
+    return surface.revision == model.revision() && surface.pixels.size() == (rect.size() * scale) &&
+           surface.pixels.devicePixelRatio() == scale;
+}
+
+/// The plot in device pixels of a picture that begins at the chart's corner.
+QRect deviceRect(const QRect& plot, const QRect& rect, double scale) {
+    const QPoint corner = plot.topLeft() - rect.topLeft();
+    return {static_cast<int>(std::lround(corner.x() * scale)),
+            static_cast<int>(std::lround(corner.y() * scale)),
+            static_cast<int>(std::lround(plot.width() * scale)),
+            static_cast<int>(std::lround(plot.height() * scale))};
 }
 } // namespace
 
@@ -125,21 +129,98 @@ void ChartPainter::findTicks(const QRect& plot) {
 }
 
 QRect ChartPainter::paint(QPainter& painter, const QRect& rect, double scale, ChartSurface* surface) {
+    if (surface != nullptr) {
+        renew(rect, scale, *surface);
+        painter.drawImage(rect.topLeft(), surface->pixels);
+        const ChartCurves shown = curves(surface->layout.plot, scale);
+        surface->marks = marksRect(surface->layout.plot, shown, scale);
+        paintEnds(painter, surface->layout.plot, shown, scale);
+        return surface->layout.plot;
+    }
     const ChartLayout parts = layout(rect);
     const ChartCurves shown = curves(parts.plot, scale);
     findTicks(parts.plot);
-    for (const QRect& beside : QRegion(rect) - QRegion(surface != nullptr ? parts.plot : QRect())) {
+    paintFrame(painter, rect, parts, true);
+    paintLines(painter, parts.plot, shown);
+    paintEnds(painter, parts.plot, shown, scale);
+    return parts.plot;
+}
+
+/// Brings the surface up to date: what is new of the curves, or all.
+void ChartPainter::renew(const QRect& rect, double scale, ChartSurface& surface) {
+    if (holds(surface, model_, rect, scale)) {
+        const ChartCurves shown = curves(surface.layout.plot, scale);
+        const int width = deviceRect(surface.layout.plot, rect, scale).width();
+        const PlotPixels::Columns columns = surface.plot.news(model_, shown, width, scale);
+        if (!columns.empty()) {
+            findTicks(surface.layout.plot);
+            paintPlot(columns, deviceRect(surface.layout.plot, rect, scale), scale, shown, surface);
+        }
+        return;
+    }
+    surface.revision = model_.revision();
+    surface.layout = layout(rect);
+    findTicks(surface.layout.plot);
+    if (surface.pixels.size() != rect.size() * scale) {
+        surface.pixels = QImage(rect.size() * scale, QImage::Format_RGB32);
+    }
+    surface.pixels.setDevicePixelRatio(scale);
+    {
+        QPainter frame(&surface.pixels);
+        frame.translate(-rect.topLeft());
+        paintFrame(frame, rect, surface.layout, false);
+    }
+    const QRect plot = deviceRect(surface.layout.plot, rect, scale);
+    paintPlot({0, plot.width()}, plot, scale, curves(surface.layout.plot, scale), surface);
+}
+
+void ChartPainter::paintFrame(QPainter& painter, const QRect& rect, const ChartLayout& parts,
+                              bool withPlot) const {
+    for (const QRect& beside : QRegion(rect) - QRegion(withPlot ? QRect() : parts.plot)) {
         painter.fillRect(beside, theme_.plot);
     }
     paintHeader(painter, parts);
-    if (surface != nullptr) {
-        paintPixels(painter, parts.plot, shown, scale, *surface);
-    } else {
-        paintLines(painter, parts.plot, shown);
-    }
     paintAxes(painter, parts.plot);
-    paintEnds(painter, parts.plot, shown, scale);
-    return parts.plot;
+}
+
+/// Ground, grid and curves in some columns of the plot.
+void ChartPainter::paintPlot(const PlotPixels::Columns& columns, const QRect& plot, double scale,
+                             const ChartCurves& curves, ChartSurface& surface) const {
+    PlotColors colors{rgb(theme_.plot), rgb(theme_.grid), {}};
+    for (int series = 0; series < model_.seriesCount(); ++series) {
+        colors.series.push_back(rgb(seriesColor(series)));
+    }
+    auto* line = reinterpret_cast<std::uint32_t*>(surface.pixels.scanLine(plot.top()));
+    const PixelArea area{line + plot.left(), plot.width(), plot.height(),
+                         static_cast<int>(surface.pixels.bytesPerLine() / 4)};
+    surface.plot.paint(area, columns, model_, curves, {x_, y_, colors, scale});
+}
+
+QRect ChartPainter::marksRect(const QRect& plot, const ChartCurves& curves, double scale) const {
+    QRect all;
+    for (const EndMark& mark : endMarks(model_, curves, plot.height() * scale, kNumberStep * scale)) {
+        const int x = plot.left() + static_cast<int>(std::floor(mark.x / scale));
+        all |= QRect(x - kMarkReach, plot.top() - kMarkReach, kMarkReach + kMarkRoom,
+                     plot.height() + 2 * kMarkReach);
+    }
+    return all;
+}
+
+QRect ChartPainter::news(const QRect& rect, double scale, const ChartSurface& surface) const {
+    if (!holds(surface, model_, rect, scale)) {
+        return rect;
+    }
+    const QRect& plot = surface.layout.plot;
+    const ChartCurves shown = curves(plot, scale);
+    const int width = deviceRect(plot, rect, scale).width();
+    const PlotPixels::Columns columns = surface.plot.news(model_, shown, width, scale);
+    if (columns.empty()) {
+        return {};
+    }
+    const int left = plot.left() + static_cast<int>(columns.from / scale) - 1;
+    const int right = plot.left() + static_cast<int>(columns.to / scale) + 2;
+    const QRect changed(left, plot.top(), right - left, plot.height());
+    return (changed | surface.marks | marksRect(plot, shown, scale)) & rect;
 }
 
 void ChartPainter::paintHeader(QPainter& painter, const ChartLayout& layout) const {
@@ -164,44 +245,6 @@ void ChartPainter::paintEntry(QPainter& painter, const QRect& rect, int series) 
     painter.setPen(look.shown ? theme_.text : theme_.disabled);
     painter.drawText(rect.adjusted(kSwatch + kSwatchGap, 0, 4, 0), Qt::AlignLeft | Qt::AlignVCenter,
                      text(look.label));
-}
-
-/// The plot's ground, grid and curves as pixels.
-void ChartPainter::paintPixels(QPainter& painter, const QRect& plot, const ChartCurves& curves, double scale,
-                               ChartSurface& surface) {
-    QImage& pixels = surface.pixels;
-    const QSize size(static_cast<int>(std::lround(plot.width() * scale)),
-                     static_cast<int>(std::lround(plot.height() * scale)));
-    if (pixels.size() != size) {
-        pixels = QImage(size, QImage::Format_RGB32);
-    }
-    pixels.setDevicePixelRatio(scale);
-    pixels.fill(theme_.plot);
-    const int line = std::max(1, static_cast<int>(scale));
-    for (const double time : x_.grid) {
-        const double x = (time - model_.xView().from) / model_.xView().size() * plot.width();
-        fillLines(pixels, {std::min(std::floor(x * scale), double(size.width() - line)) / scale, 0}, true,
-                  line, theme_.grid);
-    }
-    for (const double value : y_.grid) {
-        fillLines(pixels, {0, std::floor(curves.yPixel(value)) / scale}, false, line, theme_.grid);
-    }
-    const PixelArea area{reinterpret_cast<std::uint32_t*>(pixels.bits()), size.width(), size.height(),
-                         static_cast<int>(pixels.bytesPerLine() / 4)};
-    for (int series = 0; series < model_.seriesCount(); ++series) {
-        if (!model_.seriesVisible(series)) {
-            continue;
-        }
-        const double width = model_.look().series[static_cast<std::size_t>(series)].width * scale;
-        if (curves.thinned()) {
-            surface.ink.thinLine(area, curves.curve(series),
-                                 static_cast<int>(std::clamp(scale, 1.0, kMostThin)),
-                                 rgb(seriesColor(series)));
-        } else {
-            surface.ink.line(area, curves.curve(series), width, rgb(seriesColor(series)));
-        }
-    }
-    painter.drawImage(plot.topLeft(), pixels);
 }
 
 void ChartPainter::paintLines(QPainter& painter, const QRect& plot, const ChartCurves& curves) const {
@@ -306,82 +349,6 @@ void ChartPainter::paintEnds(QPainter& painter, const QRect& plot, const ChartCu
         painter.setPen(theme_.text);
         painter.drawText(QRectF(number.x(), number.y() - 9, 24, 18), Qt::AlignLeft | Qt::AlignVCenter,
                          QString::number(mark.series + 1));
-    }
-    painter.restore();
-}
-
-void ChartPainter::paintNote(QPainter& painter, const QRect& plot, const QString& note) const {
-    if (note.isEmpty()) {
-        return;
-    }
-    const QFontMetrics metrics(font_);
-    const QRect box(plot.left() + 8, plot.top() + 6, metrics.horizontalAdvance(note) + 12,
-                    metrics.height() + 4);
-    painter.fillRect(box, theme_.plot); // curves do not run through the words
-    painter.setFont(font_);
-    painter.setPen(theme_.warn);
-    painter.drawText(box, Qt::AlignCenter, note);
-}
-
-QPointF ChartPainter::place(const QRect& plot, double time, double value) const {
-    const ChartCurves curves = this->curves(plot, 1);
-    return {plot.left() + curves.xPixel(time), plot.top() + curves.yPixel(value)};
-}
-
-void ChartPainter::paintCross(QPainter& painter, const QPointF& at) const {
-    painter.setPen(QPen(theme_.text, 1.5));
-    painter.drawLine(at - QPointF(5, 5), at + QPointF(5, 5));
-    painter.drawLine(at - QPointF(5, -5), at + QPointF(5, -5));
-}
-
-std::vector<QString> ChartPainter::tracerLines(const ChartTracer& tracer) const {
-    std::vector<QString> lines{text(tracer.text(decimal_))};
-    if (tracer.pinned()) {
-        lines.push_back(text(tracer.differenceText(decimal_)));
-    }
-    return lines;
-}
-
-void ChartPainter::paintTracer(QPainter& painter, const QRect& plot, const ChartTracer& tracer) const {
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    const ValueSpan view = model_.xView();
-    const auto inView = [&view](const TracedPoint& point) {
-        return point.time >= view.from && point.time <= view.to;
-    };
-    if (tracer.pinned() && inView(*tracer.pinned())) {
-        paintCross(painter, place(plot, tracer.pinned()->time, tracer.pinned()->value));
-    }
-    if (tracer.point() && inView(*tracer.point())) {
-        const QPointF point = place(plot, tracer.point()->time, tracer.point()->value);
-        painter.setPen(QPen(theme_.line, 1, Qt::DashLine));
-        painter.drawLine(QPointF(point.x(), plot.top()), QPointF(point.x(), plot.bottom()));
-        painter.setPen(QPen(seriesColor(tracer.point()->series), 2));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawEllipse(point, 4, 4);
-        const std::vector<QString> lines = tracerLines(tracer);
-        const QFontMetrics metrics(font_);
-        int width = 0;
-        for (const QString& line : lines) {
-            width = std::max(width, metrics.horizontalAdvance(line));
-        }
-        QRectF box(0, 0, width + 16, metrics.height() * double(lines.size()) + 10);
-        box.moveBottomRight(point + QPointF(-10, -16));
-        box.moveTop(std::max(box.top(), plot.top() + 2.0));
-        if (box.left() < plot.left()) {
-            box.moveLeft(point.x() + 10);
-        }
-        painter.setPen(QPen(theme_.line, 1));
-        painter.setBrush(theme_.plot);
-        painter.drawRoundedRect(box, 4, 4);
-        painter.setFont(font_);
-        painter.setPen(theme_.text);
-        QRectF row = box.adjusted(8, 5, -8, 0);
-        row.setHeight(metrics.height());
-        for (const QString& line : lines) {
-            painter.drawText(row, Qt::AlignLeft | Qt::AlignVCenter, line);
-            row.translate(0, metrics.height());
-        }
     }
     painter.restore();
 }

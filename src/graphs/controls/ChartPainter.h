@@ -3,7 +3,7 @@
 #include "controls/Theme.h"
 #include "graphs/AxisTicks.h"
 #include "graphs/ChartCurves.h"
-#include "graphs/CurveInk.h"
+#include "graphs/PlotPixels.h"
 
 #include <QFont>
 #include <QImage>
@@ -15,8 +15,6 @@ class QPainter;
 
 namespace drx9 {
 
-class ChartTracer;
-
 /// Where the parts of a chart lie in its rectangle. The legend is right of the title, or on a second line
 /// where both do not fit one.
 struct ChartLayout {
@@ -25,10 +23,14 @@ struct ChartLayout {
     QRect plot;                ///< within the axes
 };
 
-/// Memory for the plot's pixels and the inking of curves, kept between two drawings.
+/// The chart's pixels without end marks, kept between two drawings: a drawing at the same revision adds only
+/// what is new. Belongs to one chart in one theme, font and locale.
 struct ChartSurface {
     QImage pixels;
-    CurveInk ink;
+    std::size_t revision = 0;
+    ChartLayout layout;
+    PlotPixels plot;
+    QRect marks; ///< where the end marks were drawn
 };
 
 /// Draws a chart: title, legend, axes, curves and their end marks. Onto a screen or a picture of pixels each
@@ -44,24 +46,26 @@ public:
     /// With a surface the device is a picture of `scale` device pixels to a unit; without one, lines are
     /// drawn as lines. Returns where the plot lies.
     QRect paint(QPainter& painter, const QRect& rect, double scale, ChartSurface* surface);
-    void paintNote(QPainter& painter, const QRect& plot, const QString& note) const;
-    void paintTracer(QPainter& painter, const QRect& plot, const ChartTracer& tracer) const;
+    /// Where a drawing in `rect` would differ from the last one on the surface.
+    [[nodiscard]] QRect news(const QRect& rect, double scale, const ChartSurface& surface) const;
 
     [[nodiscard]] QColor seriesColor(int series) const;
+    /// Of labels and legend.
+    [[nodiscard]] const QFont& font() const { return font_; }
 
 private:
     [[nodiscard]] QFont labelFont() const;
     void paintHeader(QPainter& painter, const ChartLayout& layout) const;
     void paintEntry(QPainter& painter, const QRect& rect, int series) const;
-    void paintPixels(QPainter& painter, const QRect& plot, const ChartCurves& curves, double scale,
-                     ChartSurface& surface);
+    void renew(const QRect& rect, double scale, ChartSurface& surface);
+    void paintFrame(QPainter& painter, const QRect& rect, const ChartLayout& parts, bool withPlot) const;
+    void paintPlot(const PlotPixels::Columns& columns, const QRect& plot, double scale,
+                   const ChartCurves& curves, ChartSurface& surface) const;
+    [[nodiscard]] QRect marksRect(const QRect& plot, const ChartCurves& curves, double scale) const;
     void paintLines(QPainter& painter, const QRect& plot, const ChartCurves& curves) const;
     void paintAxes(QPainter& painter, const QRect& plot) const;
     void paintXLabels(QPainter& painter, const QRect& plot) const;
     void paintEnds(QPainter& painter, const QRect& plot, const ChartCurves& curves, double scale) const;
-    void paintCross(QPainter& painter, const QPointF& at) const;
-    [[nodiscard]] std::vector<QString> tracerLines(const ChartTracer& tracer) const;
-    [[nodiscard]] QPointF place(const QRect& plot, double time, double value) const;
     void findTicks(const QRect& plot);
 
     const ChartModel& model_;

@@ -86,6 +86,11 @@ void showAll(ChartModel& model) {
     model.viewWholeRun();
 }
 
+/// The view stays where it is, as it does between two leaps of the time window.
+void showSame(ChartModel& model) {
+    model.redraw();
+}
+
 void showLast300(ChartModel& model) {
     const double end = model.points().time(model.points().rows() - 1);
     model.setXView({end - 300, end});
@@ -186,6 +191,7 @@ void registerAll() {
         benchmark::RegisterBenchmark(name, function)->Unit(benchmark::kMillisecond);
     };
     add("tick/500 readings", [](auto& s) { tick(s, 500, showAll, kSize, 1); });
+    add("tick/500 readings, the view stays", [](auto& s) { tick(s, 500, showSame, kSize, 1); });
     add("tick/a day, whole", [](auto& s) { tick(s, kDay, showAll, kSize, 1); });
     add("tick/a day, last 300 s", [](auto& s) { tick(s, kDay, showLast300, kSize, 1); });
     add("tick/a day, whole, at 200 %", [](auto& s) { tick(s, kDay, showAll, kSize, 2); });

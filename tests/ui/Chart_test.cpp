@@ -15,6 +15,7 @@
 #include <QContextMenuEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPaintEvent>
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTableWidget>
@@ -135,6 +136,28 @@ TEST_F(Chart, CurvesStandWhereTheReadingsAre) {
     for (const auto& [s, drawn] : {std::pair{1, true}, {2, false}, {4, true}, {5, false}}) {
         EXPECT_EQ(inked(seen, place(150, level(s)), s), drawn) << s;
     }
+}
+
+TEST_F(Chart, ATickPaintsOnlyWhereReadingsCame) {
+    struct Painted : QObject {
+        QRect last;
+        bool eventFilter(QObject*, QEvent* event) override {
+            last = event->type() == QEvent::Paint ? static_cast<QPaintEvent*>(event)->rect() : last;
+            return false;
+        }
+    } painted;
+    run(0, 100);
+    settle();
+    chart.installEventFilter(&painted);
+    run(100.25, 101);
+    settle();
+    EXPECT_LT(painted.last.width(), 100);
+    EXPECT_TRUE(painted.last.contains(place(101, level(3))));
+    QTest::keyClick(&chart, Qt::Key_3);
+    settle();
+    EXPECT_EQ(painted.last, chart.rect());
+    EXPECT_TRUE(inked(picture(), place(100.5, level(4)), 4));
+    EXPECT_FALSE(inked(picture(), place(50, level(3)), 3));
 }
 
 TEST_F(Chart, TheRunComesThroughTheStoresWrap) {
@@ -290,10 +313,13 @@ TEST_F(Chart, MenuAndLegendHideSeriesAndFit) {
     QTest::mouseClick(&chart, Qt::LeftButton, {}, entry);
     settle();
     EXPECT_FALSE(inked(picture(), place(50, level(6)), 6));
-    ASSERT_TRUE(choose("Fit Y"));
+    QTest::keyClick(&chart, Qt::Key_F);
     EXPECT_NEAR(graph.shownYMax(), 12.5 + 0.5, 0.01);
     EXPECT_NEAR(graph.shownYMin(), 2.5 - 0.5, 0.01);
     EXPECT_TRUE(chart.following());
+    QTest::keyClick(&chart, Qt::Key_W);
+    EXPECT_FALSE(chart.following());
+    EXPECT_NE(said().find("time 00:00:00 to 00:01:40"), std::string::npos) << said();
 }
 
 TEST_F(Chart, PicturesAndExportGoThroughTheFilePort) {

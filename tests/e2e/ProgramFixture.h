@@ -45,7 +45,8 @@ protected:
     }
     void build(TestedLink link, const QString& faults = "none") {
         const QString path = folderPath();
-        arguments_ = QStringList{"--quiet", "--speed", "10", "--faults", faults};
+        arguments_ =
+            QStringList{"--quiet", "--speed", "10", "--faults", faults, "--trace", path + "/trace.txt"};
         arguments_ +=
             link == kSerial ? QStringList{"--pty", path + "/COM1"} : QStringList{"--tcp", "127.0.0.1:PORT"};
         startSimulator();

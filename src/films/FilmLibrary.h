@@ -101,8 +101,8 @@ public:
     [[nodiscard]] const LibraryNotice& notice() const { return notice_; }
     void forgetNotice() { notice_ = {}; }
     void tell(std::string text, NoticeTone tone) { notice_ = {std::move(text), tone}; }
-    /// What holds as long as the file is open: that it could not be opened, cannot be written and why, that an
-    /// upload is not saved yet, or what came of a conversion.
+    /// What holds as long as the file is open: that it could not be opened, cannot be written and why, that
+    /// an upload is not saved yet, or what came of a conversion.
     [[nodiscard]] LibraryNotice standing() const;
 
 private:

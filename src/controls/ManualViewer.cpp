@@ -256,8 +256,10 @@ void ManualViewer::fillContents() {
 }
 
 void ManualViewer::openAt(const QString& link) {
-    showNormal();
+    winId(); // X11 is told whose the window is when it is shown
     comeBeforeModal();
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
     raise();
     activateWindow();
     goTo(link);
@@ -273,7 +275,8 @@ void ManualViewer::goTo(const QString& link) {
 void ManualViewer::arrived(const QUrl& url) {
     dressTables(*text_->document(), Theme::of(palette()).line);
     showHeading(url.fragment());
-    markContents(pageShown() + (url.hasFragment() ? QLatin1Char('#') + url.fragment() : QString()));
+    // source() still tells the page before.
+    markContents(url.fileName() + (url.hasFragment() ? QLatin1Char('#') + url.fragment() : QString()));
 }
 
 void ManualViewer::showHeading(const QString& fragment) {
@@ -355,8 +358,22 @@ bool ManualViewer::event(QEvent* event) {
 /// What belongs to a modal window is not blocked by it.
 void ManualViewer::comeBeforeModal() {
     const QWidget* modal = QApplication::activeModalWidget();
-    if (windowHandle() != nullptr) {
-        windowHandle()->setTransientParent(modal == nullptr ? nullptr : modal->windowHandle());
+    QWindow* owner = modal == nullptr ? nullptr : modal->windowHandle();
+    if (windowHandle() == nullptr || windowHandle()->transientParent() == owner) {
+        return;
+    }
+    for (const QWindow* above = owner; above != nullptr; above = above->transientParent()) {
+        if (above == windowHandle()) {
+            return; // it belongs to this window already
+        }
+    }
+    const bool shown = isVisible();
+    if (shown) {
+        hide(); // X11 is told when the window is shown
+    }
+    windowHandle()->setTransientParent(owner);
+    if (shown) {
+        show();
     }
 }
 

@@ -154,6 +154,8 @@ void FilmEditor::changeMaterial(const std::string& typed) {
     }
     if (parts_.library.found(Dat::Material)) {
         parts_.library.edit(Dat::DBSelected, {{"Material", parts_.library.value(Dat::Material, "Material")}});
+    } else if (typed.find('\'') != std::string::npos) {
+        parts_.library.tell(filled(filmText::kQuote, {typed}), NoticeTone::Warn);
     } else if (!typed.empty()) {
         parts_.library.tell(filled(filmText::kNoMaterial, {typed, text(Dat::DBSelected, "Material")}),
                             NoticeTone::Warn);
@@ -180,6 +182,9 @@ std::string FilmEditor::addMaterial() {
     const bool added =
         parts_.library.add(Dat::MatAll, {{"Material", name}, {"Density", 1.0}, {"ZFactor", 1.0}});
     parts_.library.refresh(Dat::MatAll);
+    if (!added) {
+        selectMaterial(text(Dat::DBSelected, "Material"));
+    }
     return added ? name : std::string();
 }
 
@@ -201,11 +206,15 @@ bool FilmEditor::addFilm(const std::string& material) {
     const std::string name = firstCharacters(answer, kFilmNameLength);
     const bool added = parts_.library.add(Dat::DBFilms, {{"FilmName", name}, {"Material", material}});
     parts_.library.refresh(Dat::DBFilms);
-    if (parts_.library.select(Dat::DBSelected, queries::filmNamed(answer)) != Found::Yes && added) {
+    if (!added) {
+        ShowDBFilm(current);
+        return false;
+    }
+    if (parts_.library.select(Dat::DBSelected, queries::filmNamed(answer)) != Found::Yes) {
         parts_.library.tell(filled(filmText::kFilmAdded, {name}), NoticeTone::Plain);
     }
     selectMaterial(text(Dat::DBSelected, "Material"));
-    return added;
+    return true;
 }
 
 } // namespace drx9

@@ -10,6 +10,7 @@
 #include "util/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <utility>
 
@@ -167,7 +168,7 @@ bool FilmTransfer::storeRead(std::vector<FilmRecord>& read, TransferReport& repo
     parts_.library.gatherCommits();
     int stored = 0;
     for (const FilmRecord& film : films) {
-        parts_.films[static_cast<std::size_t>(film.FilmNum)] = film;
+        keep(film.FilmNum, film);
         stored += storeFilm(film, report) ? 1 : 0;
     }
     if (parts_.library.commitGathered()) {
@@ -275,6 +276,10 @@ void FilmTransfer::writeRow(int film, TransferReport& report) {
         report.name(filmText::kNotLookedUp, named);
         return;
     }
+    if (lacksValues(film)) {
+        report.name(filmText::kNotKnown, named);
+        return;
+    }
     record.FilmName = wireFilmName(record.FilmName);
     if (filmPayload(record).size() + filmCommand(film).size() > kLongestCommand) {
         report.name(filmText::kTooLong, named);
@@ -292,11 +297,25 @@ void FilmTransfer::writeRow(int film, TransferReport& report) {
     beginExchange();
     const std::uint16_t status = parts_.commands.Comm_SetFilm(film, record);
     if (endExchange(status)) {
-        parts_.films[static_cast<std::size_t>(film)] = record;
+        keep(film, record);
         report.done(1);
     } else {
         report.name(filled(filmText::kNotAccepted, {commStatusText(status)}), std::to_string(film));
     }
+}
+
+void FilmTransfer::keep(int number, const FilmRecord& film) {
+    parts_.films[static_cast<std::size_t>(number)] = film;
+    stale_.reset(static_cast<std::size_t>(number));
+}
+
+bool FilmTransfer::lacksValues(int film) const {
+    static constexpr std::array<const char*, 5> kFields = {"Tooling", "EndThick", "ThickSet", "TimeSet",
+                                                           "SensorAvg"};
+    return stale_.test(static_cast<std::size_t>(film)) &&
+           std::any_of(kFields.begin(), kFields.end(), [this](const char* field) {
+               return jet::isNull(parts_.library.value(Dat::DBSelected, field));
+           });
 }
 
 // ---- Verification ----
@@ -340,12 +359,18 @@ void FilmTransfer::resetToDefaults() {
     }
     const Run run(*this);
     parts_.list.setHourglass(true);
-    reachedInstrument_ = true;
+    timeouts_ = 0;
+    beginExchange();
     parts_.memory.filmUnconfirmed();
     const std::uint16_t status = parts_.commands.Comm_FilmDefaults();
+    endExchange(status);
+    stale_.set(); // whatever was answered
+    const bool sound = inStep();
     parts_.list.setHourglass(false);
-    if (status == comm::kOk) {
+    if (status == comm::kOk && sound) {
         parts_.library.tell(filmText::kReset, NoticeTone::Plain);
+    } else if (comm::isSilence(status) || status == comm::kOk) {
+        parts_.library.tell(filmText::kResetUnknown, NoticeTone::Alarm);
     } else {
         parts_.library.tell(filled(filmText::kNotReset, {commStatusText(status)}), NoticeTone::Alarm);
     }

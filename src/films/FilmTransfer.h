@@ -11,9 +11,11 @@
 #include "platform/Progress.h"
 #include "util/NumberLocale.h"
 
+#include <bitset>
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace drx9 {
@@ -98,6 +100,10 @@ private:
     /// Listens a while: false when an answer too many came since the last look, so that those since then may
     /// belong to other commands.
     bool inStep();
+    /// The instrument holds this film in this slot.
+    void keep(int number, const FilmRecord& film);
+    /// A field that the library leaves empty, for a slot whose present value nobody has read since a reset.
+    [[nodiscard]] bool lacksValues(int film) const;
     [[nodiscard]] bool stopped() const;
 
     static constexpr int kDeadAfterTimeouts = 2;
@@ -110,6 +116,8 @@ private:
     int timeouts_ = 0;   ///< in a row
     double began_ = 0;   ///< the exchange in hand; monotonic
     double longest_ = 0; ///< s, of the exchanges since the last look
+    /// Slots whose entry in the film list is older than the instrument's last reset.
+    std::bitset<std::tuple_size_v<Films>> stale_;
 };
 
 } // namespace drx9

@@ -110,7 +110,11 @@ void frmFilm::Form_QueryUnload() {
 void frmFilm::askUnsaved() {
     if (library_.unsavedUpload() &&
         parts_.boxes.askYesNo(filmText::kAskUnsaved, kProgramName, MessageIcon::Question)) {
-        library_.saveDatabaseAs();
+        library_.forgetNotice();
+        // The bottom line goes with the window, which closes either way.
+        if (!library_.saveDatabaseAs() && !library_.notice().text.empty()) {
+            parts_.boxes.show(library_.notice().text, kProgramName, MessageIcon::Exclamation);
+        }
     }
 }
 
@@ -125,6 +129,7 @@ void frmFilm::beforeProgramCloses() {
 bool frmFilm::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate && state_ != nullptr) {
         showState(); // who else has the file open may have changed
+        showInstrument();
     }
     return QDialog::event(event);
 }
@@ -331,8 +336,9 @@ void frmFilm::showInstrument() {
 void frmFilm::showState() {
     const bool lost = wasOnline_ && !online();
     LibraryNotice said;
-    for (const LibraryNotice& line : {library_.notice(), transfer_.lasting(), library_.standing(),
-                                      LibraryNotice{lost ? filmText::kLinkLost : "", NoticeTone::Alarm}}) {
+    for (const LibraryNotice& line :
+         {library_.notice(), transfer_.lasting(),
+          LibraryNotice{lost ? filmText::kLinkLost : "", NoticeTone::Alarm}, library_.standing()}) {
         said = said.text.empty() ? line : said;
     }
     state_->say(shown(said.text), toneOf(said.tone));

@@ -159,7 +159,7 @@ void CurveInk::line(const PixelArea& area, std::span<const CurvePoint> curve, do
     const double half = width / 2;
     while (!curve.empty()) {
         const std::span<const CurvePoint> piece = takePiece(curve);
-        begin(area, piece, half, kParts);
+        begin(area, piece, half, kParts, 0);
         addDot(piece[0], half);
         for (std::size_t i = 1; i < piece.size(); ++i) {
             addEdges(piece[i - 1], piece[i], half);
@@ -173,7 +173,7 @@ void CurveInk::thinLine(const PixelArea& area, std::span<const CurvePoint> curve
                         std::uint32_t color) {
     while (!curve.empty()) {
         const std::span<const CurvePoint> piece = takePiece(curve);
-        begin(area, piece, width - 1, 1);
+        begin(area, piece, width - 1, 1, width - 1); // what the column before covers
         for (std::size_t i = 0; i < piece.size(); ++i) {
             markColumns(piece[i > 0 ? i - 1 : 0], piece[i]);
         }
@@ -182,11 +182,13 @@ void CurveInk::thinLine(const PixelArea& area, std::span<const CurvePoint> curve
     }
 }
 
-/// Makes the spans of the columns that a piece can reach, all empty.
-void CurveInk::begin(const PixelArea& area, std::span<const CurvePoint> piece, double reach, int parts) {
+/// Makes the spans of the columns that a piece can reach, all empty; `before` of them left of the area.
+void CurveInk::begin(const PixelArea& area, std::span<const CurvePoint> piece, double reach, int parts,
+                     int before) {
     const double width = area.width;
     height_ = area.height;
-    left_ = static_cast<int>(std::clamp(std::floor(piece.front().x - reach), 0.0, width));
+    left_ = static_cast<int>(
+        std::clamp(std::floor(piece.front().x - reach), -static_cast<double>(before), width));
     right_ = static_cast<int>(std::clamp(std::floor(piece.back().x + reach) + 1, double(left_), width));
     tops_.assign(static_cast<std::size_t>((right_ - left_) * parts), kNone);
     bottoms_.assign(tops_.size(), -kNone);
@@ -269,7 +271,7 @@ void CurveInk::thicken(int width) {
 
 template<int Parts>
 void CurveInk::paint(const PixelArea& area, std::uint32_t color) const {
-    for (int left = left_; left < right_; left += kTile) {
+    for (int left = std::max(left_, 0); left < right_; left += kTile) {
         const auto first = static_cast<std::size_t>((left - left_) * Parts);
         const Tile<Parts> tile(tops_.data() + first, bottoms_.data() + first, std::min(kTile, right_ - left),
                                area.height);

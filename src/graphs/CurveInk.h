@@ -31,7 +31,7 @@ public:
     void thinLine(const PixelArea& area, std::span<const CurvePoint> curve, int width, std::uint32_t color);
 
 private:
-    void begin(const PixelArea& area, std::span<const CurvePoint> piece, double reach, int parts);
+    void begin(const PixelArea& area, std::span<const CurvePoint> piece, double reach, int parts, int before);
     void extend(double index, double top, double bottom);
     void addDot(const CurvePoint& point, double half);
     void addEdges(const CurvePoint& a, const CurvePoint& b, double half);

@@ -69,7 +69,7 @@ void PlotPixels::paint(const PixelArea& area, const Columns& columns, const Char
 
 void PlotPixels::paintCurve(const PixelArea& part, int left, int series, const ChartModel& model,
                             const ChartCurves& curves, const Look& look) {
-    std::vector<CurvePoint> curve = curves.curve(series, left);
+    std::vector<CurvePoint> curve = curves.curve(series, thinned_ ? left - 1 : left);
     for (CurvePoint& point : curve) {
         point.x -= left;
     }

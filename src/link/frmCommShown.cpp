@@ -56,7 +56,7 @@ void frmComm::showSerial() {
 void frmComm::showUsb() {
     const int listed = cboUSB_->count();
     lblBridges_->setText(q(bridgeText(listed, attachedBridges(parts_.transports.usb.bridge()))));
-    const bool isListed = cboUSB_->findText(q(parts_.settings.USBSerNum)) >= 0;
+    const bool isListed = cboUSB_->findText(q(parts_.settings.USBSerNum), Qt::MatchFixedString) >= 0;
     setShortened(lblSerialNumber_, serialNumberText(listed, isListed, parts_.settings.USBSerNum));
 }
 
@@ -119,7 +119,7 @@ void frmComm::refillUsb() {
     for (const std::string& serialNumber : parts_.discovery.USBSerialList()) {
         cboUSB_->addItem(q(serialNumber));
     }
-    const int chosen = cboUSB_->findText(q(parts_.settings.USBSerNum));
+    const int chosen = cboUSB_->findText(q(parts_.settings.USBSerNum), Qt::MatchFixedString);
     cboUSB_->setCurrentIndex(chosen < 0 && cboUSB_->count() > 0 ? 0 : chosen);
 }
 

@@ -73,7 +73,8 @@ TEST(CurveInk, JoinsNothingOverAGapHoweverWideTheLine) {
 TEST(PlotPixels, WhatATickAddsIsWhatAWholePaintingShows) {
     const PlotColors colors{
         0xffffffff, 0xff808080, {0xff0000ff, 0xff00ff00, 0xffff0000, 0xff004488, 0xff0, 0}};
-    for (const double width : {90.0, 3000.0}) { // exact and thinned
+    // Exact and thinned, with lines of one and of two columns.
+    for (const auto& [width, scale] : {std::pair(90.0, 1.5), {3000.0, 1.5}, {3000.0, 2.0}}) {
         ChartBench bench;
         ChartLook look = bench.model.look();
         look.series[1].width = 5;
@@ -91,18 +92,18 @@ TEST(PlotPixels, WhatATickAddsIsWhatAWholePaintingShows) {
             const double from = width / 40 * step;
             bench.feed(from, from + width / 80);
             const ChartCurves curves(bench.model, 200, 100);
-            const PlotPixels::Columns news = ticks.news(bench.model, curves, 200, 1.5);
+            const PlotPixels::Columns news = ticks.news(bench.model, curves, 200, scale);
             EXPECT_LT(news.to - news.from, step > 8 ? 20 : 201);
-            ticks.paint(grown.area(), news, bench.model, curves, {x, y, colors, 1.5});
+            ticks.paint(grown.area(), news, bench.model, curves, {x, y, colors, scale});
             Picture whole;
-            PlotPixels().paint(whole.area(), {0, 200}, bench.model, curves, {x, y, colors, 1.5});
+            PlotPixels().paint(whole.area(), {0, 200}, bench.model, curves, {x, y, colors, scale});
             for (std::size_t i = 0; i < whole.pixels.size(); ++i) { // but for rounding
                 for (const int shift : {0, 8, 16}) {
                     ASSERT_NEAR((grown.pixels[i] >> shift) & 0xff, (whole.pixels[i] >> shift) & 0xff, 2)
                         << width << " " << step << " at " << i % 200 << " " << i / 200;
                 }
             }
-            EXPECT_TRUE(ticks.news(bench.model, curves, 200, 1.5).empty());
+            EXPECT_TRUE(ticks.news(bench.model, curves, 200, scale).empty());
         }
     }
 }

@@ -103,7 +103,9 @@ QString ChartControl::note() const {
 
 void ChartControl::showMessage(const QString& text) {
     message_ = text;
-    messageTimer_.start(kMessageMs);
+    if (!text.isEmpty()) {
+        messageTimer_.start(kMessageMs);
+    }
     allChanged();
 }
 
@@ -227,6 +229,7 @@ void ChartControl::wheelEvent(QWheelEvent* event) {
 void ChartControl::leaveEvent(QEvent* event) {
     QWidget::leaveEvent(event);
     tracer_.leave();
+    describeSoon();
     update();
 }
 
@@ -359,6 +362,11 @@ void ChartControl::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     tracer_.leave();
     surface_.reset();
+}
+
+void ChartControl::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    describe();
 }
 
 /// At most once a second, for who listens to the screen.

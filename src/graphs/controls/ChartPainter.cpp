@@ -51,11 +51,12 @@ bool holds(const ChartSurface& surface, const ChartModel& model, const QRect& re
 
 /// The plot in device pixels of a picture that begins at the chart's corner.
 QRect deviceRect(const QRect& plot, const QRect& rect, double scale) {
-    const QPoint corner = plot.topLeft() - rect.topLeft();
-    return {static_cast<int>(std::lround(corner.x() * scale)),
-            static_cast<int>(std::lround(corner.y() * scale)),
-            static_cast<int>(std::lround(plot.width() * scale)),
-            static_cast<int>(std::lround(plot.height() * scale))};
+    // Down: the axis lines begin where the plot ends, and keep all of their pixels.
+    const auto device = [scale](int pixel) { return static_cast<int>(std::floor(pixel * scale)); };
+    const QRect inside = plot.translated(-rect.topLeft());
+    const QPoint corner(device(inside.left()), device(inside.top()));
+    return {corner,
+            QPoint(device(inside.left() + inside.width()) - 1, device(inside.top() + inside.height()) - 1)};
 }
 } // namespace
 
@@ -165,6 +166,7 @@ void ChartPainter::renew(const QRect& rect, double scale, ChartSurface& surface)
         surface.pixels = QImage(rect.size() * scale, QImage::Format_RGB32);
     }
     surface.pixels.setDevicePixelRatio(scale);
+    surface.pixels.fill(theme_.plot); // where scaled edges meet, no pixel is left out
     {
         QPainter frame(&surface.pixels);
         frame.translate(-rect.topLeft());
@@ -268,14 +270,20 @@ void ChartPainter::paintLines(QPainter& painter, const QRect& plot, const ChartC
         painter.setPen(QPen(seriesColor(series), curves.thinned() ? 1 : width, Qt::SolidLine, Qt::RoundCap,
                             Qt::BevelJoin));
         QPolygonF piece;
+        const auto draw = [&painter, &piece] {
+            if (piece.size() == 1) {
+                piece.append(piece.front()); // a reading between two gaps: the line's round ends alone
+            }
+            painter.drawPolyline(piece);
+            piece.clear();
+        };
         for (const CurvePoint& point : curves.curve(series)) {
             if (point.start) {
-                painter.drawPolyline(piece);
-                piece.clear();
+                draw();
             }
             piece.append({plot.left() + point.x, plot.top() + std::clamp(point.y, -1e4, 1e4)});
         }
-        painter.drawPolyline(piece);
+        draw();
     }
     painter.restore();
 }

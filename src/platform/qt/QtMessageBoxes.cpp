@@ -2,6 +2,7 @@
 
 #include <QApplication>
 
+#include <algorithm>
 #include <utility>
 
 namespace drx9 {
@@ -31,9 +32,27 @@ void fill(QMessageBox& box, const std::string& text, const std::string& title, M
     box.setIcon(iconOf(icon));
 }
 
-/// A box over the active window. On the heap and guarded: the window under it may go while it is open.
+/// The window that a box belongs to: what is modal goes before what is active, and where the program is not
+/// the active one its main window takes it. Help is never it: it follows what is modal, so that each would
+/// belong to the other.
+QWidget* ownerOfBox() {
+    if (QWidget* modal = QApplication::activeModalWidget()) {
+        return modal;
+    }
+    QWidget* active = QApplication::activeWindow();
+    if (active != nullptr && !active->inherits("drx9::ManualViewer")) {
+        return active;
+    }
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto main = std::find_if(windows.begin(), windows.end(), [](const QWidget* window) {
+        return window->isVisible() && window->inherits("QMainWindow");
+    });
+    return main == windows.end() ? nullptr : *main;
+}
+
+/// On the heap and guarded: the window under it may go while it is open.
 QPointer<QMessageBox> makeBox(const std::string& text, const std::string& title, MessageIcon icon) {
-    QPointer<QMessageBox> box = new QMessageBox(QApplication::activeWindow());
+    QPointer<QMessageBox> box = new QMessageBox(ownerOfBox());
     fill(*box, text, title, icon);
     return box;
 }

@@ -9,15 +9,12 @@ namespace drx9 {
 
 /// One of the big numbers: read-only, frameless, right-aligned on a fixed column so that the last digit's ink
 /// ends on the column's edge, its base line at a fixed height. Its text can be selected, copied and read
-/// aloud. A digit is never cut: a text that is too wide takes the next smaller size.
+/// aloud. A text that is too wide takes the next smaller size, down to the smallest.
 class Readout : public ReadOnlyLine {
     Q_OBJECT
 public:
-    enum class Look {
-        Live,
-        Stale,
-        Kept
-    }; ///< Stale is grey and slanted, Kept (a former run's) grey and upright
+    /// Stale is grey and slanted, Kept (a former run's) grey and upright.
+    enum class Look { Live, Stale, Kept };
 
     explicit Readout(QWidget* parent = nullptr);
 

@@ -111,7 +111,7 @@ public:
     /// quiet, with nothing sent, for answers that are too many; the watch is told. Pumps events then.
     void listen(double seconds);
 
-    /// True while a reply is awaited.
+    /// An exchange is on the stack, its wait for a late answer included.
     [[nodiscard]] bool exchanging() const { return waiting_; }
     /// Monotonic time of the last complete reply whose check characters were right; below 0 before the first.
     [[nodiscard]] double lastReplyTime() const { return lastReplyTime_; }
@@ -139,21 +139,21 @@ private:
     EventPump& pump_;
     const Clock& clock_;
     ActionQueue& actions_;
-    FrameParser parser_;
-    StepWatch watch_;
+    FrameParser parser_;               ///< where the packet that is arriving has got to
+    StepWatch watch_;                  ///< told of answers that came late or unasked
     std::uint16_t status_ = comm::kOk; ///< CommStatus: 9 from the start of an exchange to its end
     bool ok_ = false;                  ///< CommOK
     bool waiting_ = false;             ///< an exchange is on the stack, its wait for a late answer included
     /// Until when the answer of an exchange that timed out may still come; none owed below 0. Monotonic.
     double lateUntil_ = -1;
-    std::string pending_;    ///< command given in mid-exchange, empty when none
-    std::string lastPacket_; ///< CommLastPacket: as sent, with its frame
-    std::string reply_;      ///< CommReply: data of the last accepted answer since the last send
-    std::string version_;    ///< CommVersion: kept over losses, until another "@" is answered
-    std::int16_t instrumentType_ = 0;
+    std::string pending_;             ///< command given in mid-exchange, empty when none
+    std::string lastPacket_;          ///< CommLastPacket: as sent, with its frame
+    std::string reply_;               ///< data of the last accepted answer since the last send
+    std::string version_;             ///< CommVersion: kept over losses, until another "@" is answered
+    std::int16_t instrumentType_ = 0; ///< as last answered to "J"; 0 when unknown
     std::int16_t knownType_ = 0; ///< last instrument type above 0: readouts keep it while the link is lost
-    double lastReplyTime_ = -1;
-    std::uint32_t accepted_ = 0;
+    double lastReplyTime_ = -1;  ///< monotonic; below 0 before the first sound reply
+    std::uint32_t accepted_ = 0; ///< exchanges answered "A" since the start
 };
 
 } // namespace drx9

@@ -266,7 +266,7 @@ void frmComm::send() {
     }
     txtRcv_->setText(q(responseText(exchange)));
     txtRcv_->setCursorPosition(0);
-    if (comm::isSilence(exchange.status)) {
+    if (comm::isSilence(exchange.status) && facts().open) {
         say(CommSetup::silence(parts_.settings, facts()));
     } else {
         showState();

@@ -31,10 +31,10 @@ public:
     DataLog(FilePort& files, const Clock& clock, const NumberLocale& locale, const Paths& paths,
             MessageBoxes& boxes, EventPump& pump, const DataLogSettings& settings);
 
-    // Writing. Call the first three only when the log mode is not 0.
+    // Writing. Call the first three only when the log mode is not None.
 
-    /// Prepares the log at the start of a run and begins to count again: deletes the file in mode 1, offers a
-    /// large one for deletion. Pumps events once before it asks.
+    /// Prepares the log at the start of a run and begins to count again: deletes the file in mode Overwrite,
+    /// offers a large one for deletion. Pumps events once before it asks.
     void InitDataLog();
     void startBlock(std::string_view filmName);
     void endBlock(std::string_view filmName);
@@ -47,7 +47,7 @@ public:
     // State, for the log window and the status bar. Counts are of the run in hand, or of the last one.
 
     /// From the preparation of a run's log (or its first line, where logging was switched on in the middle of
-    /// the run) to its end block, as long as the log mode is not 0.
+    /// the run) to its end block, as long as the log mode is not None.
     [[nodiscard]] bool isWriting() const { return open_ && settings_.Type != LogMode::None; }
     /// Logged runs since the program's start.
     [[nodiscard]] int runNumber() const { return run_; }

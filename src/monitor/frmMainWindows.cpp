@@ -61,6 +61,11 @@ void frmMain::showHelp() {
 }
 
 void frmMain::showAbout() {
+    if (auto* open = findChild<frmAbout*>()) {
+        open->raise();
+        open->activateWindow();
+        return;
+    }
     auto* about = new frmAbout(this);
     about->setAttribute(Qt::WA_DeleteOnClose);
     about->show();

@@ -359,7 +359,6 @@ void FilmTransfer::resetToDefaults() {
     }
     const Run run(*this);
     parts_.list.setHourglass(true);
-    timeouts_ = 0;
     beginExchange();
     parts_.memory.filmUnconfirmed();
     const std::uint16_t status = parts_.commands.Comm_FilmDefaults();
@@ -370,7 +369,9 @@ void FilmTransfer::resetToDefaults() {
     if (status == comm::kOk && sound) {
         parts_.library.tell(filmText::kReset, NoticeTone::Plain);
     } else if (comm::isSilence(status) || status == comm::kOk) {
-        parts_.library.tell(filmText::kResetUnknown, NoticeTone::Alarm);
+        parts_.library.tell(
+            filled(filmText::kResetUnknown, {sound ? commStatusText(status) : filmText::kShutterOutOfStep}),
+            NoticeTone::Alarm);
     } else {
         parts_.library.tell(filled(filmText::kNotReset, {commStatusText(status)}), NoticeTone::Alarm);
     }

@@ -84,7 +84,7 @@ inline constexpr const char* kNotAccepted = "Not accepted ({})";
 inline constexpr const char* kNotReadBack = "Not read back";
 inline constexpr const char* kReset = "The DRX-9 was reset to its default values";
 inline constexpr const char* kNotReset = "Defaults not accepted: {}";
-inline constexpr const char* kResetUnknown = "Defaults: no reply";
+inline constexpr const char* kResetUnknown = "Defaults, not known whether they were taken: {}";
 inline constexpr const char* kNotKnown = "Not sent, what the DRX-9 holds for their empty fields is not known";
 inline constexpr const char* kNotSavedYet = ". Not saved under another name yet";
 

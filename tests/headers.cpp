@@ -1,0 +1,1 @@
+// Nothing of its own: this file carries the precompiled headers of the tests without Qt.

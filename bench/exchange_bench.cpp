@@ -220,7 +220,7 @@ struct Program {
     QTemporaryDir folder; ///< the program's: COM1 is a link in it
     QtClock clock;
     QtEventPump pump{clock};
-    QtSerialControl serial{pump, folder.path().toStdString()};
+    QtSerialControl serial{pump, {folder.path().toStdString(), folder.path().toStdString()}};
     QtSocketControl socket{pump};
     QtUsbBridge usb{folder.path().toStdString()};
     LinkSettings settings;

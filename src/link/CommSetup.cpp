@@ -119,6 +119,10 @@ void CommSetup::searched(const LinkSettings& settings, const std::string& failur
     searched_ = settings;
     failure_ = failure;
     refusal_.clear();
+    if (failure.empty()) {
+        opened_ = settings;
+        wasGood_ = true;
+    }
 }
 
 void CommSetup::portOpened(std::int16_t port, const std::string& reason) {
@@ -151,6 +155,14 @@ CommState CommSetup::silence(const LinkSettings& now, const Facts& facts) {
         return {filled(linkText::kNoAnswerToCommand, {linkName(now)}), CommState::Tone::Warn};
     }
     return {filled(linkText::kNoAnswer, {linkName(now)}), CommState::Tone::Alarm};
+}
+
+CommState CommSetup::answered(const LinkSettings& now, const Facts& facts, bool hasData) const {
+    const CommState known = state(now, facts);
+    if (known.tone != CommState::Tone::Plain || !sameLink(searched_, now)) {
+        return {linkText::kAnswers, CommState::Tone::Plain};
+    }
+    return hasData ? known : CommState{linkText::kAccepted, CommState::Tone::Plain};
 }
 
 bool CommSetup::reopens(const LinkSettings& now, const Facts& facts) const {

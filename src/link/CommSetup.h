@@ -62,7 +62,8 @@ public:
     /// `failure` is why the link is not on line; empty when unknown.
     CommSetup(const LinkSettings& opened, const Facts& facts, const std::string& failure);
 
-    /// The instrument was looked for with these settings; `failure` is empty when it was found.
+    /// The instrument was looked for with these settings; `failure` is empty when it was found. Where it was
+    /// found the link is the one that this window was opened with.
     void searched(const LinkSettings& settings, const std::string& failure);
     /// The serial port was opened for a change of the list; `reason` when it refused.
     void portOpened(std::int16_t port, const std::string& reason);
@@ -70,6 +71,8 @@ public:
     [[nodiscard]] CommState state(const LinkSettings& now, const Facts& facts) const;
     /// After a command that nobody answered.
     [[nodiscard]] static CommState silence(const LinkSettings& now, const Facts& facts);
+    /// After a command that was answered with status 0; `hasData` when there is a reply to show.
+    [[nodiscard]] CommState answered(const LinkSettings& now, const Facts& facts, bool hasData) const;
 
     /// On close: the link has to be opened again, because it had been good or is another one now.
     [[nodiscard]] bool reopens(const LinkSettings& now, const Facts& facts) const;

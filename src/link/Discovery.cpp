@@ -91,6 +91,7 @@ bool Discovery::Comm_Open(Messages messages, const Abandon& abandon) {
         listener->linkOpening();
     }
     transports_.closeAll();
+    tried_ = settings_; // what is typed meanwhile is another link
     const bool open = openLink(abandon);
     // A command given while there was no open link is not kept for whoever answers now.
     link_.forget();
@@ -150,7 +151,7 @@ bool Discovery::openSerial() {
 bool Discovery::openUsb() {
     bool found = Comm_FindUSBDRX9(settings_.USBSerNum);
     if (!found && USBCount() == 1) {
-        settings_.USBSerNum = serials_.front();
+        settings_.USBSerNum = tried_.USBSerNum = serials_.front();
         found = Comm_FindUSBDRX9(settings_.USBSerNum);
     }
     if (found && transports_.usb.open(index_)) {

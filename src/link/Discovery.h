@@ -47,6 +47,8 @@ public:
 
     [[nodiscard]] const std::vector<std::string>& USBSerialList() const { return serials_; }
     [[nodiscard]] std::int32_t USBCount() const { return static_cast<std::int32_t>(serials_.size()); }
+    /// The link that was opened last, or tried; what is only set in the communications window is another.
+    [[nodiscard]] const LinkSettings& tried() const { return tried_; }
     /// Why the last Comm_Open failed, for the status bar; empty after success, and where it was abandoned.
     [[nodiscard]] const std::string& failure() const { return failure_; }
 
@@ -72,6 +74,7 @@ private:
     CErrHandler& errors_;
     std::vector<LinkListener*> listeners_;
     std::vector<std::string> serials_;
+    LinkSettings tried_;
     std::int32_t index_ = 0; ///< USBIndex: of the bridge that the last successful search found
     std::string failure_;
     std::string refusal_; ///< what the serial port's box says; empty when nothing is to be shown

@@ -113,6 +113,8 @@ public:
 
     /// An exchange is on the stack, its wait for a late answer included.
     [[nodiscard]] bool exchanging() const { return waiting_; }
+    /// The port, device or socket of the link that is set is open; one that was lost is not.
+    [[nodiscard]] bool isOpen() const { return transports_.of(settings_.CommType).isOpen(); }
     /// Monotonic time of the last complete reply whose check characters were right; below 0 before the first.
     [[nodiscard]] double lastReplyTime() const { return lastReplyTime_; }
     /// Exchanges answered "A" since the program's start.

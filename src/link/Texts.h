@@ -62,6 +62,8 @@ inline constexpr const char* kOffLine = "Off line: {}";
 inline constexpr const char* kNoAnswer = "Off line: no answer on {}";
 inline constexpr const char* kNoLongerOpen = "Off line: {} is no longer open";
 inline constexpr const char* kNoAnswerToCommand = "No answer on {} to this command";
+inline constexpr const char* kAnswers = "The command was answered. Find connects to the instrument.";
+inline constexpr const char* kAccepted = "Accepted, no data";
 inline constexpr const char* kStrangeCharacter = "Not sent: \"{}\" is no character of Windows-1252.";
 inline constexpr const char* kTooLong = "Not sent: {} characters, the most is {}.";
 

@@ -68,11 +68,12 @@ std::string SerialTransport::open(int port, std::int32_t baud) {
 }
 
 bool UsbTransport::isOpen() {
-    return handle_ > 0;
+    return handle_ > 0 && !bridge_.isGone(handle_);
 }
 
 bool UsbTransport::send(std::string_view packet, const Feed&) {
     if (!isOpen()) {
+        close();
         return false;
     }
     std::uint32_t written = 0;
@@ -98,7 +99,7 @@ void UsbTransport::receive(const Feed& feed, const Awaiting& awaiting) {
 }
 
 void UsbTransport::close() {
-    if (isOpen()) {
+    if (handle_ > 0) {
         bridge_.SI_Close(handle_);
         handle_ = 0;
     }

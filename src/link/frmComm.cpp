@@ -268,6 +268,8 @@ void frmComm::send() {
     txtRcv_->setCursorPosition(0);
     if (comm::isSilence(exchange.status) && facts().open) {
         say(CommSetup::silence(parts_.settings, facts()));
+    } else if (exchange.ok()) {
+        say(setup_.answered(parts_.settings, facts(), !exchange.reply.empty()));
     } else {
         showState();
     }

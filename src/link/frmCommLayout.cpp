@@ -169,6 +169,7 @@ QWidget* frmComm::buildSerialPage() {
         cboRS232_->addItem(QStringLiteral("COM%1").arg(port));
     }
     cboBaud_ = list("cboBaud", "Baud rate", page);
+    cboBaud_->setAccessibleDescription(QStringLiteral("Baud rate, as set at the instrument."));
     for (const std::int32_t rate : kBaudRates) {
         cboBaud_->addItem(QString::fromStdString(std::to_string(rate)), rate);
     }
@@ -187,6 +188,7 @@ QWidget* frmComm::buildSerialPage() {
 QWidget* frmComm::buildUsbPage() {
     auto* page = new QWidget(pages_);
     cboUSB_ = list("cboUSB", "USB serial number", page);
+    cboUSB_->setAccessibleDescription(QStringLiteral("Serial number of the instrument's USB bridge."));
     connect(cboUSB_, &QComboBox::activated, this, &frmComm::cboUSB_Click);
     lblSerialNumber_ = note("lblSerialNumber", page);
     lblBridges_ = note("lblBridges", page);
@@ -216,6 +218,7 @@ QWidget* frmComm::buildEthernetPage() {
     connect(txtEAddr_, &QLineEdit::editingFinished, this, &frmComm::txtEAddr_LostFocus);
     connect(txtEport_, &QLineEdit::editingFinished, this, &frmComm::txtEPort_LostFocus);
     cmdESetup_ = button("cmdESetup", "&Setup", "");
+    cmdESetup_->setAccessibleDescription(QStringLiteral("Starts the serial server's setup program."));
     connect(cmdESetup_, &QPushButton::clicked, this, &frmComm::cmdESetup_Click);
     QGridLayout* grid = pageLayout(page);
     grid->addWidget(lblEAddress, 0, 0);
@@ -259,6 +262,8 @@ QLayout* frmComm::buildBottom() {
     lblState_->setObjectName(QStringLiteral("lblState"));
     lblState_->setTextFormat(Qt::PlainText);
     lblState_->setWordWrap(true);
+    lblState_->setTextInteractionFlags(Qt::TextSelectableByMouse); // it may name a command to type
+    lblState_->setContextMenuPolicy(Qt::NoContextMenu);
     lblState_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     lblState_->setFixedHeight(kStateLines * lblState_->fontMetrics().lineSpacing());
     cmdOK_ = button("cmdOK", "&Close", "Close this form.");

@@ -27,8 +27,7 @@ void setShortened(QLabel* label, const std::string& text) {
 } // namespace
 
 CommSetup::Facts frmComm::facts() const {
-    return {parts_.link.CommOK(), parts_.link.Comm_VersionText(),
-            parts_.transports.of(parts_.settings.CommType).isOpen()};
+    return {parts_.link.CommOK(), parts_.link.Comm_VersionText(), parts_.link.isOpen()};
 }
 
 /// Shows the controls of the link that is set, also where an option was chosen that did not count.
@@ -112,6 +111,7 @@ void frmComm::say(const CommState& state) {
     layout()->activate();
     lblState_->setText(fitted(q(state.text)));
     lblState_->setToolTip(q(state.text));
+    lblState_->setAccessibleName(q(state.text));
 }
 
 void frmComm::refillUsb() {

@@ -372,6 +372,7 @@ void Monitor::tell(const std::string& text, const std::string& brief) {
 
 void Monitor::linkFound() {
     answers_.say(monitorText::kOk); // what the loss meant has ended with the opening itself
+    shown_.systemKnown = false;     // another instrument may answer; closing the window reads its record
     changed();
 }
 
@@ -385,6 +386,7 @@ void Monitor::linkSetupClosed(bool reopen, bool sameLink) {
     }
     choice_.forgetLoss(); // behind this window nothing is sent by itself
     if (!sameLink) {
+        shown_.systemKnown = false;
         keeper_.startOver();
     } else if (!parts_.link.CommOK() && keeper_.wasOnLine()) {
         keeper_.beginLoss();

@@ -9,7 +9,7 @@ StatusFacts StatusBoard::facts() const {
     facts.controlsVisible = monitor.shown().controlsVisible;
     facts.started = monitor.shown().started;
     facts.pauseReason = parts_.timer.holdReason();
-    facts.link = parts_.settings.link;
+    facts.link = facts.started ? parts_.discovery.tried() : parts_.settings.link;
     facts.message = monitor.shown().notice.text;
     facts.messageBrief = monitor.shown().notice.brief;
     facts.runStart = monitor.runStart();

@@ -65,6 +65,9 @@ public:
     /// Returns at once with what waits, at most `count` bytes, into `buffer`.
     virtual int SI_Read(std::int32_t handle, std::uint8_t* buffer, std::uint32_t count,
                         std::uint32_t& read) = 0;
+    /// True once an open device is found to be gone. A bridge that cannot tell says false: the next write
+    /// fails.
+    [[nodiscard]] virtual bool isGone(std::int32_t /*handle*/) const { return false; }
     /// Why a device did not open since they were last counted, for people; empty when unknown.
     [[nodiscard]] virtual std::string reason() const { return {}; }
 };

@@ -8,8 +8,8 @@ namespace drx9::platformText {
 inline constexpr const char* kNoSerialDevice = "There is no serial device for COM{}.";
 inline constexpr const char* kNoSettings = "Not the settings of a serial port: {}";
 inline constexpr const char* kMapInManager =
-    "Only {} is there: give it a number from 1 to 9 in the Device Manager.";
-inline constexpr const char* kMapByLink = "Only {} is there. Make a link to it: ln -s {} \"{}/COM1\"";
+    "{} is none of COM1 to COM9: give it a number from 1 to 9 in the Device Manager.";
+inline constexpr const char* kMapByLink = "{} is none of COM1 to COM9. Make a link to it: ln -sfn {} \"{}\"";
 inline constexpr const char* kDeviceGone = "{} is not there: is the adapter plugged in?";
 inline constexpr const char* kDeviceInUse = "{} is in use by another program.";
 inline constexpr const char* kNoPermission =

@@ -32,7 +32,7 @@ protected:
     }
 
     Pty pty;
-    QtSerialControl serial{pump, pty.folder()};
+    QtSerialControl serial{pump, {pty.folder(), pty.folder()}};
 };
 
 TEST_F(QtSerialControlTest, CarriesEveryByteBothWays) {

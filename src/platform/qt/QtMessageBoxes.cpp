@@ -40,7 +40,7 @@ QWidget* ownerOfBox() {
         return modal;
     }
     QWidget* active = QApplication::activeWindow();
-    if (active != nullptr && !active->inherits("drx9::ManualViewer")) {
+    if (active != nullptr && !active->property("followsModal").toBool()) {
         return active;
     }
     const QWidgetList windows = QApplication::topLevelWidgets();

@@ -40,6 +40,12 @@ bool applySettings(QSerialPort& port, const std::string& settings) {
            port.setFlowControl(QSerialPort::NoFlowControl);
 }
 
+/// Two names of one device give one text.
+static std::string deviceBehind(const std::string& path) {
+    const QString node = QFileInfo(QString::fromStdString(path)).canonicalFilePath();
+    return node.isEmpty() ? path : node.toStdString();
+}
+
 bool isFault(QSerialPort::SerialPortError error) {
     switch (error) {
     case QSerialPort::NoError:
@@ -67,9 +73,9 @@ std::string whyNotOpen(const QSerialPort& port, const std::string& device) {
                         .error = port.errorString().toStdString()});
 }
 
-QtSerialControl::QtSerialControl(EventPump& pump, std::string programFolder)
+QtSerialControl::QtSerialControl(EventPump& pump, Paths paths)
     : pump_(pump)
-    , programFolder_(std::move(programFolder)) {
+    , paths_(std::move(paths)) {
 #ifndef Q_OS_WIN
     // Looking takes some ten milliseconds: not before the first window is painted.
     QTimer::singleShot(kFirstLook, this, [this] {
@@ -103,30 +109,33 @@ std::string QtSerialControl::pathOf(int port) const {
 #ifdef Q_OS_WIN
     return name;
 #else
-    const QFileInfo link(QString::fromStdString(programFolder_ + "/" + name));
-    if (link.isSymLink()) {
-        return link.symLinkTarget().toStdString();
+    for (const std::string& folder : {paths_.dataFolder, paths_.programFolder}) {
+        const QFileInfo link(QString::fromStdString(joinPath(folder, name)));
+        if (link.isSymLink()) {
+            return link.symLinkTarget().toStdString();
+        }
     }
     lookForDevices();
     return list_.device(port);
 #endif
 }
 
-/// The reason, and what to do where devices are present but none of COM1 to COM9 leads to one.
+/// The reason, and what to do where a device is present that none of COM1 to COM9 leads to.
 std::string QtSerialControl::withHint(const std::string& reason) const {
+    std::vector<std::string> reached;
     for (int port = 1; port <= kLastPort; ++port) {
-        if (!deviceName(port).empty()) {
-            return reason;
+        reached.push_back(deviceBehind(pathOf(port)));
+    }
+    std::vector<std::string> outside;
+    for (const SerialDevice& device : presentSerialDevices()) {
+        if (std::find(reached.begin(), reached.end(), deviceBehind(device.path)) == reached.end()) {
+            outside.push_back(device.path);
         }
     }
-    std::vector<std::string> present;
-    for (const SerialDevice& device : presentSerialDevices()) {
-        present.push_back(device.path);
-    }
 #ifdef Q_OS_WIN
-    const std::string hint = mappingText(present, {});
+    const std::string hint = mappingText(outside, {}, number_);
 #else
-    const std::string hint = mappingText(present, programFolder_);
+    const std::string hint = mappingText(outside, paths_.dataFolder, number_);
 #endif
     return hint.empty() ? reason : reason + ' ' + hint;
 }

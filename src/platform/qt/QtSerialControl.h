@@ -8,18 +8,20 @@
 #include <QObject>
 #include <QSerialPort>
 
+#include "util/Paths.h"
+
 #include <memory>
 #include <string>
 
 namespace drx9 {
 
 /// The serial communications control over a QSerialPort. "COMn" is the port of that name on Windows;
-/// elsewhere what the symbolic link COMn in the program's folder points to, else the n-th device of a
-/// SerialPortList, whose order is fixed by the first look, half a second after this object is made at the
-/// latest.
+/// elsewhere what the symbolic link COMn points to (in the data folder, then in the program's), else the n-th
+/// device of a SerialPortList, whose order is fixed by the first look, half a second after this object is
+/// made at the latest.
 class QtSerialControl : public QObject, public SerialControl {
 public:
-    QtSerialControl(EventPump& pump, std::string programFolder);
+    QtSerialControl(EventPump& pump, Paths paths);
     ~QtSerialControl() override;
 
     void setCommPort(int port) override { number_ = port; }
@@ -42,7 +44,7 @@ private:
     void drop();
 
     EventPump& pump_;
-    std::string programFolder_;
+    Paths paths_;
     mutable SerialPortList list_;    ///< brought up to date when it is asked, at most once a second
     mutable QElapsedTimer lookedAt_; ///< when that was
     int number_ = 1;

@@ -36,6 +36,7 @@ public:
                 std::uint32_t& read) override {
         return driver_->SI_Read(handle, buffer, count, read);
     }
+    [[nodiscard]] bool isGone(std::int32_t handle) const override { return driver_->isGone(handle); }
     [[nodiscard]] std::string reason() const override { return driver_->reason(); }
 
     /// Path of the library in use; empty when bridges are driven as serial ports.

@@ -1,8 +1,10 @@
 #include "platform/qt/SerialPortList.h"
 
 #include "platform/Texts.h"
+#include "util/Paths.h"
 #include "util/Text.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QSerialPortInfo>
 
@@ -29,6 +31,12 @@ std::tuple<int, std::size_t, std::string> orderOf(const SerialDevice& device) {
         kind = 0;
     }
     return {kind, name.size(), name};
+}
+
+/// A node of Linux that stands for a UART which the machine does not have.
+bool isEmptySlot(const QString& name) {
+    QFile type("/sys/class/tty/" + name + "/type");
+    return name.startsWith("ttyS") && type.open(QIODevice::ReadOnly) && type.readAll().trimmed() == "0";
 }
 
 std::string claimOf(const SerialDevice& device) {
@@ -90,12 +98,19 @@ std::string SerialPortList::device(int port) const {
 std::vector<SerialDevice> presentSerialDevices() {
     std::vector<SerialDevice> devices;
     for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts()) {
+        if (isEmptySlot(info.portName())) {
+            continue;
+        }
         // On macOS each device has two names; "tty." waits for a carrier that nobody raises.
         if (info.portName().startsWith("tty.")) {
             continue;
         }
         SerialDevice device;
+#ifdef Q_OS_WIN
+        device.path = info.portName().toStdString(); // "COM12", as people know it
+#else
         device.path = info.systemLocation().toStdString();
+#endif
         if (info.hasVendorIdentifier()) {
             device.model = QString::asprintf("%04x:%04x", info.vendorIdentifier(), info.productIdentifier())
                                .toStdString();
@@ -110,14 +125,15 @@ std::vector<SerialDevice> presentSerialDevices() {
     return devices;
 }
 
-std::string mappingText(const std::vector<std::string>& present, const std::string& programFolder) {
-    if (present.empty()) {
+std::string mappingText(const std::vector<std::string>& outside, const std::string& folder, int port) {
+    if (outside.empty()) {
         return {};
     }
-    if (programFolder.empty()) {
-        return filled(platformText::kMapInManager, {present.front()});
+    const std::string& device = outside.front();
+    if (folder.empty()) {
+        return filled(platformText::kMapInManager, {device});
     }
-    return filled(platformText::kMapByLink, {present.front(), present.front(), programFolder});
+    return filled(platformText::kMapByLink, {device, device, joinPath(folder, "COM" + std::to_string(port))});
 }
 
 std::string refusalText(const SerialRefusal& refusal) {

@@ -51,9 +51,9 @@ struct SerialRefusal {
     std::string error; ///< the system's own words
 };
 
-/// What to do where devices are present but none of COM1 to COM9 leads to one: a symbolic link in the
-/// program's folder, or, where that is empty (Windows), another number. Empty when no device is present.
-std::string mappingText(const std::vector<std::string>& present, const std::string& programFolder);
+/// What to do where none of COM1 to COM9 leads to the devices `outside`: a symbolic link COM`port` in
+/// `folder`, or, where that is empty (Windows), another number. Empty when there are none.
+std::string mappingText(const std::vector<std::string>& outside, const std::string& folder, int port);
 
 /// Why it would not open and what to do about it, for people.
 std::string refusalText(const SerialRefusal& refusal);

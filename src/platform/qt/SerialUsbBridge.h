@@ -48,6 +48,7 @@ public:
     int SI_FlushBuffers(std::int32_t handle, std::uint8_t transmit, std::uint8_t receive) override;
     int SI_Write(std::int32_t handle, std::string_view bytes, std::uint32_t& written) override;
     int SI_Read(std::int32_t handle, std::uint8_t* buffer, std::uint32_t count, std::uint32_t& read) override;
+    [[nodiscard]] bool isGone(std::int32_t handle) const override { return portOf(handle) == nullptr; }
     [[nodiscard]] std::string reason() const override { return reason_; }
 
 private:

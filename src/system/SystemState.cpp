@@ -23,11 +23,11 @@ SystemStateLine stateLine(const SystemState& state) {
     if (state.sending) {
         return {systemText::kSending, Tone::Plain};
     }
+    if (!state.failure.empty()) {
+        return {state.failure + (state.refused.empty() ? "" : ". " + state.refused), Tone::Alarm};
+    }
     if (!state.refused.empty()) {
         return {state.refused, Tone::Warn};
-    }
-    if (!state.failure.empty()) {
-        return {state.failure, Tone::Alarm};
     }
     if (!state.known) {
         return {systemText::kNotRead, Tone::Warn};

@@ -98,12 +98,18 @@ void frmSystem::showMarks() {
         const SpinnerField& field = *number->field;
         const QString marked = show(*number->mark, field.isExact(), number->label,
                                     field.storedText(parts_.locale), number->unit);
-        number->box->setAccessibleDescription(
-            marked.isEmpty() ? number->box->toolTip() : (marked + QLatin1Char(' ') + number->box->toolTip()));
+        const QString usual = number->box->toolTip().isEmpty()
+                                  ? QString::fromStdString(field.rangeText(parts_.locale))
+                                  : number->box->toolTip();
+        number->box->setAccessibleDescription(marked.isEmpty() ? usual : (marked + QLatin1Char(' ') + usual));
     }
     for (const auto& mode : modes_) {
-        show(*mode->mark, mode->field->isExact(), mode->label,
-             plainText(mode->field->stored(), parts_.locale), "");
+        const QString marked = show(*mode->mark, mode->field->isExact(), mode->label,
+                                    plainText(mode->field->stored(), parts_.locale), "");
+        for (QRadioButton* button : {mode->off, mode->on}) {
+            button->setAccessibleDescription(
+                marked.isEmpty() ? QString() : (marked + QLatin1Char(' ') + button->toolTip()));
+        }
     }
 }
 
@@ -141,6 +147,7 @@ void frmSystem::numberRefused(const Number& number) {
 
 void frmSystem::optMode_Click(Mode& mode, bool on) {
     mode.field->choose(on);
+    state_.refused.clear();
     oneTabStop(mode);
     showMarks();
     showState();
@@ -233,7 +240,7 @@ void frmSystem::saved(std::uint16_t status) {
         constexpr std::size_t letter = 2; // in a packet
         const std::string& packet = parts_.link.CommLastPacket();
         const bool second = packet.size() > letter && packet[letter] == 'C';
-        state_.failure = saveFailureText(parts_.link.CommOK(), second, status);
+        state_.failure = saveFailureText(parts_.link.CommOK() && parts_.link.isOpen(), second, status);
     }
     showMarks();
     showState();

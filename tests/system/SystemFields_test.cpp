@@ -194,7 +194,7 @@ TEST(SystemTexts, TheBottomLineTellsTheGravest) {
                       "14:03:22"};
     EXPECT_EQ(stateLine(state).text, systemText::kSending);
     state.sending = false;
-    EXPECT_EQ(stateLine(state).text, "Filter takes 0 to 99");
+    EXPECT_EQ(stateLine(state).text, state.failure + ". Filter takes 0 to 99");
     state.refused.clear();
     EXPECT_EQ(stateLine(state).text, state.failure);
     EXPECT_EQ(stateLine(state).tone, SystemStateLine::Tone::Alarm);

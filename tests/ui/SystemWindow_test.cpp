@@ -98,10 +98,10 @@ TEST_F(SystemWindow, TabsThroughEveryControlByItsName) {
     open();
     const char* const analog = "Analog output option settings.";
     using Stop = std::array<std::string, 3>; // object name, accessible name, tooltip
-    std::vector<Stop> stops{{"spnSysParam_0", "Timebase, s", ""},
-                            {"spnRateFilt", "Filter", ""},
-                            {"spnSysParam_1", "Min Frequency, MHz", ""},
-                            {"spnSysParam_2", "Max Frequency, MHz", ""},
+    std::vector<Stop> stops{{"spnSysParam_0", "Timebase, s", ".01 to 99.99"},
+                            {"spnRateFilt", "Filter", "0 to 99"},
+                            {"spnSysParam_1", "Min Frequency, MHz", ".1 to 99.9"},
+                            {"spnSysParam_2", "Max Frequency, MHz", ".1 to 99.9"},
                             {"spnSysParam_4", "Max Rate, A/s", analog},
                             {"spnSysParam_3", "Min Rate, A/s", analog},
                             {"spnSysParam_5", "Min Thickness, kA", analog},
@@ -246,13 +246,13 @@ TEST_F(SystemWindow, WhatIsNotShownExactlyIsMarkedAndKept) {
     record.ThickMax = 250;
     open();
     EXPECT_EQ(spin("spnSysParam_0")->accessibleDescription().toStdString(),
-              "The DRX-9 holds .2537 s. Save sends this unless it is changed here. ");
+              "The DRX-9 holds .2537 s. Save sends this unless it is changed here. .01 to 99.99");
     click("cmdSave");
     EXPECT_EQ(wire().commands(), (Sent{"B .2537" + std::string(kB).substr(5), "C 5  6  0  10  0  250  0 "}));
     type("spnSysParam_0", ".25"); // what is shown already, but now it is meant
     click("cmdSave");
     EXPECT_EQ(wire().commands()[2], kB);
-    EXPECT_EQ(spin("spnSysParam_0")->accessibleDescription().toStdString(), "");
+    EXPECT_EQ(spin("spnSysParam_0")->accessibleDescription().toStdString(), ".01 to 99.99");
 }
 
 TEST_F(SystemWindow, ARefusedNumberStopsTheSaveThatItCameWith) {

@@ -19,7 +19,7 @@ AppInfo appInfo() {
 
 Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale, const QString& placesFile)
     : pump_(clock_)
-    , serial_(pump_, paths.programFolder)
+    , serial_(pump_, paths)
     , socket_(pump_)
     , usb_(paths.programFolder)
     , ticker_(clock_, PollTimer::kIntervalMs)
@@ -41,6 +41,9 @@ MainWindowParts Program::windowParts() {
     MainWindowParts parts = mainWindowParts(core_, pump_, charts_, desktop_);
     parts.help = &manual_;
     parts.places = &places_;
+    parts.aboutFacts = {"Files: " + core_.paths.dataFolder, usb_.library().empty()
+                                                                ? "USB bridges: as serial ports"
+                                                                : "USB bridges: " + usb_.library()};
     parts.desktopChanged = [this] { followDesktop(*qApp, darkWanted_); };
     return parts;
 }

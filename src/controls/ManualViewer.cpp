@@ -1,6 +1,7 @@
 #include "controls/ManualViewer.h"
 
 #include "controls/TextView.h"
+#include "controls/Texts.h"
 #include "controls/Theme.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -161,6 +162,7 @@ ManualViewer::ManualViewer(const QString& folder)
     setObjectName(QStringLiteral("frmManual"));
     setWindowTitle(QStringLiteral("DRX9 Comm - Manual"));
     setMinimumSize(560, 400);
+    setProperty(kFollowsModal, true);
     resize(900, 680);
     build();
     buildKeys();
@@ -336,7 +338,7 @@ void ManualViewer::find(bool backward) {
             return;
         }
     }
-    found_->setText(QStringLiteral("Not found"));
+    found_->setText(QString::fromLatin1(controlsText::kNotFound));
 }
 
 void ManualViewer::escape() {
@@ -372,6 +374,12 @@ void ManualViewer::comeBeforeModal() {
         hide(); // X11 is told when the window is shown
     }
     windowHandle()->setTransientParent(owner);
+    // X11 does not keep a window of this kind above its owner where that one stays on top.
+    const bool onTop = owner != nullptr && owner->flags().testFlag(Qt::WindowStaysOnTopHint);
+    windowHandle()->setFlag(Qt::WindowStaysOnTopHint, onTop);
+    if (owner != nullptr) { // and comes back from there when that one closes
+        connect(owner, &QWindow::visibleChanged, this, &ManualViewer::comeBeforeModal, Qt::QueuedConnection);
+    }
     if (shown) {
         show();
     }

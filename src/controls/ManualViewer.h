@@ -17,7 +17,8 @@ class TextView;
 /// Markdown in one folder, which may be a resource; its index.md names them as links in the order of reading.
 /// A link is the name of a page, with "#" and a heading in lower case with "-" for blanks where one is meant.
 ///
-/// Belongs to no other window, and stays usable over modal ones. Runs no event loop of its own.
+/// Belongs to no other window, but to a modal one as long as that stands, and so stays usable over it. Runs
+/// no event loop of its own.
 class ManualViewer : public QWidget {
     Q_OBJECT
 public:
@@ -29,6 +30,9 @@ public:
 
     /// The fragment that a heading is linked by.
     static QString fragmentOf(const QString& heading);
+
+    /// Property of windows that follow what is modal: nothing else may belong to one.
+    static constexpr const char* kFollowsModal = "followsModal";
 
 protected:
     bool event(QEvent* event) override;

@@ -1,7 +1,7 @@
 #include "controls/WindowPlaces.h"
 
+#include <QApplication>
 #include <QEvent>
-#include <QGuiApplication>
 #include <QLayout>
 #include <QScreen>
 #include <QSettings>
@@ -28,6 +28,22 @@ QList<QRect> presentScreens() {
         rects.push_back(screen->availableGeometry());
     }
     return rects;
+}
+
+/// What the desktop puts around a window: title bar and edges.
+QSize frameOf(const QWidget& window) {
+    return window.isMaximized() ? QSize(0, 0) : window.frameSize() - window.size();
+}
+
+/// Qt puts only what has an owner over that.
+void putOverActive(QWidget& window) {
+    const QWidget* active = QApplication::activeWindow();
+    if (active == nullptr || window.parentWidget() != nullptr) {
+        return;
+    }
+    QRect place(QPoint(), window.size());
+    place.moveCenter(active->frameGeometry().center());
+    window.move(WindowPlaces::onScreen(place, presentScreens()).topLeft());
 }
 
 QString key(const QWidget& window, const char* what) {
@@ -62,12 +78,14 @@ bool WindowPlaces::follow(QWidget& window) {
     const QSettings places(file_, QSettings::IniFormat);
     const QRect kept = places.value(key(window, "place")).toRect();
     if (!kept.isValid()) {
+        putOverActive(window);
         return false;
     }
+    const QSize frame = places.value(key(window, "frame")).toSize().expandedTo(QSize(0, 0));
     const QSize size = isFixed(window) ? window.sizeHint() : kept.size().expandedTo(window.minimumSize());
-    const QRect place = onScreen(QRect(kept.topLeft(), size), presentScreens());
+    const QRect place = onScreen(QRect(kept.topLeft(), size + frame), presentScreens());
     if (!isFixed(window)) {
-        window.resize(place.size());
+        window.resize(place.size() - frame);
     }
     window.move(place.topLeft());
     if (places.value(key(window, "maximized")).toBool()) {
@@ -90,6 +108,7 @@ void WindowPlaces::keep(const QWidget& window) const {
     }
     QSettings places(file_, QSettings::IniFormat);
     places.setValue(key(window, "place"), place);
+    places.setValue(key(window, "frame"), frameOf(window));
     places.setValue(key(window, "maximized"), window.isMaximized());
 }
 

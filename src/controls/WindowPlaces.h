@@ -17,8 +17,8 @@ public:
     explicit WindowPlaces(QString file);
 
     /// Puts a window, not yet shown, where it was, and keeps its place whenever it is closed. False where
-    /// no place is known: then it stays where it was put, or where Qt puts it. A window of fixed size keeps
-    /// its position only.
+    /// no place is known: then it stays where it was put, or where Qt puts it; one without an owner goes over
+    /// the active window. A window of fixed size keeps its position only.
     bool follow(QWidget& window);
 
     /// The nearest place to `wanted` that lies wholly on one of the screens, or as much of it as fits there.

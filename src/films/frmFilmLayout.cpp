@@ -210,6 +210,7 @@ QGroupBox* frmFilm::buildMaterial() {
     dbcMaterial_->setMinimumWidth(kNameWidth);
     dbcMaterial_->setMaxVisibleItems(20);
     dbcMaterial_->installEventFilter(this);
+    dbcMaterial_->lineEdit()->setAccessibleName(dbcMaterial_->accessibleName());
     dbcMaterial_->lineEdit()->installEventFilter(this);
     connect(dbcMaterial_, &QComboBox::activated, this, &frmFilm::dbcMaterial_Change);
     connect(dbcMaterial_->lineEdit(), &QLineEdit::editingFinished, this, [this] {

@@ -20,6 +20,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 class QStackedLayout;
 
@@ -58,6 +59,7 @@ struct MainWindowParts {
     HelpViewer* help = nullptr;
     WindowPlaces* places = nullptr;
     std::function<void()> desktopChanged = {}; ///< the desktop's colours are others now
+    std::vector<std::string> aboutFacts = {};  ///< lines of the About box's system information
 };
 
 /// The main window: an assembly of panels (menus, readouts around the charts, run bar, status line) that it

@@ -46,6 +46,7 @@ void frmMain::openHolding(QPointer<QWidget>& window, const WindowMaker& make, bo
         if (monitor_.locked() || actions_.closing()) {
             return; // one of the requests has begun a run, or the program closes
         }
+        parts_.boxes.closeNonBlocking(); // it would be dead under a modal window
     }
     openWindow(window, make, modal);
 }
@@ -66,8 +67,15 @@ void frmMain::showAbout() {
         open->activateWindow();
         return;
     }
-    auto* about = new frmAbout(this);
+    QStringList facts;
+    for (const std::string& fact : parts_.aboutFacts) {
+        facts += QString::fromStdString(fact);
+    }
+    auto* about = new frmAbout(facts, this);
     about->setAttribute(Qt::WA_DeleteOnClose);
+    if (parts_.places != nullptr) {
+        parts_.places->follow(*about);
+    }
     about->show();
 }
 

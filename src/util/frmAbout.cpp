@@ -1,13 +1,13 @@
 #include "util/frmAbout.h"
 #include "util/ProgramName.h"
 
+#include "BuildDate.h"
 #include "controls/AppIcon.h"
 #include "controls/TextView.h"
 #include "controls/Theme.h"
 
 #include <QCoreApplication>
 #include <QDate>
-#include <QDialogButtonBox>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -25,17 +25,16 @@ constexpr int kWidth = 452;
 constexpr int kLicenceHeight = 110;
 constexpr int kIcon = 60;
 
-/// The day this was built, as the compiler gives it ("Nov  5 2026").
 QString buildDate() {
-    const QString compiled = QString::fromLatin1(__DATE__).simplified();
-    const QDate date = QLocale::c().toDate(compiled, QStringLiteral("MMM d yyyy"));
+    const QDate date = QDate::fromString(QString::fromLatin1(DRX9_BUILD_DATE), Qt::ISODate);
     return QLocale().toString(date, QLocale::LongFormat);
 }
 
 QString licences() {
     return QStringLiteral("<p>Licence: GNU General Public License, version 3 or later. It comes without any "
-                          "warranty.</p>"
-                          "<p>Qt %1: LGPL version 3</p>")
+                          "warranty. Its text: https://www.gnu.org/licenses/gpl-3.0.html</p>"
+                          "<p>Qt %1: GNU Lesser General Public License, version 3. "
+                          "Its text: https://www.gnu.org/licenses/lgpl-3.0.html</p>")
         .arg(QString::fromLatin1(qVersion()));
 }
 
@@ -54,7 +53,11 @@ protected:
     }
 };
 
-QString systemInfo() {
+QString systemInfo(const QStringList& facts) {
+    QStringList escaped;
+    for (const QString& fact : facts) {
+        escaped += fact.toHtmlEscaped();
+    }
     QStringList screens;
     for (const QScreen* screen : QGuiApplication::screens()) {
         const QSizeF pixels = QSizeF(screen->size()) * screen->devicePixelRatio();
@@ -63,16 +66,17 @@ QString systemInfo() {
                        .arg(pixels.height())
                        .arg(100 * screen->devicePixelRatio());
     }
-    return QStringLiteral("<p>%1 %2, %3<br>%4, %5, kernel %6 %7<br>Qt %8, %9</p><p>Screens: %10</p>")
+    return QStringLiteral("<p>%1 %2, %3<br>%4, %5, kernel %6 %7<br>Qt %8, %9<br>Screens: %10</p><p>%11</p>")
         .arg(QString(kProgramName), QCoreApplication::applicationVersion(), buildDate(),
              QSysInfo::prettyProductName(), QSysInfo::currentCpuArchitecture(), QSysInfo::kernelType(),
              QSysInfo::kernelVersion(), QString::fromLatin1(qVersion()), QGuiApplication::platformName())
-        .arg(screens.join(QStringLiteral("; ")));
+        .arg(screens.join(QStringLiteral("; ")), escaped.join(QStringLiteral("<br>")));
 }
 } // namespace
 
-frmAbout::frmAbout(QWidget* owner)
-    : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
+frmAbout::frmAbout(const QStringList& facts, QWidget* owner)
+    : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint)
+    , facts_(facts) {
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(QStringLiteral("About DRX9 Comm"));
     auto* name = new QLabel(QString(kProgramName), this);
@@ -81,20 +85,17 @@ frmAbout::frmAbout(QWidget* owner)
         QStringLiteral("Version %1, %2").arg(QCoreApplication::applicationVersion(), buildDate()), this);
     auto* purpose = new QLabel(QStringLiteral("For one DRX-9 deposition monitor"), this);
     purpose->setForegroundRole(kMutedRole);
-    auto* text = new TextView(this);
-    text->setHtml(licences());
-    text->setAccessibleName(QStringLiteral("Licences"));
-    text->setFixedHeight(kLicenceHeight);
-    auto* info = new QPushButton(QStringLiteral("System Info..."), this);
+    text_ = new TextView(this);
+    text_->setFixedHeight(kLicenceHeight);
+    cmdSysInfo_ = new QPushButton(this);
     auto* ok = new QPushButton(QStringLiteral("OK"), this);
-    info->setObjectName(QStringLiteral("cmdSysInfo"));
+    cmdSysInfo_->setObjectName(QStringLiteral("cmdSysInfo"));
+    cmdSysInfo_->setAutoDefault(false);
     ok->setObjectName(QStringLiteral("cmdOK"));
-    info->setAutoDefault(false);
+    ok->setToolTip(QStringLiteral("Close this window."));
     ok->setDefault(true);
-    connect(info, &QPushButton::clicked, text, [text] {
-        text->setHtml(systemInfo());
-        text->setAccessibleName(QStringLiteral("System information"));
-    });
+    showLicences();
+    connect(cmdSysInfo_, &QPushButton::clicked, this, &frmAbout::cmdSysInfo_Click);
     connect(ok, &QPushButton::clicked, this, &QDialog::close);
 
     auto* texts = new QVBoxLayout;
@@ -107,7 +108,7 @@ frmAbout::frmAbout(QWidget* owner)
     head->addWidget(new IconLabel(this), 0, Qt::AlignVCenter);
     head->addLayout(texts, 1);
     auto* buttons = new QHBoxLayout;
-    buttons->addWidget(info);
+    buttons->addWidget(cmdSysInfo_);
     buttons->addStretch(1);
     buttons->addWidget(ok);
     auto* column = new QVBoxLayout(this);
@@ -115,10 +116,30 @@ frmAbout::frmAbout(QWidget* owner)
     column->setSpacing(12);
     column->setSizeConstraint(QLayout::SetFixedSize);
     column->addLayout(head);
-    column->addWidget(text);
+    column->addWidget(text_);
     column->addLayout(buttons);
-    text->setMinimumWidth(kWidth - 32);
+    text_->setMinimumWidth(kWidth - 32);
     ok->setFocus();
+}
+
+void frmAbout::cmdSysInfo_Click() {
+    if (showsSystem_) {
+        showLicences();
+        return;
+    }
+    showsSystem_ = true;
+    text_->setHtml(systemInfo(facts_));
+    text_->setAccessibleName(QStringLiteral("System information"));
+    cmdSysInfo_->setText(QStringLiteral("Licences..."));
+    cmdSysInfo_->setToolTip(QStringLiteral("Show the licences again."));
+}
+
+void frmAbout::showLicences() {
+    showsSystem_ = false;
+    text_->setHtml(licences());
+    text_->setAccessibleName(QStringLiteral("Licences"));
+    cmdSysInfo_->setText(QStringLiteral("System Info..."));
+    cmdSysInfo_->setToolTip(QStringLiteral("Show what to add to a report."));
 }
 
 } // namespace drx9

@@ -9,6 +9,7 @@
 #include <QAccessible>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -78,6 +79,53 @@ TEST_F(Accessibility, EverythingThatCanBeReachedHasANameAndARole) {
     }
     EXPECT_EQ(interfaceOf("lblNotice").role(), QAccessible::AlertMessage);
     EXPECT_EQ(interfaceOf("staLink").parent()->parent()->role(), QAccessible::StatusBar);
+}
+
+/// What takes the focus under `top`, and of option buttons and tab bars the one that is chosen.
+std::set<std::string> stopsUnder(const QWidget& top) {
+    std::set<std::string> names;
+    for (const QWidget* widget : top.findChildren<QWidget*>()) {
+        const auto* radio = qobject_cast<const QRadioButton*>(widget);
+        const bool part = widget->focusProxy() != nullptr || widget->objectName().startsWith("qt_");
+        if (widget->isVisible() && widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus) != 0 &&
+            !part && (radio == nullptr || radio->isChecked())) {
+            names.insert(widget->objectName().toStdString());
+        }
+    }
+    return names;
+}
+
+TEST_F(Accessibility, EachWindowNamesAllThatItHasAndIsWalkedAndLeftByKeys) {
+    window->findChild<frmDataLog*>()->close();
+    window->findChild<frmAbout*>()->close();
+    for (const char* menu : {"mnuFileLog", "mnuSetupFilms", "mnuSetupSystem", "mnuSetupComm",
+                             "mnuSetupGraphs", "mnuHelpAbout"}) {
+        choose(menu);
+        QApplication::processEvents();
+        QPointer<QWidget> top = QApplication::activeWindow();
+        ASSERT_NE(top, window.get()) << menu;
+        walk(QAccessible::queryAccessibleInterface(top), [&](QAccessibleInterface& node) {
+            const auto* widget = qobject_cast<QWidget*>(node.object());
+            if (widget == nullptr || !node.state().focusable || widget->objectName().startsWith("qt_")) {
+                return;
+            }
+            const std::string name = widget->objectName().toStdString();
+            EXPECT_NE(nameOf(node), "") << menu << " " << name << " " << widget->metaObject()->className();
+            EXPECT_EQ(node.text(QAccessible::Description).isEmpty(),
+                      widget->toolTip().isEmpty() && widget->accessibleDescription().isEmpty())
+                << menu << " " << name;
+        });
+        std::set<std::string> walked;
+        for (int i = 0; i < 60; ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            walked.insert(QApplication::focusWidget()->objectName().toStdString());
+        }
+        EXPECT_EQ(walked, stopsUnder(*top)) << menu;
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QApplication::processEvents();
+        EXPECT_TRUE(top == nullptr || !top->isVisible()) << menu;
+        tick();
+    }
 }
 
 TEST_F(Accessibility, ActionsDoWhatAClickDoes) {

@@ -44,6 +44,7 @@ void FilmList::setUpView() {
     view_->setObjectName(QStringLiteral("lstDBFilms"));
     view_->setToolTip(QStringLiteral("Select a film to edit."));
     view_->setAccessibleName(QStringLiteral("Films"));
+    view_->setAccessibleDescription(view_->toolTip()); // Qt's tables do not take it from there
     view_->setFrameShape(QFrame::NoFrame);
     view_->setAllColumnsShowFocus(true);
     view_->setRootIsDecorated(false);

@@ -1,4 +1,6 @@
 #include "jet/FileHeader.h"
+#include "jet/Texts.h"
+#include "util/Text.h"
 
 #include <array>
 #include <bit>
@@ -52,17 +54,16 @@ const Layout& layoutByVersion(const Bytes& header) {
     const auto version = header.u32(kVersionAt);
     const auto name = header.part(kNameAt, kNameSize);
     if (name == "MSISAM Database") {
-        cannotOpen("it is a Microsoft Money file, not an Access database");
+        cannotOpen(jetText::kMoney);
     }
     if (name != kName && name != "Standard ACE DB") {
-        cannotOpen("it is not an Access database");
+        cannotOpen(jetText::kNoDatabase);
     }
     if (version >= 2 && version < 2 + kLater.size()) {
-        cannotOpen(std::string("it is an Access ") + kLater[version - 2] +
-                   " file; only Access 97 to 2003 files (.mdb) can be opened");
+        cannotOpen(filled(jetText::kLaterVersion, {kLater[version - 2]}));
     }
     if (version > 1 || name != kName) {
-        cannotOpen("it is of an Access version that is not known");
+        cannotOpen(jetText::kUnknownVersion);
     }
     return version == 0 ? kJet3 : kJet4;
 }
@@ -92,20 +93,20 @@ bool hasPassword(const Layout& layout, const Bytes& header) {
 FileHeader FileHeader::read(const PageImage& image) {
     const Bytes start(image.view(0, std::min(image.size(), kJet3.pageSize)));
     if (start.size() < kMaskedAt) {
-        cannotOpen("it is not an Access database");
+        cannotOpen(jetText::kNoDatabase);
     }
     const Layout& layout = layoutByVersion(start);
     if (image.size() < 3 * layout.pageSize) {
-        cannotOpen("it is cut short");
+        cannotOpen(jetText::kCutShort);
     }
     std::string plain(image.view(0, layout.pageSize));
     mask(std::span(plain).subspan(kMaskedAt, layout.maskedSize));
     const Bytes header(plain);
     if (header.u32(kEncryptionKeyAt) != 0) {
-        cannotOpen("it is encrypted");
+        cannotOpen(jetText::kEncrypted);
     }
     if (hasPassword(layout, header)) {
-        cannotOpen("it is protected by a password");
+        cannotOpen(jetText::kPassword);
     }
     const auto codePage = header.u16(kCodePageAt);
     return {&layout, codePage == 0 ? kUsualCodePage : codePage};

@@ -17,8 +17,9 @@ struct IndexHead {
     std::size_t height = 0;
 };
 
-/// One page of an index tree, read where it lies: valid until the store's next appendPage(). An entry is
-/// named by its offset among the entries' bytes; 0 is the first, used() is behind the last.
+/// One page of an index tree, a view into the store: valid until the store's next appendPage(). An entry is
+/// named by its offset among the bytes of the entries: the first has offset 0, used() is the offset of the
+/// end.
 class IndexPage : public IndexHead {
 public:
     /// Throws JetError(Damaged) for a page that is no index page; entries are checked when they are read.
@@ -29,7 +30,7 @@ public:
     [[nodiscard]] bool empty() const { return used_ == 0; }
     [[nodiscard]] std::size_t freeBytes() const { return room_ - used_; }
     [[nodiscard]] std::size_t statedFreeBytes() const { return page_.u16(kFreeBytesAt); }
-    /// True when entries can be added and taken out where they lie: they do not lean on a shared prefix.
+    /// True when entries can be added and taken out where they lie: they share no prefix.
     [[nodiscard]] bool plain() const { return prefix_.empty(); }
 
     /// The entry behind one; used() behind the last.

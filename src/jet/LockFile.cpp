@@ -1,7 +1,9 @@
 #include "jet/LockFile.h"
 
 #include "jet/TextCodec.h"
+#include "jet/Texts.h"
 #include "util/Paths.h"
+#include "util/Text.h"
 
 namespace drx9::jet {
 
@@ -73,15 +75,12 @@ std::string lockReason(FilePort& files, const std::string& path) {
     if (!holders) {
         return {};
     }
-    std::string reason = "in use by ";
-    if (holders->empty()) {
-        return reason + "another program (it has a lock file)";
-    }
+    std::string names;
     for (const auto& holder : *holders) {
-        reason += &holder == &holders->front() ? "" : ", ";
-        reason += "user " + holder.user + " on computer " + holder.computer;
+        names += names.empty() ? "" : ", ";
+        names += filled(jetText::kHolder, {holder.user, holder.computer});
     }
-    return reason;
+    return filled(jetText::kInUse, {names.empty() ? jetText::kUnknownHolder : names});
 }
 
 } // namespace drx9::jet

@@ -1,4 +1,6 @@
 #include "jet/PageImage.h"
+#include "jet/Texts.h"
+#include "util/Text.h"
 
 #include <algorithm>
 
@@ -9,7 +11,7 @@ constexpr std::size_t kBlock = 16384; ///< read at a time: a few pages, as neigh
 
 [[noreturn]] void cannotRead(const FileStatus& status) {
     throw JetError(Fault::CannotOpen,
-                   status.notFound() ? "there is no such file" : "it cannot be read: " + status.reason());
+                   status.notFound() ? jetText::kNoSuchFile : filled(jetText::kNotRead, {status.reason()}));
 }
 } // namespace
 
@@ -21,10 +23,10 @@ PageImage::PageImage(const FilePort& files, const std::string& path, std::size_t
     }
     identity_ = file_->identity();
     if (!identity_) {
-        cannotRead(FileStatus::failure("the system does not tell its size"));
+        cannotRead(FileStatus::failure(jetText::kNoSize));
     }
     if (identity_->size > largest) {
-        throw JetError(Fault::CannotOpen, "it is larger than an Access database can be");
+        throw JetError(Fault::CannotOpen, jetText::kTooLarge);
     }
     size_ = capacity_ = static_cast<std::size_t>(identity_->size);
     bytes_.reset(new char[capacity_]); // make_unique would fill it
@@ -52,7 +54,7 @@ void PageImage::readBlocks(std::size_t first, std::size_t end) const {
     const FileStatus status = file_->read(at, {bytes_.get() + at, length});
     // A writer at work shows itself by a change of size or time.
     if (file_->identity() != identity_) {
-        throw JetError(Fault::CannotOpen, "it is being written by another program");
+        throw JetError(Fault::CannotOpen, jetText::kBeingWritten);
     }
     if (!status.ok()) {
         cannotRead(status);

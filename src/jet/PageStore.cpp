@@ -2,7 +2,9 @@
 
 #include "jet/FileHeader.h"
 #include "jet/LockFile.h"
+#include "jet/Texts.h"
 #include "platform/AtomicReplace.h"
+#include "util/Text.h"
 
 namespace drx9::jet {
 
@@ -30,7 +32,7 @@ PageStore PageStore::open(FilePort& files, const std::string& path, Reading read
 PageStore PageStore::create(FilePort& files, const std::string& path, Generation generation) {
     PageStore store(files, path);
     if (files.exists(store.path_)) {
-        throw JetError(Fault::CannotOpen, "it exists already");
+        throw JetError(Fault::CannotOpen, jetText::kExists);
     }
     store.layout_ = &layoutOf(generation);
     store.text_ = TextCodec(generation, kUsualCodePage);
@@ -68,8 +70,7 @@ Patch PageStore::edit(PageNo number) {
 PageNo PageStore::appendPage() {
     const PageNo number = pageCount();
     if (image_.size() + layout_->pageSize > layout_->largestFile) {
-        rejected("the database is full: it cannot grow beyond " + std::to_string(layout_->largestFile >> 30) +
-                 " GiB");
+        rejected(filled(jetText::kFull, {std::to_string(layout_->largestFile >> 30)}));
     }
     image_.resize(image_.size() + layout_->pageSize);
     return number;
@@ -123,12 +124,12 @@ void PageStore::restore(Undo& undo) {
 void PageStore::save() {
     if (const auto reason = readOnlyReason(); !reason.empty()) {
         rollback();
-        throw JetError(Fault::ReadOnly, "the change was not saved: " + reason);
+        throw JetError(Fault::ReadOnly, filled(jetText::kNotSaved, {reason}));
     }
     bool renaming = false;
     const auto status = replaceFile(*files_, path_, image_.all(), [&] {
         renaming = !changedOnDisk();
-        return renaming ? FileStatus() : FileStatus::failure("another program changed the file meanwhile");
+        return renaming ? FileStatus() : FileStatus::failure(jetText::kChangedMeanwhile);
     });
     const bool stands = status.ok() || (renaming && changedOnDisk());
     if (stands) {
@@ -139,25 +140,24 @@ void PageStore::save() {
     }
     if (stands) {
         undo_.clear();
-        throw JetError(Fault::NotSaved,
-                       "the change is in the file but may not outlast a power failure: " + status.reason());
+        throw JetError(Fault::NotSaved, filled(jetText::kMayNotLast, {status.reason()}));
     }
     rollback();
-    throw JetError(Fault::NotSaved, "the change was not saved: " + status.reason());
+    throw JetError(Fault::NotSaved, filled(jetText::kNotSaved, {status.reason()}));
 }
 
 std::string PageStore::readOnlyReason() const {
     if (cutShort_) {
-        return "the file is cut short";
+        return jetText::kLastPageCut;
     }
     if (files_->exists(path_) && !files_->writable(path_)) {
-        return "the file is read-only";
+        return jetText::kReadOnly;
     }
     const auto slash = path_.find_last_of("/\\");
     if (slash != std::string::npos) {
         const std::string folder = path_.substr(0, std::max<std::size_t>(slash, 1));
         if (!files_->folderWritable(folder)) {
-            return files_->exists(folder) ? "its folder is read-only" : "its folder does not exist";
+            return files_->exists(folder) ? jetText::kFolderReadOnly : jetText::kNoFolder;
         }
     }
     std::string reason;

@@ -26,17 +26,16 @@ class Discovery {
 public:
     static constexpr int kMaxUsbDevices = 8;
 
-    /// Blocking at start-up and for the Find button; reconnecting shows one non-blocking box per loss, closed
-    /// by success.
-    using Messages = drx9::Messages;
     using Abandon = std::function<bool()>;
 
     Discovery(Link& link, LinkSettings& settings, Transports& transports, EventPump& pump, const Clock& clock,
               ActionQueue& actions, MessageBoxes& boxes, CErrHandler& errors);
 
     /// Closes every open link, opens the one of `CommType`, asks for the version ("@") and the type ("J").
-    /// Sets CommOK, CommStatus, CommVersion, InstrumentType. Pumps events; returns CommOK. `abandon` (may be
-    /// empty) ends the attempt early, as failed, but never between an answered "@" and its "J".
+    /// Sets CommOK, CommStatus, CommVersion, InstrumentType. Pumps events; returns CommOK. Messages are
+    /// Blocking at start-up and for the Find button; NonBlocking shows one box a loss, which success closes.
+    /// `abandon` (may be empty) ends the attempt early, as failed, but never between an answered "@" and its
+    /// "J".
     bool Comm_Open(Messages messages = Messages::Blocking, const Abandon& abandon = {});
     /// Listeners outlive this.
     void addListener(LinkListener& listener) { listeners_.push_back(&listener); }

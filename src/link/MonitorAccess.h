@@ -27,13 +27,14 @@ public:
 class LinkSetupAccess {
 public:
     virtual ~LinkSetupAccess() = default;
-    /// The window has loaded: run mode 0.
+    /// The window has loaded: the run state becomes Starting, so that nothing is read or shown.
     virtual void linkSetupOpened() = 0;
     /// A find that the operator asked for has connected: a loss that lasted until now is over.
     virtual void linkFound() = 0;
     /// The window closes. `reopen`: opens the link again first, without a box; the reason of a failure goes
     /// to the status bar. `sameLink`: the link is the one that was set when the window opened, so attempts to
-    /// open it go on while it is lost. Then run mode 1. Pumps events.
+    /// open it go on while it is lost. Then the run state becomes Idle, which refreshes the main window.
+    /// Pumps events.
     virtual void linkSetupClosed(bool reopen, bool sameLink) = 0;
 };
 
@@ -52,8 +53,8 @@ public:
 class FilmMemoryAccess {
 public:
     virtual ~FilmMemoryAccess() = default;
-    /// The instrument's films may be others than the main window shows: it is refreshed as on run mode 1.
-    /// Pumps events.
+    /// The instrument's films may be others than the main window shows: it is refreshed as when
+    /// the run state becomes Idle. Pumps events.
     virtual void filmMemoryChanged() = 0;
     /// A "D" or "Z" that no request of the main window sent: the film in use is no longer known for sure.
     virtual void filmUnconfirmed() = 0;

@@ -6,7 +6,6 @@
 #include "monitor/PollTimer.h"
 #include "platform/Clock.h"
 
-#include <cstdint>
 #include <string>
 #include <vector>
 

@@ -3,7 +3,6 @@
 #include "util/Text.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace drx9 {
 

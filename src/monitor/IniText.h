@@ -10,15 +10,15 @@ namespace drx9 {
 
 /// The text of an INI file, for look-ups and for edits that leave every other byte as it was.
 ///
-/// Section and key names are compared without case (ASCII letters); where a name is there twice the first one
-/// counts, and only the first section of a name is looked at. A line whose first character is ";" is a
-/// comment, a line without "=" is kept and means nothing, and so does "[" without "]". Blanks and tabs around
+/// Section and key names are compared without case (ASCII letters). Of two equal names the first one counts,
+/// and of two equal sections only the first is looked at. A line whose first character is ";" is a comment. A
+/// line without "=" is kept and means nothing, and so is a "[" without "]". Blanks and tabs around
 /// names and values do not count; one pair of quotes, single or double, around a value is taken off. Keys
 /// before the first section belong to none and are never found.
 ///
 /// The encoding is the file's own: UTF-16 with its byte-order mark, UTF-8 where the whole file is well-formed
-/// UTF-8, Windows-1252 otherwise. Names and values are UTF-8 here. Any bytes whatever can be taken in; what
-/// is no character in a UTF-16 file becomes U+FFFD with the first change.
+/// UTF-8, Windows-1252 otherwise. Names and values are UTF-8 here. Any bytes can be taken in; what is no
+/// character in a UTF-16 file becomes U+FFFD with the first change.
 class IniText {
 public:
     explicit IniText(std::string_view bytes = {});

@@ -25,7 +25,6 @@
 #include <exception>
 #include <functional>
 #include <string>
-#include <vector>
 
 namespace drx9 {
 
@@ -105,8 +104,8 @@ public:
     void linkFound();
     /// A window has begun to hold the timer.
     void holdsChanged() { changed(); }
-    /// The communications window closes: opens the link again where `reopen`, without a box, and goes to run
-    /// mode 1. With the `sameLink` as when it opened, attempts to open a lost link go on. Pumps.
+    /// The communications window closes: opens the link again where `reopen`, without a box, and goes to the
+    /// state Idle. With the `sameLink` as when it opened, attempts to open a lost link go on. Pumps.
     void linkSetupClosed(bool reopen, bool sameLink);
     void systemSent(bool accepted);
     void filmUnconfirmed();

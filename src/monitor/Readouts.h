@@ -50,7 +50,7 @@ public:
 
     /// After each reading and after a film change. `readings` is null before the first one: then only what
     /// the film tells is shown. `currentFilm` is null where there is no valid film; `sensorCount` 0..6. Does
-    /// nothing in run mode 0.
+    /// nothing while the program starts or a window has set the state back to Starting.
     void refresh(RunState runMode, const Readings* readings, const FilmRecord* currentFilm, int sensorCount);
 
     [[nodiscard]] const Texts& texts() const { return texts_; }

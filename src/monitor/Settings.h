@@ -12,8 +12,8 @@ namespace drx9 {
 class cFile;
 class FilePort;
 
-/// By the numbers of the settings file. Any other number counts as Append, so that no run
-/// goes unlogged or overwritten.
+/// The values are those of the settings file. Any other number counts as Append, so that no run goes unlogged
+/// or overwritten.
 enum class LogMode : std::int16_t { None = 0, Overwrite = 1, Append = 2 };
 
 struct DataLogSettings {

@@ -37,9 +37,9 @@ public:
         int graphItem = 0;   ///< checked item from 1, 0 none
         int sensorItem = 0;
     };
-    /// Items that only touch windows act at once, also in mid-exchange; those that talk to the instrument
-    /// wait, for `later`. Closing (exit) sees to its own waiting. Runs an action once nothing of ours is on
-    /// the stack.
+    /// Runs an action once nothing of ours is on the stack. It is used for the items that talk to the
+    /// instrument. Items that only touch windows act at once, also in mid-exchange; closing (exit) waits by
+    /// itself.
     using Later = std::function<void(std::function<void()>, ActionQueue::For)>;
 
     MainMenus(QMainWindow& window, Handlers handlers, Later later);

@@ -11,7 +11,7 @@
 namespace drx9 {
 namespace {
 
-using Messages = Discovery::Messages;
+
 constexpr const char* kNotFound = "Instrument not found.";
 
 class DiscoveryTest : public testing::Test {

@@ -73,8 +73,10 @@ protected:
     }
 
 private:
+    /// In full colours: Qt scales a picture with a palette into that palette, which dots even ground.
     QImage loaded(const QUrl& name) {
-        return QImage::fromData(TextView::loadResource(QTextDocument::ImageResource, name).toByteArray());
+        return QImage::fromData(TextView::loadResource(QTextDocument::ImageResource, name).toByteArray())
+            .convertToFormat(QImage::Format_RGB32);
     }
 
     QImage picture(const QUrl& name) {

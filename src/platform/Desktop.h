@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace drx9 {
 
@@ -19,6 +20,19 @@ public:
     virtual ~FileDialogs() = default;
     virtual std::string openFile(const FileDialogRequest& request) = 0;
     virtual std::string saveFile(const FileDialogRequest& request) = 0;
+};
+
+/// The printing dialog.
+class PrintDialog {
+public:
+    struct Result {
+        bool printed = false;
+        std::string reason; ///< why it was not printed; empty when cancelled
+    };
+
+    virtual ~PrintDialog() = default;
+    /// Asks for a printer and prints the picture on one page, as large as fits. Runs the event loop.
+    virtual Result printPicture(const std::string& title, std::string_view png) = 0;
 };
 
 /// The desktop's shell. Both return an empty text on success, else a reason for people.

@@ -36,6 +36,9 @@ inline constexpr const char* kProgramNotFound = "{} was not found.";
 inline constexpr const char* kProgramNowhere = "{} was not found, neither in {} nor where programs are kept.";
 inline constexpr const char* kProgramNotStarted = "{} could not be started: {}.";
 
+// Printing.
+inline constexpr const char* kPrinterRefuses = "the printer does not take it";
+
 // To those who look after the program.
 inline constexpr const char* kLoopAboveWait =
     "An event loop runs above a wait for the instrument and holds it up.";

@@ -230,7 +230,6 @@ TEST_F(MonitorTest, LinkStatusDecidesWhatATickDoes) {
     const std::tuple<const char*, std::uint16_t, RunState, bool, bool> cases[] = {
         {"ok", 0, RunState::Idle, true, false},
         {"timeout", 1, RunState::Idle, false, true},
-        {"not ready", 3, RunState::Idle, true, false},
         {"checksum", 7, RunState::Idle, true, false},
         {"port", 8, RunState::Idle, false, true},
         {"busy", 9, RunState::Idle, false, false},

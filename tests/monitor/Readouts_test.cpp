@@ -68,6 +68,13 @@ TEST_F(ReadoutsTest, WhatEachRunModeRefreshes) {
     EXPECT_EQ(readouts.texts(), expected);
 }
 
+TEST_F(ReadoutsTest, ADisplayThatIsNoItemIsStoredAndChangesNothing) {
+    readouts.setDisplay(3);
+    readouts.setDisplay(0);
+    readouts.sensorItemClicked(3); // checked already
+    EXPECT_EQ(std::to_string(readouts.Display()) + readouts.labels()[4], "0Freq 2 (Hz)");
+}
+
 TEST_F(ReadoutsTest, FailedExchangesMarkTheFieldsThatShowThem) {
     // A failed value, what the sensor fields show, and the fields that are marked.
     const std::tuple<Value, std::int16_t, unsigned> cases[] = {

@@ -4,7 +4,6 @@
 #include "platform/LinkPorts.h"
 
 #include <algorithm>
-#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -135,16 +134,12 @@ public:
     std::vector<Device> devices;
     bool flushFails = false;
     bool writeFails = false;
-    std::function<void()> onCount; ///< runs when the devices are counted; may be empty
-    std::uint32_t baud = 0;        ///< last one that was set
+    std::uint32_t baud = 0; ///< last one that was set
 
     /// Handles that are open, with their device's index.
     [[nodiscard]] const std::map<std::int32_t, std::uint32_t>& handles() const { return handles_; }
 
     int SI_GetNumDevices(std::uint32_t& count) override {
-        if (onCount) {
-            onCount();
-        }
         count = static_cast<std::uint32_t>(devices.size());
         return 0;
     }

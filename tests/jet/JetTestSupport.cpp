@@ -1,8 +1,7 @@
 #include "JetTestSupport.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
+#include <cstdio>
 
 namespace drx9::jet {
 
@@ -81,9 +80,7 @@ TableSpec everythingTable(const char* name) {
 void makeOldLibrary(FilePort& files, Generation generation, const std::vector<std::string>& films) {
     using enum ColumnType;
     const TableSpec film{"Film",
-                         {column("FilmName", Text, 20), column("Material", Text, 20),
-                          column("Tooling", Double), column("EndThick", Double), column("ThickSet", Double),
-                          column("TimeSet", Double), column("SensorAvg", Double)},
+                         {column("FilmName", Text, 20), column("Tooling", Double)},
                          {{.name = "PRIMARYKEY", .columns = {{"FilmName", true}}, .primary = true}}};
     const TableSpec material{
         "Material", {column("Material", Text, 20), column("Density", Double), column("ZFactor", Double)}, {}};
@@ -288,10 +285,15 @@ void Model::compare(Database& database) const {
     }
 }
 
-std::string sampleFolder() {
-    const char* given = std::getenv("DRX9_MDB_SAMPLES");
-    const std::string folder = given != nullptr ? given : DRX9_SOURCE_DIR "/../shared/mdb-samples";
-    return std::filesystem::is_directory(folder) ? folder : std::string();
+Outcome run(const std::string& command) {
+    Outcome outcome;
+    FILE* pipe = popen(command.c_str(), "r");
+    char block[4096];
+    for (std::size_t n = 0; (n = fread(block, 1, sizeof block, pipe)) > 0;) {
+        outcome.out.append(block, n);
+    }
+    outcome.code = pclose(pipe) / 256;
+    return outcome;
 }
 
 } // namespace drx9::jet

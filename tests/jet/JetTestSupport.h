@@ -78,7 +78,11 @@ private:
     int codes_ = 0;
 };
 
-/// Sample files from other writers, absent from most machines: their folder, or "".
-std::string sampleFolder();
+/// What a shell's command prints, and its exit code.
+struct Outcome {
+    int code = -1;
+    std::string out;
+};
+Outcome run(const std::string& command);
 
 } // namespace drx9::jet

@@ -17,47 +17,13 @@ protected:
 };
 INSTANTIATE_TEST_SUITE_P(Both, Objects, testing::ValuesIn(kBoth));
 
-/// As the conversion of an old library needs it: the order of an index, and the rows in their own places.
-TEST_P(Objects, WalkAnIndexThatIsDroppedAndNumberTheRows) {
-    const auto database = engine.OpenDatabase(kPath);
-    std::string names;
-    {
-        const auto set = database->OpenRecordset("Film");
-        set->Index(database->TableDefs("film").Indexes().at(0).Name);
-        for (set->MoveFirst(); !set->Eof(); set->MoveNext()) {
-            names += std::get<std::string>(set->Value("FilmName")) + " ";
-        }
-    }
-    EXPECT_EQ(names, std::string("alu ") + (GetParam() == Generation::Jet3 ? "Co-op coo" : "coo Co-op") +
-                         " Very long film name Zinc-2 ");
-    database->BeginTrans();
-    database->Execute("DROP INDEX PRIMARYKEY ON FILM");
-    database->TableDefs("Film").Append(TableDef::CreateField("FilmNum", ColumnType::Integer));
-    const auto set = database->OpenRecordset("Film");
-    for (std::int64_t i = 1; !set->Eof(); set->MoveNext()) {
-        set->AddNew(); // dropped by Edit
-        editRow(*set, {{"FilmNum", i++}});
-    }
-    database->CommitTrans();
-    EXPECT_EQ(faultsOf(files), "");
-    const auto rows = rowsOf(*DBEngine(files).OpenDatabase(kPath), "Film");
-    ASSERT_EQ(rows.size(), 5U);
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        EXPECT_EQ(rows[i].back(), Value(static_cast<std::int64_t>(i + 1)));
-    }
-    EXPECT_EQ(rows[0][0], Value(std::string("Zinc-2")));
-}
-
 TEST_P(Objects, FindRowsByQuery) {
     const auto database = engine.OpenDatabase(kPath);
     const auto set = database->OpenRecordset("Material");
     addRow(*set, {{"Material", std::string("Aluminum")}, {"Density", 2.7}, {"ZFactor", 1.08}});
     addRow(*set, {{"Material", std::string("O'Gold")}, {"Density", 19.3}, {"ZFactor", 1.08}});
-    struct Case {
-        const char* query;
-        long position;
-    };
-    const Case cases[] = {
+    // Position of the first row that a query finds.
+    const std::pair<const char*, long> cases[] = {
         {"SELECT * FROM Material WHERE Density=2.7AND ZFactor=1.08", 0},
         {"SELECT * FROM Material WHERE Density=2.7AND ZFactor=1.0", -1},
         {"SELECT * From material WHERE MATERIAL ='aluminum  '", 0},
@@ -65,8 +31,8 @@ TEST_P(Objects, FindRowsByQuery) {
         {"SELECT * FROM Material Where Material='Ω'", -1},
         {"SELECT * FROM Film WHERE FilmName='ALU'", 0},
     };
-    for (const auto& each : cases) {
-        EXPECT_EQ(database->OpenRecordset(each.query)->AbsolutePosition(), each.position) << each.query;
+    for (const auto& [query, position] : cases) {
+        EXPECT_EQ(database->OpenRecordset(query)->AbsolutePosition(), position) << query;
     }
     for (const char* bad : {"SELECT * FROM Film WHERE Tooling='x'", "SELECT * FROM Film WHERE FilmName=1",
                             "SELECT * FROM Nothing", "SELECT * FROM Film WHERE Nothing=1", "Nothing"}) {
@@ -99,28 +65,6 @@ TEST_P(Objects, ShareOneStorePerFile) {
     EXPECT_EQ(faultsOf(files), "");
 }
 
-TEST_P(Objects, RefuseAndLeaveNothingBehind) {
-    const auto database = engine.OpenDatabase(kPath);
-    const std::string before = files.text(kPath);
-    const auto rows = rowsOf(*database, "Film");
-    const auto set = database->OpenRecordset("Film");
-    const auto add = [&](const char* field, const Value& value) {
-        return failure([&] { addRow(*set, {{field, value}}); });
-    };
-    EXPECT_NE(add("FilmName", std::string("ALU ")).find("takes it only once"), std::string::npos);
-    EXPECT_NE(add("Tooling", 1.0).find("does not take an empty value"), std::string::npos);
-    EXPECT_NE(add("FilmName", std::string(21, 'x')).find("longer than the column"), std::string::npos);
-    EXPECT_NE(add("FilmName", std::string("Ω")), "");
-    EXPECT_NE(add("Nothing", Null{}), "");
-    EXPECT_NE(failure([&] { database->Execute("DROP INDEX Other ON Film"); }), "");
-    EXPECT_NE(failure([&] { database->TableDefs("Film").Append({"tooling", ColumnType::Long, 0}); }), "");
-    EXPECT_NE(failure([&] { database->CreateTable(everythingTable("FILM"), kCreated); }), "");
-    const auto system = database->OpenRecordset("MSysObjects");
-    EXPECT_NE(failure([&] { system->Delete(); }).find("is not the user's"), std::string::npos);
-    EXPECT_EQ(files.text(kPath), before);
-    EXPECT_EQ(rowsOf(*database, "Film"), rows);
-}
-
 TEST_P(Objects, HonourOtherPrograms) {
     const auto database = engine.OpenDatabase(kPath);
     const auto set = database->OpenRecordset("Film");
@@ -142,12 +86,6 @@ TEST_P(Objects, HonourOtherPrograms) {
     EXPECT_NE(change().find("another program changed the file"), std::string::npos);
     set->CancelUpdate();
     EXPECT_NE(set->Value("Tooling"), Value(1.0));
-    // Opened again it is read again.
-    const auto fresh = engine.OpenDatabase(kPath)->OpenRecordset("Film");
-    editRow(*fresh, {{"Tooling", 2.0}});
-    files.find(kPath)->writeProtected = true;
-    fresh->Edit();
-    EXPECT_NE(failure([&] { fresh->Update(); }), "");
 }
 
 TEST_P(Objects, ReadAFileCutInMidPageAndLeaveIt) {
@@ -204,32 +142,6 @@ TEST_P(Objects, KeepARelationshipWithinATable) {
     EXPECT_EQ(faultsOf(files), "");
 }
 
-/// Freed pages are used again.
-TEST_P(Objects, ReuseSpace) {
-    const auto database = engine.OpenDatabase(kPath);
-    database->CreateTable({"T",
-                           {column("A", ColumnType::Long), column("B", ColumnType::Text, 255)},
-                           {{.name = "P", .columns = {{"A", true}}, .primary = true}}},
-                          kCreated);
-    std::optional<std::uint64_t> size;
-    for (int round = 0; round < 4; ++round) {
-        const auto set = database->OpenRecordset("T");
-        database->BeginTrans();
-        for (; !set->Eof(); set->MoveNext()) {
-            set->Delete();
-        }
-        database->CommitTrans();
-        database->BeginTrans();
-        for (std::int64_t i = 0; i < 300; ++i) {
-            addRow(*set, {{"A", i}, {"B", std::string(250, 'b')}});
-        }
-        database->CommitTrans();
-        EXPECT_EQ(faultsOf(files), "");
-        size = size ? size : files.size(kPath);
-    }
-    EXPECT_EQ(files.size(kPath), size);
-}
-
 /// Beyond 512 or 1024 pages every map must grow; indexes get nodes over nodes.
 TEST_P(Objects, GrowBeyondTheFirstMaps) {
     const auto database = engine.OpenDatabase(kPath);
@@ -254,7 +166,8 @@ TEST_P(Objects, GrowBeyondTheFirstMaps) {
     EXPECT_EQ(faultsOf(files), "");
 }
 
-/// Long keys make trees of three levels; rows leave from either end, and from everywhere.
+/// Long keys make trees of three levels; rows leave from either end, and from everywhere. Freed pages are
+/// used again.
 TEST_P(Objects, IndexTreesGrowAndShrink) {
     constexpr std::int64_t kRows = 500;
     const auto database = engine.OpenDatabase(kPath);
@@ -265,6 +178,7 @@ TEST_P(Objects, IndexTreesGrowAndShrink) {
                     {.name = "Down", .columns = {{"T", false}}}}};
     database->CreateTable(spec, kCreated);
     std::mt19937 random(5);
+    std::uint64_t size = 0;
     const auto sound = [&](std::size_t rows) {
         const auto result = checkDatabase(database->shared().store());
         EXPECT_EQ(result.faults, std::vector<std::string>()) << rows << " rows";
@@ -298,6 +212,8 @@ TEST_P(Objects, IndexTreesGrowAndShrink) {
             sound(in ? ids.size() : 0);
         }
         database->CommitTrans();
+        size = size == 0 ? *files.size(kPath) : size;
+        EXPECT_LE(*files.size(kPath), size * 11 / 10);
     }
     EXPECT_EQ(faultsOf(files), "");
 }

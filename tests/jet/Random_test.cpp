@@ -1,15 +1,12 @@
 #include "JetTestSupport.h"
-#include "platform/os/OsFilePort.h"
+#include "platform/FileWorld.h"
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
 namespace drx9::jet {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr unsigned kSequences = 100; ///< in each generation
 constexpr int kSteps = 80;
@@ -44,17 +41,7 @@ TEST(Random, FilesHoldWhatTheModelHolds) {
 // ---- Other readers ----
 
 std::string output(const std::string& command) {
-    std::string text;
-    FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
-    if (pipe == nullptr) {
-        return text;
-    }
-    char block[4096];
-    for (std::size_t n = 0; (n = fread(block, 1, sizeof block, pipe)) > 0;) {
-        text.append(block, n);
-    }
-    pclose(pipe);
-    return text;
+    return run(command + " 2>/dev/null").out;
 }
 
 /// A dump's lines, sorted below its heading: numbers written alike, the column "Key" left out (a GUID, which
@@ -89,21 +76,14 @@ std::vector<std::string> comparable(const std::string& dump) {
     return lines;
 }
 
-class Witness : public testing::Test {
-protected:
-    void TearDown() override { fs::remove_all(folder_); }
-
-    const fs::path folder_ =
-        fs::temp_directory_path() / ("drx9-jet-" + std::to_string(makeOsFilePort()->processId()));
-};
-
-TEST_F(Witness, MdbtoolsReadTheSame) {
+TEST(Witness, MdbtoolsReadTheSame) {
     const std::string mdbtool = DRX9_BIN_DIR "/mdbtool";
-    if (!fs::exists(mdbtool) || (output("mdb-ver --version") + output("mdb-export --version")).empty()) {
+    if (!std::filesystem::exists(mdbtool) ||
+        (output("mdb-ver --version") + output("mdb-export --version")).empty()) {
         GTEST_SKIP() << "mdbtools are not there, or mdbtool is not built";
     }
-    fs::create_directories(folder_);
-    const std::string path = (folder_ / "a.mdb").string();
+    const OsWorld world;
+    const std::string path = world.path("a.mdb");
     std::size_t tables = 0;
     for (const auto generation : kBoth) {
         for (unsigned seed = 1000; seed < 1000 + kWitnessed && !HasFailure(); ++seed) {

@@ -1,11 +1,18 @@
 #include "DatabaseChecks.h"
 #include "JetTestSupport.h"
+#include "fakes/FuzzSeeds.h"
 
-#include <filesystem>
-#include <fstream>
+#include <cstdlib>
 
 namespace drx9::jet {
 namespace {
+
+/// Sample files from other writers, absent from most machines: their folder, or "".
+std::string sampleFolder() {
+    const char* given = std::getenv("DRX9_MDB_SAMPLES");
+    const std::string folder = given != nullptr ? given : DRX9_SOURCE_DIR "/../shared/mdb-samples";
+    return std::filesystem::is_directory(folder) ? folder : std::string();
+}
 
 /// Real Access files: some are refused; the others are sound, and stay so over changes in every user table.
 TEST(Samples, AreSoundAndStaySoundWhenChanged) {
@@ -19,8 +26,7 @@ TEST(Samples, AreSoundAndStaySoundWhenChanged) {
         }
         const std::string name = entry.path().filename().string();
         SCOPED_TRACE(name);
-        std::ifstream file(entry.path(), std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        const std::string bytes = bytesOf(entry.path());
         MemoryFilePort files;
         files.put(kPath, bytes);
         DBEngine engine(files);

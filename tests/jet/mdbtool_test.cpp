@@ -1,61 +1,30 @@
 #include "JetTestSupport.h"
-#include "platform/os/OsFilePort.h"
+#include "platform/FileWorld.h"
 
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
 namespace drx9::jet {
 namespace {
 
-namespace fs = std::filesystem;
-
-struct Outcome {
-    int code = -1;
-    std::string out; ///< standard output and error
-};
-
-class Mdbtool : public testing::Test {
+class Mdbtool : public testing::Test, protected OsWorld {
 protected:
     void SetUp() override {
-        if (!fs::exists(DRX9_BIN_DIR "/mdbtool")) {
+        if (!std::filesystem::exists(DRX9_BIN_DIR "/mdbtool")) {
             GTEST_SKIP() << "mdbtool is not built";
         }
-        folder_ =
-            fs::temp_directory_path() / ("drx9-mdbtool-" + std::to_string(makeOsFilePort()->processId()));
-        fs::create_directories(folder_);
     }
-    void TearDown() override {
-        if (!folder_.empty()) {
-            fs::remove_all(folder_);
-        }
+    /// Prints standard output and error.
+    Outcome run(const std::string& arguments, const std::string& input = {}) const {
+        std::ofstream(path("in.txt"), std::ios::binary) << input;
+        return jet::run("cd " + folder + " && " DRX9_BIN_DIR "/mdbtool " + arguments + " < " +
+                        path("in.txt") + " 2>&1");
     }
-    Outcome run(const std::string& arguments, const std::string& input = {}) {
-        const std::string in = (folder_ / "in.txt").string();
-        std::ofstream(in, std::ios::binary) << input;
-        FILE* pipe = popen(
-            ("cd " + folder_.string() + " && " DRX9_BIN_DIR "/mdbtool " + arguments + " < " + in + " 2>&1")
-                .c_str(),
-            "r");
-        Outcome outcome;
-        char block[4096];
-        for (std::size_t n = 0; (n = fread(block, 1, sizeof block, pipe)) > 0;) {
-            outcome.out.append(block, n);
-        }
-        outcome.code = pclose(pipe) / 256;
-        return outcome;
-    }
-    std::string bytes() const {
-        std::ifstream file(folder_ / "a.mdb", std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    fs::path folder_;
 };
 
 TEST_F(Mdbtool, MakesChangesAndPrintsALibrary) {
     for (const char* generation : {"", " --jet3"}) {
-        fs::remove(folder_ / "a.mdb");
+        (void)files->remove(path("a.mdb"));
         ASSERT_EQ(run(std::string("new a.mdb") + generation).code, 0);
         EXPECT_EQ(run("tables a.mdb").out, "Film\nMaterial\n");
         EXPECT_EQ(run("new a.mdb").code, 2);
@@ -81,7 +50,7 @@ TEST_F(Mdbtool, MakesChangesAndPrintsALibrary) {
 TEST_F(Mdbtool, RefusesWholeScripts) {
     ASSERT_EQ(run("new a.mdb --jet3").code, 0);
     ASSERT_EQ(run("apply a.mdb", "insert\tMaterial\tMaterial=Gold\nadd-column\tFilm\tD\tDATE\n").code, 0);
-    const std::string before = bytes();
+    const std::string before = text("a.mdb");
     std::istringstream script(
         "insert\tFilm\tFilmName=123456789012345678901\n"
         "insert\tFilm\tFilmNum=1x\ninsert\tFilm\tFilmName=Ω\ninsert\tNothing\tA=1\n"
@@ -96,7 +65,7 @@ TEST_F(Mdbtool, RefusesWholeScripts) {
             run("apply a.mdb", "insert\tFilm\tFilmNum=7\n" + bad + "\ninsert\tFilm\tFilmNum=8\n");
         EXPECT_EQ(outcome.code, 1) << bad;
         EXPECT_EQ(outcome.out.find("line 2: "), 0u) << outcome.out;
-        EXPECT_EQ(bytes(), before) << bad;
+        EXPECT_EQ(text("a.mdb"), before) << bad;
     }
     EXPECT_EQ(run("dump a.mdb Nothing").code, 1);
     // "#" hides the usual redirections.
@@ -114,7 +83,7 @@ TEST_F(Mdbtool, RefusesWholeScripts) {
     }
     std::string damaged = before;
     damaged[2048 * 2 + 4] = 2; // the catalog's definition chained to itself
-    std::ofstream(folder_ / "a.mdb", std::ios::binary) << damaged;
+    std::ofstream(path("a.mdb"), std::ios::binary) << damaged;
     EXPECT_EQ(run("check a.mdb").code, 1);
     EXPECT_EQ(run("tables a.mdb").code, 2);
 }

@@ -4,7 +4,6 @@
 #include "fakes/FakeMessageBoxes.h"
 #include "fakes/FaultyFilePort.h"
 #include "fakes/MemoryFilePort.h"
-#include "monitor/DataLogSpan.h"
 
 #include <gtest/gtest.h>
 
@@ -68,22 +67,19 @@ TEST_F(DataLogTest, ABlockIsWrittenByteForByte) {
 }
 
 TEST_F(DataLogTest, SpanAndInterval) {
-    const struct {
-        std::int32_t start, end;
-        std::int16_t interval;
-        std::vector<double> logged; ///< of 12 s
-    } cases[] = {
+    // Start, end and interval, and the readings of 12 s that are logged.
+    const std::tuple<int, int, std::int16_t, std::vector<double>> cases[] = {
         {0, 300, 5, {5, 10}}, // not before a whole interval
         {0, 4, 1, {1, 2, 3, 4}}, {3, 5, 1, {3, 4, 5}},
         {6, 7, 5, {6}}, // the interval counts inside the span only
         {5, 5, 1, {}},           {0, 1, 0, {0.25, 0.5, 0.75, 1}},
     };
-    for (const auto& c : cases) {
-        settings.Start = c.start;
-        settings.End = c.end;
-        settings.Interval = c.interval;
+    for (const auto& [start, end, interval, logged] : cases) {
+        settings.Start = start;
+        settings.End = end;
+        settings.Interval = interval;
         log.InitDataLog();
-        EXPECT_EQ(run(12), c.logged) << c.start << " " << c.end << " " << c.interval;
+        EXPECT_EQ(run(12), logged) << start << " " << end << " " << interval;
     }
 }
 
@@ -96,14 +92,6 @@ TEST_F(DataLogTest, TheIntervalGoesOnOverMidnightAndClockChanges) {
     EXPECT_EQ(run(4, 8), (std::vector<double>{8.25, 10.25}));
     clock.setLocal({2026, 3, 8, 11, 0, 0, 0}); // set back: taken for midnight, due at once
     EXPECT_EQ(run(4, 12), (std::vector<double>{12.25, 14.25}));
-}
-
-TEST_F(DataLogTest, TheClockIsComparedInSinglePrecision) {
-    clock.setLocal({2026, 3, 7, 23, 0, 0, 0});
-    log.InitDataLog();
-    clock.setLocal({2026, 3, 7, 23, 0, 0, 997}); // a step of 1/128 s at this hour: taken for the whole second
-    log.UpdateDataLog(readings, 1, 0);
-    EXPECT_EQ(log.linesWritten(), 1);
 }
 
 TEST_F(DataLogTest, ALargeFileIsOfferedForDeletionWithoutHoldingTheRunUp) {
@@ -184,15 +172,6 @@ TEST_F(DataLogTest, LostTextsAreCountedAndNeverQueued) {
     log.InitDataLog();
     EXPECT_EQ(log.runNumber(), 2);
     EXPECT_EQ(log.linesLost() + log.linesWritten(), 0);
-}
-
-TEST(DataLogSpan, TheLongestFit) {
-    DataLogSettings settings;
-    DataLogSpan span(settings);
-    span.setEnd({DataLogSpan::kMostHours, 59, 59});
-    EXPECT_EQ(span.end(), (SpanFields{DataLogSpan::kMostHours, 59, 59}));
-    span.setInterval(DataLogSpan::kMostIntervalMinutes, 59);
-    EXPECT_EQ(span.interval(), (SpanFields{0, DataLogSpan::kMostIntervalMinutes, 59}));
 }
 
 } // namespace

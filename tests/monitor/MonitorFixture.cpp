@@ -2,13 +2,13 @@
 
 namespace drx9 {
 
-MonitorFixture::MonitorFixture(std::int16_t commType)
+MonitorFixture::MonitorFixture()
     : core({files, clock, pump, boxes, serial, socket, usb, ticker, progress, sleep,
-            GraphSet{&averageRate, &rates, &averageThickness, &thicknesses}},
+            GraphSet{&averageRate.graph, &rates.graph, &averageThickness.graph, &thicknesses.graph}},
            Paths{"/app", "/app"}, NumberLocale{}, AppInfo{}) {
-    files.put("/app/Monitor.ini", "[Display]\r\nView=1\r\n[Graph]\r\nView=1\r\n[CommSettings]\r\nCommType=" +
-                                      std::to_string(commType) +
-                                      "\r\nEAddress=127.0.0.1\r\n[DataLog]\r\nType=2\r\nEnd=100000\r\n");
+    files.put("/app/Monitor.ini",
+              "[Display]\r\nView=1\r\n[Graph]\r\nView=1\r\n[CommSettings]\r\nCommType=2\r\n"
+              "EAddress=127.0.0.1\r\n[DataLog]\r\nType=2\r\nEnd=100000\r\n");
     ticker.events = &events;
     progress.pump = &pump;
     window.events = &events;
@@ -25,6 +25,24 @@ void MonitorFixture::bringUp() {
     tick();
     events.clear();
     socket.wire.forget();
+}
+
+void MonitorFixture::click(const std::string& what) {
+    what == "zero"      ? monitor.cmdZero_Click()
+    : what == "shutter" ? monitor.cmdShutter_Click()
+    : what == "start"   ? monitor.cmdStartStop_Click()
+                        : monitor.cboFilms_Click(2);
+}
+
+void MonitorFixture::loseLink() {
+    silent = true;
+    socket.drop();
+    socket.refusal = "Connection refused";
+}
+
+void MonitorFixture::returnLink() {
+    silent = false;
+    socket.refusal.clear();
 }
 
 std::vector<std::string> MonitorFixture::requestsOfTick() {
@@ -62,7 +80,7 @@ std::string MonitorFixture::answer(const std::string& command) {
         shutter = command[1] - '0';
         return replyPacket('A', "");
     }
-    frequency_ -= command[0] == 'P' && !frozen ? 0.5 : 0;
+    frequency_ -= command[0] == 'P' ? 0.5 : 0;
     const std::map<char, std::string> data = {
         {'@', version},
         {'J', "DRX-9 " + std::to_string(sensors)},

@@ -6,6 +6,7 @@
 #include "fakes/FakeLinks.h"
 #include "fakes/FakeMessageBoxes.h"
 #include "fakes/MemoryFilePort.h"
+#include "graphs/ChartBench.h"
 #include "link/Crc.h"
 
 #include <gtest/gtest.h>
@@ -20,59 +21,6 @@ namespace drx9 {
 
 /// What happened, in order, told by the fakes below; wire commands appear as themselves.
 using EventList = std::vector<std::string>;
-
-/// A graph that remembers what it was given.
-class FakeGraph : public Graph {
-public:
-    struct Point {
-        double x;
-        double y;
-        bool operator==(const Point&) const = default;
-    };
-
-    FakeGraph(int seriesCount, EventList& events)
-        : series(static_cast<std::size_t>(seriesCount))
-        , events_(events) {}
-
-    void Init() override { setXwide(300); }
-    void ReInit() override {
-        events_.emplace_back("ReInit");
-        setXMin(0);
-        series[0].clear();
-    }
-    [[nodiscard]] float YMin() const override { return yMin_; }
-    void setYMin(float value) override { yMin_ = value; }
-    [[nodiscard]] float YMax() const override { return yMax_; }
-    void setYMax(float value) override { yMax_ = value; }
-    [[nodiscard]] float XMin() const override { return xMin_; }
-    void setXMin(float value) override { xMin_ = value; }
-    [[nodiscard]] float Xwide() const override { return xWide_; }
-    void setXwide(float value) override { xWide_ = value; }
-    [[nodiscard]] float shownYMin() const override { return shownMin; }
-    [[nodiscard]] float shownYMax() const override { return shownMax; }
-    [[nodiscard]] int seriesCount() const override { return static_cast<int>(series.size()); }
-    void setLastPoint(int s, int last) override {
-        series[static_cast<std::size_t>(s - 1)].resize(static_cast<std::size_t>(last));
-    }
-    void append(int s, double x, double y) override {
-        series[static_cast<std::size_t>(s - 1)].push_back({x, y});
-    }
-    void appendGap() override { ++gaps; }
-    void redraw() override { ++redraws; }
-
-    std::vector<std::vector<Point>> series;
-    int gaps = 0;
-    int redraws = 0;
-    float shownMin = 0;
-    float shownMax = 20;
-
-private:
-    EventList& events_;
-    float yMin_ = 0;
-    float yMax_ = 0;
-    float xMin_ = 0;
-    float xWide_ = 0;
-};
 
 struct FakeTicker : Ticker {
     bool on = false;
@@ -122,7 +70,7 @@ struct FakeWindow : MonitorWindow {
 /// move.
 class MonitorFixture : public testing::Test {
 public:
-    explicit MonitorFixture(std::int16_t commType = 2);
+    MonitorFixture();
 
     /// Brings the program up on line and carries out the first film selection; forgets what happened so far.
     void bringUp();
@@ -131,6 +79,18 @@ public:
         clock.advance(seconds);
         tick();
     }
+    /// "zero", "shutter", "start" (or stop), "film": the third one.
+    void click(const std::string& what);
+    void startRun() {
+        bringUp();
+        clickAndTick("start");
+    }
+    void clickAndTick(const std::string& what) {
+        click(what);
+        tick();
+    }
+    void loseLink();
+    void returnLink();
     /// One tick's commands without those of the reading ("P1" ... "O").
     std::vector<std::string> requestsOfTick();
     [[nodiscard]] std::string logText() const;
@@ -146,7 +106,8 @@ public:
     FakeUsb usb{pump};
     MemoryFilePort files;
     FakeTicker ticker;
-    FakeGraph averageRate{1, events}, rates{6, events}, averageThickness{1, events}, thicknesses{6, events};
+    ChartBench averageRate{GraphKind::cAvgGraph}, rates{GraphKind::cChanGraph};
+    ChartBench averageThickness{GraphKind::cAvgThkGraph}, thicknesses{GraphKind::cChanThkGraph};
     FakeProgress progress;
     FakeSleepInhibitor sleep;
     FakeWindow window;
@@ -161,7 +122,6 @@ public:
     // The instrument.
     int sensors = 2;
     int shutter = 0;
-    bool frozen = false; ///< frequencies stand still
     bool silent = false; ///< answers nothing
     std::string version = "DRX-9 Ver 4.08";
     double thickness = 1.25;

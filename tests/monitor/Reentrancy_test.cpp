@@ -40,35 +40,17 @@ struct Deed {
 const Deed kOperations[] = {
     {"program start", [](Scene& t) { t.monitor.Form_Load(); }},
     {"tick", [](Scene& t) { t.tick(); }},
-    {"start and stop",
-     [](Scene& t) {
-         t.monitor.cmdStartStop_Click();
-         t.tick();
-         t.monitor.cmdStartStop_Click();
-         t.tick();
-     }},
-    {"zero",
-     [](Scene& t) {
-         t.monitor.cmdZero_Click();
-         t.tick();
-     }},
-    {"film",
-     [](Scene& t) {
-         t.monitor.cboFilms_Click(1);
-         t.tick();
-     }},
-    {"shutter",
-     [](Scene& t) {
-         t.monitor.cmdShutter_Click();
-         t.tick();
-     }},
+    {"start and stop", [](Scene& t) { t.clickAndTick("start"), t.clickAndTick("start"); }},
+    {"zero", [](Scene& t) { t.clickAndTick("zero"); }},
+    {"film", [](Scene& t) { t.clickAndTick("film"); }},
+    {"shutter", [](Scene& t) { t.clickAndTick("shutter"); }},
 };
 
 const Deed kEvents[] = {
     {"tick", [](Scene& t) { t.beat(); }},
-    {"start", [](Scene& t) { t.monitor.cmdStartStop_Click(); }},
-    {"zero", [](Scene& t) { t.monitor.cmdZero_Click(); }},
-    {"shutter", [](Scene& t) { t.monitor.cmdShutter_Click(); }},
+    {"start", [](Scene& t) { t.click("start"); }},
+    {"zero", [](Scene& t) { t.click("zero"); }},
+    {"shutter", [](Scene& t) { t.click("shutter"); }},
     {"film", [](Scene& t) { t.monitor.cboFilms_Click(3); }},
     {"menu", [](Scene& t) { t.whenIdle([] {}); }},
     {"close", [](Scene& t) { t.close(); }},

@@ -30,22 +30,7 @@ protected:
         std::copy_if(events.begin(), events.end(), std::back_inserter(acts), actsOnTheProcess);
         return acts;
     }
-    void click(const std::string& what) {
-        what == "zero"      ? monitor.cmdZero_Click()
-        : what == "shutter" ? monitor.cmdShutter_Click()
-        : what == "start"   ? monitor.cmdStartStop_Click()
-                            : monitor.cboFilms_Click(2);
-    }
     [[nodiscard]] const RequestReport& report() const { return monitor.requests().report(); }
-    void loseLink() {
-        silent = true;
-        socket.drop();
-        socket.refusal = "Connection refused";
-    }
-    void returnLink() {
-        silent = false;
-        socket.refusal.clear();
-    }
 };
 
 TEST_F(RequestsTest, ARequestIsCarriedOutOnceAndItsFailureTold) {
@@ -99,28 +84,23 @@ TEST_F(RequestsTest, ARequestIsCarriedOutOnceAndItsFailureTold) {
 }
 
 TEST_F(RequestsTest, AStartBehindAnUnansweredOpeningFollowsTheShutter) {
-    const struct {
-        const char* name;
-        int shutter; ///< state afterwards
-        double gone; ///< s that the link is lost
-        bool starts;
-    } cases[] = {{"opened", 1, 0, true}, {"closed", 0, 0, false}, {"long gone", 1, 4, false}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    using Case = std::tuple<const char*, int, double, bool>;
+    for (const auto& [name, afterwards, secondsLost, starts] :
+         {Case{"opened", 1, 0, true}, {"closed", 0, 0, false}, {"long gone", 1, 4, false}}) {
+        SCOPED_TRACE(name);
         bringUp();
         special["U1"] = "";
-        monitor.cmdShutter_Click();
-        tick();
+        clickAndTick("shutter");
         EXPECT_EQ(monitor.RunMode(), RunState::Idle);
-        shutter = c.shutter;
-        if (c.gone > 0) {
+        shutter = afterwards;
+        if (secondsLost > 0) {
             loseLink();
-            actsDuring(c.gone);
+            actsDuring(secondsLost);
             returnLink();
         }
         special.erase("U1");
         actsDuring(4);
-        EXPECT_EQ(monitor.RunMode(), c.starts ? RunState::Running : RunState::Idle);
+        EXPECT_EQ(monitor.RunMode(), starts ? RunState::Running : RunState::Idle);
         monitor.setRunMode(RunState::Idle);
         shutter = 0;
         tick();
@@ -128,9 +108,7 @@ TEST_F(RequestsTest, AStartBehindAnUnansweredOpeningFollowsTheShutter) {
 }
 
 TEST_F(RequestsTest, StopAloneDoesNotWaitForTheLink) {
-    bringUp();
-    monitor.cmdStartStop_Click();
-    tick();
+    startRun();
     tickAfter(0.25);
     for (const bool connected : {true, false}) {
         ASSERT_EQ(monitor.RunMode(), RunState::Running);
@@ -153,8 +131,7 @@ TEST_F(RequestsTest, StopAloneDoesNotWaitForTheLink) {
         const Texts acts = actsDuring(4);
         EXPECT_EQ(std::count(acts.begin(), acts.end(), "S"), 1);
         EXPECT_NE(std::find(events.begin(), events.end(), "A9?"), events.end()) << "the refresh was owed";
-        monitor.cmdStartStop_Click();
-        tick();
+        clickAndTick("start");
         tickAfter(0.25);
     }
 }
@@ -180,12 +157,10 @@ TEST_F(RequestsTest, AConfirmedFilmGoesOutOnceAfterALossInIdle) {
         version = "DRX-9 Ver 4.08";
         bringUp();
         special["D3"] = replyPacket(c.confirmed ? 'A' : 'B', "");
-        monitor.cboFilms_Click(2);
-        tick();
+        clickAndTick("film");
         EXPECT_EQ(monitor.films().mark().empty(), c.confirmed);
         if (c.running) {
-            monitor.cmdStartStop_Click();
-            tick();
+            clickAndTick("start");
         }
         loseLink();
         actsDuring(c.gone);
@@ -368,9 +343,7 @@ TEST_F(RequestsTest, ACloseBeforeTheStartWritesNoSettings) {
 }
 
 TEST_F(RequestsTest, ARunKeepsTheSensorsThatItBeganWith) {
-    bringUp();
-    monitor.cmdStartStop_Click();
-    tick();
+    startRun();
     loseLink();
     tickAfter(2);
     returnLink();

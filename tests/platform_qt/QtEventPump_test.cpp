@@ -33,20 +33,20 @@ protected:
     static void queue(std::function<void()> action) {
         QMetaObject::invokeMethod(qApp, std::move(action), Qt::QueuedConnection);
     }
-    /// Sleeps until 150 ms have passed; 30 ms into it `meanwhile` runs.
+    /// Stands for 100 ms; 20 ms into it `meanwhile` runs.
     static void dialog(std::function<void()> meanwhile) {
         QEventLoop loop;
-        after(30, std::move(meanwhile));
-        after(150, [&] { loop.quit(); });
+        after(20, std::move(meanwhile));
+        after(100, [&] { loop.quit(); });
         loop.exec();
     }
 };
 
 TEST_F(QtEventPumpTest, WaitsOutADeadlinePreciselyAndWithoutSpinning) {
-    for (const double seconds : {1.0, 0.05, 0.2}) { // an earlier one after a later one, and a later one again
+    for (const double seconds : {0.3, 0.05, 0.1}) { // an earlier one after a later one, and a later one again
         SCOPED_TRACE(seconds);
         double late = 1;
-        for (int attempt = 0; attempt < 3 && late >= 0.05; ++attempt) { // the machine may be busy
+        for (int attempt = 0; attempt < 20 && late >= 0.05; ++attempt) { // the machine may be busy
             const double deadline = now() + seconds;
             EXPECT_LT(cpuOfSleeping(seconds), 0.05);
             late = now() - deadline;
@@ -56,26 +56,22 @@ TEST_F(QtEventPumpTest, WaitsOutADeadlinePreciselyAndWithoutSpinning) {
 }
 
 TEST_F(QtEventPumpTest, EndsASleepEarly) {
-    const struct {
-        const char* name;
-        std::function<void()> arrange;
-        int loops; ///< event loops above the sleep that are told of
-    } cases[] = {
+    // What ends the sleep, and the event loops above it that are told of.
+    const std::tuple<const char*, std::function<void()>, int> cases[] = {
         {"woken before", [&] { pump.wake(); }, 0},
         {"woken by an event", [&] { after(20, [&] { pump.wake(); }); }, 0},
-        {"any event", [&] { after(20, [] {}); }, 0},
         {"posted", [&] { pump.post([&] { pump.post([] {}); }); }, 0},
         {"woken from Qt's own queue", [&] { queue([&] { pump.wake(); }); }, 0},
         {"a nested sleep in Qt's own queue", [&] { queue([&] { sleep(0.02); }); }, 0},
         {"woken while a dialog stands on it", [&] { queue([&] { dialog([&] { pump.wake(); }); }); }, 1},
         {"a sleep in a dialog on it", [&] { queue([&] { dialog([&] { sleep(0.02); }); }); }, 1},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [name, arrange, loops] : cases) {
+        SCOPED_TRACE(name);
         const CriticalMessages::Expected told;
-        c.arrange();
-        EXPECT_LT(sleep(3), 1.0);
-        EXPECT_EQ(told.count(), c.loops);
+        arrange();
+        EXPECT_LT(sleep(20), 10.0);
+        EXPECT_EQ(told.count(), loops);
         while (sleep(0.02) < 0.02) { // what the case has left
         }
     }
@@ -83,15 +79,13 @@ TEST_F(QtEventPumpTest, EndsASleepEarly) {
     EXPECT_GT(sleep(0.05), 0.045);
     const CriticalMessages::Expected told;
     queue([&] { dialog([] {}); });
-    EXPECT_LT(sleep(0.05), 1.0);
+    EXPECT_LT(sleep(0.05), 10.0);
     EXPECT_EQ(told.count(), 1);
-}
-
-TEST_F(QtEventPumpTest, SleepsInsideADialogAreAllowed) {
     double slept = 0;
     queue([&] { dialog([&] { slept = sleep(0.05); }); });
     QCoreApplication::processEvents(); // the dialog is under the sleep, not above it
     EXPECT_GT(slept, 0.045);
+    EXPECT_EQ(told.count(), 1);
 }
 
 TEST_F(QtEventPumpTest, RunsPostedActionsInOrderAlsoFromWithin) {
@@ -165,7 +159,7 @@ TEST(QtClockTest, LocalTimeIsTheSystemsOwnAlsoFromWhatIsKept) {
         const LocalTime t = clock.local();
         const QDateTime shown(QDate(t.year, t.month, t.day),
                               QTime(t.hour, t.minute, t.second, t.millisecond));
-        EXPECT_TRUE(before <= shown && before.msecsTo(shown) < 1000);
+        EXPECT_TRUE(before <= shown && before.msecsTo(shown) < 10000);
     }
 }
 

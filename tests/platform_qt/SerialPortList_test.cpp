@@ -28,11 +28,8 @@ TEST(SerialPortListTest, KeepsEachDevicesNumberThroughUpdates) {
     const SerialDevice b1 = usb("ttyUSB1", "b", "p2");
     const SerialDevice x0 = usb("ttyUSB0", "x", "p1"); // two that claim the same serial number
     const SerialDevice x1 = usb("ttyUSB1", "x", "p2");
-    const struct {
-        const char* name;
-        std::vector<Devices> updates;
-        const char* ports; ///< after the last update
-    } cases[] = {
+    // Updates of the devices that are present, and the ports after the last one.
+    const std::tuple<const char*, std::vector<Devices>, const char*> cases[] = {
         {"UARTs, then USB, then modems, by number",
          {{usb("ttyACM0", "m", "p1"), usb("ttyUSB10", "b", "p2"), usb("ttyUSB2", "a", "p3"), uart}},
          "1=ttyS4 2=ttyUSB2 3=ttyUSB10 4=ttyACM0 "},
@@ -53,13 +50,13 @@ TEST(SerialPortListTest, KeepsEachDevicesNumberThroughUpdates) {
          "1=ttyUSB1 2=ttyUSB0 "},
         {"a twin that comes later does not take over", {{x0}, {x0, x1}, {x1}}, "2=ttyUSB1 "},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [name, updates, expected] : cases) {
+        SCOPED_TRACE(name);
         SerialPortList list;
-        for (const Devices& present : c.updates) {
+        for (const Devices& present : updates) {
             list.update(present);
         }
-        EXPECT_EQ(ports(list), c.ports);
+        EXPECT_EQ(ports(list), expected);
     }
 }
 

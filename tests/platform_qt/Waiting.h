@@ -16,7 +16,7 @@ protected:
     [[nodiscard]] double now() const { return clock.monotonic(); }
     /// Sleeps in the pump until the condition holds; false when it does not within `limit` seconds.
     template<class Condition>
-    bool wait(Condition condition, double limit = 5.0) {
+    bool wait(Condition condition, double limit = 30.0) {
         const double deadline = now() + limit;
         while (!condition() && now() < deadline) {
             pump.sleepUntil(deadline);

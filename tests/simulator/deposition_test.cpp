@@ -24,20 +24,6 @@ TEST(Deposition, ThicknessIntegratesRate) {
     EXPECT_GT(sum, 0.05);
 }
 
-TEST(Deposition, FrequencyFallsWithMassAndNeverRepeats) {
-    Bench bench;
-    const double fresh = bench.number("P1", 0);
-    EXPECT_NE(bench.ask("P1", 0), bench.ask("P1", 0));
-    bench.ask("U1", 0);
-    EXPECT_NEAR(bench.number("M", 60), 9.5, 2);
-    const double thickness = bench.number("N1", 60);
-    // 2.7 g/cm³ on quartz of 2.649 g/cm³ and 1.668e5 Hz cm: f0² ρ d / (ρq N)
-    EXPECT_NEAR(fresh - bench.number("P1", 60), fresh * fresh * 2.7e-5 * thickness / (2.649 * 1.668e5), 15);
-    bench.ask("S", 60);
-    EXPECT_NEAR(bench.number("N1", 60), 0, 1e-9);
-    EXPECT_LT(bench.number("P1", 60), fresh - 500) << "zeroing does not wash the crystal";
-}
-
 TEST(Deposition, ACrystalFailsAndCanBeMended) {
     SimulatorOptions options = withFaults("crystal3=20s,crystal4=20s:out");
     options.speed = 10;

@@ -1,5 +1,4 @@
 #include "simulator/Bench.h"
-#include "simulator/Control.h"
 #include "simulator/Options.h"
 
 namespace drx9::sim {
@@ -18,26 +17,12 @@ TEST(Options, AreReadOrExplained) {
     const std::pair<std::vector<std::string>, const char*> wrong[] = {
         {{"--tcp", "70000"}, "no sensible value for --tcp: 70000"},
         {{"--sensors", "--quiet"}, "needs a value: --sensors"},
-        {{"--quiet=1"}, "takes no value: --quiet"},
         {{"--faults", "bogus"}, "fault not understood: \"bogus\""},
         {{"--bogus"}, "unknown option: --bogus"},
     };
     for (const auto& [arguments, error] : wrong) {
         EXPECT_EQ(parseOptions(arguments).error, error);
     }
-}
-
-TEST(Control, WhatItDoesNotUnderstandChangesNothing) {
-    Bench bench;
-    for (const char* line : {"faults lose=x", "crystal 3 shine", "dance"}) {
-        EXPECT_TRUE(control(bench.simulator, line, 7).text.starts_with("error: ")) << line;
-    }
-    EXPECT_EQ(bench.ask("P3", 7).substr(0, 2), "A5");
-    for (const char* line : {"crystal 3 fail", "shutter open", "count P3"}) {
-        EXPECT_TRUE(control(bench.simulator, line, 7).text.starts_with("ok ")) << line;
-    }
-    EXPECT_EQ(bench.ask("P3", 7) + bench.ask("U?", 7), "A0.0A1");
-    EXPECT_EQ(control(bench.simulator, "  drop  ", 7).action, LinkAction::Drop);
 }
 
 } // namespace

@@ -100,7 +100,7 @@ TEST_F(ContextMenus, SpinBoxTakesAWheelOnlyWithTheFocusAndTypingOnlyWhenItIsLeft
         QApplication::setActiveWindow(top);
     };
     bringInFront(box->window());
-    find<QWidget>("cmdForm")->setFocus();
+    find("cmdForm")->setFocus();
     const auto wheel = [&] {
         QWheelEvent event(QPointF(5, 5), box->mapToGlobal(QPointF(5, 5)), {}, {0, 120}, Qt::NoButton,
                           Qt::NoModifier, Qt::NoScrollPhase, false);

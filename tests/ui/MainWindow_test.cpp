@@ -37,29 +37,15 @@ TEST_F(MainWindow, NoTwoShortcutsAndNoTwoMnemonicsOfAMenuAreTheSame) {
     EXPECT_GT(keys.size(), 10);
 }
 
-TEST_F(MainWindow, ShowsTheInstrumentAfterStartUp) {
-    bringUp();
-    tick();
-    EXPECT_EQ(window->windowTitle().toStdString(), "DRX9 Comm - [Ver. 4.08]");
-    EXPECT_EQ(find<QComboBox>("cboFilms")->count(), 9);
-    const std::pair<const char*, const char*> texts[] = {
-        {"TxtData_1", "2.00"},  {"TxtData_2", "1.250"}, {"TxtData_3", "2.00"},        {"TxtData_5", "OFF"},
-        {"TxtData_9", "6.000"}, {"TxtData_10", ""},     {"LblData_3", "Rate 1 (A/s)"}};
-    for (const auto& [name, text] : texts) {
-        EXPECT_EQ(textOf(name), text) << name;
-    }
-    EXPECT_FALSE(find<QWidget>("lblNotFound")->isVisible());
-}
-
 TEST_F(MainWindow, HidesTheRunControlsOffLine) {
     silent = true;
     boxes.allow("Instrument not found");
     monitor.Form_Load();
     EXPECT_EQ(window->windowTitle().toStdString(), "DRX9 Comm - [Off Line]");
     for (const char* name : {"cmdStartStop", "cmdZero", "cmdShutter", "cboFilms", "lblFilm"}) {
-        EXPECT_FALSE(find<QWidget>(name)->isVisible()) << name;
+        EXPECT_FALSE(find(name)->isVisible()) << name;
     }
-    EXPECT_TRUE(find<QWidget>("lblNotFound")->isVisible());
+    EXPECT_TRUE(find("lblNotFound")->isVisible());
     EXPECT_EQ(textOf("TxtData_1"), "");
     EXPECT_TRUE(find<QAction>("mnuSetupComm")->isEnabled());
     QTest::keyClick(window.get(), Qt::Key_F9, Qt::ShiftModifier); // dead while hidden
@@ -68,27 +54,18 @@ TEST_F(MainWindow, HidesTheRunControlsOffLine) {
 
 TEST_F(MainWindow, ButtonsRaiseRequestsAndStayDownUntilTheyAreCarriedOut) {
     bringUp();
-    struct Press {
-        const char* name;
-        Qt::Key key;
-        bool Requests::*flag;
-    };
-    const Press presses[] = {{"cmdZero", Qt::Key_F7, &Requests::zero},
-                             {"cmdShutter", Qt::Key_F8, &Requests::shutter},
-                             {"cmdStartStop", Qt::Key_F9, &Requests::startStop}};
-    for (const Press& press : presses) {
+    const std::tuple<const char*, Qt::Key, bool Requests::*> presses[] = {
+        {"cmdZero", Qt::Key_F7, &Requests::zero},
+        {"cmdShutter", Qt::Key_F8, &Requests::shutter},
+        {"cmdStartStop", Qt::Key_F9, &Requests::startStop}};
+    for (const auto& [name, key, flag] : presses) {
         for (const bool byKey : {false, true}) {
-            auto* button = find<QPushButton>(press.name);
-            if (byKey) {
-                window->activateWindow();
-                QTest::keyClick(window.get(), press.key, Qt::ShiftModifier);
-            } else {
-                click(press.name);
-            }
-            EXPECT_TRUE(monitor.requests().waiting().*press.flag) << press.name << byKey;
-            EXPECT_TRUE(button->isDown()) << press.name << byKey;
+            SCOPED_TRACE(testing::Message() << name << byKey);
+            byKey ? QTest::keyClick(window.get(), key, Qt::ShiftModifier) : click(name);
+            EXPECT_TRUE(monitor.requests().waiting().*flag);
+            EXPECT_TRUE(find<QPushButton>(name)->isDown());
             tick();
-            EXPECT_FALSE(button->isDown()) << press.name << byKey;
+            EXPECT_FALSE(find<QPushButton>(name)->isDown());
         }
     }
 }
@@ -134,21 +111,21 @@ TEST_F(MainWindow, ARunLocksSetupAndTurnsTheButtonRed) {
         EXPECT_FALSE(find<QAction>(name)->isEnabled()) << name;
     }
     EXPECT_FALSE(find<QComboBox>("cboFilms")->isEnabled());
-    const QImage face = find<QWidget>("cmdStartStop")->grab().toImage();
+    const QImage face = find("cmdStartStop")->grab().toImage();
     const double scale = face.devicePixelRatio();
     const QPoint corner(static_cast<int>(20 * scale), static_cast<int>(15 * scale));
     EXPECT_EQ(face.pixelColor(corner), QColor(255, 0, 0));
     click("cmdStartStop");
     tick();
     EXPECT_EQ(textOf("cmdStartStop"), "START");
-    EXPECT_EQ(find<QWidget>("cmdStartStop")->grab().toImage().pixelColor(corner), QColor(0, 255, 0));
+    EXPECT_EQ(find("cmdStartStop")->grab().toImage().pixelColor(corner), QColor(0, 255, 0));
 }
 
 TEST_F(MainWindow, FailedReadingsTurnSlantedAndOldOnesThenDated) {
     special["L2"] = replyPacket('D', "");
     bringUp();
     tick();
-    const auto slanted = [this](const char* name) { return find<QWidget>(name)->font().italic(); };
+    const auto slanted = [this](const char* name) { return find(name)->font().italic(); };
     EXPECT_FALSE(slanted("TxtData_1") || slanted("TxtData_3"));
     EXPECT_TRUE(slanted("TxtData_4"));
     silent = true;
@@ -172,8 +149,8 @@ TEST_F(MainWindow, ViewItemsFollowWhatIsShownNotTheClick) {
     bringUp();
     choose("mnuGraphChanThk");
     choose("mnuSensorFreq");
-    EXPECT_TRUE(find<QWidget>("oc2ChanThick")->isVisible());
-    EXPECT_FALSE(find<QWidget>("oc2AvgRate")->isVisible());
+    EXPECT_TRUE(find("oc2ChanThick")->isVisible());
+    EXPECT_FALSE(find("oc2AvgRate")->isVisible());
     EXPECT_EQ(textOf("LblData_3"), "Freq 1 (Hz)");
     choose("mnuSensorFreq"); // already checked: stays so
     EXPECT_TRUE(find<QAction>("mnuSensorFreq")->isChecked());
@@ -233,12 +210,12 @@ TEST_F(MainWindow, AModalWindowRefusesThePlainCloseAndDropsWhatWaits) {
 
 TEST_F(MainWindow, AWindowThatHoldsTheTimerLocksTheRunBar) {
     bringUp();
-    find<QWidget>("cmdShutter")->setFocus();
+    find("cmdShutter")->setFocus();
     {
         const PollTimer::Hold hold(timer, "System Parameters is open");
         window->changed();
         for (const char* name : {"cboFilms", "cmdZero", "cmdShutter", "cmdStartStop"}) {
-            EXPECT_FALSE(find<QWidget>(name)->isEnabled()) << name;
+            EXPECT_FALSE(find(name)->isEnabled()) << name;
         }
         for (const Qt::Key key : {Qt::Key_F7, Qt::Key_F8, Qt::Key_F9}) {
             QTest::keyClick(window.get(), key, Qt::ShiftModifier);
@@ -248,8 +225,8 @@ TEST_F(MainWindow, AWindowThatHoldsTheTimerLocksTheRunBar) {
         EXPECT_FALSE(requests.zero || requests.shutter || requests.startStop);
     }
     window->changed();
-    EXPECT_TRUE(find<QWidget>("cmdZero")->isEnabled());
-    EXPECT_EQ(window->focusWidget(), find<QWidget>("cmdShutter")) << "the focus comes back";
+    EXPECT_TRUE(find("cmdZero")->isEnabled());
+    EXPECT_EQ(window->focusWidget(), find("cmdShutter")) << "the focus comes back";
 }
 
 TEST(RunBarPanel, ShowsAFilmThatTheListDoesNotHoldAndMarksIt) {
@@ -281,36 +258,6 @@ TEST(RunBarPanel, ShowsAFilmThatTheListDoesNotHoldAndMarksIt) {
     }
 }
 
-TEST_F(MainWindow, HelpKeyWorksInEveryWindow) {
-    bringUp();
-    choose("mnuFileLog");
-    auto* dialog = window->findChild<frmDataLog*>();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
-    boxes.expectNonBlocking("Not in this build.");
-    key(Qt::Key_F1);
-    EXPECT_TRUE(boxes.allCame());
-}
-
-TEST_F(MainWindow, FocusStandsOnTheFilmsAtTheStartAndOnStopInARun) {
-    const auto focus = [this] { return window->focusWidget()->objectName().toStdString(); };
-    window->showWindow();
-    bringUp();
-    EXPECT_EQ(focus(), "cboFilms");
-    QTest::keyClick(window.get(), Qt::Key_F9, Qt::ShiftModifier);
-    tick();
-    EXPECT_EQ(focus(), "cmdStartStop");
-}
-
-TEST_F(MainWindow, StepsFollowTheSizeWithoutFlicker) {
-    using enum SizeStep;
-    bringUp();
-    for (const auto& [width, step] : {std::pair{1199, S}, {1200, M}, {1190, M}, {1183, S}, {1720, L}}) {
-        window->resize(width, 900);
-        EXPECT_EQ(window->width(), width);
-        EXPECT_EQ(window->step(), step) << width;
-    }
-}
-
 TEST_F(MainWindow, ADigitIsNeverCut) {
     const char* texts[] = {"9.99", "999.99", "-9.999", "6000000.0", "123456789.12"};
     for (const QSize size : {QSize(940, 540), QSize(1280, 800), QSize(1720, 900)}) {
@@ -327,16 +274,15 @@ TEST_F(MainWindow, ADigitIsNeverCut) {
 }
 
 TEST_F(MainWindow, TabAndArrowsReachEverything) {
+    window->showWindow();
     bringUp();
     tick();
     window->activateWindow();
-    find<QWidget>("cboFilms")->setFocus();
-    const struct {
-        Qt::Key key;
-        std::vector<const char*> names;
-    } ways[] = {{Qt::Key_Tab, {"cmdZero", "cmdShutter", "cmdStartStop", "TxtData_1"}},
-                {Qt::Key_Right, {"TxtData_2", "TxtData_9", "TxtData_10", "TxtData_11", "TxtData_3"}},
-                {Qt::Key_F6, {"oc2AvgRate", "cboFilms", "TxtData_1"}}};
+    EXPECT_EQ(window->focusWidget(), find("cboFilms")) << "as the program starts";
+    const std::pair<Qt::Key, std::vector<const char*>> ways[] = {
+        {Qt::Key_Tab, {"cmdZero", "cmdShutter", "cmdStartStop", "TxtData_1"}},
+        {Qt::Key_Right, {"TxtData_2", "TxtData_9", "TxtData_10", "TxtData_11", "TxtData_3"}},
+        {Qt::Key_F6, {"oc2AvgRate", "cboFilms", "TxtData_1"}}};
     for (const auto& [pressed, names] : ways) {
         for (const char* next : names) {
             key(pressed);
@@ -344,6 +290,9 @@ TEST_F(MainWindow, TabAndArrowsReachEverything) {
             EXPECT_EQ(QApplication::focusWidget()->objectName().toStdString(), next);
         }
     }
+    click("cmdStartStop");
+    tick();
+    EXPECT_EQ(window->focusWidget(), find("cmdStartStop")) << "in a run";
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "app/OtherWindows.h"
 #include "fakes/FakeInputBox.h"
 #include "monitor/MonitorFixture.h"
+#include "ui/Controls.h"
 
 #include <QApplication>
 #include <QTest>
@@ -32,7 +33,7 @@ struct FakeShell : Shell {
 };
 
 /// The main window on the monitor of the scripted instrument. Controls are found by their names.
-class UiFixture : public MonitorFixture {
+class UiFixture : public MonitorFixture, protected Controls {
 protected:
     UiFixture() {
         window = std::make_unique<frmMain>(mainWindowParts(
@@ -43,25 +44,13 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
 
-    template<class Control>
-    Control* find(const char* name) {
-        Control* control = window->findChild<Control*>(QString::fromLatin1(name));
-        if (control == nullptr) {
-            ADD_FAILURE() << "no control " << name;
-        }
-        return control;
-    }
-    void click(const char* name) { QTest::mouseClick(find<QWidget>(name), Qt::LeftButton); }
+    [[nodiscard]] QWidget& top() const override { return *window; }
+    using Controls::click;
     void choose(const char* name) { find<QAction>(name)->trigger(); }
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         QWidget* focus = QApplication::focusWidget();
         QTest::keyClick(focus != nullptr ? focus : window.get(), key, modifiers);
     }
-    std::string textOf(const char* name) {
-        const QWidget* control = find<QWidget>(name);
-        return control == nullptr ? "" : control->property("text").toString().toStdString();
-    }
-
     ChartSet charts;
     FakeFileDialogs dialogs;
     FakeInput input;

@@ -2,6 +2,7 @@
 #include "link/CommSetup.h"
 
 #include "link/Link.h"
+#include "link/Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -61,7 +62,13 @@ TEST(CommSetupTest, TheBottomLineTellsOnlyWhatIsKnownOfTheLinkThatIsSet) {
     EXPECT_EQ(setup.state(now, ok), (CommState{"Off line: Comm Port 3 not available. In use.", Tone::Alarm}));
     setup.portOpened(3, "");
     EXPECT_EQ(setup.state(now, ok).text.rfind("Not tried yet: COM3 at 19200.", 0), 0U);
+    EXPECT_EQ(setup.answered(now, ok, true).text, linkText::kAnswers) << "the program is not connected there";
+    EXPECT_FALSE(setup.isSameLink(now));
     setup.searched(now, "");
+    EXPECT_TRUE(setup.isSameLink(now)) << "attempts go on for the link that was found";
+    EXPECT_TRUE(setup.reopens(now, {}));
+    EXPECT_EQ(setup.answered(now, ok, false).text, linkText::kAccepted);
+    EXPECT_EQ(setup.answered(now, ok, true), setup.state(now, ok));
     EXPECT_EQ(setup.state(now, {}).text, "Off line: no answer on COM3 at 19200");
 }
 

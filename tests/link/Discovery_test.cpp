@@ -11,7 +11,6 @@
 namespace drx9 {
 namespace {
 
-
 constexpr const char* kNotFound = "Instrument not found.";
 
 class DiscoveryTest : public testing::Test {

@@ -129,6 +129,16 @@ TEST_F(MonitorTest, ARecordThatIsNeverAnsweredDoesNotKeepTheProgramFromPolling) 
     EXPECT_EQ(socket.connects, 1);
 }
 
+TEST_F(MonitorTest, WhatIsOnlySetIsNotSaidOfTheLinkThatWasTried) {
+    bringUp();
+    EXPECT_TRUE(monitor.shown().systemKnown);
+    settings.link.CommType = LinkType::Serial;
+    EXPECT_EQ(core.status.facts().link.CommType, LinkType::Ethernet);
+    link.setCommOK(false);
+    monitor.linkSetupClosed(false, false);
+    EXPECT_FALSE(monitor.shown().systemKnown) << "the record is another instrument's";
+}
+
 TEST_F(MonitorTest, AFilmChoiceOutlivesARefresh) {
     bringUp();
     onCommand["A6?"] = [this] { monitor.cboFilms_Click(1); }; // chosen while the list is read

@@ -1,12 +1,16 @@
 #include "platform/qt/LocaleFromSystem.h"
 #include "platform/qt/QtFileDialogs.h"
+#include "platform/qt/QtPrintDialog.h"
 #include "platform/qt/QtShell.h"
 #include "platform/qt/SessionEnd.h"
 #include "platform/qt/SingleInstance.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QDesktopServices>
 #include <QFile>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QUrl>
@@ -46,6 +50,29 @@ TEST(LocaleFromSystemTest, NumbersAndDates) {
                     date.contains('d'));
         EXPECT_TRUE(
             std::all_of(date.begin(), date.end(), [](QChar c) { return QString("yMd./- ,").contains(c); }));
+    }
+}
+
+TEST(QtPrintDialogTest, PrintsThePictureOnOnePage) {
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("chart.pdf");
+    QImage picture(400, 200, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    QBuffer png;
+    png.open(QIODevice::WriteOnly);
+    picture.save(&png, "PNG");
+    for (const bool accept : {false, true}) {
+        QTimer::singleShot(50, [&] {
+            auto* dialog = qobject_cast<QPrintDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            accept ? dialog->accept() : dialog->reject();
+            dialog->printer()->setOutputFileName(file);
+        });
+        const auto result = QtPrintDialog().printPicture(
+            "Chart", {png.data().constData(), static_cast<std::size_t>(png.data().size())});
+        EXPECT_EQ(result.printed, accept);
+        EXPECT_EQ(result.reason, "");
+        EXPECT_EQ(QFile(file).size() > 500, accept);
     }
 }
 

@@ -94,8 +94,10 @@ TEST_F(QtUsbBridgeTest, BridgeThatShowsAsASerialPort) {
     std::int32_t handle = 0;
     std::uint32_t written = 0;
     ASSERT_EQ(bridge.SI_Open(0, handle), 0);
+    EXPECT_FALSE(bridge.isGone(handle));
     pty.vanish();
     EXPECT_TRUE(poll([&] { return bridge.SI_Write(handle, "P1", written) != 0; }));
+    EXPECT_TRUE(bridge.isGone(handle));
     EXPECT_LT(cpuOfSleeping(0.1), 0.05) << "something is left that fires";
     EXPECT_EQ(bridge.SI_Close(handle), 0);
     EXPECT_NE(bridge.SI_Open(0, handle), 0);

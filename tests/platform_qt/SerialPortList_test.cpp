@@ -68,6 +68,10 @@ TEST(SerialPortListTest, RefusalsSayWhatToDo) {
     EXPECT_EQ(text(true, false, "dialout"),
               "/dev/ttyUSB0 belongs to group dialout: sudo usermod -a -G dialout kim, then log in again.");
     EXPECT_EQ(text(true, false, ""), "/dev/ttyUSB0: Permission denied");
+    EXPECT_EQ(mappingText({"/dev/ttyXR0"}, "/home/kim/DRX9", 4),
+              "/dev/ttyXR0 is none of COM1 to COM9. Make a link to it: ln -sfn /dev/ttyXR0 "
+              "\"/home/kim/DRX9/COM4\"");
+    EXPECT_EQ(mappingText({}, "/home/kim/DRX9", 4), "");
 }
 
 } // namespace

@@ -33,6 +33,7 @@ constexpr int kContentsWidth = 220;
 constexpr int kMeasure = 72; ///< characters in a line
 constexpr int kGap = 8;
 constexpr int kMargin = 16;
+constexpr int kCellPadding = 4;
 constexpr int kLeastSteps = -3, kMostSteps = 16; ///< points
 constexpr int kPictureDensity = 2;               ///< pixels of a picture to one of the page
 constexpr int kLink = Qt::UserRole;
@@ -135,7 +136,7 @@ void dressTables(QTextDocument& document, const QColor& line) {
             format.setBorder(1);
             format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
             format.setBorderBrush(line);
-            format.setCellPadding(kGap / 2);
+            format.setCellPadding(kCellPadding);
             table->setFormat(format);
         }
     }

@@ -17,8 +17,9 @@ struct FileHeader {
     /// Throws JetError(CannotOpen), with a reason for people, for what is no Jet 3 or 4 database, is
     /// encrypted, is protected by a password or ends before its third page.
     static FileHeader read(const PageImage& image);
-    /// Fills the zeroed first page of a new file: no password, General sort order, the usual code page.
-    static void write(const Layout& layout, std::span<char> page);
+    /// Fills the zeroed bytes of a new file's first page: no password, General sort order, the usual code
+    /// page.
+    static void write(const Layout& layout, std::span<char> bytes);
 };
 
 } // namespace drx9::jet

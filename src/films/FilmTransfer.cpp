@@ -44,7 +44,11 @@ private:
 };
 
 bool FilmTransfer::stopped() const {
-    return parts_.instrument.silent() || (parts_.ends && parts_.ends());
+    return parts_.instrument.silent() || ended();
+}
+
+bool FilmTransfer::ended() const {
+    return parts_.ends && parts_.ends();
 }
 
 /// In doubt they are read once more: the line is quiet now.
@@ -74,7 +78,7 @@ void FilmTransfer::forget(int number) {
 // ---- Upload ----
 
 void FilmTransfer::upload() {
-    if (running_ || (parts_.library.uploadOverwrites() && !askUnsaved())) {
+    if (running_ || (parts_.library.uploadOverwrites() && !askUnsaved()) || ended()) {
         return;
     }
     const Run run(*this);

@@ -102,6 +102,7 @@ private:
     /// Nobody knows what the instrument holds in this slot.
     void forget(int number);
     [[nodiscard]] bool stopped() const;
+    [[nodiscard]] bool ended() const; ///< by the program's close, which answers a box with No
 
     static constexpr double kStoreWithin = 0.9; ///< s; films read are stored together, once a second
 

@@ -8,6 +8,7 @@ Core::Core(const Ports& ports, const Paths& folders, const NumberLocale& numbers
     , engine(ports.files)
     , file(ports.files)
     , errors({ports.files, ports.boxes, ports.clock, locale, app, paths})
+    , libraryErrors(errors, engine, paths, settings.DBFileName)
     , faults(errors, ports.clock)
     , actions(ports.pump)
     , transports{SerialTransport(ports.serial), UsbTransport(ports.usb), SocketTransport(ports.socket)}

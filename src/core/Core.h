@@ -3,6 +3,7 @@
 #include "errors/CErrHandler.h"
 #include "errors/FaultReports.h"
 #include "films/JetHeaders.h"
+#include "films/LibraryErrors.h"
 #include "link/ActionQueue.h"
 #include "link/Commands.h"
 #include "link/Discovery.h"
@@ -51,6 +52,7 @@ struct Core {
     jet::DBEngine engine;
     cFile file;
     CErrHandler errors;
+    LibraryErrors libraryErrors;
     FaultReports faults;
     ActionQueue actions;
     Transports transports;

@@ -29,15 +29,23 @@ jet::DateTime daysOf(const LocalTime& time) {
 } // namespace
 
 std::string ErrorsTable::open(jet::DBEngine& engine, const std::string& path) {
-    records_.reset();
+    close();
     try {
         database_ = engine.OpenDatabase(path);
+        if (const std::string reason = database_->ReadOnlyReason(); !reason.empty()) {
+            jet::rejected(reason);
+        }
         records_ = database_->OpenRecordset(table_);
     } catch (const jet::JetError& error) {
-        database_.reset();
+        close();
         return filled(filmText::kErrorsNotOpen, {error.what()});
     }
     return {};
+}
+
+void ErrorsTable::close() {
+    records_.reset();
+    database_.reset();
 }
 
 std::string ErrorsTable::write(const ErrorReport& report) {
@@ -46,7 +54,7 @@ std::string ErrorsTable::write(const ErrorReport& report) {
     }
     records_->AddNew();
     for (const jet::Field& column : database_->TableDefs(table_).Fields()) {
-        set(column, report);
+        statements_.run([&] { set(column, report); });
     }
     records_->Update();
     return {};

@@ -2,6 +2,7 @@
 
 #include "errors/ErrorReport.h"
 #include "films/JetHeaders.h"
+#include "films/Statements.h"
 
 #include <memory>
 #include <string>
@@ -9,17 +10,18 @@
 namespace drx9 {
 
 /// Error reports into a table of an Access file, a row each, with the columns ErrorDate, ErrorString,
-/// ErrorNumber, ErrorLine, ErrorProc, CallStack and AdditionalInfo. Columns that the table lacks are left
-/// out; a text is cut to what its column takes. Until the table is open reports are lost, and the handler's
-/// message says so.
+/// ErrorNumber, ErrorLine, ErrorProc, CallStack and AdditionalInfo. Columns that the table lacks, and values
+/// that a column cannot hold, are left out; a text is cut to what its column takes. Until the table is open
+/// reports are lost, and the handler's message says so.
 class ErrorsTable : public ErrorReportSink {
 public:
     explicit ErrorsTable(std::string table)
         : table_(std::move(table)) {}
 
-    /// Opens the table in the database of that absolute path. An empty text, or why it could not be opened,
-    /// for a message box.
+    /// Opens the table in the database of that absolute path, to be written. An empty text, or why it could
+    /// not be opened, for a message box.
     std::string open(jet::DBEngine& engine, const std::string& path);
+    void close();
 
     std::string write(const ErrorReport& report) override;
     /// Deletes every row, one after the other. Throws jet::JetError at the first that cannot be deleted.
@@ -29,6 +31,7 @@ private:
     void set(const jet::Field& column, const ErrorReport& report);
 
     std::string table_;
+    Statements statements_;
     std::unique_ptr<jet::Database> database_;
     std::unique_ptr<jet::Recordset> records_;
 };

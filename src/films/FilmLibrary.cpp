@@ -13,14 +13,6 @@ namespace {
 constexpr const char* kFilter = "DB Files (*.mdb)|*.mdb";
 constexpr std::string_view kNotSaved = "the change was not saved: ";
 
-bool isSameFile(const FilePort& files, const std::string& a, const std::string& b) {
-    const auto first = files.identity(a);
-    const auto second = files.identity(b);
-    return files.resolveLinks(a) == files.resolveLinks(b) ||
-           (first && second && first->node != 0 && first->device == second->device &&
-            first->node == second->node);
-}
-
 /// The engine's reason without its own beginning, for behind "Change not saved: ".
 std::string plainReason(const std::string& reason) {
     return reason.rfind(kNotSaved, 0) == 0 ? reason.substr(kNotSaved.size()) : reason;
@@ -75,6 +67,7 @@ std::string FilmLibrary::upgrade() {
 void FilmLibrary::bind() {
     release();
     boundPath_ = path();
+    showsUpload_ = same(boundPath_, uploadPath());
     openFailure_.clear();
     if (!statements_.run([&] { database_ = parts_.engine.OpenDatabase(boundPath_); })) {
         openFailure_ = statements_.reason();
@@ -114,6 +107,14 @@ bool FilmLibrary::openDatabase() {
 }
 
 bool FilmLibrary::saveDatabaseAs() {
+    return saveAs(unsavedUpload_ && showsUpload_ ? uploadPath() : path());
+}
+
+bool FilmLibrary::saveUploadAs() {
+    return saveAs(uploadPath());
+}
+
+bool FilmLibrary::saveAs(const std::string& source) {
     FileDialogRequest request = dialogRequest();
     request.defaultExtension = "mdb";
     request.overwritePrompt = true;
@@ -122,21 +123,29 @@ bool FilmLibrary::saveDatabaseAs() {
         return false;
     }
     const std::string saved = bareName(chosen);
-    if (const std::string reason = copyTo(parts_.paths.resolve(chosen)); !reason.empty()) {
+    const std::string target = parts_.paths.resolve(chosen);
+    const bool isCurrent = same(source, path()) || same(source, boundPath_);
+    if (const std::string reason = copy(source, target); !reason.empty()) {
         tell(filled(filmText::kNotSavedAs, {saved, reason}), NoticeTone::Alarm);
         return false;
     }
-    parts_.DBFileName = chosen;
-    unsavedUpload_ = false;
-    const bool elsewhere = !isSameFile(parts_.files, path(), boundPath_);
+    if (isCurrent) {
+        parts_.DBFileName = chosen;
+    }
+    unsavedUpload_ = unsavedUpload_ && (!same(source, uploadPath()) || same(target, source));
+    const bool elsewhere = !same(target, boundPath_);
     tell(filled(elsewhere ? filmText::kSavedElsewhere : filmText::kSavedAs,
                 {saved, bareName(boundPath_), saved}),
          NoticeTone::Plain);
     return true;
 }
 
+bool FilmLibrary::uploadOverwrites() const {
+    return unsavedUpload_ && !same(path(), uploadPath());
+}
+
 bool FilmLibrary::openUploadCopy() {
-    if (const std::string reason = copyTo(parts_.paths.resolve(kUploadFile)); !reason.empty()) {
+    if (const std::string reason = copy(path(), uploadPath()); !reason.empty()) {
         tell(filled(filmText::kNotCopied, {kUploadFile, reason}), NoticeTone::Alarm);
         return false;
     }
@@ -146,11 +155,19 @@ bool FilmLibrary::openUploadCopy() {
     return true;
 }
 
-/// Copies the current file; an empty text when the copy is made. A file copied onto itself stays as it is.
-std::string FilmLibrary::copyTo(const std::string& target) {
+bool FilmLibrary::same(const std::string& a, const std::string& b) const {
+    const auto first = parts_.files.identity(a);
+    const auto second = parts_.files.identity(b);
+    return parts_.files.resolveLinks(a) == parts_.files.resolveLinks(b) ||
+           (first && second && first->node != 0 && first->device == second->device &&
+            first->node == second->node);
+}
+
+/// An empty text when the copy is made, else why not. A file copied onto itself stays as it is.
+std::string FilmLibrary::copy(const std::string& source, const std::string& target) {
     std::string bytes;
-    FileStatus status = parts_.files.read(path(), bytes);
-    if (status.ok() && !isSameFile(parts_.files, path(), target)) {
+    FileStatus status = parts_.files.read(source, bytes);
+    if (status.ok() && !same(source, target)) {
         const std::string held = jet::lockReason(parts_.files, target);
         status = held.empty() ? replaceFile(parts_.files, target, bytes) : FileStatus::failure(held);
     }
@@ -236,7 +253,8 @@ std::vector<jet::Value> FilmLibrary::column(Dat source, const char* field) {
     return values;
 }
 
-bool FilmLibrary::edit(Dat source, const Values& values) {
+bool FilmLibrary::edit(Dat source, const Values& values, Unfit policy) {
+    unfit_.clear();
     Values changed;
     for (const auto& [field, wanted] : values) {
         if (!storesSame(value(source, field), wanted)) {
@@ -246,28 +264,37 @@ bool FilmLibrary::edit(Dat source, const Values& values) {
     if (!found(source) || changed.empty()) {
         return found(source);
     }
-    return statements_.run([&] { at(source).records->Edit(); }) ? store(at(source), changed) : notSaved();
+    return statements_.run([&] { at(source).records->Edit(); }) ? store(at(source), changed, policy)
+                                                                : notSaved();
 }
 
-bool FilmLibrary::add(Dat source, const Values& values) {
+bool FilmLibrary::add(Dat source, const Values& values, Unfit policy) {
+    unfit_.clear();
     if (!at(source).records) {
         return notSaved();
     }
     at(source).records->AddNew();
-    return store(at(source), values);
+    return store(at(source), values, policy);
 }
 
-/// Sets the fields, each a statement of its own, and saves the row with those that could be set.
-bool FilmLibrary::store(Source& source, const Values& values) {
-    bool set = true;
-    for (const auto& assignment : values) {
-        set = statements_.run([&] { source.records->SetValue(assignment.first, assignment.second); }) && set;
+/// Sets the fields, each a statement of its own, and saves the row.
+bool FilmLibrary::store(Source& source, const Values& values, Unfit policy) {
+    for (const auto& [field, value] : values) {
+        if (!statements_.run([&, name = field, &set = value] { source.records->SetValue(name, set); })) {
+            unfit_.emplace_back(field);
+            notSaved();
+        }
     }
-    const bool stored = statements_.run([&] { source.records->Update(); });
-    if (!stored) {
+    if (unfit_.size() == values.size() || (policy == Unfit::DropsRow && !unfit_.empty())) {
         source.records->CancelUpdate();
+        return false;
     }
-    return (stored && set) || notSaved();
+    if (!statements_.run([&] { source.records->Update(); })) {
+        source.records->CancelUpdate();
+        return notSaved();
+    }
+    unsavedUpload_ = unsavedUpload_ || showsUpload_;
+    return true;
 }
 
 bool FilmLibrary::notSaved() {

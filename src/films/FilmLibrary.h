@@ -61,13 +61,18 @@ public:
     /// "Open Database": asks for a file and opens it. False when the operator cancelled.
     bool openDatabase();
     /// "Save As Database": copies the current file and makes the copy current. The sources stay where they
-    /// are. False when nothing was saved.
+    /// are. An unsaved upload that is shown is what is copied, also where it has been saved once and was
+    /// edited since. False when nothing was saved.
     bool saveDatabaseAs();
+    /// The same for the unsaved upload, whatever file is shown; the copy is made current only in its place.
+    bool saveUploadAs();
     /// Copies the current file to "UploadData.mdb", makes the copy current and opens it. False when the copy
     /// failed: then nothing has changed.
     bool openUploadCopy();
-    /// An upload has not been saved under another name yet.
+    /// An upload, or a change of "UploadData.mdb", has not been saved under another name yet.
     [[nodiscard]] bool unsavedUpload() const { return unsavedUpload_; }
+    /// The next upload's copy would take the place of an unsaved one.
+    [[nodiscard]] bool uploadOverwrites() const;
 
     /// "Films - [Monitor.mdb]".
     [[nodiscard]] const std::string& caption() const { return caption_; }
@@ -83,11 +88,18 @@ public:
     /// A field of all rows of a source, with nulls where it cannot be read.
     [[nodiscard]] std::vector<jet::Value> column(Dat source, const char* field);
 
+    /// What becomes of a row with a value that its column cannot hold.
+    enum class Unfit : std::uint8_t {
+        DropsRow,   ///< nothing is stored
+        KeepsField, ///< that field keeps its value; unfit() names it
+    };
     /// Changes fields of the current row. Values that are the stored ones already write nothing. False when
-    /// there is no row or the change could not be stored; then the bottom line says why.
-    bool edit(Dat source, const Values& values);
+    /// there is no row or the change could not be stored; what was not stored the bottom line says.
+    bool edit(Dat source, const Values& values, Unfit policy = Unfit::DropsRow);
     /// Adds a row with these fields.
-    bool add(Dat source, const Values& values);
+    bool add(Dat source, const Values& values, Unfit policy = Unfit::DropsRow);
+    /// Fields of the last edit or add whose columns could not hold their values.
+    [[nodiscard]] const std::vector<std::string>& unfit() const { return unfit_; }
     /// Characters that a text column takes; 0 when that is not known.
     [[nodiscard]] std::size_t columnSize(const char* table, const char* field);
 
@@ -114,14 +126,17 @@ private:
     [[nodiscard]] Source& at(Dat source) { return sources_[static_cast<std::size_t>(source)]; }
     [[nodiscard]] const Source& at(Dat source) const { return sources_[static_cast<std::size_t>(source)]; }
     [[nodiscard]] std::string path() const { return parts_.paths.resolve(parts_.DBFileName); }
+    [[nodiscard]] std::string uploadPath() const { return parts_.paths.resolve(kUploadFile); }
+    [[nodiscard]] bool same(const std::string& a, const std::string& b) const;
+    bool saveAs(const std::string& source);
     std::string upgrade();
     void bind();
     void release();
     void followFile();
     void requery(Source& source);
-    bool store(Source& source, const Values& values);
+    bool store(Source& source, const Values& values, Unfit policy);
     bool notSaved();
-    std::string copyTo(const std::string& target);
+    std::string copy(const std::string& source, const std::string& target);
     [[nodiscard]] FileDialogRequest dialogRequest() const;
 
     FilmLibraryParts parts_;
@@ -132,7 +147,9 @@ private:
     std::string caption_;
     std::string openFailure_;  ///< why the file could not be opened
     LibraryNotice conversion_; ///< what came of it; empty where nothing was to be converted
+    std::vector<std::string> unfit_;
     bool gathering_ = false;
+    bool showsUpload_ = false; ///< the sources look at "UploadData.mdb"
     bool unsavedUpload_ = false;
     LibraryNotice notice_;
 };

@@ -5,6 +5,8 @@
 #include "util/Numbers.h"
 #include "util/Text.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace drx9 {
@@ -17,8 +19,8 @@ void take(const jet::Value& value, double& number) {
     number = numberOf(value).value_or(number);
 }
 
-/// The material's name; null where there is none and none could be made.
-jet::Value materialFor(FilmLibrary& library, const FilmRecord& film) {
+/// The material's name; null where there is none and none could be made. Adds to `unfit`.
+jet::Value materialFor(FilmLibrary& library, const FilmRecord& film, std::vector<std::string>& unfit) {
     if (library.select(Dat::Material, queries::materialOf(film.Density, film.ZFactor)) == Found::Yes) {
         return library.value(Dat::Material, "Material");
     }
@@ -30,8 +32,9 @@ jet::Value materialFor(FilmLibrary& library, const FilmRecord& film) {
     }
     const bool added =
         taken == Found::No &&
-        library.add(Dat::Material,
-                    {{"Material", name}, {"Density", film.Density}, {"ZFactor", film.ZFactor}});
+        library.add(Dat::Material, {{"Material", name}, {"Density", film.Density}, {"ZFactor", film.ZFactor}},
+                    FilmLibrary::Unfit::KeepsField);
+    unfit = library.unfit();
     return added ? jet::Value(name) : jet::Value();
 }
 } // namespace
@@ -61,8 +64,24 @@ void DBFilmToComm(FilmLibrary& library, int slot, const std::string& name, bool 
     take(library.value(Dat::Material, "ZFactor"), entry.ZFactor);
 }
 
-bool CommToDBFilm(FilmLibrary& library, const FilmRecord& film) {
-    const jet::Value material = materialFor(library, film);
+bool hasEmptyValues(FilmLibrary& library) {
+    using enum Dat;
+    static constexpr std::array<std::pair<Dat, const char*>, 7> kValues = {{{DBSelected, "Tooling"},
+                                                                            {DBSelected, "EndThick"},
+                                                                            {DBSelected, "ThickSet"},
+                                                                            {DBSelected, "TimeSet"},
+                                                                            {DBSelected, "SensorAvg"},
+                                                                            {Material, "Density"},
+                                                                            {Material, "ZFactor"}}};
+    return std::any_of(kValues.begin(), kValues.end(), [&](const auto& value) {
+        return jet::isNull(library.value(value.first, value.second));
+    });
+}
+
+StoredFilm CommToDBFilm(FilmLibrary& library, const FilmRecord& film) {
+    constexpr auto kPolicy = FilmLibrary::Unfit::KeepsField;
+    StoredFilm outcome;
+    const jet::Value material = materialFor(library, film, outcome.unfit);
     const std::string name = utf8FromAnsi(film.FilmName);
     FilmLibrary::Values values{{"FilmName", name},
                                {"Tooling", film.Tooling},
@@ -76,11 +95,13 @@ bool CommToDBFilm(FilmLibrary& library, const FilmRecord& film) {
     }
     const Found there = library.select(Dat::DBSelected, queries::filmNumbered(film.FilmNum));
     // A row added where the number cannot be looked up would come again with each upload.
-    const bool stored = there == Found::Yes  ? library.edit(Dat::DBSelected, values)
-                        : there == Found::No ? library.add(Dat::DBSelected, values)
-                                             : false;
+    outcome.row = there == Found::Yes  ? library.edit(Dat::DBSelected, values, kPolicy)
+                  : there == Found::No ? library.add(Dat::DBSelected, values, kPolicy)
+                                       : false;
+    outcome.row = outcome.row && !jet::isNull(material);
+    outcome.unfit.insert(outcome.unfit.end(), library.unfit().begin(), library.unfit().end());
     library.select(Dat::DBSelected, queries::filmNamed(name));
-    return stored && !jet::isNull(material);
+    return outcome;
 }
 
 } // namespace drx9

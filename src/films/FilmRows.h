@@ -4,6 +4,7 @@
 #include "link/Records.h"
 
 #include <string>
+#include <vector>
 
 namespace drx9 {
 
@@ -16,9 +17,18 @@ namespace drx9 {
 void DBFilmToComm(FilmLibrary& library, int slot, const std::string& name, bool manySensors,
                   FilmRecord& entry);
 
+/// A value of the film that DBFilmToComm found, or of its material, is null: the instrument's own goes out.
+bool hasEmptyValues(FilmLibrary& library);
+
+/// What of a film was not stored.
+struct StoredFilm {
+    bool row = false; ///< the film is in the library
+    std::vector<std::string>
+        unfit; ///< fields that keep their values: their columns could not hold the film's
+};
+
 /// Stores a film as the instrument told it, over the database film of its number or as a new one. Its
-/// material is the one with the same density and Z factor, or a new "UnitMat1", "UnitMat2" and so on. False
-/// when it could not be stored.
-bool CommToDBFilm(FilmLibrary& library, const FilmRecord& film);
+/// material is the one with the same density and Z factor, or a new "UnitMat1", "UnitMat2" and so on.
+StoredFilm CommToDBFilm(FilmLibrary& library, const FilmRecord& film);
 
 } // namespace drx9

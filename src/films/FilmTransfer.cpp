@@ -3,6 +3,7 @@
 #include "films/FilmMismatches.h"
 #include "films/FilmRows.h"
 #include "films/FilmText.h"
+#include "films/ShownProgress.h"
 #include "films/Texts.h"
 #include "link/Crc.h"
 #include "util/Numbers.h"
@@ -10,15 +11,12 @@
 #include "util/Text.h"
 
 #include <algorithm>
-#include <array>
-#include <optional>
 #include <utility>
 
 namespace drx9 {
 
 namespace {
-constexpr int kAll = 1;                  ///< the button's index for all films
-constexpr double kListenAtLeast = 0.002; // s, for the system's sake
+constexpr int kAll = 1; ///< the button's index for all films
 
 std::int16_t percent(int part, int whole) {
     return toInt16(part * 100.0 / whole);
@@ -32,10 +30,8 @@ public:
         : transfer_(transfer)
         , scope_(transfer.parts_.actions) {
         transfer_.running_ = true;
-        transfer_.timeouts_ = 0;
-        transfer_.longest_ = 0;
         transfer_.lasting_ = {};
-        transfer_.parts_.link.watch().begin();
+        transfer_.parts_.instrument.begin();
         transfer_.parts_.library.forgetNotice();
     }
     Run(const Run&) = delete;
@@ -47,62 +43,42 @@ private:
     ActionQueue::Scope scope_;
 };
 
-/// The progress window, as long as this lives.
-class FilmTransfer::Shown {
-public:
-    Shown(Progress& progress, const char* text)
-        : progress_(progress) {
-        progress_.ProgressShow(text, ProgressOwner::FilmWindow);
-    }
-    Shown(const Shown&) = delete;
-    Shown& operator=(const Shown&) = delete;
-    ~Shown() { progress_.ProgressHide(); }
-
-private:
-    Progress& progress_;
-};
-
 bool FilmTransfer::stopped() const {
-    return timeouts_ >= kDeadAfterTimeouts || (parts_.ends && parts_.ends());
+    return parts_.instrument.silent() || ended();
 }
 
-void FilmTransfer::beginExchange() {
-    parts_.link.setCommStatus(comm::kOk);
-    reachedInstrument_ = true;
-    began_ = parts_.clock.monotonic();
+bool FilmTransfer::ended() const {
+    return parts_.ends && parts_.ends();
 }
 
-bool FilmTransfer::endExchange(std::uint16_t status) {
-    timeouts_ = comm::isSilence(status) ? timeouts_ + 1 : 0;
-    if (status == comm::kOk) {
-        longest_ = std::max(longest_, parts_.clock.monotonic() - began_);
+/// In doubt they are read once more: the line is quiet now.
+bool FilmTransfer::areTheirOwn(const Read& read) {
+    const FilmInstrument::Step step = parts_.instrument.look();
+    if (step != FilmInstrument::Step::Doubtful) {
+        return step == FilmInstrument::Step::Sound;
     }
-    return status == comm::kOk;
+    const bool same = std::all_of(read.begin(), read.end(), [this](const FilmRecord& film) {
+        return !stopped() && parts_.instrument.readFilm(film.FilmNum, Messages::Silent).film == film;
+    });
+    return same && parts_.instrument.look() != FilmInstrument::Step::Broken;
 }
 
-Commands::FilmAnswer FilmTransfer::readFilm(int number) {
-    beginExchange();
-    Commands::FilmAnswer answer = parts_.commands.Comm_GetFilm(number);
-    endExchange(answer.status);
-    return answer;
+bool FilmTransfer::isKnown(int number) const {
+    return parts_.films[static_cast<std::size_t>(number)].FilmNum == number;
 }
 
-/// An answer that is one too many moves all behind it by one, and then the last one is still to come: within
-/// the time of one exchange. Where the last exchange timed out nothing is.
-bool FilmTransfer::inStep() {
-    if (timeouts_ == 0) {
-        parts_.link.listen(longest_ + kListenAtLeast);
-    }
-    const bool sound = !parts_.link.watch().surplus();
-    longest_ = 0;
-    parts_.link.watch().begin();
-    return sound;
+void FilmTransfer::keep(int number, const FilmRecord& film) {
+    parts_.films[static_cast<std::size_t>(number)] = film;
+}
+
+void FilmTransfer::forget(int number) {
+    parts_.films[static_cast<std::size_t>(number)].FilmNum = 0;
 }
 
 // ---- Upload ----
 
 void FilmTransfer::upload() {
-    if (running_) {
+    if (running_ || (parts_.library.uploadOverwrites() && !askUnsaved()) || ended()) {
         return;
     }
     const Run run(*this);
@@ -114,7 +90,7 @@ void FilmTransfer::upload() {
     parts_.list.refreshLists();
     TransferReport report("read");
     {
-        const Shown shown(parts_.progress, filmText::kReading);
+        const ShownProgress shown(parts_.progress, filmText::kReading);
         const int failed = readFilms(report);
         if (failed != 0) {
             parts_.boxes.show(filled(filmText::kUploadError, {std::to_string(failed)}),
@@ -128,40 +104,48 @@ void FilmTransfer::upload() {
                         std::max({opened.tone, read.tone, NoticeTone::Warn}));
 }
 
-/// The number of the film that could not be read; 0 when all were, or the program closes.
+/// The number of the film that could not be read; 0 when all were, or the program closes. What was read is
+/// stored before a box tells why.
 int FilmTransfer::readFilms(TransferReport& report) {
-    report.expect(parts_.link.FilmCount());
-    std::vector<FilmRecord> read;
+    FilmInstrument& instrument = parts_.instrument;
+    report.expect(instrument.FilmCount());
+    Read read;
     double stored = parts_.clock.monotonic();
     int failed = 0;
-    for (int i = 1; i <= parts_.link.FilmCount() && failed == 0 && !stopped(); ++i) {
-        parts_.progress.setProgress(percent(i, parts_.link.FilmCount()));
-        const Commands::FilmAnswer answer = readFilm(i);
+    std::string failure;
+    for (int i = 1; i <= instrument.FilmCount() && failed == 0 && !stopped(); ++i) {
+        parts_.progress.setProgress(percent(i, instrument.FilmCount()));
+        const Commands::FilmAnswer answer = instrument.readFilm(i, Messages::Silent);
         if (answer.film) {
             read.push_back(*answer.film);
         } else {
             failed = i;
+            failure = answer.failure;
             report.fail(
                 filled(filmText::kFilmFailed,
                        {std::to_string(i),
                         answer.status == comm::kOk ? filmText::kNoFilm : commStatusText(answer.status)}));
         }
-        if (parts_.clock.monotonic() - stored + longest_ >= kStoreWithin) {
+        if (parts_.clock.monotonic() - stored + instrument.lookTime() >= kStoreWithin) {
             failed = storeRead(read, report) || failed != 0 ? failed : i;
             stored = parts_.clock.monotonic();
         }
     }
     const int last = read.empty() ? 0 : read.back().FilmNum;
-    return storeRead(read, report) || failed != 0 ? failed : last;
+    failed = storeRead(read, report) || failed != 0 ? failed : last;
+    if (!failure.empty()) {
+        parts_.boxes.show(failure, kProgramName, MessageIcon::None);
+    }
+    return failed;
 }
 
 /// Stores what was read, in one commit. False, and nothing is stored, when it may be other films'.
-bool FilmTransfer::storeRead(std::vector<FilmRecord>& read, TransferReport& report) {
-    const std::vector<FilmRecord> films = std::exchange(read, {});
+bool FilmTransfer::storeRead(Read& read, TransferReport& report) {
+    const Read films = std::exchange(read, {});
     if (films.empty()) {
         return true;
     }
-    if (!inStep()) {
+    if (!areTheirOwn(films)) {
         report.fail(filmText::kOutOfStep);
         return false;
     }
@@ -180,14 +164,18 @@ bool FilmTransfer::storeRead(std::vector<FilmRecord>& read, TransferReport& repo
 }
 
 bool FilmTransfer::storeFilm(const FilmRecord& film, TransferReport& report) {
-    if (CommToDBFilm(parts_.library, film)) {
-        return true;
+    const StoredFilm stored = CommToDBFilm(parts_.library, film);
+    const std::string number = std::to_string(film.FilmNum);
+    for (const std::string& field : stored.unfit) {
+        report.name(filmText::kNotStored, filled(filmText::kFieldOf, {field, number}));
     }
-    report.name(filmText::kNotStored, std::to_string(film.FilmNum));
-    if (!parts_.library.notice().text.empty()) {
+    if (!stored.row) {
+        report.name(filmText::kNotStored, number);
+    }
+    if ((!stored.row || !stored.unfit.empty()) && !parts_.library.notice().text.empty()) {
         report.fail(parts_.library.notice().text);
     }
-    return false;
+    return stored.row;
 }
 
 // ---- Download ----
@@ -206,7 +194,7 @@ void FilmTransfer::download(int index) {
     if (!stopped()) {
         VerifyFilms(index, report);
     }
-    if (timeouts_ >= kDeadAfterTimeouts) {
+    if (parts_.instrument.silent()) {
         report.fail(filmText::kNoAnswer);
     }
     parts_.list.selectFirstRow();
@@ -218,14 +206,12 @@ void FilmTransfer::download(int index) {
 
 /// Where it is open the hourglass is left behind (kept).
 bool FilmTransfer::shutterClosed() {
-    beginExchange();
-    const Commands::UnitAnswer shutter = parts_.commands.Comm_GetUnit();
-    const bool answered = endExchange(shutter.status);
-    const bool sound = inStep();
+    const Commands::UnitAnswer shutter = parts_.instrument.unit();
+    const bool sound = parts_.instrument.look() != FilmInstrument::Step::Broken;
     if (!shutter.unit || !sound) {
-        const std::string reason = !answered       ? commStatusText(shutter.status)
-                                   : !shutter.unit ? commStatusText(comm::kNoData)
-                                                   : filmText::kShutterOutOfStep;
+        const std::string reason = shutter.status != comm::kOk ? commStatusText(shutter.status)
+                                   : !shutter.unit             ? commStatusText(comm::kNoData)
+                                                               : filmText::kShutterOutOfStep;
         parts_.library.tell(filled(filmText::kShutterUnknown, {reason}), NoticeTone::Alarm);
         parts_.list.setHourglass(false);
         return false;
@@ -238,7 +224,7 @@ bool FilmTransfer::shutterClosed() {
 }
 
 int FilmTransfer::rows() const {
-    return std::min<int>(parts_.list.rowCount(), parts_.link.FilmCount());
+    return std::min(parts_.list.rowCount(), parts_.instrument.FilmCount());
 }
 
 bool FilmTransfer::takes(int film, int index) const {
@@ -246,28 +232,32 @@ bool FilmTransfer::takes(int film, int index) const {
 }
 
 void FilmTransfer::writeFilms(int index, TransferReport& report) {
-    const Shown shown(parts_.progress, filmText::kWriting);
+    const ShownProgress shown(parts_.progress, filmText::kWriting);
     const int count = rows();
     int expected = 0;
     for (int i = 1; i <= count; ++i) {
         expected += takes(i, index) ? 1 : 0;
     }
     report.expect(expected);
+    std::vector<int> written;
     for (int i = 1; i <= count && !stopped(); ++i) {
         parts_.list.setCurrentRow(i - 1);
         if (takes(i, index)) {
             parts_.progress.setProgress(percent(i, count));
-            writeRow(i, report);
+            writeRow(i, written, report);
         }
     }
-    if (!stopped() && expected > 0 && !inStep()) {
+    if (stopped() || written.empty()) {
+        return;
+    }
+    if (parts_.instrument.look() != FilmInstrument::Step::Sound) {
         report.fail(filmText::kSentOutOfStep);
+        std::for_each(written.begin(), written.end(), [this](int film) { forget(film); });
     }
 }
 
-void FilmTransfer::writeRow(int film, TransferReport& report) {
-    auto& held = parts_.films[static_cast<std::size_t>(film)];
-    FilmRecord record = held;
+void FilmTransfer::writeRow(int film, std::vector<int>& written, TransferReport& report) {
+    FilmRecord record = parts_.films[static_cast<std::size_t>(film)];
     const std::string name = parts_.list.filmName();
     DBFilmToComm(parts_.library, film, name, parts_.list.manySensors(), record);
     const std::string named =
@@ -276,7 +266,7 @@ void FilmTransfer::writeRow(int film, TransferReport& report) {
         report.name(filmText::kNotLookedUp, named);
         return;
     }
-    if (lacksValues(film)) {
+    if (!isKnown(film) && hasEmptyValues(parts_.library)) {
         report.name(filmText::kNotKnown, named);
         return;
     }
@@ -285,6 +275,22 @@ void FilmTransfer::writeRow(int film, TransferReport& report) {
         report.name(filmText::kTooLong, named);
         return;
     }
+    noteFaults(name, named, report);
+    const std::uint16_t status = parts_.instrument.writeFilm(film, record);
+    written.push_back(film);
+    if (status == comm::kOk) {
+        keep(film, record);
+        report.done(1);
+        return;
+    }
+    if (comm::isUnanswered(status)) {
+        forget(film);
+    }
+    report.name(filled(filmText::kNotAccepted, {commStatusText(status)}), std::to_string(film));
+}
+
+/// What is worth a look at a film that is sent all the same.
+void FilmTransfer::noteFaults(const std::string& name, const std::string& named, TransferReport& report) {
     if (parts_.library.column(Dat::DBSelected, "FilmName").size() > 1) {
         report.name(filmText::kSameName, named);
     }
@@ -294,61 +300,58 @@ void FilmTransfer::writeRow(int film, TransferReport& report) {
     if (!parts_.library.found(Dat::Material)) {
         report.name(filmText::kMaterialMissing, named);
     }
-    beginExchange();
-    const std::uint16_t status = parts_.commands.Comm_SetFilm(film, record);
-    if (endExchange(status)) {
-        keep(film, record);
-        report.done(1);
-    } else {
-        report.name(filled(filmText::kNotAccepted, {commStatusText(status)}), std::to_string(film));
-    }
-}
-
-void FilmTransfer::keep(int number, const FilmRecord& film) {
-    parts_.films[static_cast<std::size_t>(number)] = film;
-    stale_.reset(static_cast<std::size_t>(number));
-}
-
-bool FilmTransfer::lacksValues(int film) const {
-    static constexpr std::array<const char*, 5> kFields = {"Tooling", "EndThick", "ThickSet", "TimeSet",
-                                                           "SensorAvg"};
-    return stale_.test(static_cast<std::size_t>(film)) &&
-           std::any_of(kFields.begin(), kFields.end(), [this](const char* field) {
-               return jet::isNull(parts_.library.value(Dat::DBSelected, field));
-           });
 }
 
 // ---- Verification ----
 
 void FilmTransfer::VerifyFilms(int index, TransferReport& report) {
-    const Shown shown(parts_.progress, filmText::kVerifying);
+    const ShownProgress shown(parts_.progress, filmText::kVerifying);
     const int count = rows();
+    Read read;
     bool goesOn = true;
     for (int i = 1; i <= count && goesOn && !stopped(); ++i) {
         parts_.list.setCurrentRow(i - 1);
         if (takes(i, index)) {
             parts_.list.ShowDBFilm();
             parts_.progress.setProgress(percent(i, count));
-            goesOn = verifyRow(i, report);
+            goesOn = verifyRow(i, read, report);
         }
     }
+    keepReadBack(read, report);
 }
 
 /// False when the operator cancelled. What differs is asked about only when the answer is surely this
 /// film's.
-bool FilmTransfer::verifyRow(int film, TransferReport& report) {
-    const Commands::FilmAnswer readBack = readFilm(film);
-    const auto mismatches = readBack.film ? filmMismatches(parts_.library, *readBack.film,
-                                                           parts_.list.manySensors(), parts_.locale)
-                                          : std::vector<FilmMismatch>();
-    if (!readBack.film || (!mismatches.empty() && !inStep())) {
+bool FilmTransfer::verifyRow(int film, Read& read, TransferReport& report) {
+    const Commands::FilmAnswer readBack = parts_.instrument.readFilm(film, Messages::Blocking);
+    if (!readBack.film) {
         report.name(filmText::kNotReadBack, std::to_string(film));
         return true;
     }
     parts_.films[0] = *readBack.film;
+    read.push_back(*readBack.film);
+    const auto mismatches =
+        filmMismatches(parts_.library, *readBack.film, parts_.list.manySensors(), parts_.locale);
+    if (mismatches.empty() || !keepReadBack(read, report)) {
+        return true;
+    }
     return std::all_of(mismatches.begin(), mismatches.end(), [&](const FilmMismatch& mismatch) {
         return parts_.boxes.askOkCancel(mismatch.text(film), kProgramName, MessageIcon::Information);
     });
+}
+
+/// What was read back is what the instrument holds, if it is surely each film's own; true then.
+bool FilmTransfer::keepReadBack(Read& read, TransferReport& report) {
+    const Read films = std::exchange(read, {});
+    const bool own = films.empty() || areTheirOwn(films);
+    for (const FilmRecord& film : films) {
+        if (own) {
+            keep(film.FilmNum, film);
+        } else {
+            report.name(filmText::kNotReadBack, std::to_string(film.FilmNum));
+        }
+    }
+    return own;
 }
 
 // ---- Defaults ----
@@ -359,12 +362,12 @@ void FilmTransfer::resetToDefaults() {
     }
     const Run run(*this);
     parts_.list.setHourglass(true);
-    beginExchange();
     parts_.memory.filmUnconfirmed();
-    const std::uint16_t status = parts_.commands.Comm_FilmDefaults();
-    endExchange(status);
-    stale_.set(); // whatever was answered
-    const bool sound = inStep();
+    const std::uint16_t status = parts_.instrument.resetFilms();
+    for (std::size_t i = 1; i < parts_.films.size(); ++i) {
+        forget(static_cast<int>(i)); // whatever was answered
+    }
+    const bool sound = parts_.instrument.look() != FilmInstrument::Step::Broken;
     parts_.list.setHourglass(false);
     if (status == comm::kOk && sound) {
         parts_.library.tell(filmText::kReset, NoticeTone::Plain);
@@ -375,6 +378,14 @@ void FilmTransfer::resetToDefaults() {
     } else {
         parts_.library.tell(filled(filmText::kNotReset, {commStatusText(status)}), NoticeTone::Alarm);
     }
+}
+
+// ---- An upload that is not saved ----
+
+bool FilmTransfer::askUnsaved() {
+    return !parts_.library.unsavedUpload() ||
+           !parts_.boxes.askYesNo(filmText::kAskUnsaved, kProgramName, MessageIcon::Question) ||
+           parts_.library.saveUploadAs();
 }
 
 } // namespace drx9

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "films/FilmInstrument.h"
 #include "films/FilmLibrary.h"
 #include "films/TransferReport.h"
 #include "link/ActionQueue.h"
-#include "link/Commands.h"
 #include "link/MonitorAccess.h"
 #include "link/Records.h"
 #include "platform/Clock.h"
@@ -11,11 +11,8 @@
 #include "platform/Progress.h"
 #include "util/NumberLocale.h"
 
-#include <bitset>
-#include <cstdint>
 #include <functional>
 #include <string>
-#include <tuple>
 #include <vector>
 
 namespace drx9 {
@@ -43,9 +40,8 @@ public:
 
 struct FilmTransferParts {
     FilmLibrary& library;
-    Films& films; ///< holds what the instrument holds
-    Link& link;
-    Commands& commands;
+    Films& films; ///< holds what the instrument holds; the number of an entry that nobody knows is 0
+    FilmInstrument& instrument;
     MessageBoxes& boxes;
     Progress& progress;
     const Clock& clock;
@@ -65,59 +61,54 @@ public:
     explicit FilmTransfer(const FilmTransferParts& parts)
         : parts_(parts) {}
 
-    /// Reads all films of the instrument into a copy of the library.
+    /// Reads all films of the instrument into a copy of the library. Where that would overwrite an upload
+    /// that has not been saved, asks first.
     void upload();
     /// Writes the selected films (0) or all films (1) to the instrument, then reads them back and asks about
     /// each difference. The film in row k is written as film k + 1.
     void download(int index);
     /// "Z": the instrument's own films again.
     void resetToDefaults();
+    /// Asks whether an upload that has not been saved under another name is to be, and saves it. False when
+    /// it was to be saved and was not.
+    bool askUnsaved();
 
     [[nodiscard]] bool running() const { return running_; }
     /// What the last download could not do, for the bottom line until the next transfer.
     [[nodiscard]] const LibraryNotice& lasting() const { return lasting_; }
-    /// A transfer or a reset went to the instrument.
-    [[nodiscard]] bool reachedInstrument() const { return reachedInstrument_; }
 
 private:
     class Run;
-    class Shown;
+
+    using Read = std::vector<FilmRecord>; ///< since the last look at the line
 
     int readFilms(TransferReport& report);
-    bool storeRead(std::vector<FilmRecord>& read, TransferReport& report);
+    bool storeRead(Read& read, TransferReport& report);
     bool storeFilm(const FilmRecord& film, TransferReport& report);
     bool shutterClosed();
     void writeFilms(int index, TransferReport& report);
-    void writeRow(int film, TransferReport& report);
+    void writeRow(int film, std::vector<int>& written, TransferReport& report);
+    void noteFaults(const std::string& name, const std::string& named, TransferReport& report);
     void VerifyFilms(int index, TransferReport& report);
-    bool verifyRow(int film, TransferReport& report);
+    bool verifyRow(int film, Read& read, TransferReport& report);
+    bool keepReadBack(Read& read, TransferReport& report);
     [[nodiscard]] bool takes(int film, int index) const;
     [[nodiscard]] int rows() const;
-    void beginExchange();
-    /// Notes how the exchange ended; true when it was answered.
-    bool endExchange(std::uint16_t status);
-    Commands::FilmAnswer readFilm(int number);
-    /// Listens a while: false when an answer too many came since the last look, so that those since then may
-    /// belong to other commands.
-    bool inStep();
+    /// Whether each of the films is surely the one of its number.
+    bool areTheirOwn(const Read& read);
+    [[nodiscard]] bool isKnown(int number) const;
     /// The instrument holds this film in this slot.
     void keep(int number, const FilmRecord& film);
-    /// A field that the library leaves empty, for a slot whose present value nobody has read since a reset.
-    [[nodiscard]] bool lacksValues(int film) const;
+    /// Nobody knows what the instrument holds in this slot.
+    void forget(int number);
     [[nodiscard]] bool stopped() const;
+    [[nodiscard]] bool ended() const; ///< by the program's close, which answers a box with No
 
-    static constexpr int kDeadAfterTimeouts = 2;
     static constexpr double kStoreWithin = 0.9; ///< s; films read are stored together, once a second
 
     FilmTransferParts parts_;
     bool running_ = false;
-    bool reachedInstrument_ = false;
     LibraryNotice lasting_;
-    int timeouts_ = 0;   ///< in a row
-    double began_ = 0;   ///< the exchange in hand; monotonic
-    double longest_ = 0; ///< s, of the exchanges since the last look
-    /// Slots whose entry in the film list is older than the instrument's last reset.
-    std::bitset<std::tuple_size_v<Films>> stale_;
 };
 
 } // namespace drx9

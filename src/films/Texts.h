@@ -70,6 +70,7 @@ inline constexpr const char* kShutterUnknown =
 inline constexpr const char* kFilmFailed = "Film {}: {}"; ///< then the next, or a status text
 inline constexpr const char* kNoFilm = "no film";
 inline constexpr const char* kNotStored = "Not stored";
+inline constexpr const char* kFieldOf = "{} of film {}"; ///< behind it, where the rest of the film was stored
 inline constexpr const char* kOutOfStep = "Answers out of step";
 inline constexpr const char* kShutterOutOfStep = "answers out of step";
 inline constexpr const char* kSentOutOfStep = "Answers out of step: some films may not have been taken";

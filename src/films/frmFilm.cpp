@@ -43,8 +43,8 @@ frmFilm::frmFilm(FilmWindowParts parts, QWidget* owner)
     , parts_(std::move(parts))
     , library_({parts_.engine, parts_.files, parts_.paths, parts_.dialogs, parts_.DBFileName})
     , editor_({library_, parts_.boxes, parts_.input, parts_.locale})
-    , transfer_({library_, parts_.films, parts_.link, parts_.commands, parts_.boxes, parts_.progress,
-                 parts_.clock, parts_.actions, parts_.memory, parts_.locale, *this, parts_.programCloses}) {
+    , transfer_({library_, parts_.films, parts_.instrument, parts_.boxes, parts_.progress, parts_.clock,
+                 parts_.actions, parts_.memory, parts_.locale, *this, parts_.programCloses}) {
     buildControls();
     Form_Load();
 }
@@ -63,11 +63,11 @@ frmFilm::~frmFilm() {
 void frmFilm::Form_Load() {
     timerHold_ = parts_.polling.holdTimer(filmText::kHoldReason);
     closeRound_ = parts_.round.beforeClose([this] { beforeProgramCloses(); });
-    wasOnline_ = online();
+    wasOnline_ = parts_.instrument.online();
     for (QPushButton* transfer : instrumentButtons_) {
         transfer->setEnabled(wasOnline_);
     }
-    manySensors_ = !wasOnline_ || parts_.link.sensorCount() > static_cast<int>(kFirstOfMany);
+    manySensors_ = !wasOnline_ || parts_.instrument.sensorCount() > static_cast<int>(kFirstOfMany);
     for (std::size_t k = kFirstOfMany; k < kFilmSensors; ++k) {
         chkSensAvg_[k]->setEnabled(manySensors_);
     }
@@ -75,10 +75,6 @@ void frmFilm::Form_Load() {
     showInstrument();
     showLibrary();
     list_->setFocus();
-}
-
-bool frmFilm::online() const {
-    return parts_.link.CommOK() && !parts_.link.CommVersion().empty();
 }
 
 void frmFilm::closeEvent(QCloseEvent* event) {
@@ -97,7 +93,7 @@ void frmFilm::closeEvent(QCloseEvent* event) {
 void frmFilm::Form_QueryUnload() {
     askUnsaved();
     closed_ = true;
-    if (transfer_.reachedInstrument()) {
+    if (parts_.instrument.reached()) {
         hide();
         parts_.memory.filmMemoryChanged();
     }
@@ -108,13 +104,10 @@ void frmFilm::Form_QueryUnload() {
 }
 
 void frmFilm::askUnsaved() {
-    if (library_.unsavedUpload() &&
-        parts_.boxes.askYesNo(filmText::kAskUnsaved, kProgramName, MessageIcon::Question)) {
-        library_.forgetNotice();
-        // The bottom line goes with the window, which closes either way.
-        if (!library_.saveDatabaseAs() && !library_.notice().text.empty()) {
-            parts_.boxes.show(library_.notice().text, kProgramName, MessageIcon::Exclamation);
-        }
+    library_.forgetNotice();
+    // The bottom line goes with the window, which closes either way.
+    if (!transfer_.askUnsaved() && !library_.notice().text.empty()) {
+        parts_.boxes.show(library_.notice().text, kProgramName, MessageIcon::Exclamation);
     }
 }
 
@@ -327,14 +320,15 @@ void frmFilm::showFilm() {
 }
 
 void frmFilm::showInstrument() {
-    const QString version = shown(filled(
-        filmText::kInstrument, {parts_.link.Comm_VersionText(), std::to_string(parts_.link.FilmCount())}));
-    version_->setText(online() ? version : QString::fromUtf8(filmText::kOffLine));
+    const FilmInstrument& now = parts_.instrument;
+    version_->setText(shown(
+        now.online() ? filled(filmText::kInstrument, {now.versionText(), std::to_string(now.FilmCount())})
+                     : filmText::kOffLine));
 }
 
 /// What came of the last operation goes before what lasts.
 void frmFilm::showState() {
-    const bool lost = wasOnline_ && !online();
+    const bool lost = wasOnline_ && !parts_.instrument.online();
     LibraryNotice said;
     for (const LibraryNotice& line :
          {library_.notice(), transfer_.lasting(),

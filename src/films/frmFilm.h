@@ -1,6 +1,7 @@
 #pragma once
 
 #include "films/FilmEditor.h"
+#include "films/FilmInstrument.h"
 #include "films/FilmLibrary.h"
 #include "films/FilmTransfer.h"
 #include "link/MonitorAccess.h"
@@ -32,8 +33,7 @@ struct FilmWindowParts {
     const Paths& paths;
     std::string& DBFileName;
     Films& films;
-    Link& link;
-    Commands& commands;
+    FilmInstrument instrument;
     FileDialogs& dialogs;
     InputBox& input;
     MessageBoxes& boxes;
@@ -105,7 +105,6 @@ private:
     void showMaterials(const QString& chosen);
     void showState();
     void showInstrument();
-    [[nodiscard]] bool online() const;
 
     // For the transfer
     [[nodiscard]] int rowCount() const override;

@@ -27,7 +27,8 @@ constexpr int kGroupGap = 12;
 constexpr int kControlHeight = 28;
 constexpr int kNameWidth = 138;
 constexpr int kNumberWidth = 112;
-constexpr int kWidestCaption = 2; // row of "Final Thickness"
+constexpr int kMaterialWidth = 172; // 15 characters in capitals
+constexpr int kWidestCaption = 2;   // row of "Final Thickness"
 constexpr int kSpinnerWidth = 60;
 constexpr int kButtonWidth = 128;
 constexpr int kCloseWidth = 92;
@@ -199,6 +200,8 @@ QLayout* frmFilm::buildTime() {
 QGroupBox* frmFilm::buildMaterial() {
     auto* group = new QGroupBox(QStringLiteral("Material"), content_);
     QGridLayout* grid = gridIn(group);
+    grid->setColumnStretch(3, 0);
+    grid->setColumnStretch(1, 1); // the combo takes what room there is
     dbcMaterial_ = new QComboBox(group);
     dbcMaterial_->setObjectName(QStringLiteral("dbcMaterial"));
     dbcMaterial_->setAccessibleName(QStringLiteral("Material"));
@@ -207,7 +210,7 @@ QGroupBox* frmFilm::buildMaterial() {
     dbcMaterial_->setInsertPolicy(QComboBox::NoInsert);
     dbcMaterial_->setCompleter(nullptr); // a name half typed must not become another material
     dbcMaterial_->setMinimumHeight(kControlHeight);
-    dbcMaterial_->setMinimumWidth(kNameWidth);
+    dbcMaterial_->setMinimumWidth(kMaterialWidth);
     dbcMaterial_->setMaxVisibleItems(20);
     dbcMaterial_->installEventFilter(this);
     dbcMaterial_->lineEdit()->setAccessibleName(dbcMaterial_->accessibleName());

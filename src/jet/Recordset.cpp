@@ -150,7 +150,11 @@ void Recordset::SetValue(const std::string& field, jet::Value value) {
         if (mode_ == Mode::Browse) {
             rejected("a value is set without AddNew or Edit");
         }
-        pending_[table().definition().position(field)] = std::move(value);
+        const std::size_t position = table().definition().position(field);
+        if (!isNull(value)) {
+            (void)encodeValue(file_->store().text(), table().definition().columns[position], value);
+        }
+        pending_[position] = std::move(value);
     });
 }
 

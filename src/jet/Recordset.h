@@ -51,7 +51,8 @@ public:
     [[nodiscard]] jet::Value Value(const std::string& field) const;
     /// By position in FieldNames().
     [[nodiscard]] jet::Value Value(std::size_t position) const;
-    /// Sets a field of the row being added or edited.
+    /// Sets a field of the row being added or edited. A value that its column cannot hold is refused: throws
+    /// JetError(Rejected), and the field keeps the one it has.
     void SetValue(const std::string& field, jet::Value value);
 
 private:

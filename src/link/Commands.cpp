@@ -183,7 +183,7 @@ Commands::FilmAnswer Commands::Comm_GetFilm(int number, Messages messages) {
     if (link_.CommStatus() != comm::kOk) {
         const std::uint16_t status = link_.CommStatus();
         tell(messages, linkText::kGetFilmBusy);
-        return {status, std::nullopt};
+        return {status, std::nullopt, linkText::kGetFilmBusy};
     }
     const Exchange exchange = link_.Comm_Send(filmCommand(number) + "?");
     // Not trimmed at its left: a name may begin with a blank.
@@ -192,8 +192,9 @@ Commands::FilmAnswer Commands::Comm_GetFilm(int number, Messages messages) {
     if (parseFilmReply(reply, number, film)) {
         return {exchange.status, film};
     }
-    tell(messages, filled(linkText::kGetFilmError, {utf8FromAnsi(reply)}));
-    return {exchange.status, std::nullopt};
+    const std::string failure = filled(linkText::kGetFilmError, {utf8FromAnsi(reply)});
+    tell(messages, failure);
+    return {exchange.status, std::nullopt, failure};
 }
 
 void Commands::tell(Messages messages, const std::string& text) {

@@ -52,7 +52,8 @@ public:
 
     struct FilmAnswer {
         std::uint16_t status = comm::kOk; ///< of the exchange, or that which kept it from being sent
-        std::optional<FilmRecord> film;   ///< nothing on failure; "Get Film Error: ..." is then shown already
+        std::optional<FilmRecord> film;   ///< nothing on failure
+        std::string failure = {};         ///< "Get Film Error: ...", shown already unless Silent
     };
     /// "A" c "?".
     FilmAnswer Comm_GetFilm(int number, Messages messages = Messages::Blocking);

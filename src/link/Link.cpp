@@ -115,13 +115,10 @@ Exchange Link::exchangeNow(const std::string& command) {
 bool Link::send(Transport& transport) {
     // A parser of its own: the rest of a packet that begins in what is dropped must not complete one.
     FrameParser parser;
-    const bool sent = transport.send(lastPacket_, [&](std::uint8_t byte) {
-        if (isSurplus(parser.push(byte))) {
-            watch_.noteSurplus();
-        }
-    });
+    const bool sent = transport.send(lastPacket_, [&](std::uint8_t byte) { noteUnasked(parser.push(byte)); });
     watch_.noteSend();
     reply_.clear();
+    answerBefore_ = std::exchange(answer_, {});
     return sent;
 }
 
@@ -210,9 +207,7 @@ void Link::listen(double seconds) {
         // By the parser of the exchanges, so that the next reply is not read as this one's end.
         const auto drop = [&](std::uint8_t byte) {
             more = true;
-            if (isSurplus(parser_.push(byte))) {
-                watch_.noteSurplus();
-            }
+            noteUnasked(parser_.push(byte));
         };
         transport.receive(drop, [] { return true; });
         until = more ? now + kQuiet : until;
@@ -220,9 +215,16 @@ void Link::listen(double seconds) {
     }
 }
 
-/// A sound answer, and not the last one once more.
-bool Link::isSurplus(const std::optional<FrameParser::Reply>& reply) const {
-    return reply && reply->crcOk && reply->data != reply_;
+/// A packet that came with no exchange waiting for it.
+void Link::noteUnasked(const std::optional<FrameParser::Reply>& reply) {
+    if (!reply || !reply->crcOk) {
+        return;
+    }
+    if (reply->statusLetter + reply->data == answer_) {
+        watch_.noteCopy();
+    } else {
+        watch_.noteSurplus();
+    }
 }
 
 void Link::timeOut() {
@@ -233,8 +235,10 @@ void Link::timeOut() {
 
 void Link::Comm_RxByte(std::uint8_t byte) {
     if (const auto reply = parser_.push(byte)) {
-        if (status_ != comm::kBusy && isSurplus(reply)) { // Ethernet feeds on past a complete reply
-            watch_.noteSurplus();
+        if (status_ != comm::kBusy) { // Ethernet feeds on past a complete reply
+            noteUnasked(reply);
+        } else if (reply->crcOk) {
+            watch_.noteAnswer(reply->statusLetter + reply->data == answerBefore_);
         }
         applyReply(*reply);
     }
@@ -247,6 +251,7 @@ void Link::applyReply(const FrameParser::Reply& reply) {
     }
     ok_ = true;
     lastReplyTime_ = clock_.monotonic();
+    answer_ = reply.statusLetter + reply.data;
     status_ = statusOfLetter(reply.statusLetter);
     if (status_ != comm::kOk) {
         return;

@@ -129,7 +129,7 @@ private:
     bool send(Transport& transport);
     void awaitLateAnswer(Transport& transport);
     bool hearsAnswer(Transport& transport);
-    [[nodiscard]] bool isSurplus(const std::optional<FrameParser::Reply>& reply) const;
+    void noteUnasked(const std::optional<FrameParser::Reply>& reply);
     void sleep(const Transport& transport, double start, double deadline);
     void doze(const Transport& transport, double start, double deadline);
     void timeOut();
@@ -151,6 +151,8 @@ private:
     std::string pending_;             ///< command given in mid-exchange, empty when none
     std::string lastPacket_;          ///< CommLastPacket: as sent, with its frame
     std::string reply_;               ///< data of the last accepted answer since the last send
+    std::string answer_;              ///< status letter and data of the last sound answer since the last send
+    std::string answerBefore_;        ///< the same of the send before
     std::string version_;             ///< CommVersion: kept over losses, until another "@" is answered
     std::int16_t instrumentType_ = 0; ///< as last answered to "J"; 0 when unknown
     std::int16_t knownType_ = 0; ///< last instrument type above 0: readouts keep it while the link is lost

@@ -68,6 +68,8 @@ struct FilmRecord {
     double ThickSet = 0;  ///< kÅ
     double TimeSet = 0;   ///< s
     double SensorAvg = 0; ///< bit 0 = sensor 1
+
+    bool operator==(const FilmRecord&) const = default;
 };
 
 /// Entry i holds instrument film i; entry 0 is scratch space for read-back.

@@ -13,6 +13,10 @@ public:
     [[nodiscard]] bool late() const { return late_; }
     /// An answer came that no command had asked for. The last answer once more does not count.
     [[nodiscard]] bool surplus() const { return surplus_; }
+    /// The last answer came once more, after two in a row had been alike and others had followed them. It is
+    /// one too many by itself; or the second of the two was, all behind it have moved by one, and this is the
+    /// last command's own.
+    [[nodiscard]] bool doubtful() const { return doubtful_; }
     /// Nobody can tell which answer belongs to which command.
     [[nodiscard]] bool broken() const { return late_ || surplus_; }
 
@@ -20,16 +24,24 @@ public:
 
     void noteSend() {
         if (begins_) {
-            begins_ = late_ = surplus_ = false;
+            begins_ = late_ = surplus_ = alike_ = mayHaveMoved_ = doubtful_ = false;
         }
     }
     void noteLate() { late_ = true; }
     void noteSurplus() { surplus_ = true; }
+    void noteAnswer(bool likeTheOneBefore) {
+        mayHaveMoved_ = mayHaveMoved_ || (alike_ && !likeTheOneBefore);
+        alike_ = alike_ || likeTheOneBefore;
+    }
+    void noteCopy() { doubtful_ = doubtful_ || mayHaveMoved_; }
 
 private:
     bool begins_ = false;
     bool late_ = false;
     bool surplus_ = false;
+    bool alike_ = false;        ///< two answers in a row
+    bool mayHaveMoved_ = false; ///< another one came behind two alike
+    bool doubtful_ = false;
 };
 
 } // namespace drx9

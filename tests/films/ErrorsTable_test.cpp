@@ -1,22 +1,25 @@
-// Error reports in a table: what a row holds, and what is said where there is no table.
+// Error reports in a table: what a row holds, what is said where there is no table, and where reports go.
 #include "films/FilmBench.h"
 
-#include "films/ErrorsTable.h"
+#include "films/LibraryErrors.h"
 
 namespace drx9 {
 namespace {
 
+/// Without ErrorLine; the text columns are short.
+jet::TableSpec errorsTable(jet::ColumnType number) {
+    using enum jet::ColumnType;
+    return {"Errors",
+            {FilmBench::column("ErrorDate", Date), FilmBench::column("ErrorString", Text, 8),
+             FilmBench::column("ErrorNumber", number), FilmBench::column("ErrorProc", Text, 50),
+             FilmBench::column("CallStack", Memo), FilmBench::column("AdditionalInfo", Memo)},
+            {}};
+}
+
 TEST(ErrorsTable, TakesARowForEachReportAndForgetsThemAll) {
     FilmBench bench;
-    using enum jet::ColumnType;
-    // Without ErrorLine; the text columns are short.
-    const jet::TableSpec errors{
-        "Errors",
-        {FilmBench::column("ErrorDate", Date), FilmBench::column("ErrorString", Text, 8),
-         FilmBench::column("ErrorNumber", Long), FilmBench::column("ErrorProc", Text, 50),
-         FilmBench::column("CallStack", Memo), FilmBench::column("AdditionalInfo", Memo)},
-        {}};
-    bench.engine.CreateDatabase("/data/errors.mdb", jet::Generation::Jet3, {errors}, {45000});
+    bench.engine.CreateDatabase("/data/errors.mdb", jet::Generation::Jet3,
+                                {errorsTable(jet::ColumnType::Long)}, {45000});
     ErrorsTable sink("Errors");
     ErrorReport report;
     report.ErrorDate = {2024, 2, 29, 18, 0, 0, 0};
@@ -37,6 +40,31 @@ TEST(ErrorsTable, TakesARowForEachReportAndForgetsThemAll) {
     EXPECT_EQ(rows[0], "45351.75|somethin|-7|Comm_FindUSBDRX9|01  outer\r\n02    inner|");
     sink.clear();
     EXPECT_TRUE(bench.rows("Errors", "/data/errors.mdb").empty());
+}
+
+TEST(ErrorsTable, TakesReportsWhereTheLibraryHasOneThatCanBeWritten) {
+    FilmBench bench;
+    CErrHandler handler({bench.files, bench.boxes, bench.clock, bench.locale, {}, bench.paths});
+    const LibraryErrors errors(handler, bench.engine, bench.paths, bench.DBFileName);
+    const auto inFile = [&] {
+        handler.HandleError({-7, 0, "a fault"});
+        return std::exchange(bench.memory.find("/data/ERRORS.TXT")->bytes, "").size() > 100;
+    };
+    bench.memory.put("/data/ERRORS.TXT", "");
+    EXPECT_TRUE(inFile()) << "no library";
+    bench.make({{"a"}});
+    EXPECT_TRUE(inFile()) << "no table";
+    bench.engine.OpenDatabase(kLibrary)->CreateTable(errorsTable(jet::ColumnType::Byte), {45000});
+    bench.open();
+    EXPECT_FALSE(inFile());
+    EXPECT_EQ(bench.rows("Errors"), std::vector<std::string>{"45429.4375|a fault|null|||"})
+        << "-7 is no byte";
+    bench.files.fillAfter(100);
+    EXPECT_FALSE(inFile()) << "lost, and said to nobody";
+    bench.files.heal();
+    bench.memory.put("/data/Monitor.ldb", "LAB-3" + std::string(27, '\0') + "Admin" + std::string(27, '\0'));
+    EXPECT_TRUE(inFile()) << "in use by another program";
+    EXPECT_EQ(bench.rows("Errors").size(), 1U);
 }
 
 } // namespace

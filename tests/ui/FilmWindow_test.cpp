@@ -2,20 +2,15 @@
 #include "films/FilmBench.h"
 
 #include "films/frmFilm.h"
-#include "platform/os/OsFilePort.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTest>
 #include <QTreeView>
-
-#include <cstdio>
-#include <filesystem>
 
 namespace drx9 {
 namespace {
@@ -57,8 +52,7 @@ protected:
                               bench->paths,
                               bench->DBFileName,
                               bench->films,
-                              bench->link,
-                              bench->commands,
+                              bench->seen,
                               bench->dialogs,
                               bench->input,
                               bench->boxes,
@@ -249,45 +243,6 @@ TEST_F(FilmWindow, AsksWhenTheProgramCloses) {
         delete window.data();
         told.clear();
     }
-}
-
-// An old file is opened and converted, edited, sent, verified, changed on the instrument, read back and
-// saved.
-TEST_F(FilmWindow, GoesTheWholeWay) {
-    open({{"zinc"}, {"Al Base", "Silver", 102.5}}, 6, "PRIMARYKEY");
-    EXPECT_EQ(listed(0, 1), "Al Base ");
-    clickRow(0);
-    type("txtParam_0", "98");
-    clickRow(1, Qt::ControlModifier);
-    bench->boxes.expect(FakeMessageBoxes::Kind::OkCancel,
-                        "Film Name for film #1 = AL_BASE.\nThe Film Name should be AL BASE", true);
-    click("cmdDownload_0");
-    EXPECT_EQ(state(), "2 films sent");
-    EXPECT_EQ(bench->held(2), "ZINC     19.300 100 0.381 1.000 0.500 60 3");
-    bench->instrument.execute("A2ZINC_2__ 7.040 100 0.514 2.000 0.500  60  1", 0);
-    click("cmdUpload");
-    bench->dialogs.answers = {"/data/Shop.mdb"};
-    find<QMenuBar>("")->actions().front()->menu()->actions()[1]->trigger();
-    EXPECT_EQ(state(),
-              "Saved as Shop.mdb. Changes here still go to UploadData.mdb; open Shop.mdb to edit it.");
-    EXPECT_EQ(bench->rows("Film", "/data/Shop.mdb")[1], "ZINC_2  |UnitMat1|100|2|0.5|60|1|2");
-    EXPECT_EQ(bench->faults("/data/Shop.mdb"), "");
-    window->close();
-    EXPECT_TRUE(window->isHidden()) << "saved: nothing is asked";
-
-    const auto path = std::filesystem::temp_directory_path() /
-                      ("drx9-films-" + std::to_string(makeOsFilePort()->processId()) + ".mdb");
-    FILE* file = std::fopen(path.c_str(), "wb");
-    const std::string saved = bench->bytes("/data/Shop.mdb");
-    std::fwrite(saved.data(), 1, saved.size(), file);
-    std::fclose(file);
-    FILE* reader = popen(("mdb-export -H " + path.string() + " Film 2>/dev/null").c_str(), "r");
-    std::string read(4000, '\0');
-    read.resize(std::fread(read.data(), 1, read.size(), reader));
-    if (pclose(reader) == 0) {
-        EXPECT_NE(read.find("\"ZINC_2  \",\"UnitMat1\",100"), std::string::npos) << read;
-    }
-    std::filesystem::remove(path);
 }
 
 } // namespace

@@ -91,7 +91,9 @@ QRect ChartPainter::paint(QPainter& painter, const QRect& rect, double scale, Ch
     const ChartLayout parts = layout(rect);
     const ChartCurves shown = curves(parts.plot, scale);
     findTicks(parts.plot);
-    paintFrame(painter, rect, parts, scale, true);
+    painter.fillRect(rect, theme_.plot);
+    paintHeader(painter, parts);
+    paintAxes(painter, rect, parts.plot, scale);
     paintLines(painter, parts.plot, shown);
     paintEnds(painter, parts.plot, shown, scale);
     return parts.plot;
@@ -115,24 +117,19 @@ void ChartPainter::renew(const QRect& rect, double scale, ChartSurface& surface)
     if (surface.pixels.size() != rect.size() * scale) {
         surface.pixels = QImage(rect.size() * scale, QImage::Format_RGB32);
     }
+    const QRect plot = deviceRect(surface.layout.plot, rect, scale);
+    surface.pixels.setDevicePixelRatio(1);
+    for (const QRect& beside : QRegion(surface.pixels.rect()) - plot) {
+        QPainter(&surface.pixels).fillRect(beside, theme_.plot);
+    }
     surface.pixels.setDevicePixelRatio(scale);
-    surface.pixels.fill(theme_.plot); // where scaled edges meet, no pixel is left out
     {
         QPainter frame(&surface.pixels);
         frame.translate(-rect.topLeft());
-        paintFrame(frame, rect, surface.layout, scale, false);
+        paintHeader(frame, surface.layout);
+        paintAxes(frame, rect, surface.layout.plot, scale);
     }
-    const QRect plot = deviceRect(surface.layout.plot, rect, scale);
     paintPlot({0, plot.width()}, plot, scale, curves(surface.layout.plot, scale), surface);
-}
-
-void ChartPainter::paintFrame(QPainter& painter, const QRect& rect, const ChartLayout& parts, double scale,
-                              bool withPlot) const {
-    for (const QRect& beside : QRegion(rect) - QRegion(withPlot ? QRect() : parts.plot)) {
-        painter.fillRect(beside, theme_.plot);
-    }
-    paintHeader(painter, parts);
-    paintAxes(painter, rect, parts.plot, scale);
 }
 
 /// Ground, grid and curves in some columns of the plot.

@@ -48,8 +48,6 @@ private:
     void paintHeader(QPainter& painter, const ChartLayout& layout) const;
     void paintEntry(QPainter& painter, const QRect& rect, int series) const;
     void renew(const QRect& rect, double scale, ChartSurface& surface);
-    void paintFrame(QPainter& painter, const QRect& rect, const ChartLayout& parts, double scale,
-                    bool withPlot) const;
     void paintPlot(const PlotPixels::Columns& columns, const QRect& plot, double scale,
                    const ChartCurves& curves, ChartSurface& surface) const;
     [[nodiscard]] QRect marksRect(const QRect& plot, const ChartCurves& curves, double scale) const;

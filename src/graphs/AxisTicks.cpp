@@ -52,6 +52,11 @@ double roundStep(double least, bool time) {
     return roundMultiple(power, least, false);
 }
 
+double labelStep(const AxisLook& axis, const ValueSpan& view, double least, bool time) {
+    const double step = roundMultiple(axis.labelSpacing, least, time);
+    return view.size() / step < kLeastLabels ? roundStep(least, time) : step;
+}
+
 std::vector<double> multiples(double step, const ValueSpan& view) {
     std::vector<double> values;
     const double slack = view.size() * 1e-9;
@@ -63,28 +68,32 @@ std::vector<double> multiples(double step, const ValueSpan& view) {
     return values;
 }
 
+bool isWhole(double seconds) {
+    return std::fabs(seconds - std::round(seconds)) < 1e-6 * seconds;
+}
+
 std::string labelText(double value, double step, const AxisLook& axis, const AxisRoom& room) {
     if (!room.time) {
         return axisValueText(value, axis.format, room.decimal);
     }
-    std::string text = elapsedText(value, axis.format);
-    if (step < 1) {
-        std::array<char, 16> digits{};
-        const double part = std::fabs(value) - std::floor(std::fabs(value) + 5e-4);
-        std::snprintf(digits.data(), digits.size(), "%.3f", std::fabs(part));
-        digits[1] = room.decimal;
-        text += digits.data() + 1;
+    if (isWhole(step)) {
+        return elapsedText(value, axis.format);
     }
-    return text;
+    const double millis = std::round(std::fabs(value) * 1000);
+    std::array<char, 16> digits{};
+    std::snprintf(digits.data(), digits.size(), "%c%03d", room.decimal,
+                  static_cast<int>(std::fmod(millis, 1000)));
+    return (value < 0 && millis > 0 ? "-" : "") + elapsedText(std::floor(millis / 1000), axis.format) +
+           digits.data();
 }
 } // namespace
 
 AxisTicks axisTicks(const AxisLook& axis, const ValueSpan& view, const AxisRoom& room) {
     AxisTicks ticks;
     const double perPixel = view.size() / std::max(1.0, room.pixels);
-    double step = roundMultiple(axis.labelSpacing, perPixel * room.labelPixels, room.time);
-    if (view.size() / step < kLeastLabels) {
-        step = roundStep(perPixel * room.labelPixels, room.time);
+    double step = labelStep(axis, view, perPixel * room.labelPixels, room.time);
+    if (room.time && !isWhole(step)) {
+        step = labelStep(axis, view, perPixel * (room.labelPixels + room.fractionPixels), true);
     }
     for (const double value : multiples(step, view)) {
         ticks.labels.push_back({value, labelText(value, step, axis, room)});

@@ -26,6 +26,7 @@ struct AxisRoom {
     double labelPixels = 1; ///< what a label needs along it
     bool time = false;      ///< seconds: the spacings go up by minutes and hours
     char decimal = '.';
+    double fractionPixels = 0; ///< what a label with thousandths of a second needs more
 };
 
 AxisTicks axisTicks(const AxisLook& axis, const ValueSpan& view, const AxisRoom& room);

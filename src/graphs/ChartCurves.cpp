@@ -8,7 +8,6 @@ namespace drx9 {
 namespace {
 constexpr double kMostInColumn = 2; ///< readings, above which curves are thinned
 constexpr double kMostRows = 16;    ///< in view, to a column, whatever the usual pace is
-constexpr double kReach = 8;        ///< pixels that a reading's ink can reach aside
 constexpr int kWidthBits = 26;
 } // namespace
 
@@ -48,18 +47,21 @@ double ChartCurves::yPixel(double value) const {
     return (y_.to - value) / y_.size() * height_;
 }
 
-std::vector<CurvePoint> ChartCurves::curve(int series, double fromX) const {
-    return thinned_ ? thinnedCurve(series, fromX) : exactCurve(series, fromX);
+std::vector<CurvePoint> ChartCurves::curve(int series, double fromX, double toX, double reach) const {
+    return thinned_ ? thinnedCurve(series, fromX, toX) : exactCurve(series, fromX - reach, toX + reach);
 }
 
-std::vector<CurvePoint> ChartCurves::exactCurve(int series, double fromX) const {
+std::vector<CurvePoint> ChartCurves::exactCurve(int series, double fromX, double toX) const {
     const ChartModel::Rows drawn = model_.drawnRows(series);
     const std::size_t column = model_.column(series);
-    // From a reading beyond each end on, so that the curve runs up to the edges.
-    std::size_t row = std::clamp(points_.firstAt(timeAt(fromX - kReach)), drawn.from, drawn.to);
+    // From a reading beyond each end on, so that the curve runs over it.
+    std::size_t row = std::clamp(points_.firstAt(timeAt(fromX)), drawn.from, drawn.to);
     while (row > drawn.from && std::isnan(points_.value(column, --row))) {
     }
-    const std::size_t end = std::min(drawn.to, points_.firstAt(timeAt(width_ + kReach), row) + 1);
+    std::size_t end = std::min(drawn.to, points_.firstAt(timeAt(toX), row) + 1);
+    while (end > row && end < drawn.to && std::isnan(points_.value(column, end - 1))) {
+        ++end;
+    }
     std::vector<CurvePoint> curve;
     curve.reserve(end - std::min(row, end));
     bool start = true;
@@ -74,43 +76,56 @@ std::vector<CurvePoint> ChartCurves::exactCurve(int series, double fromX) const 
     return curve;
 }
 
-std::vector<CurvePoint> ChartCurves::thinnedCurve(int series, double fromX) const {
+std::vector<CurvePoint> ChartCurves::thinnedCurve(int series, double fromX, double toX) const {
     const ChartModel::Rows drawn = model_.drawnRows(series);
-    const std::size_t column = model_.column(series);
-    const auto rowsOf = [this, &drawn](std::size_t i) {
-        return ChartModel::Rows{std::max(rows_[i], drawn.from), std::min(rows_[i + 1], drawn.to)};
-    };
-    // From the last column before that one that holds a value.
-    auto first = static_cast<std::size_t>(std::clamp(fromX, 0.0, static_cast<double>(width_)));
-    while (first > 0 && points_.range(column, rowsOf(first).from, rowsOf(first).to).empty()) {
-        --first;
+    Thinned thinned{model_.column(series), 0, {}};
+    const auto first = static_cast<std::size_t>(std::clamp<double>(fromX, 0, width_));
+    const auto last = static_cast<std::size_t>(std::clamp<double>(std::ceil(toX) + 3, 0, width_ + 3));
+    thinned.curve.reserve(4 * (last - std::min(first, last)) + 2);
+    // From a value before the first column to one behind the last.
+    for (std::size_t row = std::min(rows_[first], drawn.to); row > drawn.from && thinned.curve.empty();) {
+        addBeside(thinned, --row);
     }
-    std::vector<CurvePoint> curve;
-    curve.reserve(4 * rows_.size());
-    for (std::size_t i = first; i + 1 < rows_.size(); ++i) {
-        const ChartModel::Rows rows = rowsOf(i);
-        if (rows.from < rows.to) {
-            addColumn(curve, column, rows.from, rows.to, static_cast<double>(i) - 0.5);
+    for (std::size_t i = first; i < last; ++i) {
+        const std::size_t from = std::max(rows_[i], drawn.from);
+        const std::size_t to = std::min(rows_[i + 1], drawn.to);
+        if (from < to) {
+            addColumn(thinned, from, to, static_cast<double>(i) - 0.5);
         }
     }
-    return curve;
+    const std::size_t size = thinned.curve.size();
+    for (std::size_t row = std::max(rows_[last], drawn.from); row < drawn.to && thinned.curve.size() == size;
+         ++row) {
+        addBeside(thinned, row);
+    }
+    return thinned.curve;
+}
+
+/// A reading beside the columns that are wanted.
+void ChartCurves::addBeside(Thinned& curve, std::size_t row) const {
+    addColumn(curve, row, row + 1, std::floor(xPixel(points_.time(row))) + 0.5);
 }
 
 /// First, least, greatest and last, one above the other in the column's middle.
-void ChartCurves::addColumn(std::vector<CurvePoint>& curve, std::size_t column, std::size_t from,
-                            std::size_t to, double x) const {
-    const bool start = curve.empty() || points_.gapBefore(from);
-    const ValueRange range = points_.range(column, from, to);
+void ChartCurves::addColumn(Thinned& thinned, std::size_t from, std::size_t to, double x) const {
+    const ValueRange range = points_.range(thinned.column, from, to);
     if (range.empty()) {
         return;
     }
-    const float first = points_.value(column, from);
-    const float last = points_.value(column, to - 1);
-    curve.push_back({x, yPixel(std::isnan(first) ? range.least : first), start});
+    while (std::isnan(points_.value(thinned.column, from))) {
+        ++from;
+    }
+    while (std::isnan(points_.value(thinned.column, to - 1))) {
+        --to;
+    }
+    std::vector<CurvePoint>& curve = thinned.curve;
+    const bool start = curve.empty() || points_.gaps(from) != thinned.gaps;
+    thinned.gaps = points_.gaps(to - 1);
+    curve.push_back({x, yPixel(points_.value(thinned.column, from)), start});
     if (to - from > 1) {
         curve.push_back({x, yPixel(range.least), false});
         curve.push_back({x, yPixel(range.greatest), false});
-        curve.push_back({x, yPixel(std::isnan(last) ? range.greatest : last), false});
+        curve.push_back({x, yPixel(points_.value(thinned.column, to - 1)), false});
     }
 }
 

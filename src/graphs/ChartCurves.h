@@ -27,19 +27,26 @@ public:
 
     /// More than two readings to a pixel column.
     [[nodiscard]] bool thinned() const { return thinned_; }
-    /// The curve in view, or what shows of it from a pixel column on: strokes that end left of it are left
-    /// out.
-    [[nodiscard]] std::vector<CurvePoint> curve(int series, double fromX = 0) const;
+    /// What shows of the curve between two heights of the plot at `fromX` and `toX`, with the strokes that
+    /// run over them. `reach` is how far aside the ink of a reading can come, in pixels.
+    [[nodiscard]] std::vector<CurvePoint> curve(int series, double fromX, double toX, double reach) const;
+    /// The curve in view.
+    [[nodiscard]] std::vector<CurvePoint> curve(int series) const { return curve(series, 0, width_, 0); }
     [[nodiscard]] double xPixel(double time) const { return (time - origin_) / perColumn_; }
     [[nodiscard]] double timeAt(double xPixel) const { return origin_ + xPixel * perColumn_; }
     [[nodiscard]] double yPixel(double value) const;
 
 private:
     void findColumns();
-    [[nodiscard]] std::vector<CurvePoint> exactCurve(int series, double fromX) const;
-    [[nodiscard]] std::vector<CurvePoint> thinnedCurve(int series, double fromX) const;
-    void addColumn(std::vector<CurvePoint>& curve, std::size_t column, std::size_t from, std::size_t to,
-                   double x) const;
+    struct Thinned {
+        std::size_t column; ///< of the points
+        std::uint32_t gaps; ///< up to the newest value
+        std::vector<CurvePoint> curve;
+    };
+    [[nodiscard]] std::vector<CurvePoint> exactCurve(int series, double fromX, double toX) const;
+    [[nodiscard]] std::vector<CurvePoint> thinnedCurve(int series, double fromX, double toX) const;
+    void addBeside(Thinned& curve, std::size_t row) const;
+    void addColumn(Thinned& curve, std::size_t from, std::size_t to, double x) const;
 
     const ChartModel& model_;
     const RunPoints& points_;

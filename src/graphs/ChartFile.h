@@ -19,6 +19,10 @@ std::string chartLookText(const ChartLook& look);
 /// leaves out stays as in `design`.
 std::optional<ChartLook> parseChartLook(std::string_view text, const ChartLook& design);
 
+/// A look without what an editor has changed of it: each entry that differs between `before` and `edited`,
+/// and that nobody has changed in `now` since, as it was before.
+ChartLook takenBack(const ChartLook& before, const ChartLook& edited, const ChartLook& now);
+
 /// Points in the form of an export: a header line, then time and values with tabs between, an empty line at
 /// a gap. Null where the text is anything else or its times do not rise.
 std::unique_ptr<RunPoints> parseChartData(std::string_view text, int series);

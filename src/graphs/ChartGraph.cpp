@@ -71,17 +71,11 @@ void ChartGraph::ReInit() {
 }
 
 void ChartGraph::setYMin(float value) {
-    if (value != shownYMin()) { // set from outside, not the operator's own zoom taken over
-        model_.setYHome(value, std::nullopt);
-    }
     yMin_ = value;
     model_.setYMinimum(value);
 }
 
 void ChartGraph::setYMax(float value) {
-    if (value != shownYMax()) {
-        model_.setYHome(std::nullopt, value);
-    }
     yMax_ = value;
     model_.setYMaximum(value);
 }
@@ -162,6 +156,7 @@ bool ChartGraph::Cfg_Load() {
         return false;
     }
     model_.setLook(std::move(*look));
+    model_.markYHome();
     return true;
 }
 

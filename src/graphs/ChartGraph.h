@@ -52,6 +52,9 @@ public:
     [[nodiscard]] float Xwide() const override { return xWide_; }
     void setXwide(float value) override;
 
+    /// The Y axis as it is set now is what Home on the chart goes back to.
+    void markYHome() { model_.markYHome(); }
+
     /// Grid spacing. A negative value counts by its magnitude, 0 as 1; labels follow it, ticks are a tenth.
     [[nodiscard]] float XDiv() const;
     void setXDiv(float value);

@@ -68,6 +68,10 @@ struct ChartLook {
     std::vector<std::pair<std::string, std::string>> unknown;
 };
 
+/// Bytes of a title, label or format.
+inline constexpr std::size_t kMostTextBytes = 200;
+/// What a field for one takes, in 16-bit characters: none needs more than four bytes.
+inline constexpr int kMostTextCharacters = kMostTextBytes / 4;
 inline constexpr float kLeastLine = 0.5F;
 inline constexpr float kMostLine = 5;
 inline constexpr int kLeastFont = 8;

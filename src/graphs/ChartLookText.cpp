@@ -11,7 +11,6 @@ namespace drx9 {
 namespace {
 constexpr std::string_view kFirstLine = "DRX9 chart settings 1";
 constexpr std::string_view kLastLine = "End of chart settings";
-constexpr std::size_t kMostText = 100; ///< bytes of a title or label
 constexpr std::size_t kMostLines = 4000;
 constexpr std::size_t kMostUnknown = 1900; ///< lines; written back, with headings, they are not too many
 constexpr std::size_t kMostUnknownBytes = 200000; ///< with their headings; likewise
@@ -56,7 +55,7 @@ bool readFlag(std::string_view text, bool& flag) {
 
 bool readText(std::string_view text, std::string& value) {
     value = text;
-    return text.size() <= kMostText && isUtf8(text) && text.find('\0') == std::string_view::npos;
+    return text.size() <= kMostTextBytes && isUtf8(text) && text.find('\0') == std::string_view::npos;
 }
 
 bool readColor(std::string_view text, std::optional<std::uint32_t>& color) {
@@ -84,7 +83,7 @@ std::string colorText(const std::optional<std::uint32_t>& color) {
 
 /// Text that keeps its line: line ends become blanks, and no more than is read back.
 std::string lineText(std::string_view text) {
-    std::string line(text.substr(0, kMostText));
+    std::string line(text.substr(0, kMostTextBytes));
     while (!isUtf8(line)) {
         line.pop_back();
     }
@@ -266,6 +265,26 @@ std::string chartLookText(const ChartLook& look) {
     }
     addUnknownHeadings(text, look, sections);
     return text + std::string(kLastLine) + "\n";
+}
+
+ChartLook takenBack(const ChartLook& before, const ChartLook& edited, const ChartLook& now) {
+    ChartLook result = now;
+    ChartLook was = before; // the keys could write it
+    ChartLook set = edited;
+    const auto results = sectionsOf(result);
+    const auto olds = sectionsOf(was);
+    const auto edits = sectionsOf(set);
+    for (std::size_t section = 0; section < results.size(); ++section) {
+        for (std::size_t key = 0; key < results[section].second.size(); ++key) {
+            const std::string old = olds[section].second[key].write();
+            const std::string edit = edits[section].second[key].write();
+            const Key& entry = results[section].second[key];
+            if (old != edit && entry.write() == edit) {
+                entry.read(old);
+            }
+        }
+    }
+    return result;
 }
 
 std::optional<ChartLook> parseChartLook(std::string_view text, const ChartLook& design) {

@@ -26,6 +26,7 @@ ChartModel::ChartModel(const ChartDesign& design, RunPoints& points)
     , extents_(static_cast<std::size_t>(design.series))
     , sensors_(design.series) {
     setLook(designLook(design));
+    markYHome();
 }
 
 void ChartModel::changed() {
@@ -51,12 +52,8 @@ void ChartModel::endBatch() {
 
 void ChartModel::setLook(ChartLook look) {
     look_ = std::move(look);
-    const auto minimum = static_cast<float>(look_.y.minimum);
-    const auto maximum = static_cast<float>(look_.y.maximum);
-    if (minimum != yMinimum_ || maximum != yMaximum_) { // else the operator's zoom is no home
-        yMinimum_ = homeMinimum_ = minimum;
-        yMaximum_ = homeMaximum_ = maximum;
-    }
+    yMinimum_ = static_cast<float>(look_.y.minimum);
+    yMaximum_ = static_cast<float>(look_.y.maximum);
     applyYPair();
     changed();
 }
@@ -95,11 +92,6 @@ void ChartModel::applyYPair() {
     if (yMinimum_ < yMaximum_) {
         yInForce_ = {yMinimum_, yMaximum_};
     }
-}
-
-void ChartModel::setYHome(std::optional<float> minimum, std::optional<float> maximum) {
-    homeMinimum_ = minimum.value_or(homeMinimum_);
-    homeMaximum_ = maximum.value_or(homeMaximum_);
 }
 
 void ChartModel::setXSpacing(double grid, double label, double tick) {
@@ -224,8 +216,8 @@ void ChartModel::setYView(const ValueSpan& span) {
 
 void ChartModel::follow() {
     viewX_.reset();
-    yMinimum_ = homeMinimum_;
-    yMaximum_ = homeMaximum_;
+    yMinimum_ = static_cast<float>(yHome_.from);
+    yMaximum_ = static_cast<float>(yHome_.to);
     applyYPair();
     changed();
 }

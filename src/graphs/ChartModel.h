@@ -38,8 +38,7 @@ public:
 
     [[nodiscard]] const ChartDesign& design() const { return design_; }
     [[nodiscard]] const ChartLook& look() const { return look_; }
-    /// A look as a file or the editor gives it. Its axes come into force; a Y axis that differs is home from
-    /// now on.
+    /// A look as a file or the editor gives it. Its axes come into force; home of the Y axis stays.
     void setLook(ChartLook look);
 
     // Axes.
@@ -52,8 +51,11 @@ public:
     /// The pair as it was last set, in order or not.
     [[nodiscard]] float yMinimum() const { return yMinimum_; }
     [[nodiscard]] float yMaximum() const { return yMaximum_; }
-    /// Where Home takes the Y axis back to.
-    void setYHome(std::optional<float> minimum, std::optional<float> maximum);
+    /// Where Home takes the Y axis back to: the pair that a file or a window set last.
+    [[nodiscard]] const ValueSpan& yHome() const { return yHome_; }
+    void setYHome(const ValueSpan& pair) { yHome_ = pair; }
+    /// The pair as it is set now is home.
+    void markYHome() { yHome_ = {yMinimum_, yMaximum_}; }
     void setXSpacing(double grid, double label, double tick);
     void setYSpacing(double grid, double label, double tick);
     void setXGridPattern(int pattern);
@@ -142,8 +144,7 @@ private:
     ValueSpan yInForce_;
     float yMinimum_ = 0;
     float yMaximum_ = 1;
-    float homeMinimum_ = 0;
-    float homeMaximum_ = 1;
+    ValueSpan yHome_;
 };
 
 } // namespace drx9

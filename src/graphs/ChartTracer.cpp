@@ -95,6 +95,51 @@ void ChartTracer::step(int readings) {
     }
 }
 
+/// The series' drawn reading nearest to a time, by rows.
+std::optional<TracedPoint> ChartTracer::nearest(int series, double time) const {
+    const ChartModel::Rows drawn = model_.drawnRows(series);
+    const std::size_t row = model_.points().firstAt(time);
+    for (std::size_t step = 0; step <= row || row + step < drawn.to; ++step) {
+        for (const std::size_t candidate : {row - std::min(step, row), row + step}) {
+            const bool inside = candidate >= drawn.from && candidate < drawn.to;
+            if (const std::optional<TracedPoint> point = inside ? at(series, candidate) : std::nullopt) {
+                return point;
+            }
+        }
+    }
+    return {};
+}
+
+std::optional<TracedPoint> ChartTracer::beside(const TracedPoint& point, int direction) const {
+    for (int series = point.series + direction; series >= 0 && series < model_.seriesCount();
+         series += direction) {
+        const std::optional<TracedPoint> found =
+            model_.seriesVisible(series) ? nearest(series, point.time) : std::nullopt;
+        if (found) {
+            return found;
+        }
+    }
+    return {};
+}
+
+void ChartTracer::stepSeries(int direction) {
+    if (!point_) {
+        point_ = newestInView();
+    } else if (const std::optional<TracedPoint> other = beside(*point_, direction)) {
+        point_ = other;
+    }
+}
+
+void ChartTracer::leaveHidden() {
+    if (point_ && !model_.seriesVisible(point_->series)) {
+        const std::optional<TracedPoint> below = beside(*point_, 1);
+        point_ = below ? below : beside(*point_, -1);
+    }
+    if (pin_ && !model_.seriesVisible(pin_->series)) {
+        pin_.reset();
+    }
+}
+
 std::string ChartTracer::text(char decimal) const {
     if (!point_) {
         return {};

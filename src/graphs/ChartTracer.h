@@ -27,6 +27,11 @@ public:
     void moveTo(const ChartCurves& curves, double x, double y);
     /// So many readings on along the series; from the newest one in view where none is traced.
     void step(int readings);
+    /// To the reading of the next visible series at that time: up is the series with a lower number. From the
+    /// newest reading in view where none is traced.
+    void stepSeries(int direction);
+    /// A traced series that shows no longer gives way to another one; a pin on it is dropped.
+    void leaveHidden();
     void leave() { point_.reset(); }
     /// Pins what is traced.
     void pin() { pin_ = point_ ? point_ : pin_; }
@@ -43,6 +48,8 @@ public:
 private:
     [[nodiscard]] std::optional<TracedPoint> newestInView() const;
     [[nodiscard]] std::optional<TracedPoint> at(int series, std::size_t row) const;
+    [[nodiscard]] std::optional<TracedPoint> nearest(int series, double time) const;
+    [[nodiscard]] std::optional<TracedPoint> beside(const TracedPoint& point, int direction) const;
 
     const ChartModel& model_;
     std::optional<TracedPoint> point_;

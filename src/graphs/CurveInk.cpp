@@ -8,9 +8,9 @@
 namespace drx9 {
 
 namespace {
-constexpr int kParts = 4;       ///< parts of a pixel column that a line's edges are told apart by
-constexpr int kTile = 16;       ///< columns painted together: pixels of one cache line
-constexpr int kMostEdge = 3000; ///< partly covered pixels of a tile, beyond which its edges are left rough
+constexpr int kParts = 4;     ///< parts of a pixel column that a line's edges are told apart by
+constexpr int kTile = 16;     ///< columns painted together: pixels of one cache line
+constexpr int kShortEdge = 8; ///< rows that are not worth a search for equal ones
 constexpr float kNone = std::numeric_limits<float>::infinity();
 
 std::uint32_t mixed(std::uint32_t under, std::uint32_t over, std::uint32_t cover) {
@@ -41,13 +41,8 @@ public:
         , bottoms_(bottoms)
         , count_(count)
         , height_(height) {
-        int partly = 0;
         for (int i = 0; i < count; ++i) {
-            partly += measure(i);
-        }
-        hulls_ = Parts > 1 && partly > kMostEdge;
-        for (int i = 0; i < count && hulls_; ++i) {
-            takeHull(i);
+            takeRows(i);
         }
     }
     void paint(std::uint32_t* pixels, int stride, std::uint32_t color) const {
@@ -59,24 +54,18 @@ public:
     }
 
 private:
-    /// Rows that are covered in part.
-    int measure(int i) {
+    void takeRows(int i) {
         const float* tops = tops_ + i * Parts;
         const float* bottoms = bottoms_ + i * Parts;
-        top_[i] = *std::min_element(tops, tops + Parts);
-        bottom_[i] = *std::max_element(bottoms, bottoms + Parts);
-        const float lowestTop = *std::max_element(tops, tops + Parts);
-        const float highestBottom = *std::min_element(bottoms, bottoms + Parts);
-        takeRows(i, lowestTop, highestBottom);
-        return last_[i] - first_[i] - (fullTo_[i] - fullFrom_[i]);
-    }
-    void takeHull(int i) { takeRows(i, top_[i], bottom_[i]); }
-    void takeRows(int i, float fullTop, float fullBottom) {
-        const auto limit = static_cast<float>(height_);
-        first_[i] = static_cast<int>(std::floor(std::clamp(top_[i], 0.0F, limit)));
-        last_[i] = std::max(first_[i], static_cast<int>(std::ceil(std::clamp(bottom_[i], 0.0F, limit))));
-        fullFrom_[i] = static_cast<int>(std::ceil(std::clamp(fullTop, 0.0F, limit)));
-        fullTo_[i] = static_cast<int>(std::floor(std::clamp(fullBottom, 0.0F, limit)));
+        const auto limit = [this](float edge) { return std::clamp(edge, 0.0F, static_cast<float>(height_)); };
+        const float top = limit(*std::min_element(tops, tops + Parts));
+        const float bottom = limit(*std::max_element(bottoms, bottoms + Parts));
+        const float fullTop = limit(*std::max_element(tops, tops + Parts));
+        const float fullBottom = limit(*std::min_element(bottoms, bottoms + Parts));
+        first_[i] = static_cast<int>(std::floor(top));
+        last_[i] = std::max(first_[i], static_cast<int>(std::ceil(bottom)));
+        fullFrom_[i] = static_cast<int>(std::ceil(fullTop));
+        fullTo_[i] = static_cast<int>(std::floor(fullBottom));
         if (fullFrom_[i] >= fullTo_[i]) {
             fullFrom_[i] = fullTo_[i] = last_[i];
         }
@@ -117,10 +106,29 @@ private:
         std::copy(mixed.begin(), mixed.end(), line);
     }
     void paintShares(std::uint32_t* column, int stride, int i, int from, int to, std::uint32_t color) const {
-        for (int row = from; row < to; ++row) {
-            std::uint32_t& pixel = column[static_cast<std::ptrdiff_t>(row) * stride];
-            pixel = mixed(pixel, color, static_cast<std::uint32_t>(share(i, row) * 255 + 0.5F));
+        for (int row = from; row < to;) {
+            const auto cover = static_cast<std::uint32_t>(share(i, row) * 255 + 0.5F);
+            const int end = to - from > kShortEdge ? std::min(to, endOfShare(i, row)) : row + 1;
+            for (; row < end && cover > 0; ++row) {
+                std::uint32_t& pixel = column[static_cast<std::ptrdiff_t>(row) * stride];
+                pixel = mixed(pixel, color, cover);
+            }
+            row = end;
         }
+    }
+    /// Up to where the line covers as much of the column as in the row: in steep edges that is far.
+    [[nodiscard]] int endOfShare(int i, int row) const {
+        int end = height_;
+        const auto take = [row, &end, most = static_cast<float>(height_)](float edge) {
+            // The row of the edge is covered in part, those behind it as the next edge says.
+            const int at = static_cast<int>(std::floor(std::clamp(edge, -1.0F, most)));
+            end = at > row ? std::min(end, at) : at == row ? row + 1 : end;
+        };
+        for (int part = i * Parts; part < (i + 1) * Parts; ++part) {
+            take(tops_[part]);
+            take(bottoms_[part]);
+        }
+        return end;
     }
     /// Of the pixel, what the line covers.
     [[nodiscard]] float share(int i, int row) const {
@@ -130,9 +138,6 @@ private:
             const float to = bottom < upper + 1 ? bottom : upper + 1;
             return to > from ? to - from : 0;
         };
-        if (hulls_ || Parts == 1) {
-            return covered(top_[i], bottom_[i]);
-        }
         float sum = 0;
         for (int part = i * Parts; part < (i + 1) * Parts; ++part) {
             sum += covered(tops_[part], bottoms_[part]);
@@ -144,9 +149,6 @@ private:
     const float* bottoms_;
     int count_;
     int height_;
-    bool hulls_ = false;
-    std::array<float, kTile> top_{};
-    std::array<float, kTile> bottom_{};
     std::array<int, kTile> first_{};
     std::array<int, kTile> fullFrom_{};
     std::array<int, kTile> fullTo_{};

@@ -39,11 +39,14 @@ public:
                const ChartCurves& curves, const Look& look);
 
 private:
-    void paintCurve(const PixelArea& part, int left, int series, const ChartModel& model,
+    void paintBand(const PixelArea& band, int left, int width, const ChartModel& model,
+                   const ChartCurves& curves, const Look& look);
+    void paintCurve(const PixelArea& band, int left, int series, const ChartModel& model,
                     const ChartCurves& curves, const Look& look);
 
     CurveInk ink_;
-    std::vector<std::size_t> drawn_; ///< rows, by series
+    std::vector<std::uint32_t> band_; ///< some columns that lie close together while they are painted
+    std::vector<std::size_t> drawn_;  ///< rows, by series
     bool thinned_ = false;
 };
 

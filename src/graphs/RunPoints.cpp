@@ -94,7 +94,7 @@ std::size_t RunPoints::rowAt(double wanted) {
         addRow(wanted);
         return rows_ - 1;
     }
-    const std::size_t row = firstAt(wanted);
+    const std::size_t row = wanted == time(rows_ - 1) ? rows_ - 1 : firstAt(wanted);
     if (time(row) != wanted) {
         dropFrom(row);
         addRow(wanted);
@@ -108,8 +108,16 @@ void RunPoints::addRow(double time) {
     }
     Piece& last = piece(rows_);
     last.time[rows_ % kPiece] = time;
-    last.gap[rows_ % kPiece] = false;
+    last.gaps[rows_ % kPiece] = rows_ > 0 ? gaps(rows_ - 1) : 0;
     ++rows_;
+}
+
+void RunPoints::markGap(std::size_t row) {
+    if (!gapBefore(row)) {
+        for (; row < rows_; ++row) { // almost always the newest one
+            ++piece(row).gaps[row % kPiece];
+        }
+    }
 }
 
 void RunPoints::set(std::size_t column, std::size_t row, double value) {

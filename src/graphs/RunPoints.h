@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -35,7 +36,10 @@ public:
     [[nodiscard]] std::size_t rows() const { return rows_; }
     [[nodiscard]] double time(std::size_t row) const { return piece(row).time[row % kPiece]; }
     /// No reading was taken between the row before and this one.
-    [[nodiscard]] bool gapBefore(std::size_t row) const { return piece(row).gap[row % kPiece]; }
+    [[nodiscard]] bool gapBefore(std::size_t row) const { return gaps(row) != (row > 0 ? gaps(row - 1) : 0); }
+    /// Number of gaps up to the row, with the one before it: rows with the same number have none between
+    /// them.
+    [[nodiscard]] std::uint32_t gaps(std::size_t row) const { return piece(row).gaps[row % kPiece]; }
     /// NaN where the column has none.
     [[nodiscard]] float value(std::size_t column, std::size_t row) const {
         return piece(row).value[column * kPiece + row % kPiece];
@@ -65,7 +69,7 @@ public:
     /// Sets a value in a row after the column's newest one. What is no number is dropped; a value beyond what
     /// a float holds is taken as the greatest one.
     void set(std::size_t column, std::size_t row, double value);
-    void markGap(std::size_t row) { piece(row).gap[row % kPiece] = true; }
+    void markGap(std::size_t row);
     /// Keeps the column's first `count` values. The rows go when no column has a value any more.
     void cut(std::size_t column, std::size_t count);
     void clear();
@@ -76,7 +80,7 @@ private:
     struct Piece {
         explicit Piece(std::size_t columns);
         std::array<double, kPiece> time{};
-        std::array<bool, kPiece> gap{};
+        std::array<std::uint32_t, kPiece> gaps{};
         std::vector<float> value;      ///< by column, then row
         std::vector<ValueRange> spans; ///< by column, then span
     };

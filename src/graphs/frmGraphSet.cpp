@@ -198,6 +198,7 @@ void frmGraphSet::cmdOK_Click() {
     current.setXDiv(static_cast<float>(spn(kXSpacing).value()));
     current.setYMin(static_cast<float>(spn(kYMinimum).value()));
     current.setYMax(static_cast<float>(spn(kYMaximum).value()));
+    current.markYHome();
     current.setYDiv(static_cast<std::int16_t>(spn(kYSpacing).value()));
     current.setYGrid_Enable(chkYDiv_->isChecked() ? kChecked : kUnchecked);
     current.setXGrid_Enable(chkXDiv_->isChecked() ? kChecked : kUnchecked);

@@ -51,7 +51,7 @@ TEST(ChartFile, RefusesWhatIsBroken) {
                                   with("Grid=yes", "Grid=perhaps"),
                                   with("Color=program", "Color=#12345"),
                                   with("Title=Elapsed", "Title=\xff"),
-                                  with("Title=", "Title=" + std::string(101, 'x')),
+                                  with("Title=", "Title=" + std::string(201, 'x')),
                                   whole + "x",
                                   whole + whole};
     for (const std::string& text : broken) {
@@ -69,8 +69,8 @@ TEST(ChartFile, RefusesWhatIsBroken) {
 
 TEST(ChartFile, TitlesCannotBreakTheFile) {
     ChartLook look = kDesign;
-    look.y.title = "a\nEnd of chart settings\n" + std::string(200, 'e') + "\xc3\xa9";
-    look.x.title = std::string(99, 'e') + "\xc3\xa9"; // would be cut within a character
+    look.y.title = "a\nEnd of chart settings\n" + std::string(300, 'e') + "\xc3\xa9";
+    look.x.title = std::string(199, 'e') + "\xc3\xa9"; // would be cut within a character
     EXPECT_TRUE(parseChartLook(chartLookText(look), kDesign));
 }
 
@@ -131,16 +131,13 @@ TEST(ChartFile, FilesOfAnySizeCostLittle) {
         lines += "[" + std::to_string(lines.size()) + "]\nx\n";
     }
     files.put("/app/b.oc2", lines + "End of chart settings\n");
-    const auto costs = [](const auto& load) {
-        const std::clock_t begin = std::clock(); // of this process alone
-        load();
-        return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
-    };
-    EXPECT_LT(costs([&] { EXPECT_EQ(loadChartData(files, "/app/a.dat", 1), nullptr) << "too many rows"; }),
-              1);
-    EXPECT_LT(costs([&] { EXPECT_EQ(loadChartData(files, "/app/b.dat", 1), nullptr); }), 1);
-    EXPECT_LT(costs([&] { EXPECT_FALSE(loadChartLook(files, "/app/a.oc2", kDesign)); }), 1);
-    EXPECT_LT(costs([&] { EXPECT_FALSE(loadChartLook(files, "/app/b.oc2", kDesign)); }), 1);
+    for (const char* path :
+         {"/app/a.dat", "/app/b.dat", "/app/a.oc2", "/app/b.oc2"}) { // too many rows, too large
+        const std::clock_t begin = std::clock();                     // of this process alone
+        EXPECT_EQ(loadChartData(files, path, 1), nullptr) << path;
+        EXPECT_FALSE(loadChartLook(files, path, kDesign)) << path;
+        EXPECT_LT(std::clock() - begin, CLOCKS_PER_SEC) << path;
+    }
     EXPECT_FALSE(loadChartLook(files, "/app", kDesign));
 }
 

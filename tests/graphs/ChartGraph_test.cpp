@@ -1,6 +1,6 @@
 // The graph object: properties, their order and what is kept of the old behaviour.
-#include "fakes/FaultyFilePort.h"
 #include "graphs/ChartBench.h"
+#include "graphs/LookEdit.h"
 
 #include <gtest/gtest.h>
 
@@ -72,15 +72,26 @@ TEST(ChartGraph, YPairComesIntoForceWhenItIsInOrder) {
     }
 }
 
-TEST(ChartGraph, TheOperatorsZoomIsFollowedAndHomeGoesBack) {
+TEST(LookEdit, TakesBackWhatItChangedAndNobodyChangedSince) {
     ChartBench bench;
-    bench.graph.setYMax(15);
     bench.model.setYView({2, 3});
-    bench.graph.setYMax(bench.graph.shownYMax());
-    bench.graph.setYMin(bench.graph.shownYMin());
-    EXPECT_EQ(bench.graph.YMin(), 2);
-    bench.model.follow();
-    EXPECT_EQ(bench.model.yView(), (ValueSpan{0, 15}));
+    LookEdit edit(bench.model);
+    edit.change([](ChartLook& look) {
+        look.y.maximum = 9;
+        look.x.gridSpacing = 7;
+        look.series[0].label = "Left";
+    });
+    EXPECT_EQ(bench.model.yHome(), (ValueSpan{2, 9}));
+    bench.graph.setXDiv(30);
+    bench.model.setSeriesShown(4, false);
+    edit.change([](ChartLook& look) { look.series[1].width = 4; });
+    edit.takeBack();
+    EXPECT_EQ(bench.model.yView(), (ValueSpan{2, 3})) << "the zoom from before";
+    EXPECT_EQ(bench.model.yHome(), (ValueSpan{0, 20}));
+    EXPECT_EQ(bench.graph.XDiv(), 30) << "set since";
+    EXPECT_FALSE(bench.model.seriesVisible(4));
+    EXPECT_EQ(bench.model.look().series[0].label, "Sensor 1");
+    EXPECT_EQ(bench.model.look().series[1].width, 1.5F);
 }
 
 TEST(ChartGraph, InitTakesTheDesignLookAndEmptiesTheSeries) {
@@ -162,20 +173,6 @@ TEST(ChartGraph, LoadGoesByTheConfigurationAlone) {
     EXPECT_EQ(bench.model.yView().to, 50) << "a broken file changes nothing";
     bench.graph.setCfg_Filename("ab");
     EXPECT_THROW(static_cast<void>(bench.graph.Cfg_Load()), std::invalid_argument);
-}
-
-TEST(ChartGraph, AFullDiskIsToldAndTheOldFileStays) {
-    MemoryFilePort memory;
-    memory.put("/app/avg_dep.oc2", "old");
-    FaultyFilePort files(memory);
-    RunPoints run(kRunColumns);
-    ChartModel model(chartDesign(GraphKind::cAvgGraph), run);
-    ChartGraph graph(model, {&files, "/app", nullptr});
-    graph.Init();
-    files.fillAfter(10);
-    EXPECT_FALSE(graph.Cfg_Save());
-    EXPECT_NE(graph.saveFault().find("No space"), std::string::npos);
-    EXPECT_EQ(memory.text("/app/avg_dep.oc2"), "old");
 }
 
 } // namespace

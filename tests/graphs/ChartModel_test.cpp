@@ -77,6 +77,9 @@ std::map<long, std::pair<double, double>> heights(const ChartBench& bench, int s
     const double origin = std::floor(bench.model.xView().from / width);
     std::map<long, std::pair<double, double>> found;
     for (const CurvePoint& point : curves.curve(series)) {
+        if (point.x < 0 || point.x > 600) {
+            continue; // beside the view the nearest reading is enough
+        }
         const long column = std::lround(origin + point.x - 0.5);
         auto& [least, greatest] = found.try_emplace(column, point.y, point.y).first->second;
         least = std::min(least, point.y);
@@ -132,24 +135,48 @@ TEST(ChartCurves, ExactWhereThinAndGapsStayGaps) {
         << "all readings in view";
     EXPECT_LT(curve.front().x, 0) << "up to the edges";
     EXPECT_GT(curve.back().x, 600);
-    int starts = 0;
-    for (const CurvePoint& point : curve) {
-        starts += point.start ? 1 : 0;
-        if (point.start && starts == 2) {
-            EXPECT_NEAR(point.x, exact.xPixel(70), 1e-9);
-            EXPECT_NEAR(point.y, exact.yPixel(ChartBench::wave(4, 70)), 1e-4);
+    const auto second =
+        std::find_if(curve.begin() + 1, curve.end(), [](const CurvePoint& p) { return p.start; });
+    ASSERT_NE(second, curve.end());
+    EXPECT_NEAR(second->x, exact.xPixel(70), 1e-9);
+    EXPECT_NEAR(second->y, exact.yPixel(ChartBench::wave(4, 70)), 1e-4);
+    bench.feed(100.25, 4000);
+    bench.graph.appendGap();
+    for (double t = 4010; t < 4110; t += 0.25) { // series 4 comes some columns later than the gap ends
+        bench.graph.append(1, t, 1);
+        if (t > 4050.3) {
+            bench.graph.append(4, t, 1);
         }
     }
-    EXPECT_EQ(starts, 2);
-    bench.feed(100.25, 4000);
-    bench.model.viewWholeRun();
-    const ChartCurves thinned(bench.model, 600, 400);
-    ASSERT_TRUE(thinned.thinned());
-    starts = 0;
-    for (const CurvePoint& point : thinned.curve(3)) {
-        starts += point.start ? 1 : 0;
+    for (const auto& [view, pieces] :
+         {std::pair(ValueSpan{20, 90}, 2), {{0, 4110}, 3}, {{3000, 4110}, 2}, {{-400, 4050}, 3}}) {
+        bench.model.setXView(view);
+        const ChartCurves curves(bench.model, 600, 400);
+        EXPECT_EQ(curves.thinned(), view.size() > 100);
+        for (const int series : {0, 3}) {
+            const std::vector<CurvePoint> drawn = curves.curve(series);
+            EXPECT_EQ(std::count_if(drawn.begin(), drawn.end(), [](const CurvePoint& p) { return p.start; }),
+                      pieces)
+                << series << " from " << view.from;
+        }
     }
-    EXPECT_EQ(starts, 2);
+}
+
+TEST(ChartCurves, RunUpToTheEdgesHoweverFarAsideTheReadingsOrTheirInkLie) {
+    ChartBench bench;
+    bench.feed(0, 100);
+    for (double t = 120; t < 4000; t += 20) { // a link that has become slow
+        bench.graph.append(1, t, 1);
+    }
+    for (const double width : {100.0, 500.0}) { // exact, thinned
+        bench.model.setXView({1005, 1005 + width});
+        const std::vector<CurvePoint> curve = ChartCurves(bench.model, 600, 400).curve(0);
+        EXPECT_LT(curve.front().x, 0) << width;
+        EXPECT_GT(curve.back().x, 600) << width;
+    }
+    bench.model.setXView({50, 110});
+    const ChartCurves curves(bench.model, 6000, 400); // a reading each 25 pixels, with 40 pixels of ink
+    EXPECT_LT(curves.curve(1, 0, 6000, 40).front().x, -40);
 }
 
 TEST(ChartCurves, AreThinnedOrNotWhateverPartOfTheRunIsInView) {
@@ -214,6 +241,8 @@ TEST(AxisTicks, StandAtWholeMultiplesAndLeaveOutWhatHasNoRoom) {
         {"begins elsewhere", 5, {3, 17}, false, "5 10 15", 3, 29},
         {"too fine", 1, {0, 9999}, false, "0 2000 4000 6000 8000", 5, 50},
         {"nothing in view", 5, {6, 8}, false, "6 6.5 7 7.5 8", 0, 41},
+        {"before zero", 60, {-1, 0.4}, true, "-00:00:01.000 -00:00:00.500 00:00:00.000", 1, 29},
+        {"no whole seconds", 2.5, {0, 6}, true, "00:00:00.000 00:00:02.500 00:00:05.000", 3, 25},
         {"parts of a second",
          60,
          {10, 11},

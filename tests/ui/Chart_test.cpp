@@ -106,12 +106,13 @@ protected:
     MemoryFilePort memory;
     FaultyFilePort files{memory};
     ChosenFile dialogs;
+    int placed = 0;
     FakeClock clock;
     FakeEventPump pump{clock};
     ActionQueue actions{pump};
     ChartSet charts{{&files, &dialogs,
                      [this](std::function<void()> action) { actions.runWhenIdle(std::move(action)); }, &pump,
-                     "/app"}};
+                     "/app", [this](QWidget&) { ++placed; }}};
     ChartControl& chart = charts.chart(2);
     ChartGraph& graph = charts.graph(2);
 };
@@ -284,8 +285,21 @@ TEST_F(Chart, TracerReadsAndPins) {
     EXPECT_NE(said().find("-0.250 s"), std::string::npos) << said();
     QTest::keyClick(&chart, Qt::Key_Escape);
     EXPECT_EQ(said().find("per s"), std::string::npos);
+    struct Step {
+        Qt::Key key;
+        Qt::KeyboardModifier modifier;
+        const char* read;
+    };
+    for (const Step& step : {Step{Qt::Key_Up, Qt::ControlModifier, "Sensor 4: 10.0"},
+                             {Qt::Key_Down, Qt::ControlModifier, "Sensor 5: 12.5"},
+                             {Qt::Key_5, Qt::NoModifier, "Sensor 6: 15.0"}}) { // hides what is read
+        QTest::keyClick(&chart, step.key, step.modifier);
+        EXPECT_EQ(said().find(step.read), 11U) << said();
+    }
     EXPECT_NE(said().find("Newest: Sensor 1 2.50"), std::string::npos) << said();
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(&chart)->role(), QAccessible::Chart);
+    QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&chart);
+    EXPECT_EQ(accessible->role(), QAccessible::Chart);
+    EXPECT_TRUE(accessible->text(QAccessible::Help).contains(QLatin1String("Control with Up or Down")));
 }
 
 TEST_F(Chart, TheClickThatGivesTheFocusPinsNothing) {
@@ -294,7 +308,9 @@ TEST_F(Chart, TheClickThatGivesTheFocusPinsNothing) {
     other.show();
     other.setFocus();
     const QPoint at = place(100, level(3));
-    QTest::mouseClick(&chart, Qt::LeftButton, {}, at);
+    QTest::mousePress(&chart, Qt::LeftButton, {}, at);
+    QTest::qWait(400); // a slow hand
+    QTest::mouseRelease(&chart, Qt::LeftButton, {}, at);
     ASSERT_TRUE(chart.hasFocus());
     hover(place(120, level(3)));
     EXPECT_EQ(said().find("per s"), std::string::npos);
@@ -324,6 +340,7 @@ TEST_F(Chart, MenuAndLegendHideSeriesAndFit) {
 
 TEST_F(Chart, PicturesAndExportGoThroughTheFilePort) {
     run(0, 100);
+    QTest::keyClick(&chart, Qt::Key_2);
     const std::pair<const char*, const char*> formats[] = {
         {"/app/a.png", "\x89PNG"}, {"/app/a.svg", "<?xml"}, {"/app/a.PDF", "%PDF"}};
     for (const auto& [path, begins] : formats) {
@@ -333,6 +350,8 @@ TEST_F(Chart, PicturesAndExportGoThroughTheFilePort) {
         EXPECT_GT(memory.text(path).size(), 2000U) << path;
     }
     EXPECT_NE(memory.text("/app/a.svg").find(">Sensor Rates (A/s)<"), std::string::npos);
+    const std::string strike = "stroke=\"" + Theme::light().disabled.name().toStdString();
+    EXPECT_NE(memory.text("/app/a.svg").find(strike), std::string::npos) << "the hidden sensor's entry";
     {
         const ActionQueue::Scope exchange(actions);
         const int asked = dialogs.asked;
@@ -395,6 +414,18 @@ TEST_F(GraphSet, OkAppliesToTheCurrentGraphAndTheWidthToAll) {
     EXPECT_TRUE(charts.graph(4).XGrid_Enable());
 }
 
+TEST_F(GraphSet, OkIsHomeAlsoForAZoomedAxis) {
+    graph.setYMax(12);
+    graph.setYMin(4); // as the cycle follows the operator's zoom
+    open();
+    click("cmdOK");
+    QTest::keyClick(&chart, Qt::Key_Plus);
+    EXPECT_GT(graph.shownYMin(), 4);
+    QTest::keyClick(&chart, Qt::Key_Home);
+    EXPECT_EQ(graph.shownYMin(), 4);
+    EXPECT_EQ(graph.shownYMax(), 12);
+}
+
 TEST_F(GraphSet, CancelChangesNothingAndOkUntouchedKeepsTheLook) {
     open();
     spin(4).setValue(7);
@@ -435,20 +466,30 @@ TEST_F(GraphSet, TheEditorShowsChangesAtOnceAndCancelTakesAllBack) {
             ->item(0, 1)
             ->setText(QStringLiteral("Left"));
         QLineEdit* title = editor->findChild<QLineEdit*>(QStringLiteral("edtYTitle"));
-        title->setFocus();
-        QTest::keyClicks(title, QStringLiteral("!"));
+        title->selectAll();
+        title->insert(
+            QString(60, QChar(0x1ebf))); // an accented letter of three bytes, more than there is room for
         EXPECT_EQ(graph.shownYMax(), 25.5F);
-        EXPECT_NE(said().find("Sensor Rates (A/s)! from"), std::string::npos) << said();
-        graph.setXMin(75); // the run goes on meanwhile
+        const std::string written = QString(50, QChar(0x1ebf)).toStdString();
+        EXPECT_EQ(said().find(written + " from"), 0U) << said();
+        graph.setXMin(75); // the run goes on meanwhile, and the operator zooms
         graph.setXwide(300);
+        QTest::keyClick(&chart, Qt::Key_Plus);
+        const float zoomed = graph.shownYMax();
         QTest::keyClick(editor, accepted ? Qt::Key_Return : Qt::Key_Escape);
+        EXPECT_EQ(graph.shownYMax(), zoomed);
+        EXPECT_FALSE(chart.following());
+        QTest::keyClick(&chart, Qt::Key_Home);
         EXPECT_EQ(graph.shownYMax(), accepted ? 25.5F : 20.F);
         EXPECT_EQ(said().find("Left 2.50") != std::string::npos, accepted) << said();
         EXPECT_NE(said().find("time 00:01:15 to 00:06:15"), std::string::npos) << said();
         settle();
+        ASSERT_TRUE(graph.Cfg_Save());
+        ASSERT_TRUE(graph.Cfg_Load());
+        EXPECT_EQ(said().find(written) == 0, accepted) << said();
     }
-    ASSERT_TRUE(graph.Cfg_Save());
     EXPECT_NE(memory.text("/app/ch_dep.oc2").find("Label=Left"), std::string::npos);
+    EXPECT_EQ(placed, 2) << "where it was the last time";
 }
 
 } // namespace

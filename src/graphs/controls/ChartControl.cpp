@@ -19,7 +19,11 @@ namespace {
 constexpr int kRing = 2;
 constexpr int kMessageMs = 10000;
 constexpr int kDescribeMs = 1000;
-constexpr int kFocusClickMs = 300; ///< within which a click is the one that gave the focus
+constexpr const char* kHelp = "Arrow keys move the view, plus and minus zoom, Home follows the run. Control "
+                              "with Left or Right reads the "
+                              "points of a series, Control with Up or Down goes to the next series. Space "
+                              "pins a point, Escape drops it. "
+                              "1 to 6 hide or show a sensor. The Menu key opens the menu.";
 constexpr Qt::Orientations kBoth = Qt::Horizontal | Qt::Vertical;
 } // namespace
 
@@ -29,9 +33,11 @@ ChartControl::ChartControl(ChartModel& model, ChartGraph& graph, const ChartPort
     , graph_(graph)
     , mouse_(model)
     , tracer_(model)
+    , place_(ports.place)
     , output_(model, ports, [this](const QString& text) { showMessage(text); }) {
     setObjectName(QString::fromLatin1(model.design().controlName));
     setAccessibleName(QString::fromLatin1(model.design().title));
+    setWhatsThis(QString::fromLatin1(kHelp)); // also what accessibility gives as help
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -53,6 +59,7 @@ ChartControl::~ChartControl() {
 
 /// A tick paints only where readings came.
 void ChartControl::modelChanged() {
+    tracer_.leaveHidden();
     if (model_.lastPoint(0) == 0) { // a new run
         tracer_.leave();
         tracer_.dropPin();
@@ -185,7 +192,10 @@ bool ChartControl::clickLegend(const QPoint& at) {
     return false;
 }
 
+/// The click that gives the focus, whether from a control beside or from another window, pins nothing.
 void ChartControl::mousePressEvent(QMouseEvent* event) {
+    pressPins_ = hasFocus() && !focusCame_;
+    focusCame_ = false;
     if (event->button() != Qt::LeftButton || clickLegend(event->pos())) {
         return;
     }
@@ -194,6 +204,7 @@ void ChartControl::mousePressEvent(QMouseEvent* event) {
 }
 
 void ChartControl::mouseMoveEvent(QMouseEvent* event) {
+    focusCame_ = false;
     if (!mouse_.pressed()) {
         traceAt(event->position());
     } else if (mouse_.move(event->position())) {
@@ -202,15 +213,13 @@ void ChartControl::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void ChartControl::mouseReleaseEvent(QMouseEvent* event) {
-    const bool gaveFocus = focusedSince_.isValid() && focusedSince_.elapsed() < kFocusClickMs;
-    if (event->button() == Qt::LeftButton && mouse_.release() && !gaveFocus) {
+    if (event->button() == Qt::LeftButton && mouse_.release() && pressPins_) {
         traceAt(event->position());
         if (tracer_.point()) {
             tracer_.pin();
         }
         update();
     }
-    focusedSince_.invalidate();
 }
 
 void ChartControl::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -234,8 +243,11 @@ void ChartControl::leaveEvent(QEvent* event) {
 }
 
 bool ChartControl::tracerKey(int key, Qt::KeyboardModifiers modifiers) {
-    if (modifiers.testFlag(Qt::ControlModifier) && (key == Qt::Key_Left || key == Qt::Key_Right)) {
+    const bool control = modifiers.testFlag(Qt::ControlModifier);
+    if (control && (key == Qt::Key_Left || key == Qt::Key_Right)) {
         tracer_.step(key == Qt::Key_Left ? -1 : 1);
+    } else if (control && (key == Qt::Key_Up || key == Qt::Key_Down)) {
+        tracer_.stepSeries(key == Qt::Key_Up ? -1 : 1);
     } else if (key == Qt::Key_Space) {
         pinTraced();
     } else if (key == Qt::Key_Escape && (tracer_.pinned() || tracer_.point())) {
@@ -252,6 +264,7 @@ bool ChartControl::tracerKey(int key, Qt::KeyboardModifiers modifiers) {
 }
 
 void ChartControl::keyPressEvent(QKeyEvent* event) {
+    focusCame_ = false;
     mouse_.setPlot(plotRect());
     const Qt::KeyboardModifiers command = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
     if (event->matches(QKeySequence::Copy)) {
@@ -321,6 +334,9 @@ void ChartControl::openEditor(QWidget* owner) {
     if (editor_ == nullptr) {
         editor_ = new ChartEditor(model_, owner);
         editor_->setAttribute(Qt::WA_DeleteOnClose);
+        if (place_) {
+            place_(*editor_);
+        }
     }
     editor_->show();
     editor_->raise();
@@ -331,9 +347,7 @@ void ChartControl::openEditor(QWidget* owner) {
 
 void ChartControl::focusInEvent(QFocusEvent* event) {
     QWidget::focusInEvent(event);
-    if (event->reason() == Qt::MouseFocusReason || event->reason() == Qt::ActiveWindowFocusReason) {
-        focusedSince_.start();
-    }
+    focusCame_ = event->reason() == Qt::MouseFocusReason || event->reason() == Qt::ActiveWindowFocusReason;
     update();
 }
 

@@ -5,7 +5,6 @@
 #include "graphs/controls/ChartMouse.h"
 #include "graphs/controls/ChartOutput.h"
 
-#include <QElapsedTimer>
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
@@ -89,13 +88,15 @@ private:
     ChartGraph& graph_;
     ChartMouse mouse_;
     ChartTracer tracer_;
+    std::function<void(QWidget&)> place_;
     ChartOutput output_;
     std::unique_ptr<ChartSurface> surface_;
     QString silence_;
     QString message_;
     QTimer messageTimer_;
     QTimer describeTimer_;
-    QElapsedTimer focusedSince_;
+    bool focusCame_ = false; ///< with the mouse or the window, and nothing was done since
+    bool pressPins_ = false;
     QPointer<ChartEditor> editor_;
 };
 

@@ -23,7 +23,6 @@ namespace drx9 {
 
 namespace {
 enum Column { kShown, kLabel, kColor, kWidth };
-constexpr int kMostLabel = 50; ///< characters
 constexpr int kButtonWidth = 92;
 constexpr double kMostValue = 100000;
 
@@ -87,7 +86,7 @@ Control* named(Control* control, const char* name, const char* accessible) {
 ChartEditor::ChartEditor(ChartModel& model, QWidget* owner)
     : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint)
     , model_(model)
-    , before_(model.look()) {
+    , edit_(model) {
     setObjectName(QStringLiteral("ChartEditor"));
     setWindowTitle(QString::fromLatin1(model.design().heading));
     auto* column = new QVBoxLayout(this);
@@ -105,20 +104,8 @@ ChartEditor::ChartEditor(ChartModel& model, QWidget* owner)
     resize(sizeHint().expandedTo({540, 427}));
 }
 
-/// The look with one thing changed goes to the chart. Its time window is the run's, not the editor's.
-void ChartEditor::change(const Change& change) {
-    ChartLook look = model_.look();
-    change(look);
-    model_.setLook(std::move(look));
-}
-
 void ChartEditor::reject() {
-    change([this](ChartLook& look) {
-        const AxisLook now = look.x;
-        look = before_;
-        look.x.minimum = now.minimum;
-        look.x.maximum = now.maximum;
-    });
+    edit_.takeBack();
     QDialog::reject();
 }
 
@@ -249,7 +236,7 @@ void ChartEditor::seriesEdited(QTableWidgetItem* item) {
         if (item->column() == kShown) {
             edited.shown = item->checkState() == Qt::Checked;
         } else if (item->column() == kLabel) {
-            edited.label = item->text().left(kMostLabel).toStdString();
+            edited.label = item->text().left(kMostTextCharacters).toStdString();
         } else if (item->column() == kWidth && number) {
             edited.width = std::clamp(width, kLeastLine, kMostLine);
         }
@@ -282,7 +269,7 @@ void ChartEditor::useProgramColors() {
 void ChartEditor::addText(QFormLayout& form, const char* label, const char* name, std::string AxisLook::*text,
                           AxisLook ChartLook::*axis) {
     auto* line = named(new QLineEdit(QString::fromStdString(model_.look().*axis.*text), this), name, label);
-    line->setMaxLength(kMostLabel);
+    line->setMaxLength(kMostTextCharacters);
     line->setMinimumSize(260, 28);
     connect(line, &QLineEdit::textEdited, this, [this, axis, text](const QString& typed) {
         change([&](ChartLook& look) { look.*axis.*text = typed.toStdString(); });

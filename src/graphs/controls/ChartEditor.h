@@ -1,6 +1,6 @@
 #pragma once
 
-#include "graphs/ChartModel.h"
+#include "graphs/LookEdit.h"
 
 #include <QDialog>
 
@@ -14,7 +14,7 @@ class QTableWidgetItem;
 namespace drx9 {
 
 /// The chart's built-in editor: all of a chart's look that its configuration file stores. Every change shows
-/// on the chart at once; Cancel takes all back.
+/// on the chart at once; Cancel takes back what was changed here.
 class ChartEditor : public QDialog {
     Q_OBJECT
 public:
@@ -50,11 +50,11 @@ private:
     void seriesEdited(QTableWidgetItem* item);
     void chooseColor();
     void useProgramColors();
-    void change(const Change& change);
+    void change(const Change& change) { edit_.change(change); }
     [[nodiscard]] QColor shownColor(int series) const;
 
     ChartModel& model_;
-    const ChartLook before_;
+    LookEdit edit_;
     QTableWidget* table_ = nullptr;
 };
 

@@ -47,7 +47,7 @@ bool ChartMouse::move(const QPointF& at) {
     if (along.testFlag(Qt::Horizontal) && (moved.x() != 0 || !model_.following())) {
         model_.setXView(shifted(pressed_->x, -moved.x() / plot_.width() * pressed_->x.size()));
     }
-    if (along.testFlag(Qt::Vertical)) {
+    if (along.testFlag(Qt::Vertical) && (moved.y() != 0 || model_.yView() != pressed_->y)) {
         model_.setYView(shifted(pressed_->y, moved.y() / plot_.height() * pressed_->y.size()));
     }
     return true;

@@ -22,12 +22,13 @@ void ChartNotes::paintNote(QPainter& painter, const QRect& plot, const QString& 
         return;
     }
     const QFontMetrics metrics(font_);
-    const QRect box(plot.left() + 8, plot.top() + 6, metrics.horizontalAdvance(note) + 12,
+    const QString shown = metrics.elidedText(note, Qt::ElideRight, plot.width() - 20);
+    const QRect box(plot.left() + 8, plot.top() + 6, metrics.horizontalAdvance(shown) + 12,
                     metrics.height() + 4);
     painter.fillRect(box, theme_.plot); // curves do not run through the words
     painter.setFont(font_);
     painter.setPen(theme_.warn);
-    painter.drawText(box, Qt::AlignCenter, note);
+    painter.drawText(box, Qt::AlignCenter, shown);
 }
 
 QPointF ChartNotes::place(const QRect& plot, double time, double value) const {
@@ -84,7 +85,7 @@ void ChartNotes::paintWords(QPainter& painter, const QRect& plot, const QPointF&
     box.moveBottomRight(point + QPointF(-10, -16));
     box.moveTop(std::max(box.top(), plot.top() + 2.0));
     if (box.left() < plot.left()) {
-        box.moveLeft(point.x() + 10);
+        box.moveLeft(std::max<double>(plot.left(), std::min(point.x() + 10, plot.right() - box.width())));
     }
     painter.setPen(QPen(theme_.line, 1));
     painter.setBrush(theme_.plot);

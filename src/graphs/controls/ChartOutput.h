@@ -17,7 +17,7 @@ namespace drx9 {
 
 struct Theme;
 
-/// What a chart needs to leave something in a file. With any of the first three missing it offers no files.
+/// What a chart needs of the program. With any of the first three missing it offers no files.
 struct ChartPorts {
     FilePort* files = nullptr;
     FileDialogs* dialogs = nullptr;
@@ -25,6 +25,8 @@ struct ChartPorts {
     std::function<void(std::function<void()>)> whenIdle;
     EventPump* pump = nullptr;
     std::string folder; ///< of the graphs' configuration files
+    /// Puts a window, not yet shown, where it was when it was last closed; may be empty.
+    std::function<void(QWidget&)> place;
 };
 
 enum class PictureFormat { Png, Svg, Pdf };

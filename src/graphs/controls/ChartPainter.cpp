@@ -10,18 +10,13 @@
 
 namespace drx9 {
 
+using chartMeasure::kSwatch;
+using chartMeasure::kSwatchGap;
+using chartMeasure::kTick;
+
 namespace {
-constexpr int kLeft = 14;
-constexpr int kTop = 6;
-constexpr int kSwatch = 21;
-constexpr int kSwatchGap = 7;
-constexpr int kEntryGap = 15;
-constexpr int kPlotGap = 12; ///< between header and plot
-constexpr int kLeastLeft = 56;
-constexpr int kLeastRight = 36; ///< in which the last time label stays whole
-constexpr int kTick = 7;
+constexpr double kWidest = 1000; ///< that a label can be
 constexpr int kSmallTick = 4;
-constexpr int kLabelGap = 12; ///< least distance of two labels
 constexpr double kDot = 3;
 constexpr int kNumberOffset = 15;
 constexpr int kNumberPixels = 13;
@@ -30,17 +25,8 @@ constexpr double kLeaderGap = 6;
 constexpr int kMarkRoom = 44; ///< right of a curve's end, for dot and number
 constexpr int kMarkReach = 9;
 
-QFont bold(QFont font) {
-    font.setBold(true);
-    return font;
-}
-
 std::uint32_t rgb(const QColor& color) {
     return 0xff000000U | (color.rgb() & 0xffffffU);
-}
-
-QString text(const std::string& utf8) {
-    return QString::fromStdString(utf8);
 }
 
 /// Whether the surface holds this chart's pixels as they were before readings came.
@@ -79,40 +65,7 @@ QColor ChartPainter::seriesColor(int series) const {
 }
 
 ChartLayout ChartPainter::layout(const QRect& rect) const {
-    const QFontMetrics metrics(font_);
-    const int line = metrics.height() + 4;
-    const int right = std::max(kLeastRight, metrics.horizontalAdvance(QStringLiteral("00:00:00")) / 2 + 6);
-    const ChartLook& look = model_.look();
-    std::vector<int> widths;
-    int legend = -kEntryGap;
-    for (int series = 0; series < model_.seriesCount(); ++series) {
-        const bool entry = look.legend && model_.seriesPresent(series);
-        const QString label = text(look.series[static_cast<std::size_t>(series)].label);
-        widths.push_back(entry ? kSwatch + kSwatchGap + metrics.horizontalAdvance(label) : 0);
-        legend += entry ? widths.back() + kEntryGap : 0;
-    }
-    const int title = QFontMetrics(bold(font_)).horizontalAdvance(text(look.y.title));
-    const bool second = legend > 0 && kLeft + title + 20 + legend + right > rect.width();
-    ChartLayout layout;
-    layout.title = {rect.left() + kLeft, rect.top() + kTop, rect.width() - kLeft - right, line};
-    int x = std::max(rect.left() + kLeft, rect.right() + 1 - right - legend);
-    const int y = rect.top() + kTop + (second ? line : 0);
-    for (const int width : widths) {
-        layout.legend.emplace_back(x, y, width, line);
-        x += width > 0 ? width + kEntryGap : 0;
-    }
-    int widest = 0;
-    const double least = kLabelGap + metrics.height();
-    for (const AxisLabel& label :
-         axisTicks(look.y, model_.yView(), {rect.height() * 0.8, least, false, decimal_}).labels) {
-        widest = std::max(widest, metrics.horizontalAdvance(text(label.text)));
-    }
-    const int left = std::max(kLeastLeft, widest + kTick + 12);
-    const int top = kTop + line * (second ? 2 : 1) + kPlotGap;
-    const int bottom = kTick + 2 * line + 6;
-    layout.plot = rect.adjusted(left, top, -right, -bottom);
-    layout.plot.setSize(layout.plot.size().expandedTo({1, 1}));
-    return layout;
+    return ChartLayouter(model_, font_, decimal_).layout(rect);
 }
 
 ChartCurves ChartPainter::curves(const QRect& plot, double scale) const {
@@ -121,12 +74,9 @@ ChartCurves ChartPainter::curves(const QRect& plot, double scale) const {
 }
 
 void ChartPainter::findTicks(const QRect& plot) {
-    const QFontMetrics metrics(font_);
-    const double time =
-        metrics.horizontalAdvance(text(elapsedText(model_.xView().to, model_.look().x.format)));
-    x_ = axisTicks(model_.look().x, model_.xView(), {double(plot.width()), time + kLabelGap, true, decimal_});
-    y_ = axisTicks(model_.look().y, model_.yView(),
-                   {double(plot.height()), double(kLabelGap + metrics.height()), false, decimal_});
+    const ChartLayouter rooms(model_, font_, decimal_);
+    x_ = axisTicks(model_.look().x, model_.xView(), rooms.timeRoom(plot.width()));
+    y_ = axisTicks(model_.look().y, model_.yView(), rooms.valueRoom(plot.height()));
 }
 
 QRect ChartPainter::paint(QPainter& painter, const QRect& rect, double scale, ChartSurface* surface) {
@@ -141,7 +91,9 @@ QRect ChartPainter::paint(QPainter& painter, const QRect& rect, double scale, Ch
     const ChartLayout parts = layout(rect);
     const ChartCurves shown = curves(parts.plot, scale);
     findTicks(parts.plot);
-    paintFrame(painter, rect, parts, true);
+    painter.fillRect(rect, theme_.plot);
+    paintHeader(painter, parts);
+    paintAxes(painter, rect, parts.plot, scale);
     paintLines(painter, parts.plot, shown);
     paintEnds(painter, parts.plot, shown, scale);
     return parts.plot;
@@ -165,24 +117,19 @@ void ChartPainter::renew(const QRect& rect, double scale, ChartSurface& surface)
     if (surface.pixels.size() != rect.size() * scale) {
         surface.pixels = QImage(rect.size() * scale, QImage::Format_RGB32);
     }
+    const QRect plot = deviceRect(surface.layout.plot, rect, scale);
+    surface.pixels.setDevicePixelRatio(1);
+    for (const QRect& beside : QRegion(surface.pixels.rect()) - plot) {
+        QPainter(&surface.pixels).fillRect(beside, theme_.plot);
+    }
     surface.pixels.setDevicePixelRatio(scale);
-    surface.pixels.fill(theme_.plot); // where scaled edges meet, no pixel is left out
     {
         QPainter frame(&surface.pixels);
         frame.translate(-rect.topLeft());
-        paintFrame(frame, rect, surface.layout, false);
+        paintHeader(frame, surface.layout);
+        paintAxes(frame, rect, surface.layout.plot, scale);
     }
-    const QRect plot = deviceRect(surface.layout.plot, rect, scale);
     paintPlot({0, plot.width()}, plot, scale, curves(surface.layout.plot, scale), surface);
-}
-
-void ChartPainter::paintFrame(QPainter& painter, const QRect& rect, const ChartLayout& parts,
-                              bool withPlot) const {
-    for (const QRect& beside : QRegion(rect) - QRegion(withPlot ? QRect() : parts.plot)) {
-        painter.fillRect(beside, theme_.plot);
-    }
-    paintHeader(painter, parts);
-    paintAxes(painter, parts.plot);
 }
 
 /// Ground, grid and curves in some columns of the plot.
@@ -226,9 +173,10 @@ QRect ChartPainter::news(const QRect& rect, double scale, const ChartSurface& su
 }
 
 void ChartPainter::paintHeader(QPainter& painter, const ChartLayout& layout) const {
-    painter.setFont(bold(font_));
+    painter.setFont(chartTitleFont(font_));
     painter.setPen(theme_.text);
-    painter.drawText(layout.title, Qt::AlignLeft | Qt::AlignVCenter, text(model_.look().y.title));
+    painter.drawText(layout.title, Qt::AlignLeft | Qt::AlignVCenter,
+                     QString::fromStdString(model_.look().y.title));
     for (int series = 0; series < model_.seriesCount(); ++series) {
         const QRect& rect = layout.legend[static_cast<std::size_t>(series)];
         if (rect.width() > 0) {
@@ -241,12 +189,15 @@ void ChartPainter::paintEntry(QPainter& painter, const QRect& rect, int series) 
     const SeriesLook& look = model_.look().series[static_cast<std::size_t>(series)];
     painter.fillRect(QRect(rect.left(), rect.center().y(), kSwatch, 3),
                      look.shown ? seriesColor(series) : theme_.hair);
-    QFont font = font_;
-    font.setStrikeOut(!look.shown);
-    painter.setFont(font);
+    const QRect label = rect.adjusted(kSwatch + kSwatchGap, 0, 0, 0);
+    painter.setFont(font_);
     painter.setPen(look.shown ? theme_.text : theme_.disabled);
-    painter.drawText(rect.adjusted(kSwatch + kSwatchGap, 0, 4, 0), Qt::AlignLeft | Qt::AlignVCenter,
-                     text(look.label));
+    painter.drawText(label.adjusted(0, 0, 4, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                     QFontMetrics(font_).elidedText(QString::fromStdString(look.label), Qt::ElideRight,
+                                                    label.width() + 4));
+    if (!look.shown) { // a line of our own: not every kind of picture strikes its texts out
+        painter.drawLine(label.left(), label.center().y() + 1, label.right(), label.center().y() + 1);
+    }
 }
 
 void ChartPainter::paintLines(QPainter& painter, const QRect& plot, const ChartCurves& curves) const {
@@ -277,7 +228,7 @@ void ChartPainter::paintLines(QPainter& painter, const QRect& plot, const ChartC
             painter.drawPolyline(piece);
             piece.clear();
         };
-        for (const CurvePoint& point : curves.curve(series)) {
+        for (const CurvePoint& point : curves.curve(series, 0, plot.width(), width / 2)) {
             if (point.start) {
                 draw();
             }
@@ -288,40 +239,54 @@ void ChartPainter::paintLines(QPainter& painter, const QRect& plot, const ChartC
     painter.restore();
 }
 
-void ChartPainter::paintAxes(QPainter& painter, const QRect& plot) const {
-    const QFontMetrics metrics(font_);
-    const ValueSpan xs = model_.xView();
-    const ValueSpan ys = model_.yView();
-    const auto x = [&](double time) {
-        return plot.left() + static_cast<int>(std::floor((time - xs.from) / xs.size() * plot.width()));
+/// Axes and ticks in whole device pixels, in line with the grid, so that all are equally wide at any scale.
+void ChartPainter::paintAxes(QPainter& painter, const QRect& rect, const QRect& plot, double scale) const {
+    const QRect device = deviceRect(plot, rect, scale);
+    const int line = std::max(1, static_cast<int>(scale));
+    const int bottom = device.top() + device.height();
+    const auto bar = [&](int x, int y, int width, int height) {
+        painter.fillRect(
+            QRectF(rect.left() + x / scale, rect.top() + y / scale, width / scale, height / scale),
+            theme_.line);
     };
-    const auto y = [&](double value) {
-        return plot.top() + static_cast<int>(std::floor((ys.to - value) / ys.size() * plot.height()));
+    const auto below = [&](double time, int length) {
+        const double x = std::floor((time - model_.xView().from) / model_.xView().size() * device.width());
+        bar(device.left() + std::min(static_cast<int>(x), device.width() - line), bottom, line,
+            static_cast<int>(length * scale) + line);
     };
-    const int bottom = plot.bottom() + 1;
-    const int left = plot.left() - 1;
-    painter.setPen(theme_.line);
-    QList<QLine> lines{{left, plot.top(), left, bottom}, {left, bottom, plot.right() + 1, bottom}};
+    const auto beside = [&](double value, int length) {
+        const double y = std::floor((model_.yView().to - value) / model_.yView().size() * device.height());
+        const int tick = static_cast<int>(length * scale) + line;
+        bar(device.left() - tick, device.top() + static_cast<int>(y), tick, line);
+    };
+    bar(device.left() - line, device.top(), line, device.height() + line);
+    bar(device.left(), bottom, device.width(), line);
     for (const double time : x_.ticks) {
-        lines.append({x(time), bottom, x(time), bottom + kSmallTick});
+        below(time, kSmallTick);
     }
     for (const double value : y_.ticks) {
-        lines.append({left - kSmallTick, y(value), left, y(value)});
+        beside(value, kSmallTick);
     }
     for (const AxisLabel& label : x_.labels) {
-        lines.append({x(label.value), bottom, x(label.value), bottom + kTick});
+        below(label.value, kTick);
     }
     for (const AxisLabel& label : y_.labels) {
-        lines.append({left - kTick, y(label.value), left, y(label.value)});
+        beside(label.value, kTick);
     }
-    painter.drawLines(lines);
     painter.setFont(font_);
     painter.setPen(theme_.muted);
-    for (const AxisLabel& label : y_.labels) {
-        const QRect box(0, y(label.value) - metrics.height(), left - kTick - 5, 2 * metrics.height());
-        painter.drawText(box, Qt::AlignRight | Qt::AlignVCenter, text(label.text));
-    }
+    paintYLabels(painter, plot);
     paintXLabels(painter, plot);
+}
+
+void ChartPainter::paintYLabels(QPainter& painter, const QRect& plot) const {
+    const int line = QFontMetrics(font_).height();
+    const ValueSpan view = model_.yView();
+    for (const AxisLabel& label : y_.labels) {
+        const double y = plot.top() + (view.to - label.value) / view.size() * plot.height();
+        painter.drawText(QRectF(plot.left() - kTick - 6 - kWidest, y - line, kWidest, 2 * line),
+                         Qt::AlignRight | Qt::AlignVCenter, QString::fromStdString(label.text));
+    }
 }
 
 void ChartPainter::paintXLabels(QPainter& painter, const QRect& plot) const {
@@ -330,10 +295,11 @@ void ChartPainter::paintXLabels(QPainter& painter, const QRect& plot) const {
     const ValueSpan view = model_.xView();
     for (const AxisLabel& label : x_.labels) {
         const double x = plot.left() + (label.value - view.from) / view.size() * plot.width();
-        painter.drawText(QRectF(x - 100, top, 200, line), Qt::AlignHCenter | Qt::AlignTop, text(label.text));
+        painter.drawText(QRectF(x - kWidest / 2, top, kWidest, line), Qt::AlignHCenter | Qt::AlignTop,
+                         QString::fromStdString(label.text));
     }
     painter.drawText(QRect(plot.left(), top + line - 2, plot.width(), line), Qt::AlignRight | Qt::AlignTop,
-                     text(model_.look().x.title));
+                     QString::fromStdString(model_.look().x.title));
 }
 
 void ChartPainter::paintEnds(QPainter& painter, const QRect& plot, const ChartCurves& curves,

@@ -4,24 +4,15 @@
 #include "graphs/AxisTicks.h"
 #include "graphs/ChartCurves.h"
 #include "graphs/PlotPixels.h"
+#include "graphs/controls/ChartLayout.h"
 
 #include <QFont>
 #include <QImage>
 #include <QRect>
 
-#include <vector>
-
 class QPainter;
 
 namespace drx9 {
-
-/// Where the parts of a chart lie in its rectangle. The legend is right of the title, or on a second line
-/// where both do not fit one.
-struct ChartLayout {
-    QRect title;
-    std::vector<QRect> legend; ///< by series; empty for one without an entry
-    QRect plot;                ///< within the axes
-};
 
 /// The chart's pixels without end marks, kept between two drawings: a drawing at the same revision adds only
 /// what is new. Belongs to one chart in one theme, font and locale.
@@ -54,16 +45,15 @@ public:
     [[nodiscard]] const QFont& font() const { return font_; }
 
 private:
-    [[nodiscard]] QFont labelFont() const;
     void paintHeader(QPainter& painter, const ChartLayout& layout) const;
     void paintEntry(QPainter& painter, const QRect& rect, int series) const;
     void renew(const QRect& rect, double scale, ChartSurface& surface);
-    void paintFrame(QPainter& painter, const QRect& rect, const ChartLayout& parts, bool withPlot) const;
     void paintPlot(const PlotPixels::Columns& columns, const QRect& plot, double scale,
                    const ChartCurves& curves, ChartSurface& surface) const;
     [[nodiscard]] QRect marksRect(const QRect& plot, const ChartCurves& curves, double scale) const;
     void paintLines(QPainter& painter, const QRect& plot, const ChartCurves& curves) const;
-    void paintAxes(QPainter& painter, const QRect& plot) const;
+    void paintAxes(QPainter& painter, const QRect& rect, const QRect& plot, double scale) const;
+    void paintYLabels(QPainter& painter, const QRect& plot) const;
     void paintXLabels(QPainter& painter, const QRect& plot) const;
     void paintEnds(QPainter& painter, const QRect& plot, const ChartCurves& curves, double scale) const;
     void findTicks(const QRect& plot);

@@ -26,9 +26,11 @@ TEST(CommSetupTest, AnotherLinkIsOneThatLeadsElsewhere) {
     const std::tuple<std::string, std::function<void(LinkSettings&)>, std::array<bool, 3>> cases[] = {
         {"nothing", [](auto&) {}, {true, true, true}},
         {"port", [](auto& s) { s.Port = 4; }, {false, true, true}},
+        {"rate", [](auto& s) { s.Baud = 9600; }, {false, true, true}},
         {"serial number", [](auto& s) { s.USBSerNum = "0A7C22"; }, {true, false, true}},
         {"its letters' case", [](auto& s) { s.USBSerNum = "0a7c21"; }, {true, true, true}},
         {"address", [](auto& s) { s.EAddress = "10.0.0.1"; }, {true, true, false}},
+        {"Ethernet port", [](auto& s) { s.EPort = "2102"; }, {true, true, false}},
         {"type",
          [](auto& s) { s.CommType = s.CommType == LinkType::Usb ? LinkType::Ethernet : LinkType::Usb; },
          {false, false, false}},

@@ -147,6 +147,14 @@ TEST_P(EachLink, ACommandWaitsForTheLateAnswerOfTheOneBefore) {
     EXPECT_EQ(link.CommStatus(), comm::kTimeout) << "of the exchange that timed out";
 }
 
+TEST_P(EachLink, TheRestOfALateAnswerIsNoiseToTheNextExchange) {
+    bench.wire().answer(good("late").substr(0, 5), 1.3);
+    bench.wire().arrive(good("late").substr(5), 1.55);
+    EXPECT_EQ(exchanged(bench), "1 ");
+    bench.wire().answer(good("own"), 0.2);
+    EXPECT_EQ(exchanged(bench, "S"), "0 own");
+}
+
 TEST_P(EachLink, NothingIsSentOnceTheSessionEnds) {
     bench.wire().answer("");
     bench.pump.atPump(2, [this] { bench.actions.hurry(); });

@@ -80,6 +80,7 @@ ChartPorts chartPorts(const Paths& paths, const DesktopPorts& desktop, EventPump
     ChartPorts ports;
     ports.files = &desktop.files;
     ports.dialogs = &desktop.dialogs;
+    ports.printer = desktop.printer;
     ports.whenIdle = [actions = std::move(actions)](std::function<void()> action) {
         actions().runWhenIdle(std::move(action));
     };

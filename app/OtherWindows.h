@@ -13,6 +13,7 @@ struct DesktopPorts {
     FilePort& files;
     MessageBoxes& boxes;
     FileDialogs& dialogs;
+    PrintDialog* printer; ///< may be null
     InputBox& input;
     Shell& shell;
     Progress& progress;

@@ -24,8 +24,8 @@ Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale
     , usb_(paths.programFolder)
     , ticker_(clock_, PollTimer::kIntervalMs)
     , progress_(pump_)
-    , desktop_{files, boxes_, dialogs_, input_, shell_, progress_, &progress_, clock_}
-    , charts_(chartPorts(paths, desktop_, pump_, [this]() -> ActionQueue& { return core_.actions; }))
+    , desktop_{files, boxes_, dialogs_, &printer_, input_, shell_, progress_, &progress_, clock_}
+    , charts_(chartParts(paths))
     , core_({files, clock_, pump_, boxes_, serial_, socket_, usb_, ticker_, progress_, sleep_,
              charts_.graphs()},
             paths, locale, appInfo())
@@ -35,6 +35,12 @@ Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale
     core_.monitor.setWindow(window_);
     progress_.setOwner(ProgressOwner::MainWindow, &window_);
     ticker_.setTick([this] { core_.monitor.tmrUpdate_Timer(); });
+}
+
+ChartPorts Program::chartParts(const Paths& paths) {
+    ChartPorts ports = chartPorts(paths, desktop_, pump_, [this]() -> ActionQueue& { return core_.actions; });
+    ports.place = [this](QWidget& window) { places_.follow(window); };
+    return ports;
 }
 
 MainWindowParts Program::windowParts() {

@@ -12,6 +12,7 @@
 #include "platform/qt/QtFileDialogs.h"
 #include "platform/qt/QtInputBox.h"
 #include "platform/qt/QtMessageBoxes.h"
+#include "platform/qt/QtPrintDialog.h"
 #include "platform/qt/QtSerialControl.h"
 #include "platform/qt/QtShell.h"
 #include "platform/qt/QtSleepInhibitor.h"
@@ -51,6 +52,7 @@ public:
     [[nodiscard]] frmMain& window() { return window_; }
 
 private:
+    [[nodiscard]] ChartPorts chartParts(const Paths& paths);
     [[nodiscard]] MainWindowParts windowParts();
 
     // Ports
@@ -58,6 +60,7 @@ private:
     QtEventPump pump_;
     QtMessageBoxes boxes_;
     QtFileDialogs dialogs_;
+    QtPrintDialog printer_;
     QtInputBox input_;
     QtShell shell_;
     QtSleepInhibitor sleep_;

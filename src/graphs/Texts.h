@@ -7,6 +7,8 @@ namespace drx9::graphText {
 inline constexpr const char* kPaused = "Following paused. Home returns";
 inline constexpr const char* kSavedAs = "{} saved as {}"; ///< one of the next two, then the file's name
 inline constexpr const char* kNotSaved = "{} not saved: {}";
+inline constexpr const char* kPrinted = "Picture printed";
+inline constexpr const char* kNotPrinted = "Picture not printed: {}";
 inline constexpr const char* kPicture = "Picture";
 inline constexpr const char* kData = "Data";
 inline constexpr const char* kSettingsNotSaved = "Graph settings not saved: {}";

@@ -37,6 +37,15 @@ struct ChosenFile : FileDialogs {
     }
 };
 
+struct LastPage : PrintDialog {
+    std::string png;
+    Result answer{true, ""};
+    Result printPicture(const std::string&, std::string_view picture) override {
+        png = picture;
+        return answer;
+    }
+};
+
 class Chart : public testing::Test {
 protected:
     Chart() {
@@ -106,11 +115,12 @@ protected:
     MemoryFilePort memory;
     FaultyFilePort files{memory};
     ChosenFile dialogs;
+    LastPage printer;
     int placed = 0;
     FakeClock clock;
     FakeEventPump pump{clock};
     ActionQueue actions{pump};
-    ChartSet charts{{&files, &dialogs,
+    ChartSet charts{{&files, &dialogs, &printer,
                      [this](std::function<void()> action) { actions.runWhenIdle(std::move(action)); }, &pump,
                      "/app", [this](QWidget&) { ++placed; }}};
     ChartControl& chart = charts.chart(2);
@@ -364,6 +374,9 @@ TEST_F(Chart, PicturesAndExportGoThroughTheFilePort) {
     ASSERT_TRUE(choose("Export data"));
     EXPECT_NE(chart.note().toStdString().find("Data not saved: No space left"), std::string::npos);
     EXPECT_FALSE(memory.exists("/app/full.txt"));
+    ASSERT_TRUE(choose("Print"));
+    EXPECT_EQ(printer.png.substr(0, 4), "\x89PNG");
+    EXPECT_EQ(chart.note(), "Picture printed");
 }
 
 // The configuration window.

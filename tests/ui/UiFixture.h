@@ -37,7 +37,7 @@ class UiFixture : public MonitorFixture, protected Controls {
 protected:
     UiFixture() {
         window = std::make_unique<frmMain>(mainWindowParts(
-            core, pump, charts, {files, boxes, dialogs, input, shell, progress, nullptr, clock}));
+            core, pump, charts, {files, boxes, dialogs, nullptr, input, shell, progress, nullptr, clock}));
         monitor.setWindow(*window);
         window->show();
         window->activateWindow();

@@ -317,6 +317,9 @@ QMenu* ChartControl::buildMenu() {
         menu->addAction(QStringLiteral("Save picture..."), this, [this] { output_.savePicture(*this); });
         menu->addAction(QStringLiteral("Export data..."), this, [this] { output_.exportData(*this); });
     }
+    if (output_.hasPrinter()) {
+        menu->addAction(QStringLiteral("Print..."), this, [this] { output_.print(*this); });
+    }
     return menu;
 }
 

@@ -120,6 +120,30 @@ void ChartOutput::savePicture(QWidget& chart) {
         graphText::kPicture);
 }
 
+bool ChartOutput::hasPrinter() const {
+    return ports_.printer != nullptr && ports_.whenIdle != nullptr;
+}
+
+/// What is printed is the chart as it was when the dialog came.
+void ChartOutput::print(QWidget& chart) {
+    if (!hasPrinter()) {
+        return;
+    }
+    ports_.whenIdle([this, alive = QPointer<QWidget>(&chart)] {
+        if (alive == nullptr) {
+            return;
+        }
+        const QByteArray bytes = picture(PictureFormat::Png, *alive);
+        const PrintDialog::Result result =
+            ports_.printer->printPicture(std::string(model_.design().heading),
+                                         {bytes.constData(), static_cast<std::size_t>(bytes.size())});
+        if (alive != nullptr && (result.printed || !result.reason.empty())) {
+            say_(QString::fromStdString(result.printed ? graphText::kPrinted
+                                                       : filled(graphText::kNotPrinted, {result.reason})));
+        }
+    });
+}
+
 void ChartOutput::exportData(QWidget& chart) {
     FileDialogRequest request;
     request.title = "Export Data";

@@ -21,6 +21,7 @@ struct Theme;
 struct ChartPorts {
     FilePort* files = nullptr;
     FileDialogs* dialogs = nullptr;
+    PrintDialog* printer = nullptr; ///< null: no printing
     /// Runs an action when nothing of ours is on the stack. Called no earlier than an operator's click.
     std::function<void(std::function<void()>)> whenIdle;
     EventPump* pump = nullptr;
@@ -45,6 +46,8 @@ public:
 
     void savePicture(QWidget& chart);
     void exportData(QWidget& chart);
+    [[nodiscard]] bool hasPrinter() const;
+    void print(QWidget& chart);
 
 private:
     void choose(QWidget& chart, const FileDialogRequest& request,

@@ -264,8 +264,11 @@ bool FilmLibrary::edit(Dat source, const Values& values, Unfit policy) {
     if (!found(source) || changed.empty()) {
         return found(source);
     }
-    return statements_.run([&] { at(source).records->Edit(); }) ? store(at(source), changed, policy)
-                                                                : notSaved();
+    if (!statements_.run([&] { at(source).records->Edit(); })) {
+        return notSaved();
+    }
+    return store(at(source), changed, policy) ||
+           (policy == Unfit::KeepsField && unfit_.size() == changed.size());
 }
 
 bool FilmLibrary::add(Dat source, const Values& values, Unfit policy) {

@@ -166,11 +166,12 @@ bool FilmTransfer::storeRead(Read& read, TransferReport& report) {
 bool FilmTransfer::storeFilm(const FilmRecord& film, TransferReport& report) {
     const StoredFilm stored = CommToDBFilm(parts_.library, film);
     const std::string number = std::to_string(film.FilmNum);
-    for (const std::string& field : stored.unfit) {
-        report.name(filmText::kNotStored, filled(filmText::kFieldOf, {field, number}));
-    }
     if (!stored.row) {
         report.name(filmText::kNotStored, number);
+    } else {
+        for (const std::string& field : stored.unfit) {
+            report.name(filmText::kNotStored, filled(filmText::kFieldOf, {field, number}));
+        }
     }
     if ((!stored.row || !stored.unfit.empty()) && !parts_.library.notice().text.empty()) {
         report.fail(parts_.library.notice().text);

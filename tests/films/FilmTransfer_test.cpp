@@ -103,6 +103,7 @@ TEST(Upload, StoresWhatTheColumnsHold) {
     bench.library.openDatabase();
     bench.instrument.execute("A2SAME____ 2.700 300 1.080 0.100 0.200  1  1", 0);
     bench.transfer.upload();
+    bench.transfer.upload(); // over what is there
     EXPECT_EQ(bench.rows("Material", kUpload).size(), 8U) << "film 2 has film 1's";
     EXPECT_EQ(bench.rows("Film", kUpload)[1], "2|SAME    |UnitMat1|null|0.1|0.2|1|1") << "300 is no byte";
     EXPECT_EQ(bench.told(), "Change not saved: the number is out of range of the column \"Tooling\". "

@@ -41,6 +41,9 @@ protected:
         }
         FilmBench bench;
         bench.make({{"ZINC"}, {"AL_BASE", "Silver", 102}, {"GOLD_5"}, {"CR"}}, "PRIMARYKEY", false);
+        const jet::TableSpec errors{
+            "Errors", {FilmBench::column("ErrorString", jet::ColumnType::Text, 100)}, {}};
+        bench.engine.OpenDatabase(kLibrary)->CreateTable(errors, {45000});
         std::ofstream(path.toStdString(), std::ios::binary) << bench.bytes();
         return true;
     }
@@ -108,9 +111,15 @@ TEST_P(OldLibrary, GoesToTheInstrumentAndBack) {
     click("cmdClose");
     EXPECT_TRUE(waitFor([&] { return films().itemText(1) == "CHANGED"; })) << "refreshed";
     EXPECT_EQ(boxes, "") << "saved: nothing is asked";
+    program->reportError(std::runtime_error("a fault in a handler"));
+    EXPECT_EQ(contentOf("ERRORS.TXT").isEmpty(), *GetParam() == '\0')
+        << "into the library's table, if it has one";
 
     if (QStandardPaths::findExecutable("mdb-json").isEmpty()) {
         GTEST_SKIP() << "mdbtools is not installed: the saved library is not read back";
+    }
+    if (*GetParam() == '\0') {
+        EXPECT_EQ(foreignRows(shop, "Errors").at(0)["ErrorString"].toString(), "a fault in a handler");
     }
     std::map<QString, std::pair<double, double>> materials;
     for (const QJsonObject& row : foreignRows(shop, "Material")) {

@@ -77,7 +77,7 @@ void Monitor::lastWords() {
 }
 
 /// One step of closing: what it throws must not keep the next from being made.
-void Monitor::step(const std::function<void()>& action) {
+void Monitor::step(const std::function<void()>& action) const {
     try {
         action();
     } catch (const std::exception& error) {

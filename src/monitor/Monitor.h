@@ -160,7 +160,7 @@ private:
     void changeMode(RunState mode, bool refresh);
     void startRun();
     void refreshReadouts();
-    void step(const std::function<void()>& action);
+    void step(const std::function<void()>& action) const;
     std::string saveSettings();
     void changed();
 

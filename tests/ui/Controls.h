@@ -34,7 +34,7 @@ protected:
         auto* field = find(name);
         field->setFocus();
         QMetaObject::invokeMethod(field, "selectAll");
-        QTest::keyClicks(field, QString::fromLatin1(text));
+        QTest::keyClicks(field, QString::fromUtf8(text));
     }
     [[nodiscard]] std::string textOf(const char* name) const {
         return find(name)->property("text").toString().toStdString();

@@ -1,5 +1,6 @@
 // The film window by real events: what it shows, what its boxes write, transfers, and how it closes.
 #include "films/FilmBench.h"
+#include "ui/Controls.h"
 
 #include "films/frmFilm.h"
 
@@ -26,7 +27,11 @@ struct CountedTenure : Tenure {
     std::vector<std::string>& told;
 };
 
-class FilmWindow : public testing::Test, public PollingAccess, public CloseRound, public FilmMemoryAccess {
+class FilmWindow : public testing::Test,
+                   protected Controls,
+                   public PollingAccess,
+                   public CloseRound,
+                   public FilmMemoryAccess {
 protected:
     std::unique_ptr<Tenure> holdTimer(const std::string&) override {
         return std::make_unique<CountedTenure>(told);
@@ -70,38 +75,24 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(window));
     }
     void TearDown() override { delete window.data(); }
+    QWidget& top() const override { return *window; }
 
-    template<class Control>
-    Control* find(const char* name) {
-        auto* control = window->findChild<Control*>(QString::fromLatin1(name));
-        EXPECT_NE(control, nullptr) << name;
-        return control;
-    }
-    void click(const char* name) {
-        auto* control = find<QWidget>(name);
-        QTest::mouseClick(control, Qt::LeftButton, {}, QPoint(8, control->height() / 2));
-    }
     void clickRow(int row, Qt::KeyboardModifiers keys = {}) {
         auto* list = find<QTreeView>("lstDBFilms");
         const QRect place = list->visualRect(list->model()->index(row, 1));
         QTest::mouseClick(list->viewport(), Qt::LeftButton, keys, place.center());
     }
-    void type(const char* name, const char* text, Qt::Key end = Qt::Key_Tab) {
-        auto* box = find<QLineEdit>(name);
-        box->setFocus();
-        box->selectAll();
-        QTest::keyClicks(box, QString::fromUtf8(text));
-        QTest::keyClick(box, end);
+    /// And leaves the field.
+    void enter(const char* name, const char* text, Qt::Key end = Qt::Key_Tab) {
+        type(name, text);
+        QTest::keyClick(find(name), end);
     }
-    std::string text(const char* name) {
-        return find<QWidget>(name)->property("text").toString().toStdString();
-    }
-    std::string state() { return find<QWidget>("lblState")->accessibleName().toStdString(); }
+    std::string state() { return find("lblState")->accessibleName().toStdString(); }
     std::string listed(int row, int column) {
         auto* model = find<QTreeView>("lstDBFilms")->model();
         return model->index(row, column).data().toString().toStdString();
     }
-    bool enabled(const char* name) { return find<QWidget>(name)->isEnabled(); }
+    bool enabled(const char* name) { return find(name)->isEnabled(); }
 
     std::vector<std::string> told;
     Question question;
@@ -114,7 +105,7 @@ TEST_F(FilmWindow, ShowsTheChosenFilmAndNoneBefore) {
     open({{"ONE", "Gold", 100, 1, 0.5, 125, 37}, {"TWO", "Silver"}});
     EXPECT_EQ(window->windowTitle().toStdString(), "Films - [Monitor.mdb]");
     EXPECT_EQ(listed(1, 0) + listed(1, 1), "2TWO");
-    EXPECT_EQ(text("txtParam_5"), "");
+    EXPECT_EQ(textOf("txtParam_5"), "");
     EXPECT_FALSE(enabled("txtParam_0"));
     EXPECT_FALSE(enabled("chkSensAvg_0"));
     clickRow(0);
@@ -122,14 +113,14 @@ TEST_F(FilmWindow, ShowsTheChosenFilmAndNoneBefore) {
         {"txtParam_5", "ONE"},  {"txtParam_0", "100"},   {"txtParam_3", "1"},  {"txtParam_4", "0.5"},
         {"txtParam_1", "19.3"}, {"txtParam_2", "0.381"}, {"txtMinutes", "02"}, {"txtSeconds", "05"}};
     for (const auto& [name, wanted] : boxes) {
-        EXPECT_EQ(text(name), wanted) << name;
+        EXPECT_EQ(textOf(name), wanted) << name;
     }
     EXPECT_EQ(find<QComboBox>("dbcMaterial")->currentText().toStdString(), "Gold");
     EXPECT_TRUE(find<QCheckBox>("chkSensAvg_5")->isChecked());
     EXPECT_FALSE(find<QCheckBox>("chkSensAvg_1")->isChecked());
     QTest::keyClick(find<QTreeView>("lstDBFilms"), Qt::Key_Down);
-    EXPECT_EQ(text("txtParam_5"), "TWO");
-    EXPECT_EQ(text("lblVersion"), "Ver. 4.08, 9 films");
+    EXPECT_EQ(textOf("txtParam_5"), "TWO");
+    EXPECT_EQ(textOf("lblVersion"), "Ver. 4.08, 9 films");
     EXPECT_EQ(state(), "");
 }
 
@@ -137,12 +128,12 @@ TEST_F(FilmWindow, WritesThrough) {
     open({{"ONE"}, {"TWO"}});
     clickRow(1);
     const std::string before = bench->bytes();
-    type("txtParam_3", "abc");
-    EXPECT_EQ(text("txtParam_3"), "1");
+    enter("txtParam_3", "abc");
+    EXPECT_EQ(textOf("txtParam_3"), "1");
     EXPECT_EQ(state(), "\"abc\" is no number: the value stays as it was");
     EXPECT_EQ(bench->bytes(), before);
-    type("txtParam_3", "2,5", Qt::Key_Return);
-    type("txtParam_1", "10.4");
+    enter("txtParam_3", "2,5", Qt::Key_Return);
+    enter("txtParam_1", "10.4");
     click("chkSensAvg_1");
     click("chkSensAvg_2");
     auto* minutes = find<QSpinBox>("spnMinutes");
@@ -153,7 +144,7 @@ TEST_F(FilmWindow, WritesThrough) {
     QTest::keyClick(material, Qt::Key_Down); // Gold to Silver
     EXPECT_EQ(bench->rows("Film"), (Rows{"1|ONE|Gold|100|1|0.5|60|3", "2|TWO|Silver|100|2.5|0.5|120|5"}));
     EXPECT_EQ(bench->rows("Material").front(), "Gold|10.4|0.381");
-    EXPECT_EQ(text("txtParam_1"), "10.5");
+    EXPECT_EQ(textOf("txtParam_1"), "10.5");
     QTest::mouseMove(material, QPoint(5, 5));
     QWheelEvent wheel(QPointF(5, 5), material->mapToGlobal(QPointF(5, 5)), {}, QPoint(0, 120), Qt::NoButton,
                       Qt::NoModifier, Qt::NoScrollPhase, false);
@@ -164,26 +155,26 @@ TEST_F(FilmWindow, WritesThrough) {
 TEST_F(FilmWindow, RenamesAndKeepsTheFilmInSight) {
     open({{"ONE"}, {"TWO"}});
     clickRow(1);
-    type("txtParam_5", "LONGER_NAME");
+    enter("txtParam_5", "LONGER_NAME");
     EXPECT_EQ(listed(1, 1), "LONGER_N");
-    EXPECT_EQ(text("txtParam_5"), "LONGER_N");
+    EXPECT_EQ(textOf("txtParam_5"), "LONGER_N");
     auto* list = find<QTreeView>("lstDBFilms");
     EXPECT_EQ(list->currentIndex().row(), 0);
     EXPECT_TRUE(list->selectionModel()->isRowSelected(1));
     bench->boxes.expectShow(
         "UnitFilm and NewFilm cannot be used for\nfilm names. Please select another name.");
-    type("txtParam_5", "NewFilmX", Qt::Key_Return);
-    EXPECT_EQ(text("txtParam_5"), "LONGER_N");
+    enter("txtParam_5", "NewFilmX", Qt::Key_Return);
+    EXPECT_EQ(textOf("txtParam_5"), "LONGER_N");
     clickRow(0);
-    EXPECT_EQ(text("txtParam_5"), "ONE") << "current already, but not the one shown";
+    EXPECT_EQ(textOf("txtParam_5"), "ONE") << "current already, but not the one shown";
     bench->input.answer = "THREE";
     click("cmdAddFilm");
-    EXPECT_EQ(text("txtParam_5"), "THREE");
+    EXPECT_EQ(textOf("txtParam_5"), "THREE");
     EXPECT_EQ(listed(2, 1), "THREE");
     bench->input.answer = "Copper";
     click("cmdNewMat");
     EXPECT_EQ(bench->rows("Film").back(), "null|THREE|Copper|null|null|null|null|null");
-    EXPECT_EQ(text("txtParam_1"), "1");
+    EXPECT_EQ(textOf("txtParam_1"), "1");
     click("cmdDelete");
     EXPECT_EQ(bench->rows("Film").size(), 3U);
 }
@@ -205,7 +196,7 @@ TEST_F(FilmWindow, DisablesWhatTheInstrumentLacks) {
     for (const char* name : {"cmdUpload", "cmdDownload_0", "cmdDownload_1", "cmdDefaults"}) {
         EXPECT_FALSE(enabled(name)) << name;
     }
-    EXPECT_EQ(text("lblVersion"), "Off line");
+    EXPECT_EQ(textOf("lblVersion"), "Off line");
 }
 
 TEST_F(FilmWindow, ClosesOnlyBehindATransferAndAsks) {

@@ -55,8 +55,8 @@ public:
 
 private:
     void takeRows(int i) {
-        const float* tops = tops_ + i * Parts;
-        const float* bottoms = bottoms_ + i * Parts;
+        const float* tops = tops_ + static_cast<std::ptrdiff_t>(i) * Parts;
+        const float* bottoms = bottoms_ + static_cast<std::ptrdiff_t>(i) * Parts;
         const auto limit = [this](float edge) { return std::clamp(edge, 0.0F, static_cast<float>(height_)); };
         const float top = limit(*std::min_element(tops, tops + Parts));
         const float bottom = limit(*std::max_element(bottoms, bottoms + Parts));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "graphs/AxisTicks.h"
 #include "graphs/ChartCurves.h"
 #include "graphs/ChartFile.h"
 #include "graphs/CurveInk.h"
@@ -23,6 +24,10 @@ inline void checkChartFiles(std::string_view bytes) {
         }
         model.setLook(std::move(*look));
     }
+    // As the program lays it out: the axes of the following view.
+    static_cast<void>(
+        axisTicks(model.look().x, model.xView(), {.pixels = 800, .labelPixels = 70, .time = true}));
+    static_cast<void>(axisTicks(model.look().y, model.yView(), {.pixels = 300, .labelPixels = 20}));
     model.setOwnPoints(parseChartData(bytes, design.series));
     model.viewWholeRun();
     model.fitY();

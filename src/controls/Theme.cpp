@@ -169,8 +169,8 @@ QPalette Theme::palette() const {
     set(QPalette::ToolTipBase, base);
     set(QPalette::ToolTipText, text);
     set(QPalette::Link, accent);
-    set(kMutedRole, muted);
     set(QPalette::BrightText, alarm);
+    setEnabledAndDisabled(result, kMutedRole, muted, disabled);
     setEnabledAndDisabled(result, QPalette::WindowText, text, disabled);
     setEnabledAndDisabled(result, QPalette::Text, text, disabled);
     setEnabledAndDisabled(result, QPalette::ButtonText, text, disabled);

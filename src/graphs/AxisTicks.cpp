@@ -57,13 +57,16 @@ double labelStep(const AxisLook& axis, const ValueSpan& view, double least, bool
     return view.size() / step < kLeastLabels ? roundStep(least, time) : step;
 }
 
+constexpr int kMostMultiples = 10000;
+
 std::vector<double> multiples(double step, const ValueSpan& view) {
     std::vector<double> values;
     const double slack = view.size() * 1e-9;
     const double first = std::ceil((view.from - slack) / step);
     const double last = std::floor((view.to + slack) / step);
-    for (double n = first; n <= last && n - first < 10000; ++n) {
-        values.push_back(n * step + 0.0); // -0 reads as 0
+    // By a count: beyond 2^53 one more changes nothing.
+    for (int i = 0; i < kMostMultiples && first + i <= last; ++i) {
+        values.push_back((first + i) * step + 0.0); // -0 reads as 0
     }
     return values;
 }
@@ -79,14 +82,17 @@ std::string labelText(double value, double step, const AxisLook& axis, const Axi
     if (isWhole(step)) {
         return elapsedText(value, axis.format);
     }
-    const double millis = std::round(std::fabs(value) * 1000);
-    std::array<char, 16> digits{};
-    std::snprintf(digits.data(), digits.size(), "%c%03d", room.decimal,
-                  static_cast<int>(std::fmod(millis, 1000)));
-    return (value < 0 && millis > 0 ? "-" : "") + elapsedText(std::floor(millis / 1000), axis.format) +
-           digits.data();
+    return preciseElapsedText(value, axis.format, room.decimal);
 }
 } // namespace
+
+std::string preciseElapsedText(double seconds, const std::string& format, char decimal) {
+    const double millis = std::round(std::fabs(seconds) * 1000);
+    std::array<char, 16> digits{};
+    std::snprintf(digits.data(), digits.size(), "%c%03d", decimal, static_cast<int>(std::fmod(millis, 1000)));
+    return (seconds < 0 && millis > 0 ? "-" : "") + elapsedText(std::floor(millis / 1000), format) +
+           digits.data();
+}
 
 AxisTicks axisTicks(const AxisLook& axis, const ValueSpan& view, const AxisRoom& room) {
     AxisTicks ticks;

@@ -34,6 +34,8 @@ AxisTicks axisTicks(const AxisLook& axis, const ValueSpan& view, const AxisRoom&
 /// Elapsed seconds in a time format: "%H", "%M", "%S" are hours (beyond 24), minutes and seconds in two
 /// digits, other characters stay as they are.
 std::string elapsedText(double seconds, const std::string& format = "%H:%M:%S");
+/// The same with thousandths: "00:01:40.250".
+std::string preciseElapsedText(double seconds, const std::string& format, char decimal);
 /// A value in a number format: "%.0f" to "%.6f"; any other text is the shortest form.
 std::string axisValueText(double value, const std::string& format, char decimal);
 

@@ -94,6 +94,12 @@ void ChartModel::applyYPair() {
     }
 }
 
+void ChartModel::markYHome() {
+    if (yMinimum_ < yMaximum_) {
+        yHome_ = yInForce_;
+    }
+}
+
 void ChartModel::setXSpacing(double grid, double label, double tick) {
     look_.x.gridSpacing = grid;
     look_.x.labelSpacing = label;
@@ -194,7 +200,7 @@ ValueSpan ChartModel::xView() const {
         return *viewX_;
     }
     const AxisLook& x = look_.x;
-    return {x.minimum, x.maximum > x.minimum ? x.maximum : x.minimum + 1};
+    return {x.minimum, x.maximum - x.minimum >= kLeastXView ? x.maximum : x.minimum + 1};
 }
 
 void ChartModel::setXView(const ValueSpan& span) {
@@ -216,9 +222,13 @@ void ChartModel::setYView(const ValueSpan& span) {
 
 void ChartModel::follow() {
     viewX_.reset();
-    yMinimum_ = static_cast<float>(yHome_.from);
-    yMaximum_ = static_cast<float>(yHome_.to);
-    applyYPair();
+    if (yMinimum_ < yMaximum_) {
+        yMinimum_ = static_cast<float>(yHome_.from);
+        yMaximum_ = static_cast<float>(yHome_.to);
+        applyYPair();
+    } else {
+        yInForce_ = yHome_; // a pair that is out of order stays stored
+    }
     changed();
 }
 

@@ -54,8 +54,8 @@ public:
     /// Where Home takes the Y axis back to: the pair that a file or a window set last.
     [[nodiscard]] const ValueSpan& yHome() const { return yHome_; }
     void setYHome(const ValueSpan& pair) { yHome_ = pair; }
-    /// The pair as it is set now is home.
-    void markYHome() { yHome_ = {yMinimum_, yMaximum_}; }
+    /// The pair as it is set now is home, where it is in order.
+    void markYHome();
     void setXSpacing(double grid, double label, double tick);
     void setYSpacing(double grid, double label, double tick);
     void setXGridPattern(int pattern);

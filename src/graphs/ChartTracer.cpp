@@ -6,11 +6,12 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 
 namespace drx9 {
 
 namespace {
-constexpr double kReach = 60; ///< pixels
+constexpr double kReach = 60; ///< pixels along the time axis
 
 std::string withSign(double value, int decimals, char decimal) {
     std::array<char, 400> digits{};
@@ -33,7 +34,7 @@ void ChartTracer::moveTo(const ChartCurves& curves, double x, double y) {
     const RunPoints& points = model_.points();
     const ValueSpan view = model_.xView();
     point_.reset();
-    double least = kReach;
+    double least = std::numeric_limits<double>::infinity();
     // In the few pixels' worth of readings around the place the nearest counts, of each series.
     const double perPixel = curves.timeAt(1) - curves.timeAt(0);
     const double time = curves.timeAt(x);
@@ -48,9 +49,9 @@ void ChartTracer::moveTo(const ChartCurves& curves, double x, double y) {
             if (!model_.seriesVisible(series) || !point || point->time < view.from || point->time > view.to) {
                 continue;
             }
-            const double distance =
-                std::hypot(curves.xPixel(point->time) - x, curves.yPixel(point->value) - y);
-            if (distance < least) {
+            const double aside = curves.xPixel(point->time) - x;
+            const double distance = std::hypot(aside, curves.yPixel(point->value) - y);
+            if (std::fabs(aside) <= kReach && distance < least) {
                 least = distance;
                 point_ = point;
             }
@@ -145,7 +146,7 @@ std::string ChartTracer::text(char decimal) const {
         return {};
     }
     const std::string value = "%." + std::to_string(model_.design().decimals) + "f";
-    return elapsedText(point_->time) + "   " +
+    return preciseElapsedText(point_->time, "%H:%M:%S", decimal) + "   " +
            model_.look().series[static_cast<std::size_t>(point_->series)].label + ": " +
            axisValueText(point_->value, value, decimal);
 }

@@ -194,6 +194,7 @@ void frmGraphSet::spnSetup_Change() {
 }
 
 void frmGraphSet::cmdOK_Click() {
+    SpinBox::finishTyping(*this);
     ChartGraph& current = graph();
     current.setXDiv(static_cast<float>(spn(kXSpacing).value()));
     current.setYMin(static_cast<float>(spn(kYMinimum).value()));
@@ -220,6 +221,7 @@ void frmGraphSet::cmdCancel_Click() {
 
 /// Over the main window: what is changed there lives on when this window closes.
 void frmGraphSet::CmdAdvanced_Click() {
+    SpinBox::finishTyping(*this);
     charts_.chart(current_).openEditor(parentWidget());
 }
 

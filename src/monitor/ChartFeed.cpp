@@ -75,9 +75,9 @@ void ChartFeed::plotPoint(const PointStore::Row& row, int sensors) {
 }
 
 void ChartFeed::GraphRollover(Graph& graph) const {
-    const double width = graph.Xwide();
+    const double width = graph.Xwide() > 0 ? graph.Xwide() : 1; // what a chart of width 0 shows
     const double beyond = lastAppended_ - (graph.XMin() + width);
-    if (width <= 0 || beyond <= 0) {
+    if (beyond <= 0) {
         return;
     }
     const double quarter = width / 4;

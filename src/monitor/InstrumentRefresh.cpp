@@ -56,6 +56,9 @@ void InstrumentRefresh::readFilms(Films& films, Result& result) {
         result.films.push_back(filmListName(*answer.film));
     }
     parts_.progress.ProgressHide();
+    for (std::size_t i = result.films.size() + 1; i < films.size(); ++i) {
+        films[i].FilmNum = 0; // what the instrument holds there is not known
+    }
 }
 
 void InstrumentRefresh::readRecord(Result& result) {

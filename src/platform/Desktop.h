@@ -12,6 +12,7 @@ struct FileDialogRequest {
     std::string initialFolder;
     std::string fileName; ///< initial name, may be a path
     bool overwritePrompt = false;
+    bool suffixByFilter = false; ///< the default extension follows the filter that is chosen
 };
 
 /// File dialogs; both run the event loop and return the chosen full path, empty when cancelled.

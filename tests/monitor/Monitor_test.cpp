@@ -212,6 +212,7 @@ TEST_F(MonitorTest, ChartsFollowTheStoreOverItsWrap) {
     startRun();
     const int kReadings = 1203;
     averageRate.model.setYView({0, 42}); // changed on the chart by hand
+    rates.graph.setXwide(0);
     for (int i = 0; i < kReadings; ++i) {
         clock.advance(1);
         rate = i;
@@ -231,6 +232,8 @@ TEST_F(MonitorTest, ChartsFollowTheStoreOverItsWrap) {
     const double shownTo = averageRate.graph.XMin() + averageRate.graph.Xwide();
     EXPECT_GE(shownTo, points.time(points.rows() - 1));
     EXPECT_LT(shownTo, points.time(points.rows() - 1) + 75);
+    EXPECT_NEAR(rates.graph.XMin() + 0.5, points.time(points.rows() - 1), 0.75) << "it shows 1 s";
+    EXPECT_EQ(rates.graph.Xwide(), 0);
 }
 
 // ---- the lost link

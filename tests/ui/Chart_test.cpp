@@ -208,7 +208,7 @@ TEST_F(Chart, TheOperatorsViewIsNotPulledAway) {
     EXPECT_EQ(graph.XMin(), 75);
     EXPECT_FALSE(chart.following());
     chart.setSilence(QStringLiteral("No readings since 14:09:04"));
-    EXPECT_EQ(chart.note().toStdString(), "No readings since 14:09:04");
+    EXPECT_EQ(chart.note().toStdString(), "No readings since 14:09:04. Following paused. Home returns");
     EXPECT_EQ(chart.plotRect(), plot) << "a note moves nothing";
     chart.setSilence({});
     QTest::keyClick(&chart, Qt::Key_Home);
@@ -230,6 +230,12 @@ TEST_F(Chart, MouseAndWheelOverPlotAndAxes) {
         QTest::mouseRelease(&chart, Qt::LeftButton, {}, from + by);
     };
     const QPoint middle = plot.center();
+    QTest::mousePress(&chart, Qt::LeftButton, {}, middle); // and a menu takes the release
+    QMouseEvent hovers(QEvent::MouseMove, middle + QPoint(50, 50), chart.mapToGlobal(middle), Qt::NoButton,
+                       Qt::NoButton, {});
+    QApplication::sendEvent(&chart, &hovers);
+    EXPECT_TRUE(chart.following());
+    QTest::mouseRelease(&chart, Qt::LeftButton, {}, middle);
     const QPoint onX(middle.x(), plot.bottom() + 20);
     const QPoint onY(plot.left() - 20, middle.y());
     struct Case {
@@ -281,7 +287,7 @@ TEST_F(Chart, MouseAndWheelOverPlotAndAxes) {
 TEST_F(Chart, TracerReadsAndPins) {
     run(0, 200);
     hover(place(100, level(3)));
-    EXPECT_EQ(said().substr(0, 24), "00:01:40   Sensor 3: 7.5");
+    EXPECT_EQ(said().substr(0, 28), "00:01:40.000   Sensor 3: 7.5");
     QTest::mouseClick(&chart, Qt::LeftButton, {}, place(100, level(3)));
     hover(place(120, level(5)));
     EXPECT_NE(said().find("+20."), std::string::npos) << said();
@@ -304,7 +310,7 @@ TEST_F(Chart, TracerReadsAndPins) {
                              {Qt::Key_Down, Qt::ControlModifier, "Sensor 5: 12.5"},
                              {Qt::Key_5, Qt::NoModifier, "Sensor 6: 15.0"}}) { // hides what is read
         QTest::keyClick(&chart, step.key, step.modifier);
-        EXPECT_EQ(said().find(step.read), 11U) << said();
+        EXPECT_EQ(said().find(step.read), 15U) << said();
     }
     EXPECT_NE(said().find("Newest: Sensor 1 2.50"), std::string::npos) << said();
     QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(&chart);
@@ -370,6 +376,7 @@ TEST_F(Chart, PicturesAndExportGoThroughTheFilePort) {
     }
     pump.runPosted();
     files.fillAfter(100);
+    chart.setSilence(QStringLiteral("No readings since 14:09:04")); // stays, and must not hide the rest
     dialogs.answer = "/app/full.txt";
     ASSERT_TRUE(choose("Export data"));
     EXPECT_NE(chart.note().toStdString().find("Data not saved: No space left"), std::string::npos);
@@ -406,7 +413,9 @@ TEST_F(GraphSet, OkAppliesToTheCurrentGraphAndTheWidthToAll) {
     EXPECT_EQ(spin(0).value(), 2);
     EXPECT_EQ(spin(1).value(), 30);
     spin(0).setValue(0);
-    spin(1).setValue(45);
+    spin(1).setFocus();
+    spin(1).selectAll();
+    QTest::keyClicks(&spin(1), QStringLiteral("45")); // and is still being typed
     spin(2).setValue(0);
     spin(3).setValue(10);
     spin(4).setValue(30);
@@ -437,6 +446,12 @@ TEST_F(GraphSet, OkIsHomeAlsoForAZoomedAxis) {
     QTest::keyClick(&chart, Qt::Key_Home);
     EXPECT_EQ(graph.shownYMin(), 4);
     EXPECT_EQ(graph.shownYMax(), 12);
+    open();
+    spin(3).setValue(12); // not below the other
+    click("cmdOK");
+    QTest::keyClick(&chart, Qt::Key_Home);
+    EXPECT_NE(said().find("from 4 to 12"), std::string::npos) << said();
+    EXPECT_EQ(graph.YMin(), 12) << "stored all the same";
 }
 
 TEST_F(GraphSet, CancelChangesNothingAndOkUntouchedKeepsTheLook) {
@@ -489,6 +504,9 @@ TEST_F(GraphSet, TheEditorShowsChangesAtOnceAndCancelTakesAllBack) {
         graph.setXwide(300);
         QTest::keyClick(&chart, Qt::Key_Plus);
         const float zoomed = graph.shownYMax();
+        QEvent comesBack(QEvent::WindowActivate);
+        QApplication::sendEvent(editor, &comesBack);
+        EXPECT_NEAR(editor->findChild<QSpinBox*>(QStringLiteral("edtYMax"))->value(), zoomed * 100, 1);
         QTest::keyClick(editor, accepted ? Qt::Key_Return : Qt::Key_Escape);
         EXPECT_EQ(graph.shownYMax(), zoomed);
         EXPECT_FALSE(chart.following());

@@ -99,13 +99,14 @@ void ChartControl::setSilence(const QString& text) {
 }
 
 QString ChartControl::note() const {
-    if (!silence_.isEmpty()) {
-        return silence_;
-    }
     if (!message_.isEmpty()) {
-        return message_;
+        return message_; // for some seconds only
     }
-    return following() ? QString() : QString::fromUtf8(graphText::kPaused);
+    const QString paused = following() ? QString() : QString::fromUtf8(graphText::kPaused);
+    if (silence_.isEmpty()) {
+        return paused;
+    }
+    return paused.isEmpty() ? silence_ : silence_ + QStringLiteral(". ") + paused;
 }
 
 void ChartControl::showMessage(const QString& text) {
@@ -174,6 +175,19 @@ void ChartControl::traceAt(const QPointF& at) {
     describeSoon();
 }
 
+/// Moves the view where the traced point has left it.
+void ChartControl::showTraced() {
+    const ValueSpan view = model_.xView();
+    if (!tracer_.point()) {
+        return;
+    }
+    const double time = tracer_.point()->time;
+    const double by = time < view.from ? time - view.from : time > view.to ? time - view.to : 0;
+    if (by != 0) {
+        model_.setXView({view.from + by, view.to + by});
+    }
+}
+
 void ChartControl::pinTraced() {
     if (!tracer_.point()) {
         tracer_.step(-1);
@@ -205,6 +219,9 @@ void ChartControl::mousePressEvent(QMouseEvent* event) {
 
 void ChartControl::mouseMoveEvent(QMouseEvent* event) {
     focusCame_ = false;
+    if (!event->buttons().testFlag(Qt::LeftButton)) {
+        mouse_.cancel(); // a menu or another window took the release
+    }
     if (!mouse_.pressed()) {
         traceAt(event->position());
     } else if (mouse_.move(event->position())) {
@@ -246,6 +263,7 @@ bool ChartControl::tracerKey(int key, Qt::KeyboardModifiers modifiers) {
     const bool control = modifiers.testFlag(Qt::ControlModifier);
     if (control && (key == Qt::Key_Left || key == Qt::Key_Right)) {
         tracer_.step(key == Qt::Key_Left ? -1 : 1);
+        showTraced();
     } else if (control && (key == Qt::Key_Up || key == Qt::Key_Down)) {
         tracer_.stepSeries(key == Qt::Key_Up ? -1 : 1);
     } else if (key == Qt::Key_Space) {
@@ -377,6 +395,7 @@ void ChartControl::moveEvent(QMoveEvent* event) {
 
 void ChartControl::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
+    mouse_.cancel();
     tracer_.leave();
     surface_.reset();
 }

@@ -76,6 +76,7 @@ private:
     [[nodiscard]] char decimal() const;
     bool clickLegend(const QPoint& at);
     bool tracerKey(int key, Qt::KeyboardModifiers modifiers);
+    void showTraced();
     void pinTraced();
     void traceAt(const QPointF& at);
     [[nodiscard]] QMenu* buildMenu();

@@ -101,7 +101,23 @@ ChartEditor::ChartEditor(ChartModel& model, QWidget* owner)
     hint->setForegroundRole(kMutedRole);
     column->addWidget(hint);
     column->addLayout(buildBottom());
+    refill();
     resize(sizeHint().expandedTo({540, 427}));
+}
+
+/// The chart may have been changed by its own keys and wheel.
+void ChartEditor::refill() {
+    for (const std::function<void()>& each : refills_) {
+        each();
+    }
+    fillSeries();
+}
+
+bool ChartEditor::event(QEvent* event) {
+    if (event->type() == QEvent::WindowActivate) {
+        refill();
+    }
+    return QDialog::event(event);
 }
 
 void ChartEditor::reject() {
@@ -112,14 +128,17 @@ void ChartEditor::reject() {
 void ChartEditor::addNumber(QFormLayout& form, const char* label, const char* name, const Limits& limits,
                             Field field) {
     auto* box = new DecimalBox(limits.decimals, this);
-    ChartLook look = model_.look();
     box->setNames(QString::fromLatin1(name), QString::fromLatin1(name) + QStringLiteral("Text"),
                   QString::fromLatin1(label));
     box->setRange(box->position(limits.least), box->position(limits.most));
     box->setSingleStep(box->position(limits.step));
     box->setAlignment(Qt::AlignRight);
     box->setMinimumSize(110, 28);
-    box->setValue(box->position(std::clamp(field(look), limits.least, limits.most)));
+    refills_.push_back([this, box, limits, shown = field] {
+        const QSignalBlocker quiet(box);
+        ChartLook now = model_.look();
+        box->setValue(box->position(std::clamp(shown(now), limits.least, limits.most)));
+    });
     connect(box, &QSpinBox::valueChanged, this, [this, box, field = std::move(field)] {
         change([&](ChartLook& changed) { field(changed) = box->number(); });
     });
@@ -129,8 +148,11 @@ void ChartEditor::addNumber(QFormLayout& form, const char* label, const char* na
 void ChartEditor::addCheck(QFormLayout& form, const char* label, const char* name,
                            std::function<bool&(ChartLook&)> field) {
     auto* box = named(new QCheckBox(QStringLiteral("Visible"), this), name, label);
-    ChartLook look = model_.look();
-    box->setChecked(field(look));
+    refills_.push_back([this, box, shown = field] {
+        const QSignalBlocker quiet(box);
+        ChartLook now = model_.look();
+        box->setChecked(shown(now));
+    });
     connect(box, &QCheckBox::toggled, this, [this, field = std::move(field)](bool on) {
         change([&](ChartLook& changed) { field(changed) = on; });
     });
@@ -140,7 +162,10 @@ void ChartEditor::addCheck(QFormLayout& form, const char* label, const char* nam
 void ChartEditor::addGridCheck(QFormLayout& form, const char* label, const char* name,
                                AxisLook ChartLook::*axis) {
     auto* box = named(new QCheckBox(QStringLiteral("Visible"), this), name, label);
-    box->setChecked((model_.look().*axis).gridPattern == kGridOn);
+    refills_.push_back([this, box, axis] {
+        const QSignalBlocker quiet(box);
+        box->setChecked((model_.look().*axis).gridPattern == kGridOn);
+    });
     connect(box, &QCheckBox::toggled, this, [this, axis](bool on) {
         change([&](ChartLook& changed) { (changed.*axis).gridPattern = on ? kGridOn : kGridOff; });
     });
@@ -334,7 +359,10 @@ QLayout* ChartEditor::buildBottom() {
     }
     row->addStretch(1);
     row->addWidget(buttons);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::accepted, this, [this] {
+        SpinBox::finishTyping(*this);
+        accept();
+    });
     connect(buttons, &QDialogButtonBox::rejected, this, &ChartEditor::reject);
     return row;
 }

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 class QFormLayout;
 class QTableWidget;
@@ -22,6 +23,9 @@ public:
     ChartEditor(ChartModel& model, QWidget* owner);
 
     void reject() override;
+
+protected:
+    bool event(QEvent* event) override;
 
 private:
     using Change = std::function<void(ChartLook&)>;
@@ -46,6 +50,7 @@ private:
     void addFormat(QFormLayout& form, const char* label, const char* name, AxisLook ChartLook::*axis,
                    const std::vector<std::pair<const char*, const char*>>& choices);
     void addFontSize(QFormLayout& form);
+    void refill();
     void fillSeries();
     void seriesEdited(QTableWidgetItem* item);
     void chooseColor();
@@ -56,6 +61,7 @@ private:
     ChartModel& model_;
     LookEdit edit_;
     QTableWidget* table_ = nullptr;
+    std::vector<std::function<void()>> refills_; ///< one a field: shows what the chart has now
 };
 
 } // namespace drx9

@@ -53,11 +53,13 @@ std::vector<QString> ChartNotes::tracerLines(const ChartTracer& tracer) const {
 void ChartNotes::paintTracer(QPainter& painter, const QRect& plot, const ChartTracer& tracer) const {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    const ValueSpan view = model_.xView();
-    const auto inView = [&view](const TracedPoint& point) {
-        return point.time >= view.from && point.time <= view.to;
+    const ValueSpan x = model_.xView();
+    const ValueSpan y = model_.yView();
+    const auto inView = [&x](const TracedPoint& point) { return point.time >= x.from && point.time <= x.to; };
+    const auto inPlot = [&](const TracedPoint& point) {
+        return inView(point) && point.value >= y.from && point.value <= y.to;
     };
-    if (tracer.pinned() && inView(*tracer.pinned())) {
+    if (tracer.pinned() && inPlot(*tracer.pinned())) {
         paintCross(painter, place(plot, tracer.pinned()->time, tracer.pinned()->value));
     }
     if (tracer.point() && inView(*tracer.point())) {
@@ -66,7 +68,9 @@ void ChartNotes::paintTracer(QPainter& painter, const QRect& plot, const ChartTr
         painter.drawLine(QPointF(point.x(), plot.top()), QPointF(point.x(), plot.bottom()));
         painter.setPen(QPen(chart_.seriesColor(tracer.point()->series), 2));
         painter.setBrush(Qt::NoBrush);
-        painter.drawEllipse(point, 4, 4);
+        if (inPlot(*tracer.point())) {
+            painter.drawEllipse(point, 4, 4);
+        }
         paintWords(painter, plot, point, tracer);
     }
     painter.restore();
@@ -83,7 +87,8 @@ void ChartNotes::paintWords(QPainter& painter, const QRect& plot, const QPointF&
     }
     QRectF box(0, 0, width + 16, metrics.height() * double(lines.size()) + 10);
     box.moveBottomRight(point + QPointF(-10, -16));
-    box.moveTop(std::max(box.top(), plot.top() + 2.0));
+    box.moveTop(
+        std::clamp(box.top(), plot.top() + 2.0, std::max(plot.top() + 2.0, plot.bottom() - box.height())));
     if (box.left() < plot.left()) {
         box.moveLeft(std::max<double>(plot.left(), std::min(point.x() + 10, plot.right() - box.width())));
     }

@@ -113,8 +113,9 @@ void ChartOutput::savePicture(QWidget& chart) {
     request.title = "Save Picture";
     request.filter = "PNG (*.png)|*.png|SVG (*.svg)|*.svg|PDF (*.pdf)|*.pdf";
     request.defaultExtension = "png";
-    request.fileName = std::string(model_.design().heading) + ".png";
+    request.fileName = std::string(model_.design().heading);
     request.overwritePrompt = true;
+    request.suffixByFilter = true;
     choose(
         chart, request, [this, &chart](const std::string& path) { return picture(formatOf(path), chart); },
         graphText::kPicture);

@@ -5,6 +5,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QPointer>
+#include <QRegularExpression>
 
 #include <memory>
 
@@ -42,6 +43,13 @@ std::string run(const FileDialogRequest& request, bool save) {
         dialog->setNameFilters(nameFilters(request.filter));
     }
     dialog->setDefaultSuffix(QString::fromStdString(request.defaultExtension));
+    if (request.suffixByFilter) {
+        QObject::connect(dialog, &QFileDialog::filterSelected, dialog, [dialog](const QString& filter) {
+            const QRegularExpressionMatch ending =
+                QRegularExpression(QStringLiteral(R"(\*\.(\w+))")).match(filter);
+            dialog->setDefaultSuffix(ending.captured(1));
+        });
+    }
     preset(*dialog, request);
     const bool accepted = dialog->exec() == QDialog::Accepted;
     if (!dialog) { // went away with the window it was open over

@@ -44,6 +44,9 @@ public:
     /// The session ends: boxes and dialogs that are open are closed as Cancel, and the program closes without
     /// asking, as soon as the exchange in hand has ended.
     void endSession();
+    /// The window system has gone, and the process with it as soon as this returns: what must not be lost is
+    /// written.
+    void lastWords() { core_.monitor.lastWords(); }
 
     // For tests and benchmarks.
 

@@ -61,8 +61,7 @@ int main(int argc, char* argv[]) {
         QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) + QStringLiteral("/windows.ini");
     Program program(*files, paths, localeFromSystem(), places);
     application.report = [&program](const std::exception& error) { program.reportError(error); };
-    const SessionEnd sessionEnd([&program] { program.endSession(); },
-                                [&program] { program.core().monitor.lastWords(); });
+    const SessionEnd sessionEnd([&program] { program.endSession(); }, [&program] { program.lastWords(); });
     program.start();
     return QApplication::exec();
 }

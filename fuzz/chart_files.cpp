@@ -1,5 +1,5 @@
 // Any bytes as a chart's configuration and data files.
-#include "chart_files.h"
+#include "graphs/ChartFileChecks.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,6 @@
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "simulator/Options.h"
 #include "simulator/Simulator.h"

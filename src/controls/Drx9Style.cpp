@@ -3,9 +3,7 @@
 #include "controls/SpinBox.h"
 #include "controls/Theme.h"
 
-#include <QAbstractItemView>
 #include <QApplication>
-#include <QFileDialog>
 #include <QPainter>
 #include <QPainterPath>
 #include <QScrollBar>

@@ -17,7 +17,7 @@ class TextView;
 /// Markdown in one folder, which may be a resource; its index.md names them as links in the order of reading.
 /// A link is the name of a page, with "#" and a heading in lower case with "-" for blanks where one is meant.
 ///
-/// Belongs to no other window, but to a modal one as long as that stands, and so stays usable over it. Runs
+/// Belongs to no other window, but to a modal one as long as that is open, and so stays usable over it. Runs
 /// no event loop of its own.
 class ManualViewer : public QWidget {
     Q_OBJECT

@@ -8,7 +8,6 @@
 #include <QPainter>
 #include <QStyleOptionFrame>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 

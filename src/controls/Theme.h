@@ -3,7 +3,6 @@
 #include <QColor>
 #include <QPalette>
 
-#include <array>
 #include <optional>
 
 class QApplication;

@@ -4,7 +4,6 @@
 #include "errors/Texts.h"
 #include "util/Text.h"
 
-#include <algorithm>
 #include <limits>
 #include <utility>
 

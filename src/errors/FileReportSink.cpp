@@ -1,6 +1,7 @@
 #include "errors/FileReportSink.h"
 
 #include "util/DisplayFormats.h"
+#include "util/Utf.h"
 
 namespace drx9 {
 namespace {
@@ -10,10 +11,9 @@ constexpr std::size_t kLongestErrorString = 255; // characters
 
 /// The first characters of UTF-8 text, none of them cut.
 std::string firstCharacters(const std::string& text, std::size_t count) {
-    const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
     std::size_t end = 0;
-    while (end < text.size() && (count > 0 || continues(text[end]))) {
-        count -= continues(text[end]) ? 0 : 1;
+    while (end < text.size() && (count > 0 || continuesCharacter(text[end]))) {
+        count -= continuesCharacter(text[end]) ? 0 : 1;
         ++end;
     }
     return text.substr(0, end);

@@ -2,7 +2,6 @@
 
 #include "graphs/ChartModel.h"
 
-#include <limits>
 #include <vector>
 
 namespace drx9 {

@@ -1,5 +1,7 @@
 #include "graphs/ChartLook.h"
 
+#include <array>
+
 namespace drx9 {
 
 namespace {

@@ -239,11 +239,11 @@ void addUnknownHeadings(std::string& text, const ChartLook& look,
                         const std::vector<std::pair<std::string, Section>>& known) {
     std::string heading;
     for (const auto& [under, line] : look.unknown) {
-        bool stands = under.empty();
+        bool listed = under.empty();
         for (const auto& [name, keys] : known) {
-            stands = stands || name == under;
+            listed = listed || name == under;
         }
-        if (!stands) {
+        if (!listed) {
             text += (under == heading ? "" : under + "\n") + line + "\n";
             heading = under;
         }

@@ -27,8 +27,8 @@ public:
     void moveTo(const ChartCurves& curves, double x, double y);
     /// So many readings on along the series; from the newest one in view where none is traced.
     void step(int readings);
-    /// To the reading of the next visible series at that time: up is the series with a lower number. From the
-    /// newest reading in view where none is traced.
+    /// Goes to the next visible series' reading at the same time; -1 means a lower series number. Starts with
+    /// the newest reading in view where none is traced.
     void stepSeries(int direction);
     /// A traced series that shows no longer gives way to another one; a pin on it is dropped.
     void leaveHidden();

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 namespace drx9 {
 
 /// One strip chart as the acquisition cycle works it: time axis in elapsed seconds, rates in Å/s, thickness

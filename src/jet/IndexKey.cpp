@@ -2,8 +2,6 @@
 
 #include "jet/SortKey.h"
 
-#include <algorithm>
-
 namespace drx9::jet {
 
 namespace {

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <stdexcept>
+#include <exception>
 #include <string>
+#include <utility>
 
 namespace drx9::jet {
 

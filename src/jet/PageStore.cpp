@@ -131,14 +131,14 @@ void PageStore::save() {
         renaming = !changedOnDisk();
         return renaming ? FileStatus() : FileStatus::failure(jetText::kChangedMeanwhile);
     });
-    const bool stands = status.ok() || (renaming && changedOnDisk());
-    if (stands) {
+    const bool replaced = status.ok() || (renaming && changedOnDisk());
+    if (replaced) {
         identity_ = files_->identity(path_);
     }
     if (status.ok()) {
         return;
     }
-    if (stands) {
+    if (replaced) {
         undo_.clear();
         throw JetError(Fault::NotSaved, filled(jetText::kMayNotLast, {status.reason()}));
     }

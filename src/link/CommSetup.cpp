@@ -4,6 +4,7 @@
 #include "link/Texts.h"
 #include "platform/LinkPorts.h"
 #include "util/Text.h"
+#include "util/Utf.h"
 
 #include <algorithm>
 
@@ -23,7 +24,7 @@ bool isProduct(UsbBridge& bridge, std::uint32_t index) {
 std::string firstStranger(const std::string& text) {
     for (std::size_t at = 0; at < text.size();) {
         std::size_t end = at + 1;
-        while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
+        while (end < text.size() && continuesCharacter(text[end])) {
             ++end;
         }
         std::string character = text.substr(at, end - at);

@@ -5,8 +5,6 @@
 #include "util/ProgramName.h"
 #include "util/Text.h"
 
-#include <string_view>
-
 namespace drx9 {
 
 namespace {

@@ -72,7 +72,8 @@ public:
     /// exceptions of event handlers included, CommStatus() is not 9 afterwards.
     Exchange Comm_Send(const std::string& command);
 
-    /// The status of the last exchange. Where a pending command was sent behind it, this tells how that one
+    /// The status of the last exchange, for those who look later; who sends takes the one that Comm_Send()
+    /// returns. Where a pending command was sent behind it, this tells how that one
     /// ended, and what Comm_Send() returned how the first did.
     [[nodiscard]] std::uint16_t CommStatus() const { return status_; }
     void setCommStatus(std::uint16_t status) { status_ = status; }

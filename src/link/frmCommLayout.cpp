@@ -4,10 +4,8 @@
 #include "controls/ReadOnlyLine.h"
 #include "controls/Theme.h"
 
-#include <QButtonGroup>
 #include <QComboBox>
 #include <QFontDatabase>
-#include <QFrame>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -17,7 +15,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStackedWidget>
-#include <QStyle>
 
 namespace drx9 {
 

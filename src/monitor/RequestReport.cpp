@@ -11,7 +11,7 @@ namespace drx9 {
 using namespace monitorText;
 
 namespace {
-constexpr double kNoticeStands = 10; ///< s
+constexpr double kNoticeSeconds = 10;
 } // namespace
 
 void RequestReport::ended(const char* request, std::uint16_t status, bool inStep) {
@@ -46,8 +46,8 @@ void RequestReport::clear() {
 }
 
 std::string RequestReport::notice() const {
-    const bool stands = !text_.empty() && clock_.monotonic() < saidAt_ + kNoticeStands;
-    return stands ? text_ + "." + advice_ : std::string();
+    const bool shown = !text_.empty() && clock_.monotonic() < saidAt_ + kNoticeSeconds;
+    return shown ? text_ + "." + advice_ : std::string();
 }
 
 } // namespace drx9

@@ -3,6 +3,7 @@
 #include "platform/AtomicReplace.h"
 #include "util/Numbers.h"
 #include "util/Text.h"
+#include "util/Utf.h"
 
 #include <algorithm>
 #include <array>
@@ -16,7 +17,7 @@ constexpr std::int32_t kBufferCharacters = 253; ///< a buffer of 254 less its cl
 constexpr int kSingleDigits = 7;                ///< significant digits in the text of a single
 
 bool startsCharacter(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80;
+    return !continuesCharacter(byte);
 }
 
 std::int32_t characters(std::string_view text) {

@@ -236,30 +236,26 @@ void frmDataLog::showState() {
 void frmDataLog::optLog_Click(int index) {
     SpinBox::finishTyping(*this);
     parts_.settings.Type = static_cast<LogMode>(index);
-    emit settingsChanged();
 }
 
 void frmDataLog::spnStart_Change() {
     if (!loading_ && span_.setStart(fieldsOf(start_))) {
         fill(end_, span_.end());
     }
-    emit settingsChanged();
 }
 
 void frmDataLog::spnEnd_Change() {
     if (!loading_ && span_.setEnd(fieldsOf(end_))) {
         fill(start_, span_.start());
     }
-    emit settingsChanged();
 }
 
 void frmDataLog::spnInt_Change() {
     const SpanFields fields = fieldsOf(interval_);
     span_.setInterval(fields.minutes, fields.seconds);
-    emit settingsChanged();
 }
 
-// Both open windows of their own: in mid-exchange they wait, or the run would stand still behind them.
+// Both may run an event loop of their own (a file dialog, a box): they wait until no exchange is under way.
 
 void frmDataLog::cmdNew_Click() {
     SpinBox::finishTyping(*this);
@@ -301,7 +297,6 @@ void frmDataLog::chooseFile() {
     setWindowTitle(QString::fromStdString("DRX-9 Comm - " + bracket)); // kept: replaced at once
     setWindowTitle(QString::fromStdString("Data Log - " + bracket));
     showState();
-    emit settingsChanged();
 }
 
 void frmDataLog::viewFile() {

@@ -39,9 +39,6 @@ class frmDataLog : public QDialog {
 public:
     frmDataLog(const DataLogWindowParts& parts, QWidget* owner);
 
-signals:
-    void settingsChanged();
-
 private:
     /// Hour, minute and second spinners; the interval has no hours.
     struct Spinners {

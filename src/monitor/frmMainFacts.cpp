@@ -50,7 +50,7 @@ RunBar::Facts frmMain::barFacts() const {
             .films = monitor_.films().names(),
             .filmIndex = monitor_.films().index(),
             .filmName = QString::fromStdString(monitor_.films().nameBesideList()),
-            // For the moment that a choice needs nobody can have confirmed it.
+            // A choice that waits cannot be confirmed yet: no mark.
             .filmMark = QString::fromStdString(
                 requests.film && !monitor_.reconnecting() ? std::string() : monitor_.films().mark()),
             .held = parts_.timer.held(),

@@ -81,15 +81,16 @@ QAction* MainMenus::addItem(QMenu* menu, const char* name, const char* caption, 
 
 void MainMenus::buildFileAndEdit(QMainWindow& window) {
     QMenu* file = namedMenu(window, "mnuFile", "&File");
-    setupItems_[0] =
-        addItem(file, "mnuFileLog", "&Data Log", {Qt::CTRL | Qt::Key_L}, When::AtOnce, handlers_.dataLog);
+    setupItems_.push_back(
+        addItem(file, "mnuFileLog", "&Data Log", {Qt::CTRL | Qt::Key_L}, When::AtOnce, handlers_.dataLog));
     addSeparator(file, "mnuFileSep1");
     addItem(file, "mnuFileExit", "E&xit", {Qt::CTRL | Qt::Key_Q}, When::AtOnce, handlers_.exit);
 
     QMenu* setup = namedMenu(window, "mnuSetup", "&Edit");
-    setupItems_[1] = addItem(setup, "mnuSetupFilms", "&Films", {}, When::Idle, handlers_.films);
-    setupItems_[2] = addItem(setup, "mnuSetupSystem", "&System", {}, When::IdleForSystem, handlers_.system);
-    setupItems_[3] = addItem(setup, "mnuSetupComm", "&Communcations", {}, When::Idle, handlers_.comm);
+    setupItems_.push_back(addItem(setup, "mnuSetupFilms", "&Films", {}, When::Idle, handlers_.films));
+    setupItems_.push_back(
+        addItem(setup, "mnuSetupSystem", "&System", {}, When::IdleForSystem, handlers_.system));
+    setupItems_.push_back(addItem(setup, "mnuSetupComm", "&Communcations", {}, When::Idle, handlers_.comm));
     addSeparator(setup, "mnuSetupSep2");
     addItem(setup, "mnuSetupGraphs", "&Graph", {}, When::AtOnce, handlers_.graphSet);
 }
@@ -116,7 +117,7 @@ void MainMenus::buildHelp(QMainWindow& window) {
     QAction* index = addItem(help, "mnuHelpHelp", "&Help", {Qt::Key_F1}, When::AtOnce, handlers_.help);
     index->setShortcutContext(Qt::ApplicationShortcut); // in every window
     addSeparator(help, "mnuHelpSep1");
-    setupItems_[4] = addItem(help, "mnuHelpAbout", "&About", {}, When::AtOnce, handlers_.about);
+    setupItems_.push_back(addItem(help, "mnuHelpAbout", "&About", {}, When::AtOnce, handlers_.about));
 }
 
 void MainMenus::showFacts(const Facts& facts) {

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 class QAction;
 class QKeySequence;
@@ -58,7 +59,7 @@ private:
     Handlers handlers_;
     Later later_;
     Facts shown_;
-    std::array<QAction*, 5> setupItems_{}; ///< locked in a run
+    std::vector<QAction*> setupItems_; ///< locked in a run
     std::array<QAction*, 4> graphItems_{};
     std::array<QAction*, 3> sensorItems_{};
 };

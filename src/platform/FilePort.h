@@ -46,8 +46,7 @@ struct FileIdentity {
 };
 
 /// A file open for reading at any place: the file that was opened, also when its name has gone to another one
-/// since. Nobody is hindered from writing or removing it; from replacing it neither, but on Windows, where a
-/// rename over an open file fails.
+/// since. Others may write, remove or replace it meanwhile; on Windows replacing it fails while it is open.
 class InputFile {
 public:
     virtual ~InputFile() = default;

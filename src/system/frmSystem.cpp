@@ -167,7 +167,7 @@ void frmSystem::tellTooClose() {
         return;
     }
     // Later, from the event loop: the step's own event is on the stack, and a pressed arrow would go on
-    // stepping behind the box. Later still when the fields were changed in the midst of a save.
+    // stepping behind the box. Later still when the fields were changed during a save.
     holdFrequencies(true);
     const auto show = [self = QPointer<frmSystem>(this)] {
         if (self != nullptr) {

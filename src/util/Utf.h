@@ -11,6 +11,10 @@ inline constexpr char32_t kNoCharacter = 0xFFFFFFFF;
 /// Takes the character at `at`, which moves behind it; by one byte only, and with kNoCharacter, where no
 /// whole one is there (a cut or overlong form, a surrogate, a code beyond 10FFFF). `at` lies within the text.
 char32_t takeUtf8(std::string_view utf8, std::size_t& at);
+/// True for a byte of UTF-8 that does not begin a character.
+constexpr bool continuesCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
 /// `code` is a character, and no surrogate.
 void appendUtf8(std::string& out, char32_t code);
 /// True when the bytes are well-formed UTF-8 throughout.

@@ -1,23 +1,18 @@
 // The configuration and data files, and the export.
-#include "../../fuzz/chart_files.h"
+#include "fakes/FuzzSeeds.h"
 #include "graphs/ChartBench.h"
 #include "graphs/ChartFile.h"
+#include "graphs/ChartFileChecks.h"
 
 #include <gtest/gtest.h>
 
 #include <ctime>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace drx9 {
 namespace {
 
 std::string golden(const std::string& name) {
-    std::ifstream in(std::string(DRX9_SOURCE_DIR) + "/tests/graphs/golden/" + name, std::ios::binary);
-    std::stringstream bytes;
-    bytes << in.rdbuf();
-    return bytes.str();
+    return bytesOf(std::string(DRX9_SOURCE_DIR) + "/tests/graphs/golden/" + name);
 }
 
 const ChartLook kDesign = designLook(chartDesign(GraphKind::cAvgGraph));
@@ -103,18 +98,8 @@ TEST(ChartFile, DataThatAreBrokenGiveNoPoints) {
     EXPECT_NE(parseChartData("t\ta\tb\n1\t\t2\n", 2), nullptr);
 }
 
-/// The fuzzer's seeds, and every input that once did harm.
-TEST(ChartFile, SeedsOfTheFuzzer) {
-    int seeds = 0;
-    for (const auto& entry :
-         std::filesystem::directory_iterator(DRX9_SOURCE_DIR "/fuzz/corpus/chart_files")) {
-        std::ifstream in(entry.path(), std::ios::binary);
-        std::stringstream bytes;
-        bytes << in.rdbuf();
-        checkChartFiles(bytes.str());
-        ++seeds;
-    }
-    EXPECT_GT(seeds, 2);
+TEST(ChartFile, HoldsForEverySeed) {
+    replaySeeds("chart_files", [](const std::string& bytes) { checkChartFiles(bytes); });
 }
 
 TEST(ChartFile, FilesOfAnySizeCostLittle) {

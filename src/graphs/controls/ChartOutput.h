@@ -6,10 +6,8 @@
 #include "platform/FilePort.h"
 
 #include <QByteArray>
-#include <QFont>
 #include <QImage>
 #include <QPointer>
-#include <QSize>
 
 #include <functional>
 
@@ -17,7 +15,7 @@ namespace drx9 {
 
 struct Theme;
 
-/// What a chart needs of the program. With any of the first three missing it offers no files.
+/// What a chart needs of the program. Without files, dialogs or whenIdle it offers no files.
 struct ChartPorts {
     FilePort* files = nullptr;
     FileDialogs* dialogs = nullptr;

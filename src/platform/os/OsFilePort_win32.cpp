@@ -6,7 +6,6 @@
 #include "util/Text.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 #include <windows.h>
 

@@ -7,7 +7,6 @@
 #include <QPointer>
 #include <QRegularExpression>
 
-#include <memory>
 
 namespace drx9 {
 

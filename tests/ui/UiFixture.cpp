@@ -1,2 +1,0 @@
-// The monitor's fixture serves the windows too.
-#include "monitor/MonitorFixture.cpp"

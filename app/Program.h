@@ -53,6 +53,7 @@ public:
     [[nodiscard]] Core& core() { return core_; }
     [[nodiscard]] const Clock& clock() const { return clock_; }
     [[nodiscard]] frmMain& window() { return window_; }
+    [[nodiscard]] ChartSet& charts() { return charts_; }
 
 private:
     [[nodiscard]] ChartPorts chartParts(const Paths& paths);

@@ -24,6 +24,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -376,6 +377,31 @@ void atRest() {
     std::printf("resident at rest: %.1f MB (this measuring program)\n", residentMegabytes());
 }
 
+/// With the readings of a day's run of six sensors in all charts, each of which is painted once whole.
+void afterADay() {
+    Running running({});
+    runEvents(1);
+    ChartSet& charts = running.program->charts();
+    constexpr int kReadings = 24 * 3600 * 4;
+    for (int i = 0; i < kReadings; ++i) {
+        const double time = i / 4.0;
+        const double value = 10 + std::sin(time / 60);
+        charts.graph(1).append(1, time, value);
+        charts.graph(3).append(1, time, time / 20000);
+        for (int sensor = 1; sensor <= 6; ++sensor) {
+            charts.graph(2).append(sensor, time, value + sensor / 10.0);
+            charts.graph(4).append(sensor, time, time / 20000 + sensor / 100.0);
+        }
+    }
+    for (int number = 1; number <= 4; ++number) {
+        charts.graph(number).setXwide(kReadings / 4.0F);
+        static_cast<void>(charts.chart(number).grab());
+    }
+    runEvents(2);
+    std::printf("resident with a day's run of six sensors: %.1f MB (this measuring program)\n",
+                residentMegabytes());
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -399,6 +425,9 @@ int main(int argc, char** argv) {
         }
         if (wanted("rest")) {
             atRest();
+        }
+        if (wanted("day")) {
+            afterADay();
         }
         if (wanted("click")) {
             clickFeedback();

@@ -92,7 +92,7 @@ ChartEditor::ChartEditor(ChartModel& model, QWidget* owner)
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(16, 16, 16, 16);
     column->setSpacing(12);
-    auto* tabs = new QTabWidget(this);
+    auto* tabs = named(new QTabWidget(this), "edtTabs", "Settings of the chart");
     tabs->addTab(buildAxes(), QStringLiteral("Axes"));
     tabs->addTab(buildSeries(), QStringLiteral("Series"));
     tabs->addTab(buildTitles(), QStringLiteral("Titles && Fonts"));

@@ -4,6 +4,7 @@
 #include "films/Texts.h"
 #include "util/Text.h"
 
+#include <algorithm>
 #include <chrono>
 
 namespace drx9 {
@@ -34,6 +35,11 @@ std::string ErrorsTable::open(jet::DBEngine& engine, const std::string& path) {
         database_ = engine.OpenDatabase(path);
         if (const std::string reason = database_->ReadOnlyReason(); !reason.empty()) {
             jet::rejected(reason);
+        }
+        const auto& columns = database_->TableDefs(table_).Fields();
+        if (std::none_of(columns.begin(), columns.end(),
+                         [](const jet::Field& column) { return equalNoCase(column.Name, "ErrorString"); })) {
+            jet::rejected("the table has no column \"ErrorString\"");
         }
         records_ = database_->OpenRecordset(table_);
     } catch (const jet::JetError& error) {

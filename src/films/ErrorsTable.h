@@ -18,8 +18,8 @@ public:
     explicit ErrorsTable(std::string table)
         : table_(std::move(table)) {}
 
-    /// Opens the table in the database of that absolute path, to be written. An empty text, or why it could
-    /// not be opened, for a message box.
+    /// Opens the table in the database of that absolute path, to be written. A table without the column
+    /// ErrorString is another program's. An empty text, or why it could not be opened, for a message box.
     std::string open(jet::DBEngine& engine, const std::string& path);
     void close();
 

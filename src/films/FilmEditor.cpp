@@ -125,7 +125,9 @@ bool FilmEditor::EditFilmName(const std::string& typed) {
         parts_.library.tell(cannotHold("!"), NoticeTone::Warn);
         return false;
     }
-    parts_.library.edit(Dat::DBSelected, {{"FilmName", name}});
+    if (parts_.library.edit(Dat::DBSelected, {{"FilmName", name}})) {
+        parts_.library.renameQuery(Dat::DBSelected, queries::chosenFilm(name));
+    }
     parts_.library.refresh(Dat::DBFilms);
     return true;
 }

@@ -6,6 +6,7 @@ namespace drx9 {
 
 void FilmInstrument::begin() {
     timeouts_ = 0;
+    unanswered_ = false;
     longest_ = 0;
     link_.watch().begin();
 }
@@ -18,6 +19,7 @@ void FilmInstrument::beginExchange() {
 
 void FilmInstrument::endExchange(std::uint16_t status) {
     timeouts_ = comm::isSilence(status) ? timeouts_ + 1 : 0;
+    unanswered_ = unanswered_ || timeouts_ > 0;
     if (status == comm::kOk) {
         longest_ = std::max(longest_, clock_.monotonic() - began_);
     }
@@ -52,14 +54,16 @@ std::uint16_t FilmInstrument::resetFilms() {
 }
 
 /// An answer that is one too many moves all behind it by one, and then the last one is still to come: within
-/// the time of one exchange. Where the last exchange timed out nothing is.
+/// the time of one exchange. After a time-out there is nothing to wait for.
 FilmInstrument::Step FilmInstrument::look() {
     if (timeouts_ == 0) {
         link_.listen(lookTime());
     }
     const StepWatch& watch = link_.watch();
-    const Step step = watch.surplus() ? Step::Broken : watch.doubtful() ? Step::Doubtful : Step::Sound;
+    const bool doubtful = watch.doubtful() || (watch.mayHaveMoved() && unanswered_);
+    const Step step = watch.surplus() ? Step::Broken : doubtful ? Step::Doubtful : Step::Sound;
     longest_ = 0;
+    unanswered_ = false;
     link_.watch().begin();
     return step;
 }

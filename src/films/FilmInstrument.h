@@ -43,7 +43,7 @@ public:
     /// Whether the answers since the last look are those of their commands.
     enum class Step : std::uint8_t {
         Sound,
-        Doubtful, ///< an answer came twice behind some that were alike: all may have moved by one
+        Doubtful, ///< behind some that were alike an answer came twice, or none: all may have moved by one
         Broken,   ///< an answer came that is none of theirs
     };
     /// Listens a while, and drops what comes.
@@ -62,9 +62,10 @@ private:
     Commands& commands_;
     const Clock& clock_;
     bool reached_ = false;
-    int timeouts_ = 0;   ///< in a row
-    double began_ = 0;   ///< the exchange in hand; monotonic
-    double longest_ = 0; ///< s, of the exchanges since the last look
+    int timeouts_ = 0;        ///< in a row
+    bool unanswered_ = false; ///< an exchange since the last look
+    double began_ = 0;        ///< the exchange in hand; monotonic
+    double longest_ = 0;      ///< s, of the exchanges since the last look
 };
 
 } // namespace drx9

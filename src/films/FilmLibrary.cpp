@@ -69,6 +69,7 @@ void FilmLibrary::bind() {
     boundPath_ = path();
     showsUpload_ = same(boundPath_, uploadPath());
     openFailure_.clear();
+    lost_.clear();
     if (!statements_.run([&] { database_ = parts_.engine.OpenDatabase(boundPath_); })) {
         openFailure_ = statements_.reason();
     }
@@ -175,8 +176,8 @@ std::string FilmLibrary::copy(const std::string& source, const std::string& targ
 }
 
 LibraryNotice FilmLibrary::standing() const {
-    if (!openFailure_.empty()) {
-        return {bareName(boundPath_) + ": " + openFailure_, NoticeTone::Alarm};
+    if (const std::string& why = openFailure_.empty() ? lost_ : openFailure_; !why.empty()) {
+        return {bareName(boundPath_) + ": " + why, NoticeTone::Alarm};
     }
     const std::string reason = database_ ? database_->ReadOnlyReason() : std::string();
     if (!reason.empty()) {
@@ -196,14 +197,27 @@ void FilmLibrary::followFile() {
     if (gathering_) {
         return;
     }
-    auto now = parts_.engine.OpenDatabase(boundPath_);
+    std::unique_ptr<jet::Database> now;
+    lost_.clear();
+    if (!statements_.run([&] { now = parts_.engine.OpenDatabase(boundPath_); })) {
+        lost_ = statements_.reason();
+        throw jet::JetError(jet::Fault::CannotOpen, lost_);
+    }
     if (&now->shared() == &database_->shared()) {
         return;
     }
     database_ = std::move(now);
+    requeryAll();
+}
+
+/// A source without a current row stays without one: nobody chose a film.
+void FilmLibrary::requeryAll() {
     for (Source& source : sources_) {
+        const bool chosen = source.records && source.records->AbsolutePosition() != -1;
         source.records.reset();
-        statements_.run([&] { requery(source); });
+        if (statements_.run([&] { requery(source); }) && !chosen) {
+            source.records->AbsolutePosition(-1);
+        }
     }
 }
 
@@ -333,9 +347,7 @@ bool FilmLibrary::commitGathered() {
     const bool stored = statements_.run([&] { database_->CommitTrans(); });
     if (!stored) {
         tell(filled(filmText::kChangesNotSaved, {plainReason(statements_.reason())}), NoticeTone::Alarm);
-        for (Source& source : sources_) {
-            statements_.run([&] { requery(source); });
-        }
+        requeryAll();
     }
     return stored;
 }

@@ -81,6 +81,8 @@ public:
     Found select(Dat source, const std::string& recordSource);
     /// Reads again which rows there are.
     Found refresh(Dat source);
+    /// What the source asks when its file is replaced; its row stays.
+    void renameQuery(Dat source, const std::string& recordSource) { at(source).recordSource = recordSource; }
     /// True when the source has a current row.
     [[nodiscard]] bool found(Dat source) const;
     /// A field of the current row; null when there is none.
@@ -113,8 +115,8 @@ public:
     [[nodiscard]] const LibraryNotice& notice() const { return notice_; }
     void forgetNotice() { notice_ = {}; }
     void tell(std::string text, NoticeTone tone) { notice_ = {std::move(text), tone}; }
-    /// What holds as long as the file is open: that it could not be opened, cannot be written and why, that
-    /// an upload is not saved yet, or what came of a conversion.
+    /// What holds as long as the file is open: that it could not be opened, cannot be read any more or cannot
+    /// be written and why, that an upload is not saved yet, or what came of a conversion.
     [[nodiscard]] LibraryNotice standing() const;
 
 private:
@@ -134,6 +136,7 @@ private:
     void release();
     void followFile();
     void requery(Source& source);
+    void requeryAll();
     bool store(Source& source, const Values& values, Unfit policy);
     bool notSaved();
     std::string copy(const std::string& source, const std::string& target);
@@ -146,6 +149,7 @@ private:
     std::array<Source, 4> sources_;
     std::string caption_;
     std::string openFailure_;  ///< why the file could not be opened
+    std::string lost_;         ///< why it cannot be read any more
     LibraryNotice conversion_; ///< what came of it; empty where nothing was to be converted
     std::vector<std::string> unfit_;
     bool gathering_ = false;

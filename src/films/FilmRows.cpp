@@ -19,12 +19,14 @@ void take(const jet::Value& value, double& number) {
     number = numberOf(value).value_or(number);
 }
 
-/// The material's name; null where there is none and none could be made. Adds to `unfit`.
+/// The material's name; null where it cannot be looked up, or there is none and none could be made. Sets
+/// `unfit`.
 jet::Value materialFor(FilmLibrary& library, const FilmRecord& film, std::vector<std::string>& unfit) {
-    if (library.select(Dat::Material, queries::materialOf(film.Density, film.ZFactor)) == Found::Yes) {
+    const Found there = library.select(Dat::Material, queries::materialOf(film.Density, film.ZFactor));
+    if (there == Found::Yes) {
         return library.value(Dat::Material, "Material");
     }
-    Found taken = Found::Yes;
+    Found taken = there == Found::No ? Found::Yes : Found::Failed;
     std::string name;
     for (int n = 1; taken == Found::Yes; ++n) {
         name = "UnitMat" + std::to_string(n);
@@ -34,7 +36,7 @@ jet::Value materialFor(FilmLibrary& library, const FilmRecord& film, std::vector
         taken == Found::No &&
         library.add(Dat::Material, {{"Material", name}, {"Density", film.Density}, {"ZFactor", film.ZFactor}},
                     FilmLibrary::Unfit::KeepsField);
-    unfit = library.unfit();
+    unfit = added ? library.unfit() : std::vector<std::string>{"Material"};
     return added ? jet::Value(name) : jet::Value();
 }
 } // namespace
@@ -98,7 +100,6 @@ StoredFilm CommToDBFilm(FilmLibrary& library, const FilmRecord& film) {
     outcome.row = there == Found::Yes  ? library.edit(Dat::DBSelected, values, kPolicy)
                   : there == Found::No ? library.add(Dat::DBSelected, values, kPolicy)
                                        : false;
-    outcome.row = outcome.row && !jet::isNull(material);
     outcome.unfit.insert(outcome.unfit.end(), library.unfit().begin(), library.unfit().end());
     library.select(Dat::DBSelected, queries::filmNamed(name));
     return outcome;

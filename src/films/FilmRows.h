@@ -23,8 +23,8 @@ bool hasEmptyValues(FilmLibrary& library);
 /// What of a film was not stored.
 struct StoredFilm {
     bool row = false; ///< the film is in the library
-    std::vector<std::string>
-        unfit; ///< fields that keep their values: their columns could not hold the film's
+    /// Fields that keep their values: their columns could not hold the film's, or no material was found.
+    std::vector<std::string> unfit;
 };
 
 /// Stores a film as the instrument told it, over the database film of its number or as a new one. Its

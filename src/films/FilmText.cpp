@@ -21,16 +21,16 @@ double shortest(float value) {
     return result;
 }
 
-/// Digits in groups of three behind the first, as "12,000".
-bool isGrouped(std::string_view text, std::size_t sign) {
-    const auto digits = [](std::string_view part) {
-        return !part.empty() && part.find_first_not_of("0123456789") == std::string_view::npos;
-    };
-    std::string_view before = text.substr(0, sign);
-    before.remove_prefix(!before.empty() && (before.front() == '-' || before.front() == '+') ? 1 : 0);
-    const std::string_view after = text.substr(sign + 1);
-    return digits(before) && before.size() <= 3 && before.front() != '0' && digits(after) &&
-           after.size() == 3;
+/// Digits in groups of three behind the first, as "1,234,567", with a sign before them or without.
+bool isGrouped(std::string_view text, char group) {
+    text.remove_prefix(!text.empty() && (text.front() == '-' || text.front() == '+') ? 1 : 0);
+    const std::size_t first = text.find(group);
+    bool grouped = first >= 1 && first <= 3 && text.front() != '0';
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isSign = i >= first && (i - first) % 4 == 0;
+        grouped = grouped && (isSign ? text[i] == group : text[i] >= '0' && text[i] <= '9');
+    }
+    return grouped && (text.size() - first) % 4 == 0;
 }
 
 } // namespace
@@ -81,12 +81,23 @@ std::string shownText(const jet::Value& value, const NumberLocale& locale) {
 
 std::optional<double> typedNumber(std::string_view text, const NumberLocale& locale) {
     std::string plain = trimmed(text);
-    const std::size_t sign = plain.find_first_of(".,");
-    if (sign == std::string::npos || plain.find_first_of(".,", sign + 1) != std::string::npos ||
-        (plain[sign] == locale.group && isGrouped(plain, sign))) {
+    const std::size_t first = plain.find_first_of(".,");
+    if (first == std::string::npos) {
         return parseLocaleNumber(plain, locale);
     }
-    plain[sign] = '.';
+    const std::size_t last = plain.find_last_of(".,");
+    const char group = plain[first];
+    const std::size_t whole = first == last || plain[last] != group ? last : plain.size(); // its end
+    if (whole < plain.size()) {
+        plain[whole] = '.';
+    }
+    if (first != last) {
+        if (!isGrouped(std::string_view(plain).substr(0, whole), group)) {
+            return {};
+        }
+        const auto end = plain.begin() + static_cast<std::ptrdiff_t>(whole);
+        plain.erase(std::remove(plain.begin(), end, group), end);
+    }
     return parseLocaleNumber(plain, NumberLocale{});
 }
 

@@ -35,8 +35,9 @@ std::optional<double> numberOf(const jet::Value& value);
 /// A stored number in its shortest form with the locale's decimal sign; a text as it is; empty for null.
 std::string shownText(const jet::Value& value, const NumberLocale& locale);
 
-/// A number as typed: "." and "," are both taken as the decimal sign, except in a text that reads as one
-/// grouped in thousands ("1,000" where "," groups). Nothing for anything else, an empty text included.
+/// A number as typed: a single "." or "," is the decimal sign in any locale ("1,250" is 1.25). Of both signs
+/// the last is the decimal sign and the other one groups thousands, as a sign does that stands several times.
+/// Nothing for anything else, an empty text included.
 std::optional<double> typedNumber(std::string_view text, const NumberLocale& locale);
 
 /// True when storing `wanted` over `stored` would leave the same value, in the precision of what is stored.

@@ -236,7 +236,7 @@ void FilmTransfer::writeFilms(int index, TransferReport& report) {
     const ShownProgress shown(parts_.progress, filmText::kWriting);
     const int count = rows();
     int expected = 0;
-    for (int i = 1; i <= count; ++i) {
+    for (int i = 1; i <= (index == kAll ? count : parts_.list.rowCount()); ++i) {
         expected += takes(i, index) ? 1 : 0;
     }
     report.expect(expected);
@@ -248,6 +248,7 @@ void FilmTransfer::writeFilms(int index, TransferReport& report) {
             writeRow(i, written, report);
         }
     }
+    nameRest(index, report);
     if (stopped() || written.empty()) {
         return;
     }
@@ -257,12 +258,28 @@ void FilmTransfer::writeFilms(int index, TransferReport& report) {
     }
 }
 
+/// The selected films that the instrument has no place for. That all films may be more is known.
+void FilmTransfer::nameRest(int index, TransferReport& report) {
+    const std::string heading = filled(filmText::kNoPlace, {std::to_string(parts_.instrument.FilmCount())});
+    for (int i = rows() + 1; i <= parts_.list.rowCount() && index != kAll; ++i) {
+        if (takes(i, index)) {
+            parts_.list.setCurrentRow(i - 1);
+            report.name(heading, rowName(i));
+        }
+    }
+}
+
+/// What the current row is called in a report.
+std::string FilmTransfer::rowName(int film) const {
+    const std::string name = trimmed(parts_.list.filmName());
+    return name.empty() ? filled(filmText::kRow, {std::to_string(film)}) : name;
+}
+
 void FilmTransfer::writeRow(int film, std::vector<int>& written, TransferReport& report) {
     FilmRecord record = parts_.films[static_cast<std::size_t>(film)];
     const std::string name = parts_.list.filmName();
     DBFilmToComm(parts_.library, film, name, parts_.list.manySensors(), record);
-    const std::string named =
-        trimmed(name).empty() ? filled(filmText::kRow, {std::to_string(film)}) : trimmed(name);
+    const std::string named = rowName(film);
     if (record.FilmName == kNotAFilm) {
         report.name(filmText::kNotLookedUp, named);
         return;
@@ -310,22 +327,24 @@ void FilmTransfer::VerifyFilms(int index, TransferReport& report) {
     const int count = rows();
     Read read;
     bool goesOn = true;
+    Messages messages = Messages::Blocking;
     for (int i = 1; i <= count && goesOn && !stopped(); ++i) {
         parts_.list.setCurrentRow(i - 1);
         if (takes(i, index)) {
             parts_.list.ShowDBFilm();
             parts_.progress.setProgress(percent(i, count));
-            goesOn = verifyRow(i, read, report);
+            goesOn = verifyRow(i, messages, read, report);
         }
     }
     keepReadBack(read, report);
 }
 
 /// False when the operator cancelled. What differs is asked about only when the answer is surely this
-/// film's.
-bool FilmTransfer::verifyRow(int film, Read& read, TransferReport& report) {
-    const Commands::FilmAnswer readBack = parts_.instrument.readFilm(film, Messages::Blocking);
+/// film's. The first film that cannot be read has a box, the others only their names in the report.
+bool FilmTransfer::verifyRow(int film, Messages& messages, Read& read, TransferReport& report) {
+    const Commands::FilmAnswer readBack = parts_.instrument.readFilm(film, messages);
     if (!readBack.film) {
+        messages = Messages::Silent;
         report.name(filmText::kNotReadBack, std::to_string(film));
         return true;
     }

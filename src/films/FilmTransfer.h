@@ -88,9 +88,11 @@ private:
     bool shutterClosed();
     void writeFilms(int index, TransferReport& report);
     void writeRow(int film, std::vector<int>& written, TransferReport& report);
+    void nameRest(int index, TransferReport& report);
+    [[nodiscard]] std::string rowName(int film) const;
     void noteFaults(const std::string& name, const std::string& named, TransferReport& report);
     void VerifyFilms(int index, TransferReport& report);
-    bool verifyRow(int film, Read& read, TransferReport& report);
+    bool verifyRow(int film, Messages& messages, Read& read, TransferReport& report);
     bool keepReadBack(Read& read, TransferReport& report);
     [[nodiscard]] bool takes(int film, int index) const;
     [[nodiscard]] int rows() const;

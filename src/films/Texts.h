@@ -74,6 +74,7 @@ inline constexpr const char* kFieldOf = "{} of film {}"; ///< behind it, where t
 inline constexpr const char* kOutOfStep = "Answers out of step";
 inline constexpr const char* kShutterOutOfStep = "answers out of step";
 inline constexpr const char* kSentOutOfStep = "Answers out of step: some films may not have been taken";
+inline constexpr const char* kNoPlace = "Not sent, the DRX-9 holds {} films";
 inline constexpr const char* kTooLong = "Not sent, its numbers are too long";
 inline constexpr const char* kRow = "row {}"; ///< stands for a film without a name
 inline constexpr const char* kNotLookedUp = "Not sent, cannot be looked up";

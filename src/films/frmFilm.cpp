@@ -8,7 +8,6 @@
 #include "util/ProgramName.h"
 #include "util/Text.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -16,6 +15,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalBlocker>
 
@@ -82,9 +82,11 @@ void frmFilm::closeEvent(QCloseEvent* event) {
         closeWanted_ = true;
     } else if (!closed_ && !closeAsked_) {
         closeAsked_ = true;
-        finishEditing();
+        closeAsked_ = finishEditing();
         inCloseEvent_ = true;
-        whenIdle([this] { Form_QueryUnload(); });
+        if (closeAsked_) {
+            whenIdle([this] { Form_QueryUnload(); });
+        }
         inCloseEvent_ = false;
     }
     event->setAccepted(closed_);
@@ -113,7 +115,9 @@ void frmFilm::askUnsaved() {
 
 void frmFilm::beforeProgramCloses() {
     if (!closed_ && !parts_.round.sessionEnds()) {
-        finishEditing();
+        if ((!finishEditing() || unseen_) && !library_.notice().text.empty()) {
+            parts_.boxes.show(library_.notice().text, kProgramName, MessageIcon::Exclamation);
+        }
         askUnsaved();
     }
     closed_ = true;
@@ -121,6 +125,7 @@ void frmFilm::beforeProgramCloses() {
 
 bool frmFilm::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate && state_ != nullptr) {
+        unseen_ = false;
         showState(); // who else has the file open may have changed
         showInstrument();
     }
@@ -145,22 +150,10 @@ void frmFilm::whenIdle(std::function<void()> action) {
     });
 }
 
-/// What is typed in the focused field is finished as if the field had been left.
-void frmFilm::finishEditing() {
-    QWidget* focus = QApplication::focusWidget();
-    if (focus != nullptr && isAncestorOf(focus) &&
-        (qobject_cast<QLineEdit*>(focus) != nullptr || qobject_cast<QAbstractSpinBox*>(focus) != nullptr ||
-         qobject_cast<QComboBox*>(focus) != nullptr)) {
-        focus->clearFocus();
-        focus->setFocus();
-    }
-}
-
 // ---- The operator's doings ----
 
 void frmFilm::mnuFileOpen_Click() {
-    finishEditing();
-    whenIdle([this] {
+    afterEditing([this] {
         if (library_.openDatabase()) {
             showLibrary();
         }
@@ -168,8 +161,7 @@ void frmFilm::mnuFileOpen_Click() {
 }
 
 void frmFilm::mnuFileSave_Click() {
-    finishEditing();
-    whenIdle([this] {
+    afterEditing([this] {
         library_.saveDatabaseAs();
         showState();
     });
@@ -181,54 +173,8 @@ void frmFilm::lstDBFilms_Click(int row) {
     ShowDBFilm();
 }
 
-void frmFilm::txtParam_Finished(FilmBox box) {
-    QLineEdit* field = txtParam_[static_cast<std::size_t>(box)];
-    if (filling_ || !field->isModified()) {
-        return;
-    }
-    field->setModified(false); // a message box takes the focus: once is enough
-    library_.forgetNotice();
-    if (box != FilmBox::FilmName) {
-        editor_.editBox(box, field->text().toStdString());
-    } else if (editor_.EditFilmName(field->text().toStdString())) {
-        showList();
-        list_->moveToFirstRow(); // the renamed film stays shown and selected
-    }
-    showFilm();
-}
-
-void frmFilm::dbcMaterial_Change() {
-    if (filling_) {
-        return;
-    }
-    dbcMaterial_->lineEdit()->setModified(false);
-    library_.forgetNotice();
-    editor_.changeMaterial(dbcMaterial_->currentText().toStdString());
-    const QString typed = dbcMaterial_->currentText();
-    showFilm();
-    if (!library_.found(Dat::DBSelected) || !library_.found(Dat::Material)) {
-        dbcMaterial_->setEditText(typed);
-    }
-}
-
-void frmFilm::chkSensAvg_Click(std::size_t sensor) {
-    library_.forgetNotice();
-    editor_.clickSensor(sensor, chkSensAvg_[sensor]->isChecked());
-    showFilm();
-}
-
-void frmFilm::spnTime_Change() {
-    if (filling_ || !library_.found(Dat::DBSelected)) {
-        return;
-    }
-    library_.forgetNotice();
-    editor_.setTime(spnMinutes_->value(), spnSeconds_->value());
-    showState();
-}
-
 void frmFilm::cmdNewMat_Click() {
-    finishEditing();
-    whenIdle([this] {
+    afterEditing([this] {
         library_.forgetNotice();
         const std::string added = editor_.addMaterial();
         if (!added.empty()) {
@@ -243,20 +189,19 @@ void frmFilm::cmdNewMat_Click() {
 }
 
 void frmFilm::cmdAddFilm_Click() {
-    finishEditing();
-    whenIdle([this] {
+    afterEditing([this] {
         library_.forgetNotice();
         if (editor_.addFilm(dbcMaterial_->currentText().toStdString())) {
             showList();
-            list_->forgetShown();
+            list_->selectFilm(editor_.shown().boxes[static_cast<std::size_t>(FilmBox::FilmName)]);
         }
         showFilm();
     });
 }
 
 void frmFilm::transferClick(std::function<void()> transfer) {
-    finishEditing();
-    whenIdle([this, transfer = std::move(transfer)] {
+    afterEditing([this, transfer = std::move(transfer)] {
+        list_->moveToSelectedRow();
         {
             const StandStill still({content_, menu_});
             transfer();

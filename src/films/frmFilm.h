@@ -7,7 +7,6 @@
 #include "link/MonitorAccess.h"
 
 #include <QDialog>
-#include <QPointer>
 
 #include <array>
 #include <functional>
@@ -48,16 +47,18 @@ struct FilmWindowParts {
 };
 
 /// The film window: the library's films and materials, and their transfer to and from the instrument. Not
-/// modal, but the update timer stands still while it is open. It is made when nothing of ours is on the
+/// modal, but the update timer does not run while it is open. It is made when nothing of ours is on the
 /// stack: its load may ask for a file. A transfer that runs puts off its closing; what is unsaved is asked
-/// about before it closes, also when the program does.
+/// about before it closes, also when the program does. A typed value that is refused or not stored keeps
+/// the window open, and what was to begin with it does not begin.
 class frmFilm : public QDialog, private FilmListView {
     Q_OBJECT
 public:
     frmFilm(FilmWindowParts parts, QWidget* owner);
     ~frmFilm() override;
 
-    void reject() override { close(); }
+    /// Esc: a field that is being typed gets its stored value again; otherwise the window closes.
+    void reject() override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -94,7 +95,10 @@ private:
     void mnuFileOpen_Click();
     void mnuFileSave_Click();
     void whenIdle(std::function<void()> action);
-    void finishEditing();
+    void afterEditing(std::function<void()> action);
+    bool finishEditing();
+    void noteRefusal(bool refused);
+    [[nodiscard]] QLineEdit* typedField() const;
     void askUnsaved();
     void beforeProgramCloses();
 
@@ -130,6 +134,9 @@ private:
     bool closeAsked_ = false;
     bool closed_ = false;
     bool inCloseEvent_ = false;
+    bool refused_ = false;      ///< a typed value, just now
+    bool pressRefused_ = false; ///< a typed value that the press of a button had finished
+    bool unseen_ = false;       ///< a refusal behind another window, which may be the program's close
 
     QMenuBar* menu_ = nullptr;
     QWidget* content_ = nullptr;

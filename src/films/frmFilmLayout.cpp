@@ -110,6 +110,7 @@ QPushButton* frmFilm::button(const char* name, const char* caption, const char* 
     made->setAccessibleDescription(made->toolTip());
     made->setAutoDefault(false);
     made->setMinimumHeight(kControlHeight);
+    connect(made, &QPushButton::pressed, this, [this] { pressRefused_ = refused_; });
     return made;
 }
 

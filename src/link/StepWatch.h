@@ -17,6 +17,8 @@ public:
     /// one too many by itself; or the second of the two was, all behind it have moved by one, and this is the
     /// last command's own.
     [[nodiscard]] bool doubtful() const { return doubtful_; }
+    /// Two answers in a row were alike, and others have followed them.
+    [[nodiscard]] bool mayHaveMoved() const { return mayHaveMoved_; }
     /// Nobody can tell which answer belongs to which command.
     [[nodiscard]] bool broken() const { return late_ || surplus_; }
 

@@ -158,15 +158,35 @@ TEST(FilmEditor, TakesTypedNumbers) {
     const NumberLocale german{',', '.', "d.M.yyyy"};
     struct Case {
         const char* typed;
-        std::optional<double> inEnglish, inGerman;
+        std::optional<double> number;
     };
-    const Case cases[] = {{"2.5", 2.5, 2.5},       {"2,5", 2.5, 2.5},  {" 7 ", 7, 7},
-                          {"1,000", 1000, 1},      {"1.000", 1, 1000}, {"0.381", 0.381, 0.381},
-                          {"1,234.5", 1234.5, {}}, {"", {}, {}},       {"abc", {}, {}},
-                          {"1e-3", 1e-3, 1e-3},    {"1 2", {}, {}},    {"-.5", -0.5, -0.5}};
+    const Case cases[] = {{"2.5", 2.5},
+                          {"2,5", 2.5},
+                          {" 7 ", 7},
+                          {"1,250", 1.25},
+                          {"1.250", 1.25},
+                          {"0.381", 0.381},
+                          {"1e-3", 1e-3},
+                          {"-.5", -0.5},
+                          {"1,234.5", 1234.5},
+                          {"1.234,5", 1234.5},
+                          {"1,234,567", 1234567},
+                          {"-1.234.567,5", -1234567.5},
+                          {"1,2,3", {}},
+                          {"1,23.5", {}},
+                          {"1.2,3.4", {}},
+                          {"0,123,456", {}},
+                          {"1,,234", {}},
+                          {"1,234,", {}},
+                          {"", {}},
+                          {"abc", {}},
+                          {"1 2", {}},
+                          {",", {}},
+                          {",.", {}},
+                          {"1,2345.6", {}}};
     for (const Case& c : cases) {
-        EXPECT_EQ(typedNumber(c.typed, english), c.inEnglish) << c.typed;
-        EXPECT_EQ(typedNumber(c.typed, german), c.inGerman) << c.typed;
+        EXPECT_EQ(typedNumber(c.typed, english), c.number) << c.typed;
+        EXPECT_EQ(typedNumber(c.typed, german), c.number) << c.typed;
     }
 }
 
@@ -276,8 +296,22 @@ TEST(FilmLibrary, FollowsAFileThatAnotherProgramReplaced) {
     bench.make({{"a"}});
     bench.make({{"a", "Silver"}, {"b"}}, "", true, "/data/other.mdb");
     bench.open();
+    const std::string ours = bench.bytes(), theirs = bench.bytes("/data/other.mdb");
+    bench.memory.put(kLibrary, theirs);
+    bench.library.refresh(Dat::MatAll);
+    EXPECT_FALSE(bench.library.found(Dat::DBSelected)) << "nobody has chosen a film";
+    bench.memory.remove(kLibrary);
+    EXPECT_EQ(bench.library.refresh(Dat::DBFilms), Found::Failed);
+    EXPECT_EQ(bench.library.standing().text.rfind("Monitor.mdb: ", 0), 0U) << bench.library.standing().text;
+    bench.memory.put(kLibrary, ours);
     bench.editor.ShowDBFilm("a");
-    const std::string theirs = bench.bytes("/data/other.mdb");
+    EXPECT_EQ(bench.library.standing().text, "");
+    bench.editor.EditFilmName("b");
+    bench.memory.put(kLibrary, theirs);
+    bench.library.refresh(Dat::MatAll);
+    EXPECT_EQ(bench.editor.shown().boxes[5], "b") << "by its new name";
+    bench.memory.put(kLibrary, ours);
+    bench.editor.ShowDBFilm("a");
     bench.memory.put(kLibrary, theirs);
     bench.editor.editBox(FilmBox::Tooling, "50");
     EXPECT_EQ(bench.bytes(), theirs) << "read from the old file: not stored in the new one";

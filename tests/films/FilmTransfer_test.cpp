@@ -86,14 +86,15 @@ TEST(Upload, StoresWhatItHasBeforeABoxTells) {
 TEST(Upload, StoresWhatTheColumnsHold) {
     Transfer bench({{"mine"}});
     using enum jet::ColumnType;
+    const jet::TableSpec film{"Film",
+                              {FilmBench::column("FilmNum", Integer), FilmBench::column("FilmName", Text, 20),
+                               FilmBench::column("Material", Text, 20), FilmBench::column("Tooling", Byte),
+                               FilmBench::column("EndThick", Single), FilmBench::column("ThickSet", Single),
+                               FilmBench::column("TimeSet", Double), FilmBench::column("SensorAvg", Double)},
+                              {}};
     bench.engine.CreateDatabase(
         "/data/single.mdb", jet::Generation::Jet4,
-        {{"Film",
-          {FilmBench::column("FilmNum", Integer), FilmBench::column("FilmName", Text, 20),
-           FilmBench::column("Material", Text, 20), FilmBench::column("Tooling", Byte),
-           FilmBench::column("EndThick", Single), FilmBench::column("ThickSet", Single),
-           FilmBench::column("TimeSet", Double), FilmBench::column("SensorAvg", Double)},
-          {}},
+        {film,
          {"Material",
           {FilmBench::column("Material", Text, 20), FilmBench::column("Density", Single),
            FilmBench::column("ZFactor", Single)},
@@ -110,6 +111,15 @@ TEST(Upload, StoresWhatTheColumnsHold) {
                             "9 films read. Not stored: Tooling of film 2. Not saved under another name yet");
     bench.transfer.download(1);
     EXPECT_EQ(bench.told(), "9 films sent") << "and nothing differs";
+
+    bench.engine.CreateDatabase("/data/none.mdb", jet::Generation::Jet4, {film}, {45000});
+    bench.dialogs.answers = {"/data/none.mdb"};
+    bench.library.openDatabase();
+    bench.boxes.expect(FakeMessageBoxes::Kind::YesNo, "Save Uploaded Data to a database?");
+    bench.transfer.upload();
+    EXPECT_EQ(bench.rows("Film", kUpload)[0], "1|ALUMINUM|null|100|5|2.5|60|63") << "has no materials";
+    EXPECT_NE(bench.told().find("9 films read. Not stored: Material of film 1, "), std::string::npos)
+        << bench.told();
 }
 
 TEST(Upload, EndsWhereTheCopyFails) {
@@ -171,6 +181,10 @@ TEST(Download, WritesNoMoreThanTheInstrumentHolds) {
     bench.transfer.download(1);
     EXPECT_EQ(bench.wire().commands().size(), 1 + 9 + 9U);
     EXPECT_EQ(bench.wire().commands().back(), "A9?");
+    bench.selected = {8, 9, 11};
+    bench.transfer.download(0);
+    EXPECT_EQ(bench.told().rfind("1 of 3 films sent. Not sent, the DRX-9 holds 9 films: F", 0), 0U)
+        << bench.told();
 }
 
 TEST(Download, TakesNamesAndNullsAsTheyAre) {
@@ -269,6 +283,18 @@ TEST(Verification, AsksAboutEachDifferenceUntilCancelled) {
         EXPECT_EQ(bench.wire().commands().back(), cancelAt == 9 ? "A2?" : "A1?");
         EXPECT_EQ(bench.progress.standing, 0);
     }
+}
+
+TEST(Verification, ShowsOneBoxWhereNoFilmCanBeReadBack) {
+    Transfer bench({{"A"}, {"B"}, {"C"}});
+    bench.spoilAt = 5;
+    bench.spoil = [&](const std::string&) {
+        ++bench.spoilAt;
+        return replyPacket('D', "");
+    };
+    bench.boxes.expectShow("Get Film Error: ");
+    bench.transfer.download(1);
+    EXPECT_EQ(bench.told(), "3 films sent. Not read back: 1, 2, 3");
 }
 
 // ---- Faults ----

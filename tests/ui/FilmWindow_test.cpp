@@ -150,6 +150,38 @@ TEST_F(FilmWindow, WritesThrough) {
                       Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(material, &wheel);
     EXPECT_EQ(material->currentText().toStdString(), "Silver");
+    bench->files.fillAfter(100);
+    minutes->setFocus();
+    QTest::keyClick(minutes, Qt::Key_Up);
+    EXPECT_EQ(minutes->value(), 2) << "what is stored";
+}
+
+TEST_F(FilmWindow, BeginsNothingWithATypedValueThatIsNotStored) {
+    open({{"ONE"}, {"TWO"}});
+    clickRow(0);
+    for (const char* name : {"cmdDownload_0", "cmdUpload", "cmdDefaults", "cmdClose"}) {
+        type("txtParam_0", "abc");
+        click(name);
+        EXPECT_EQ(state(), "\"abc\" is no number: the value stays as it was") << name;
+        QApplication::processEvents();
+    }
+    EXPECT_TRUE(bench->wire().commands().empty() && window->isVisible());
+    for (const char* name : {"txtParam_0", "txtMinutes", "dbcMaterial"}) {
+        const std::string before = name[0] == 'd' ? "" : textOf(name);
+        find(name)->setFocus();
+        QTest::keyClicks(find(name), "7");
+        QTest::keyClick(find(name), Qt::Key_Escape);
+        EXPECT_TRUE(window->isVisible()) << name;
+        EXPECT_EQ(name[0] == 'd' ? "" : textOf(name), before);
+    }
+    type("txtParam_0", "x"); // and another window in front
+    bench->boxes.expectShow("\"x\" is no number: the value stays as it was");
+    QLineEdit other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    question();
+    EXPECT_EQ(bench->rows("Film").front(), "1|ONE|Gold|100|1|0.5|60|3");
 }
 
 TEST_F(FilmWindow, RenamesAndKeepsTheFilmInSight) {
@@ -164,6 +196,7 @@ TEST_F(FilmWindow, RenamesAndKeepsTheFilmInSight) {
     bench->boxes.expectShow(
         "UnitFilm and NewFilm cannot be used for\nfilm names. Please select another name.");
     enter("txtParam_5", "NewFilmX", Qt::Key_Return);
+    QApplication::processEvents(); // what comes now is another event
     EXPECT_EQ(textOf("txtParam_5"), "LONGER_N");
     clickRow(0);
     EXPECT_EQ(textOf("txtParam_5"), "ONE") << "current already, but not the one shown";
@@ -171,6 +204,7 @@ TEST_F(FilmWindow, RenamesAndKeepsTheFilmInSight) {
     click("cmdAddFilm");
     EXPECT_EQ(textOf("txtParam_5"), "THREE");
     EXPECT_EQ(listed(2, 1), "THREE");
+    EXPECT_TRUE(list->selectionModel()->isRowSelected(2) && !list->selectionModel()->isRowSelected(0));
     bench->input.answer = "Copper";
     click("cmdNewMat");
     EXPECT_EQ(bench->rows("Film").back(), "null|THREE|Copper|null|null|null|null|null");
@@ -219,8 +253,11 @@ TEST_F(FilmWindow, ClosesOnlyBehindATransferAndAsks) {
 
 TEST_F(FilmWindow, AsksWhenTheProgramCloses) {
     for (const bool session : {false, true}) {
-        open({{"ONE"}});
+        open({{"ONE"}, {"TWO"}});
+        clickRow(1);
+        enter("txtParam_5", "OTHER"); // makes the first row the current one
         click("cmdUpload");
+        EXPECT_EQ(textOf("txtParam_5"), "GOLD") << "the row that is selected";
         EXPECT_EQ(state(), "9 films read. Not saved under another name yet");
         EXPECT_EQ(window->windowTitle().toStdString(), "Films - [UploadData.mdb]");
         ends = session;

@@ -9,6 +9,7 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace drx9 {
@@ -96,7 +97,7 @@ void FilmList::setFilms(const std::vector<FilmRow>& films) {
 
 void FilmList::clearSelection() {
     view_->selectionModel()->clear();
-    forgetShown();
+    shownRow_ = -1;
 }
 
 bool FilmList::isSelected(int row) const {
@@ -125,6 +126,25 @@ void FilmList::moveToFirstRow() {
 void FilmList::selectFirstRow() {
     const bool before = std::exchange(filling_, true);
     view_->setCurrentIndex(model_->index(0, 0));
+    filling_ = before;
+}
+
+void FilmList::moveToSelectedRow() {
+    const QModelIndexList selected = view_->selectionModel()->selectedRows();
+    if (!selected.isEmpty() && !isSelected(view_->currentIndex().row())) {
+        setCurrentRow(selected.first().row());
+    }
+}
+
+void FilmList::selectFilm(const std::string& name) {
+    const bool before = std::exchange(filling_, true);
+    clearSelection();
+    const auto film =
+        std::find_if(films_.begin(), films_.end(), [&](const FilmRow& row) { return row.name == name; });
+    if (!name.empty() && film != films_.end()) {
+        view_->setCurrentIndex(model_->index(static_cast<int>(film - films_.begin()), 0));
+        noteShown();
+    }
     filling_ = before;
 }
 

@@ -34,13 +34,15 @@ public:
     void setCurrentRow(int row);
     /// The same for the first row, without scrolling to it.
     void moveToFirstRow();
+    /// The same for the first of the selected rows, where the current one is not selected.
+    void moveToSelectedRow();
     /// Selects the first row alone.
     void selectFirstRow();
+    /// Selects the film of that name alone, as the one that is shown; none where the name is empty.
+    void selectFilm(const std::string& name);
 
     /// The current row's film is the one shown: it is not chosen again.
     void noteShown();
-    /// Another film is shown than one chosen here.
-    void forgetShown() { shownRow_ = -1; }
 
 signals:
     /// The operator chose a row other than the one shown.

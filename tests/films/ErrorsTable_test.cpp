@@ -62,7 +62,7 @@ TEST(ErrorsTable, TakesReportsWhereTheLibraryHasOneThatCanBeWritten) {
     EXPECT_FALSE(inFile());
     EXPECT_EQ(bench.rows("Errors"), std::vector<std::string>{"45429.4375|a fault|null|||"})
         << "-7 is no byte";
-    bench.files.fillAfter(100);
+    bench.files.failKind(FileStep::Rename);
     EXPECT_TRUE(inFile()) << "the row cannot be saved";
     bench.files.heal();
     bench.memory.put("/data/Monitor.ldb", "LAB-3" + std::string(27, '\0') + "Admin" + std::string(27, '\0'));

@@ -183,8 +183,8 @@ TEST(Download, WritesNoMoreThanTheInstrumentHolds) {
     EXPECT_EQ(bench.wire().commands().back(), "A9?");
     bench.selected = {8, 9, 11};
     bench.transfer.download(0);
-    EXPECT_EQ(bench.told().rfind("1 of 3 films sent. Not sent, the DRX-9 holds 9 films: F", 0), 0U)
-        << bench.told();
+    EXPECT_EQ(bench.told().rfind("1 of 3 films sent. ", 0), 0U) << bench.told();
+    EXPECT_NE(bench.told().find("Not sent, the DRX-9 holds 9 films: F"), std::string::npos);
 }
 
 TEST(Download, TakesNamesAndNullsAsTheyAre) {

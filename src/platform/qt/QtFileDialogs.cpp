@@ -7,7 +7,6 @@
 #include <QPointer>
 #include <QRegularExpression>
 
-
 namespace drx9 {
 
 namespace {

@@ -22,14 +22,9 @@ QWidget* makeDataLog(Core& core, const DesktopPorts& desktop, QWidget* owner) {
 }
 
 QWidget* makeSystem(Core& core, const DesktopPorts& desktop, QWidget* owner) {
-    auto* window = new frmSystem({core.settings.system, core.commands, core.link, core.access, core.access,
-                                  core.actions, desktop.boxes, desktop.clock, core.locale},
-                                 owner);
-    // The timer runs when it has closed, on line or not: the communications window alone looks at that
-    // (kept).
-    QObject::connect(window, &QObject::destroyed, owner,
-                     [&core] { core.timer.setWanted(core.monitor.RunMode() != RunState::Exiting); });
-    return window;
+    return new frmSystem({core.settings.system, core.commands, core.link, core.access, core.access,
+                          core.actions, desktop.boxes, desktop.clock, core.locale},
+                         owner);
 }
 
 QWidget* makeComm(Core& core, const DesktopPorts& desktop, QWidget* owner) {
@@ -56,7 +51,8 @@ QWidget* makeGraphSet(Core& core, ChartSet& charts, QWidget* owner) {
     auto* window = new frmGraphSet(charts, std::max<int>(1, core.readouts.checkedGraphItem()), owner);
     window->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(window, &frmGraphSet::settingsNotSaved, owner, [&core](const QString& text) {
-        core.monitor.tell(text.toStdString(), graphText::kSettingsNotSavedBrief);
+        core.message = {text.toStdString(), graphText::kSettingsNotSavedBrief};
+        core.window.changed();
     });
     return window;
 }
@@ -90,19 +86,9 @@ ChartPorts chartPorts(const Paths& paths, const DesktopPorts& desktop, EventPump
 }
 
 MainWindowParts mainWindowParts(Core& core, EventPump& pump, ChartSet& charts, const DesktopPorts& desktop) {
-    return {core.monitor,
-            core.readouts,
-            core.status,
-            core.settings.system,
-            core.actions,
-            core.timer,
-            core.questions,
-            pump,
-            desktop.clock,
-            charts,
-            desktop.boxes,
-            [&core](const std::exception& error) { core.faults.report(error); },
-            makeOtherWindows(core, charts, desktop)};
+    return {
+        core.monitor, core.lifecycle, core.status, core.readouts, core.actions,
+        pump,         desktop.clock,  charts,      desktop.boxes, makeOtherWindows(core, charts, desktop)};
 }
 
 } // namespace drx9

@@ -32,7 +32,7 @@ Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale
     , places_(placesFile)
     , manual_(places_)
     , window_(windowParts()) {
-    core_.monitor.setWindow(window_);
+    core_.window.set(window_);
     progress_.setOwner(ProgressOwner::MainWindow, &window_);
     ticker_.setTick([this] { core_.monitor.tmrUpdate_Timer(); });
 }
@@ -79,7 +79,7 @@ void Program::start() {
         }
     });
     QTimer::singleShot(0, &window_, [this] {
-        if (!core_.monitor.Form_Load()) {
+        if (!core_.lifecycle.Form_Load()) {
             QApplication::quit();
         }
     });

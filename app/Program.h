@@ -46,7 +46,7 @@ public:
     void endSession();
     /// The window system has gone, and the process with it as soon as this returns: what must not be lost is
     /// written.
-    void lastWords() { core_.monitor.lastWords(); }
+    void lastWords() { core_.lifecycle.lastWords(); }
 
     // For tests and benchmarks.
 

@@ -59,8 +59,8 @@ public:
         program_ = std::make_unique<Program>(*files_, Paths{path, path}, locale_);
         program_->start();
         const bool onLine = waitFor([&] {
-            const Monitor& monitor = program_->core().monitor;
-            return monitor.RunMode() == RunState::Idle && monitor.answers().hasReading();
+            const Core& core = program_->core();
+            return core.monitor.RunMode() == RunState::Idle && core.answers.hasReading();
         });
         find<QAction>("mnuSetupFilms")->trigger();
         if (!onLine || !waitFor([&] { return find<QPushButton>("cmdUpload") != nullptr; })) {

@@ -140,8 +140,8 @@ public:
             << "\r\n[DataLog]\r\nType=1\r\nInterval=0\r\n";
         program = std::make_unique<Program>(*files_, Paths{path, path}, locale_);
         program->start();
-        onLine = waitFor(
-            [&] { return monitor().RunMode() == RunState::Idle && monitor().answers().hasReading(); });
+        onLine =
+            waitFor([&] { return monitor().RunMode() == RunState::Idle && core().answers.hasReading(); });
         if (!onLine) {
             std::puts("The program did not come on line.");
         }
@@ -150,7 +150,8 @@ public:
         program->window().close();
         waitFor([&] { return !program->window().isVisible(); });
     }
-    Monitor& monitor() { return program->core().monitor; }
+    Core& core() { return program->core(); }
+    Monitor& monitor() { return core().monitor; }
     QPushButton& button(const char* name) { return *program->window().findChild<QPushButton*>(name); }
 
 private:
@@ -244,8 +245,7 @@ void deviceGone(double seconds) {
     runEvents(seconds);
     std::printf(
         "device gone in a run, share of a processor:\n  silent   %6.2f %% (last reading %.0f s old)\n",
-        silent.percent(),
-        running.program->clock().monotonic() - running.monitor().answers().lastGoodReading());
+        silent.percent(), running.program->clock().monotonic() - running.core().answers.lastGoodReading());
     running.simulator.say("unplug");
     runEvents(4);
     const Share refused;
@@ -284,7 +284,7 @@ void clickFeedback() {
         double pressed = 0;
         QTimer moment;
         QObject::connect(&moment, &QTimer::timeout, &moment, [&] {
-            if (pressed > 0 || !running.program->core().link.exchanging()) {
+            if (pressed > 0 || !running.core().link.exchanging()) {
                 return;
             }
             pressed = now();

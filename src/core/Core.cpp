@@ -18,16 +18,21 @@ Core::Core(const Ports& ports, const Paths& folders, const NumberLocale& numbers
     , log(ports.files, ports.clock, locale, paths, ports.boxes, ports.pump, settings.log)
     , readouts(locale, settings.system)
     , timer(ports.ticker, ports.clock)
-    , monitor({settings, films, link, commands, discovery, actions, log, readouts, timer, ports.graphs,
-               ports.progress, ports.sleep, ports.boxes, ports.clock,
-               [this, &files = ports.files] { LoadSettings(settings, file, files, paths, locale); },
-               [this, &files = ports.files] {
-                   return SaveSettings(settings, file, files, paths, locale) ? std::string()
-                                                                             : file.writeFailure();
-               },
-               [this](const std::exception& error) { faults.report(error); }})
-    , status({monitor, settings, link, discovery, log, timer, readouts, ports.clock})
-    , access(monitor, timer) {
+    , run({settings.log, log, ports.graphs, ports.sleep, ports.clock})
+    , answers(link, ports.clock)
+    , keeper(link, discovery, actions, ports.clock)
+    , choice(films, link, discovery, settings.link, timer, ports.clock)
+    , desk({commands, link, films, choice, answers, keeper, actions, ports.clock})
+    , refresh({commands, link, films, settings.system, answers, actions, ports.progress})
+    , form({refresh, link, discovery, keeper, choice, desk, answers, actions, window})
+    , monitor({link, commands, discovery, actions, timer, readings, readouts, run, answers, keeper, choice,
+               desk, form, message, window, ports.clock})
+    , status({monitor, form, message, run, choice, desk, answers, keeper, readings, settings, link, discovery,
+              log, timer, readouts, ports.clock})
+    , access({monitor, timer, link, discovery, keeper, choice, answers, form, actions, window})
+    , store(settings, readouts, file, ports.files, paths, locale)
+    , lifecycle({monitor, store, run, form, discovery, actions, questions, window, ports.boxes,
+                 [this](const std::exception& error) { faults.report(error); }}) {
     actions.setFaultHandler([this](const std::exception& error) { faults.report(error); });
 }
 

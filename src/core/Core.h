@@ -9,12 +9,23 @@
 #include "link/Discovery.h"
 #include "link/Link.h"
 #include "link/Transports.h"
+#include "monitor/AnswerRecord.h"
 #include "monitor/CloseQuestions.h"
 #include "monitor/DataLog.h"
+#include "monitor/FilmChoice.h"
+#include "monitor/InstrumentForm.h"
+#include "monitor/InstrumentRefresh.h"
+#include "monitor/Lifecycle.h"
+#include "monitor/LinkKeeper.h"
 #include "monitor/Monitor.h"
+#include "monitor/MonitorWindow.h"
 #include "monitor/PollTimer.h"
 #include "monitor/Readouts.h"
+#include "monitor/RequestDesk.h"
+#include "monitor/RunRecord.h"
 #include "monitor/Settings.h"
+#include "monitor/SettingsStore.h"
+#include "monitor/StandingMessage.h"
 #include "monitor/StatusBoard.h"
 #include "monitor/WindowAccess.h"
 #include "monitor/cFile.h"
@@ -49,6 +60,7 @@ struct Core {
     const NumberLocale locale;
     Settings settings;
     Films films;
+    Readings readings;
     jet::DBEngine engine;
     cFile file;
     CErrHandler errors;
@@ -62,10 +74,21 @@ struct Core {
     DataLog log;
     Readouts readouts;
     PollTimer timer;
+    WindowSlot window;
+    StandingMessage message;
+    RunRecord run;
+    AnswerRecord answers;
+    LinkKeeper keeper;
+    FilmChoice choice;
+    RequestDesk desk;
+    InstrumentRefresh refresh;
+    InstrumentForm form;
     Monitor monitor;
     StatusBoard status;
     WindowAccess access;
     CloseQuestions questions;
+    SettingsStore store;
+    Lifecycle lifecycle;
 };
 
 } // namespace drx9

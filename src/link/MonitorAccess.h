@@ -47,6 +47,8 @@ public:
     /// A save has ended; `accepted` when the instrument took both records. What it holds is not known
     /// otherwise.
     virtual void systemSent(bool accepted) = 0;
+    /// The window has closed: the timer is wanted again.
+    virtual void systemClosed() = 0;
 };
 
 /// For the film window.

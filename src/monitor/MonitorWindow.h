@@ -2,8 +2,7 @@
 
 namespace drx9 {
 
-/// What the monitor needs of the main window. The window pulls what it shows from the monitor after
-/// changed().
+/// What the monitor needs of the main window. The window pulls what it shows after changed().
 class MonitorWindow {
 public:
     virtual ~MonitorWindow() = default;
@@ -13,6 +12,20 @@ public:
     /// Something that the window shows may have changed. Called often: the window sets only what differs.
     virtual void changed() = 0;
     virtual void closeOtherWindows() = 0;
+};
+
+/// The place of the main window, which is made after all that knows it. Does nothing while it is empty.
+class WindowSlot : public MonitorWindow {
+public:
+    void set(MonitorWindow& window) { window_ = &window; }
+
+    void showWindow() override;
+    void setHourglass(bool on) override;
+    void changed() override;
+    void closeOtherWindows() override;
+
+private:
+    MonitorWindow* window_ = nullptr;
 };
 
 } // namespace drx9

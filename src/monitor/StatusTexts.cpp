@@ -132,6 +132,10 @@ std::string silenceNote(const StatusFacts& facts) {
     return readingAgeMark(facts).empty() ? "" : filled(kNoReadingsSince, {timeOfDayText(facts.lastReading)});
 }
 
+std::string shutterCaption(std::int16_t state) {
+    return state > 0 ? "Close Shutter" : "Open Shutter";
+}
+
 Notice gravestNotice(const StatusFacts& facts) {
     using enum Notice::Subject;
     if (facts.runMode == RunState::Starting && !facts.started) {

@@ -70,6 +70,8 @@ std::string readingAgeMark(const StatusFacts& facts);
 /// "No readings since 14:09:04" from 2 s without a reading on, else empty.
 std::string silenceNote(const StatusFacts& facts);
 Notice gravestNotice(const StatusFacts& facts);
+/// What the shutter button would do; `state` as RequestDesk::shutterState() gives it.
+std::string shutterCaption(std::int16_t state);
 
 // The fields of the status bar, named after their controls. An empty text hides the field.
 

@@ -1,7 +1,15 @@
 #pragma once
 
+#include "link/ActionQueue.h"
+#include "link/Discovery.h"
+#include "link/Link.h"
 #include "link/MonitorAccess.h"
+#include "monitor/AnswerRecord.h"
+#include "monitor/FilmChoice.h"
+#include "monitor/InstrumentForm.h"
+#include "monitor/LinkKeeper.h"
 #include "monitor/Monitor.h"
+#include "monitor/MonitorWindow.h"
 #include "monitor/PollTimer.h"
 
 #include <memory>
@@ -15,25 +23,37 @@ class WindowAccess : public PollingAccess,
                      public SystemRecordAccess,
                      public FilmMemoryAccess {
 public:
-    WindowAccess(Monitor& monitor, PollTimer& timer)
-        : monitor_(monitor)
-        , timer_(timer) {}
+    struct Parts {
+        Monitor& monitor;
+        PollTimer& timer;
+        Link& link;
+        Discovery& discovery;
+        LinkKeeper& keeper;
+        FilmChoice& choice;
+        AnswerRecord& answers;
+        InstrumentForm& form;
+        ActionQueue& actions;
+        MonitorWindow& window;
+    };
+
+    explicit WindowAccess(const Parts& parts)
+        : parts_(parts) {}
 
     [[nodiscard]] std::unique_ptr<Tenure> holdTimer(const std::string& reason) override;
 
-    void linkSetupOpened() override { monitor_.setRunMode(RunState::Starting); }
-    void linkFound() override { monitor_.linkFound(); }
-    void linkSetupClosed(bool reopen, bool sameLink) override { monitor_.linkSetupClosed(reopen, sameLink); }
+    void linkSetupOpened() override { parts_.monitor.setRunMode(RunState::Starting); }
+    void linkFound() override;
+    void linkSetupClosed(bool reopen, bool sameLink) override;
 
-    [[nodiscard]] bool systemKnown() const override { return monitor_.shown().systemKnown; }
-    void systemSent(bool accepted) override { monitor_.systemSent(accepted); }
+    [[nodiscard]] bool systemKnown() const override { return parts_.form.systemKnown(); }
+    void systemSent(bool accepted) override;
+    void systemClosed() override;
 
-    void filmMemoryChanged() override { monitor_.setRunMode(RunState::Idle); }
-    void filmUnconfirmed() override { monitor_.filmUnconfirmed(); }
+    void filmMemoryChanged() override { parts_.monitor.setRunMode(RunState::Idle); }
+    void filmUnconfirmed() override;
 
 private:
-    Monitor& monitor_;
-    PollTimer& timer_;
+    Parts parts_;
 };
 
 } // namespace drx9

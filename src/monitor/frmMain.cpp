@@ -23,7 +23,6 @@ constexpr double kFirstPaintLimit = 0.25; ///< s to wait for the window system t
 
 frmMain::frmMain(const MainWindowParts& parts)
     : parts_(parts)
-    , monitor_(parts.monitor)
     , readouts_(parts.readouts)
     , actions_(parts.actions)
     , menus_(*this, menuHandlers(), [this](std::function<void()> action, ActionQueue::For purpose) {
@@ -60,7 +59,7 @@ MainMenus::Handlers frmMain::menuHandlers() {
         readouts_.graphItemClicked(item);
         changed();
     };
-    handlers.sensors = [this](std::int16_t item) { monitor_.sensorItemClicked(item); };
+    handlers.sensors = [this](std::int16_t item) { parts_.run.sensorItemClicked(item); };
     handlers.help = [this] { showHelp(); };
     handlers.about = [this] { showAbout(); };
     return handlers;
@@ -93,10 +92,10 @@ QWidget* frmMain::buildCharts() {
 
 void frmMain::connectBar() {
     bar_->setSpareFocus(readoutPanel_->entry());
-    connect(bar_, &RunBar::filmChosen, this, [this](int index) { monitor_.cboFilms_Click(index); });
-    connect(bar_, &RunBar::zeroPressed, this, [this] { monitor_.cmdZero_Click(); });
-    connect(bar_, &RunBar::shutterPressed, this, [this] { monitor_.cmdShutter_Click(); });
-    connect(bar_, &RunBar::startStopPressed, this, [this] { monitor_.cmdStartStop_Click(); });
+    connect(bar_, &RunBar::filmChosen, this, [this](int index) { parts_.run.cboFilms_Click(index); });
+    connect(bar_, &RunBar::zeroPressed, this, [this] { parts_.run.cmdZero_Click(); });
+    connect(bar_, &RunBar::shutterPressed, this, [this] { parts_.run.cmdShutter_Click(); });
+    connect(bar_, &RunBar::startStopPressed, this, [this] { parts_.run.cmdStartStop_Click(); });
 }
 
 void frmMain::setTabStops() {
@@ -161,11 +160,12 @@ void frmMain::setHourglass(bool on) {
 }
 
 void frmMain::changed() {
-    showTitle();
-    bar_->showFacts(barFacts());
-    menus_.showFacts(menuFacts());
-    readoutPanel_->showFacts(readoutFacts());
-    showCharts();
+    const PanelFacts facts = parts_.status.panels();
+    showTitle(facts.title);
+    bar_->showFacts(barFacts(facts));
+    menus_.showFacts(menuFacts(facts));
+    readoutPanel_->showFacts(readoutFacts(facts));
+    showCharts(facts.sensorCount);
     beat();
     if (heartbeat_.isActive()) {
         heartbeat_.start(); // again: it ticks where the monitor has nothing to tell
@@ -205,15 +205,14 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 void frmMain::askToClose() {
-    if (QApplication::activeModalWidget() != nullptr && !parts_.questions.sessionEnds()) {
+    if (QApplication::activeModalWidget() != nullptr && !parts_.end.sessionEnds()) {
         return; // the dialog is answered first
     }
     closeAsked_ = true;
     inCloseEvent_ = true;
     actions_.runWhenIdle(
         [this] {
-            parts_.questions.askAll(parts_.fault);
-            monitor_.Form_QueryUnload(parts_.questions.sessionEnds());
+            parts_.end.close();
             closed_ = true;
             if (!inCloseEvent_) {
                 close();

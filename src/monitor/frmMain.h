@@ -1,9 +1,10 @@
 #pragma once
 
 #include "graphs/controls/ChartControl.h"
-#include "monitor/CloseQuestions.h"
-#include "monitor/Monitor.h"
+#include "link/ActionQueue.h"
+#include "monitor/MainWindowAccess.h"
 #include "monitor/MonitorWindow.h"
+#include "monitor/Readouts.h"
 #include "monitor/StatusBoard.h"
 #include "monitor/frmMainMenus.h"
 #include "monitor/frmMainReadoutPanel.h"
@@ -16,7 +17,6 @@
 #include <QPointer>
 #include <QTimer>
 
-#include <exception>
 #include <functional>
 #include <optional>
 #include <string>
@@ -43,18 +43,15 @@ struct OtherWindows {
 
 /// What the main window works with. `help` and `places` may be null, `desktopChanged` empty.
 struct MainWindowParts {
-    Monitor& monitor;
-    Readouts& readouts;
+    RunControl& run;
+    ProgramEnd& end;
     const StatusBoard& status;
-    const SystemParameters& system;
+    Readouts& readouts;
     ActionQueue& actions;
-    PollTimer& timer;
-    CloseQuestions& questions;
     EventPump& pump;
     const Clock& clock;
     ChartSet& charts; ///< the window takes the charts into its layout and owns them from then on
     MessageBoxes& boxes;
-    std::function<void(const std::exception&)> fault; ///< takes what a question before closing throws
     OtherWindows windows = {};
     HelpViewer* help = nullptr;
     WindowPlaces* places = nullptr;
@@ -63,8 +60,8 @@ struct MainWindowParts {
 };
 
 /// The main window: an assembly of panels (menus, readouts around the charts, run bar, status line) that it
-/// feeds with facts pulled from the monitor, and the place from which the other windows open. Talks to no
-/// instrument.
+/// feeds with facts pulled from the status board, and the place from which the other windows open. Talks to
+/// no instrument.
 ///
 /// changed() feeds all panels; ages and notices follow a heartbeat of their own too. Closing waits until
 /// nothing of the monitor is on the stack; under a modal window it is refused.
@@ -112,20 +109,17 @@ private:
     void showAbout();
     void notInThisBuild();
 
-    // What the panels show, pulled from the monitor (frmMainFacts.cpp).
+    // What the panels show (frmMainFacts.cpp).
 
-    [[nodiscard]] MainMenus::Facts menuFacts() const;
-    [[nodiscard]] RunBar::Facts barFacts() const;
-    [[nodiscard]] ReadoutPanel::Facts readoutFacts() const;
+    [[nodiscard]] MainMenus::Facts menuFacts(const PanelFacts& facts) const;
+    [[nodiscard]] static RunBar::Facts barFacts(const PanelFacts& facts);
+    [[nodiscard]] ReadoutPanel::Facts readoutFacts(const PanelFacts& facts) const;
     [[nodiscard]] ReadoutPanel::Looks readoutLooks(const StatusFacts& facts) const;
     [[nodiscard]] static StatusLine::Facts statusLineFacts(const StatusFacts& facts);
-    [[nodiscard]] QString crystalMark(int sensor) const;
-    [[nodiscard]] double gaugeShare() const;
-    void showTitle();
-    void showCharts();
+    void showTitle(const std::string& title);
+    void showCharts(int sensors);
 
     MainWindowParts parts_;
-    Monitor& monitor_;
     Readouts& readouts_;
     ActionQueue& actions_;
 

@@ -1,9 +1,5 @@
-// What the main window's panels show, pulled from the monitor.
+// What the main window's panels show, pulled from the status board.
 #include "monitor/frmMain.h"
-
-#include "monitor/Texts.h"
-#include "util/Numbers.h"
-#include "util/Text.h"
 
 #include <QStackedLayout>
 
@@ -28,66 +24,40 @@ StatusLine::Text shown(const StatusText& text) {
 }
 } // namespace
 
-void frmMain::showTitle() {
-    if (shownTitle_ != monitor_.shown().title) {
-        shownTitle_ = monitor_.shown().title;
-        setWindowTitle(QString::fromStdString(shownTitle_));
+void frmMain::showTitle(const std::string& title) {
+    if (shownTitle_ != title) {
+        shownTitle_ = title;
+        setWindowTitle(QString::fromStdString(title));
     }
 }
 
-MainMenus::Facts frmMain::menuFacts() const {
-    return {.locked = monitor_.locked(),
+MainMenus::Facts frmMain::menuFacts(const PanelFacts& facts) const {
+    return {.locked = facts.running,
             .graphItem = readouts_.checkedGraphItem(),
             .sensorItem = readouts_.checkedSensorItem()};
 }
 
-RunBar::Facts frmMain::barFacts() const {
-    const Requests& requests = monitor_.requests().waiting();
-    return {.started = monitor_.shown().started,
-            .onLine = monitor_.shown().controlsVisible,
-            .running = monitor_.RunMode() == RunState::Running,
-            .filmsLocked = monitor_.locked(),
-            .films = monitor_.films().names(),
-            .filmIndex = monitor_.films().index(),
-            .filmName = QString::fromStdString(monitor_.films().nameBesideList()),
-            // A choice that waits cannot be confirmed yet: no mark.
-            .filmMark = QString::fromStdString(
-                requests.film && !monitor_.reconnecting() ? std::string() : monitor_.films().mark()),
-            .held = parts_.timer.held(),
-            .shutterCaption = monitor_.shutterCaption(),
-            .zeroDown = requests.zero,
-            .shutterDown = requests.shutter,
-            .startStopDown = requests.startStop};
+RunBar::Facts frmMain::barFacts(const PanelFacts& facts) {
+    return {.started = facts.started,
+            .onLine = facts.onLine,
+            .running = facts.running,
+            .films = facts.films,
+            .filmIndex = facts.filmIndex,
+            .filmName = QString::fromStdString(facts.filmName),
+            .filmMark = QString::fromStdString(facts.filmMark),
+            .held = facts.held,
+            .shutterCaption = facts.shutterCaption,
+            .zeroDown = facts.requests.zero,
+            .shutterDown = facts.requests.shutter,
+            .startStopDown = facts.requests.startStop};
 }
 
-ReadoutPanel::Facts frmMain::readoutFacts() const {
-    ReadoutPanel::Facts facts{.texts = readouts_.texts(), .labels = readouts_.labels()};
-    facts.sensorCount = monitor_.sensorCount();
-    for (int sensor = 1; sensor <= kMaxSensors; ++sensor) {
-        if (readouts_.crystalMarked(sensor)) {
-            facts.crystalMark[static_cast<std::size_t>(sensor - 1)] = crystalMark(sensor);
-        }
-    }
-    facts.gaugeShare = gaugeShare();
-    return facts;
-}
-
-QString frmMain::crystalMark(int sensor) const {
-    const SystemParameters& system = parts_.system;
-    const double frequency = monitor_.readings().frequency[static_cast<std::size_t>(sensor - 1)];
-    const std::string text =
-        filled(monitorText::kCrystalLimits,
-               {plainNumber(frequency), plainNumber(system.FreqMin), plainNumber(system.FreqMax)});
-    return QString::fromStdString(text);
-}
-
-double frmMain::gaugeShare() const {
-    const FilmRecord* film = monitor_.films().current();
-    if (film == nullptr || !monitor_.answers().hasReading()) {
-        return 0;
-    }
-    const double final = film->EndThick;
-    return final > 0 ? monitor_.readings().averageThickness / final : 0;
+ReadoutPanel::Facts frmMain::readoutFacts(const PanelFacts& facts) const {
+    return {.texts = readouts_.texts(),
+            .labels = readouts_.labels(),
+            .sensorCount = facts.sensorCount,
+            .crystalMarks = facts.crystalMarks,
+            .gaugeShare = facts.gaugeShare};
 }
 
 ReadoutPanel::Looks frmMain::readoutLooks(const StatusFacts& facts) const {
@@ -110,12 +80,11 @@ StatusLine::Facts frmMain::statusLineFacts(const StatusFacts& facts) {
     return line;
 }
 
-void frmMain::showCharts() {
+void frmMain::showCharts(int sensors) {
     const int wanted = std::max<int>(1, readouts_.checkedGraphItem());
     if (charts_->currentIndex() != wanted - 1) {
         charts_->setCurrentIndex(wanted - 1);
     }
-    const int sensors = monitor_.sensorCount();
     for (int number = 1; number <= 4; ++number) {
         parts_.charts.chart(number).setSensorCount(sensors);
     }

@@ -178,7 +178,7 @@ void ReadoutPanel::showFacts(const Facts& facts) {
     }
     for (std::size_t sensor = 0; sensor < kMaxSensors; ++sensor) {
         sensorLabels_[sensor]->setOff(static_cast<int>(sensor) >= facts.sensorCount);
-        sensorLabels_[sensor]->setMark(facts.crystalMark[sensor]);
+        sensorLabels_[sensor]->setMark(QString::fromStdString(facts.crystalMarks[sensor]));
     }
     gauge_->setShare(facts.gaugeShare);
 }

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <bitset>
+#include <string>
 
 class QLabel;
 
@@ -29,8 +30,8 @@ public:
         const Readouts::Texts& texts;
         const Readouts::Texts& labels;
         int sensorCount = kMaxSensors; ///< labels beyond it have no swatch
-        /// Why the crystal looks failed; empty: it does not.
-        std::array<QString, kMaxSensors> crystalMark = {};
+        /// Why a crystal looks failed, UTF-8; empty: it does not.
+        const std::array<std::string, kMaxSensors>& crystalMarks;
         double gaugeShare = 0; ///< 0 to 1
     };
     /// What changes with time alone.

@@ -210,7 +210,7 @@ void RunBar::allow(const Facts& facts) {
             focus->clearFocus(); // else Qt hands it to a readout, and selects its text
         }
     }
-    setEnabledIfDiffers(cboFilms_, !facts.filmsLocked && !facts.held);
+    setEnabledIfDiffers(cboFilms_, !facts.running && !facts.held);
     for (QPushButton* button : {cmdZero_, cmdShutter_, static_cast<QPushButton*>(cmdStartStop_)}) {
         setEnabledIfDiffers(button, !facts.held);
     }

@@ -27,8 +27,7 @@ public:
     struct Facts {
         bool started = false; ///< off line is said only once the program has looked
         bool onLine = false;
-        bool running = false;
-        bool filmsLocked = false;
+        bool running = false;                    ///< the film list is locked
         std::span<const std::string> films = {}; ///< UTF-8; read in showFacts() only
         int filmIndex = -1;                      ///< -1 none
         QString filmName = {}; ///< of the film in use, shown where the list does not hold it

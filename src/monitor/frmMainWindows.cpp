@@ -42,9 +42,8 @@ void frmMain::openWindow(QPointer<QWidget>& window, const WindowMaker& make, boo
 /// A window that holds the timer: what was requested before is carried out before it opens.
 void frmMain::openHolding(QPointer<QWidget>& window, const WindowMaker& make, bool modal) {
     if (make && (window == nullptr || window->isHidden())) {
-        monitor_.carryOutBeforeWindow();
-        if (monitor_.locked() || actions_.closing()) {
-            return; // one of the requests has begun a run, or the program closes
+        if (!parts_.run.carryOutBeforeWindow()) {
+            return;
         }
         parts_.boxes.closeNonBlocking(); // it would be dead under a modal window
     }

@@ -53,7 +53,9 @@ frmSystem::frmSystem(const SystemWindowParts& parts, QWidget* owner)
     numbers_.front()->box->setFocus();
 }
 
-frmSystem::~frmSystem() = default;
+frmSystem::~frmSystem() {
+    parts_.access.systemClosed();
+}
 
 void frmSystem::InitForm() {
     // A field's multiplier comes with its value.

@@ -81,8 +81,7 @@ protected:
         return await("ok ").section(' ', -1);
     }
     bool onLine() {
-        return films().count() == 99 && monitor().RunMode() == RunState::Idle &&
-               monitor().answers().hasReading();
+        return films().count() == 99 && monitor().RunMode() == RunState::Idle && core().answers.hasReading();
     }
     void startRun() {
         ASSERT_TRUE(waitFor([this] { return onLine(); }));

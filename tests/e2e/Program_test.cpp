@@ -111,7 +111,7 @@ TEST_P(OnEveryLink, ARunOutlivesEveryCut) {
     build(GetParam());
     startRun();
     ASSERT_FALSE(HasFatalFailure());
-    const double limit = 2 + 2 * monitor().answers().usualInterval(); // 2.5 s unless this machine is slow
+    const double limit = 2 + 2 * core().answers.usualInterval(); // 2.5 s unless this machine is slow
     // Other cuts: --gtest_shuffle --gtest_random_seed=N; more of them: DRX9_CUTS=100
     const int cuts = std::max<int>(std::size(kCuts), qEnvironmentVariableIntValue("DRX9_CUTS"));
     std::mt19937 random(
@@ -132,13 +132,12 @@ TEST_P(OnEveryLink, ARunOutlivesEveryCut) {
             returned = now();
         });
         const auto polled = [&] {
-            return returned > 0 && monitor().answers().lastGoodReading() > returned &&
-                   monitor().readings().failed.none();
+            return returned > 0 && core().answers.lastGoodReading() > returned &&
+                   core().readings.failed.none();
         };
         ASSERT_TRUE(waitFor(polled)) << cut;
-        longest = std::max(longest, monitor().answers().lastGoodReading() - returned);
-        EXPECT_LE(monitor().answers().lastGoodReading() - returned, limit)
-            << cut << " after " << length << " ms";
+        longest = std::max(longest, core().answers.lastGoodReading() - returned);
+        EXPECT_LE(core().answers.lastGoodReading() - returned, limit) << cut << " after " << length << " ms";
         EXPECT_EQ(text("cmdStartStop"), "STOP");
         ASSERT_TRUE(waitFor([&] { return logLines(0) > lines; }));
         for (const QWidget* widget : QApplication::topLevelWidgets()) {
@@ -200,13 +199,12 @@ TEST_P(Closing, EndsTheProgramFromWithinAnExchange) {
 INSTANTIATE_TEST_SUITE_P(
     Moments, Closing,
     testing::Values(
-        Moment{"Connecting", "silent", nullptr, [](const Core& c) { return !c.monitor.shown().started; }},
+        Moment{"Connecting", "silent", nullptr, [](const Core& c) { return !c.form.started(); }},
         Moment{"ReadingFilms", "none", nullptr,
                [](const Core& c) { return c.link.CommLastPacket()[2] == 'A' && c.link.accepted() > 7; }},
         Moment{"InARun", "none", "state?",
                [](const Core& c) { return c.monitor.RunMode() == RunState::Running; }},
-        Moment{"LostInARun", "none", "faults silent",
-               [](const Core& c) { return c.monitor.reconnecting(); }}),
+        Moment{"LostInARun", "none", "faults silent", [](const Core& c) { return c.keeper.lost(); }}),
     [](const auto& c) { return c.param.name; });
 
 } // namespace

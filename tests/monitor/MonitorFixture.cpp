@@ -17,11 +17,11 @@ MonitorFixture::MonitorFixture()
         wire->setAnswerer([this](const std::string& command) { return answer(command); }, 0.002);
     }
     usb.devices.push_back({"83F5", "0A7C21"});
-    monitor.setWindow(window);
+    core.window.set(window);
 }
 
 void MonitorFixture::bringUp() {
-    ASSERT_TRUE(monitor.Form_Load());
+    ASSERT_TRUE(core.lifecycle.Form_Load());
     tick();
     events.clear();
     socket.wire.forget();

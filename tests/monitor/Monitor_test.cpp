@@ -12,14 +12,14 @@ class MonitorTest : public MonitorFixture {};
 // ---- start-up
 
 TEST_F(MonitorTest, StartsInTheGivenOrder) {
-    ASSERT_TRUE(monitor.Form_Load());
+    ASSERT_TRUE(core.lifecycle.Form_Load());
     const EventList expected = {"window", "@",   "J",   "A1?", "A2?", "A3?", "A4?",     "A5?",
                                 "A6?",    "A7?", "A8?", "A9?", "B?",  "C?",  "timer on"};
     EXPECT_EQ(events, expected);
-    EXPECT_EQ(monitor.shown().title, "DRX9 Comm - [Ver. 4.08]");
+    EXPECT_EQ(core.form.title(), "DRX9 Comm - [Ver. 4.08]");
     EXPECT_EQ(progress.percents.size(), 9U);
-    EXPECT_EQ(monitor.films().names().size(), 9U);
-    EXPECT_EQ(monitor.films().index(), 0);
+    EXPECT_EQ(core.choice.names().size(), 9U);
+    EXPECT_EQ(core.choice.index(), 0);
     EXPECT_EQ(settings.system.FreqMax, 6.0);
     EXPECT_EQ(window.hourglass, (std::vector<bool>{true, false}));
     // The first film counts as a selection: the list and the instrument agree after the first tick.
@@ -51,8 +51,8 @@ TEST_P(RequestTest, SendsItsCommandsInOrder) {
     }
     EXPECT_EQ(requestsOfTick(), c.commands);
     EXPECT_EQ(monitor.RunMode(), c.mode);
-    EXPECT_EQ(monitor.shutterCaption(), shutter == 1 ? "Close Shutter" : "Open Shutter");
-    EXPECT_EQ(monitor.locked(), c.mode == RunState::Running);
+    EXPECT_EQ(core.status.panels().shutterCaption, shutter == 1 ? "Close Shutter" : "Open Shutter");
+    EXPECT_EQ(core.status.panels().running, c.mode == RunState::Running);
     EXPECT_EQ(sleep.held, c.mode == RunState::Running ? 1 : 0);
 }
 
@@ -76,8 +76,8 @@ TEST_F(MonitorTest, FailedShutterQueryReadsClosedAndUnknown) {
     bringUp();
     special["U?"] = ""; // the status 1 that the query then returns must not read as open
     tick();
-    EXPECT_EQ(monitor.requests().shutterState(), RequestDesk::kShutterUnknown);
-    EXPECT_EQ(monitor.shutterCaption(), "Open Shutter");
+    EXPECT_EQ(core.desk.shutterState(), RequestDesk::kShutterUnknown);
+    EXPECT_EQ(core.status.panels().shutterCaption, "Open Shutter");
     special["U?"] = replyPacket('B', ""); // a refusal keeps the link
     tick();                               // opens the link again
     tick();
@@ -106,13 +106,13 @@ TEST_F(MonitorTest, OneBadAnswerAtTheEndOfARunChangesNeitherFilmNorList) {
         clickAndTick("start");
         special.erase(command);
         ASSERT_EQ(monitor.RunMode(), RunState::Idle);
-        EXPECT_EQ(monitor.films().names().size(), listed);
+        EXPECT_EQ(core.choice.names().size(), listed);
         EXPECT_FALSE(progress.shown);
-        EXPECT_EQ(monitor.films().index(), selected);
-        EXPECT_EQ(monitor.films().mark().empty(), selected >= 0);
-        EXPECT_EQ(monitor.films().nameBesideList(), selected < 0 ? "FILM_3" : "");
-        EXPECT_FALSE(monitor.requests().waiting().film) << "the instrument keeps its film";
-        EXPECT_EQ(monitor.films().currentName(), "FILM_3  ");
+        EXPECT_EQ(core.choice.index(), selected);
+        EXPECT_EQ(core.choice.mark().empty(), selected >= 0);
+        EXPECT_EQ(core.choice.nameBesideList(), selected < 0 ? "FILM_3" : "");
+        EXPECT_FALSE(core.desk.waiting().film) << "the instrument keeps its film";
+        EXPECT_EQ(core.choice.currentName(), "FILM_3  ");
         tickAfter(2);
         tickAfter(2);
     }
@@ -124,26 +124,26 @@ TEST_F(MonitorTest, ARecordThatIsNeverAnsweredDoesNotKeepTheProgramFromPolling) 
     for (int i = 0; i < 4; ++i) {
         tickAfter(2);
     }
-    EXPECT_FALSE(monitor.shown().systemKnown);
-    EXPECT_FALSE(monitor.answers().stale(clock.monotonic()));
+    EXPECT_FALSE(core.form.systemKnown());
+    EXPECT_FALSE(core.answers.stale(clock.monotonic()));
     EXPECT_EQ(socket.connects, 1);
 }
 
 TEST_F(MonitorTest, WhatIsOnlySetIsNotSaidOfTheLinkThatWasTried) {
     bringUp();
-    EXPECT_TRUE(monitor.shown().systemKnown);
+    EXPECT_TRUE(core.form.systemKnown());
     settings.link.CommType = LinkType::Serial;
     EXPECT_EQ(core.status.facts().link.CommType, LinkType::Ethernet);
     link.setCommOK(false);
-    monitor.linkSetupClosed(false, false);
-    EXPECT_FALSE(monitor.shown().systemKnown) << "the record is another instrument's";
+    core.access.linkSetupClosed(false, false);
+    EXPECT_FALSE(core.form.systemKnown()) << "the record is another instrument's";
 }
 
 TEST_F(MonitorTest, AFilmChoiceOutlivesARefresh) {
     bringUp();
     onCommand["A6?"] = [this] { monitor.cboFilms_Click(1); }; // chosen while the list is read
     monitor.setRunMode(RunState::Idle);
-    EXPECT_EQ(monitor.films().index(), 1);
+    EXPECT_EQ(core.choice.index(), 1);
     EXPECT_EQ(requestsOfTick().front(), "D2");
 }
 
@@ -181,12 +181,12 @@ TEST_P(ClosingInARun, SavesFirstAndEndsTheLog) {
         boxes.expectShow("Settings not saved: The file is write-protected",
                          [&] { EXPECT_TRUE(logEnded()) << "the log first"; });
     }
-    monitor.Form_QueryUnload();
+    core.lifecycle.Form_QueryUnload();
     EXPECT_EQ(events, (EventList{"windows closed"}));
     EXPECT_EQ(monitor.RunMode(), RunState::Exiting);
     EXPECT_TRUE(logEnded());
     EXPECT_FALSE(ticker.on);
-    EXPECT_FALSE(monitor.Form_Load()) << "exiting";
+    EXPECT_FALSE(core.lifecycle.Form_Load()) << "exiting";
     if (GetParam()) {
         EXPECT_LT(files.find("/app/Monitor.ini")->modified, files.find("/app/drx9.txt")->modified);
     }
@@ -306,19 +306,19 @@ TEST_F(MonitorTest, RunGoesOnOverALossWithAGapAndOneBox) {
     EXPECT_GE(socket.connects - connects, 8);
     EXPECT_LE(socket.connects - connects, 14);
     EXPECT_EQ(averageRate.run.rows(), drawn) << "nothing was read";
-    EXPECT_TRUE(monitor.reconnecting());
-    EXPECT_TRUE(monitor.answers().stale(clock.monotonic()));
+    EXPECT_TRUE(core.keeper.lost());
+    EXPECT_TRUE(core.answers.stale(clock.monotonic()));
     monitor.cmdShutter_Click();
     returnLink();
     version = "DRX-9 Ver 4.12";
     const double back = clock.monotonic();
-    while (monitor.answers().stale(clock.monotonic()) && clock.monotonic() < back + 5) {
+    while (core.answers.stale(clock.monotonic()) && clock.monotonic() < back + 5) {
         tickAfter(0.25);
     }
     EXPECT_LE(clock.monotonic() - back, 2.3);
     EXPECT_EQ(monitor.RunMode(), RunState::Running);
     EXPECT_EQ(shutter, 1) << "the request waited";
-    EXPECT_NE(monitor.shown().notice.text.find("DRX-9 Ver 4.12"), std::string::npos);
+    EXPECT_NE(core.message.text.find("DRX-9 Ver 4.12"), std::string::npos);
     tickAfter(0.25);
     EXPECT_TRUE(averageRate.run.gapBefore(drawn + 1)); // behind the newest point of before
 }

@@ -28,7 +28,7 @@ struct Scene : MonitorFixture {
         EXPECT_TRUE(!busy || socket.wire.packets().size() == sent) << "a tick inside an operation";
     }
     void close() {
-        whenIdle([this] { monitor.Form_QueryUnload(); }, ActionQueue::For::Close);
+        whenIdle([this] { core.lifecycle.Form_QueryUnload(); }, ActionQueue::For::Close);
     }
 };
 
@@ -38,7 +38,7 @@ struct Deed {
 };
 
 const Deed kOperations[] = {
-    {"program start", [](Scene& t) { t.monitor.Form_Load(); }},
+    {"program start", [](Scene& t) { t.core.lifecycle.Form_Load(); }},
     {"tick", [](Scene& t) { t.tick(); }},
     {"start and stop", [](Scene& t) { t.clickAndTick("start"), t.clickAndTick("start"); }},
     {"zero", [](Scene& t) { t.clickAndTick("zero"); }},
@@ -95,9 +95,9 @@ void expectSane(Scene& t, const std::string& event, bool start) {
         return;
     }
     EXPECT_TRUE(t.link.CommOK());
-    const Requests& waiting = t.monitor.requests().waiting();
+    const Requests& waiting = t.core.desk.waiting();
     EXPECT_FALSE(waiting.film || waiting.zero || waiting.shutter || waiting.startStop);
-    EXPECT_FALSE(t.monitor.answers().stale(t.clock.monotonic()));
+    EXPECT_FALSE(t.core.answers.stale(t.clock.monotonic()));
 }
 
 TEST(Reentrancy, EachEventInEachPumpOfEachOperation) {

@@ -30,7 +30,7 @@ protected:
         std::copy_if(events.begin(), events.end(), std::back_inserter(acts), actsOnTheProcess);
         return acts;
     }
-    [[nodiscard]] const RequestReport& report() const { return monitor.requests().report(); }
+    [[nodiscard]] const RequestReport& report() const { return core.desk.report(); }
 };
 
 TEST_F(RequestsTest, ARequestIsCarriedOutOnceAndItsFailureTold) {
@@ -124,9 +124,9 @@ TEST_F(RequestsTest, StopAloneDoesNotWaitForTheLink) {
         EXPECT_EQ(monitor.RunMode(), RunState::Idle);
         EXPECT_NE(logText().find("\r\nEnd:     Date: "), std::string::npos);
         EXPECT_EQ(std::count(events.begin(), events.end(), "U?"), 0);
-        EXPECT_FALSE(monitor.locked());
+        EXPECT_FALSE(core.status.panels().running);
         EXPECT_TRUE(ticker.on) << "attempts go on";
-        EXPECT_TRUE(monitor.requests().waiting().zero) << "only the stop does not wait";
+        EXPECT_TRUE(core.desk.waiting().zero) << "only the stop does not wait";
         returnLink();
         const Texts acts = actsDuring(4);
         EXPECT_EQ(std::count(acts.begin(), acts.end(), "S"), 1);
@@ -158,7 +158,7 @@ TEST_F(RequestsTest, AConfirmedFilmGoesOutOnceAfterALossInIdle) {
         bringUp();
         special["D3"] = replyPacket(c.confirmed ? 'A' : 'B', "");
         clickAndTick("film");
-        EXPECT_EQ(monitor.films().mark().empty(), c.confirmed);
+        EXPECT_EQ(core.choice.mark().empty(), c.confirmed);
         if (c.running) {
             clickAndTick("start");
         }
@@ -168,17 +168,17 @@ TEST_F(RequestsTest, AConfirmedFilmGoesOutOnceAfterALossInIdle) {
         version = c.version;
         special["A3?"] = replyPacket('A', "FILM_3  2.7 100 1 6 4 1 3");
         EXPECT_EQ(actsDuring(6), c.acts);
-        EXPECT_EQ(monitor.films().mark().empty(), !c.marked);
+        EXPECT_EQ(core.choice.mark().empty(), !c.marked);
         monitor.setRunMode(RunState::Idle);
     }
     special["D3"] = ""; // not accepted: the loss that this causes repeats nothing
     monitor.cboFilms_Click(2);
     EXPECT_EQ(actsDuring(8), Texts{"D3"});
-    EXPECT_FALSE(monitor.films().mark().empty());
+    EXPECT_FALSE(core.choice.mark().empty());
 }
 
 TEST_F(RequestsTest, AFilmBeforeTheFirstReadingShowsNoReading) {
-    ASSERT_TRUE(monitor.Form_Load());
+    ASSERT_TRUE(core.lifecycle.Form_Load());
     special["P1"] = special["P2"] = ""; // the reading fails, and so does the next
     onCommand["D1"] = [] { FAIL() << "the link is dead"; };
     tick();
@@ -217,7 +217,7 @@ TEST_F(RequestsTest, AWaitingActionCutsARefreshAndAReconnectBetweenExchanges) {
         std::erase(rest, "timer on");
         EXPECT_EQ(rest, c.rest);
         EXPECT_TRUE(link.CommOK());
-        EXPECT_EQ(monitor.films().names().size(), 9U) << "the list that stood before";
+        EXPECT_EQ(core.choice.names().size(), 9U) << "the list that stood before";
         pump.runPosted();
         EXPECT_TRUE(ran);
         events.clear();
@@ -225,7 +225,7 @@ TEST_F(RequestsTest, AWaitingActionCutsARefreshAndAReconnectBetweenExchanges) {
         EXPECT_EQ(std::count(events.begin(), events.end(), "A9?"), 1) << "made anew as a whole";
         EXPECT_EQ(std::count(events.begin(), events.end(), "C?"), 1);
         tickAfter(0.25);
-        EXPECT_FALSE(monitor.answers().stale(clock.monotonic()));
+        EXPECT_FALSE(core.answers.stale(clock.monotonic()));
         monitor.setRunMode(RunState::Starting);
     }
 }
@@ -233,7 +233,7 @@ TEST_F(RequestsTest, AWaitingActionCutsARefreshAndAReconnectBetweenExchanges) {
 TEST_F(RequestsTest, ACloseLetsNoFurtherRequestBegin) {
     bringUp();
     onCommand["D3"] = [this] {
-        actions.runWhenIdle([this] { monitor.Form_QueryUnload(); }, ActionQueue::For::Close);
+        actions.runWhenIdle([this] { core.lifecycle.Form_QueryUnload(); }, ActionQueue::For::Close);
     };
     monitor.cboFilms_Click(2);
     monitor.cmdShutter_Click();
@@ -247,14 +247,14 @@ TEST_F(RequestsTest, RequestsAreCarriedOutOrDroppedBeforeAWindowHoldsTheTimer) {
     bringUp();
     monitor.cmdZero_Click();
     monitor.carryOutBeforeWindow();
-    EXPECT_FALSE(monitor.requests().waiting().zero);
+    EXPECT_FALSE(core.desk.waiting().zero);
     EXPECT_EQ(report().text(), "");
     link.setCommStatus(comm::kLost);
     monitor.cmdZero_Click();
     socket.wire.forget();
     monitor.carryOutBeforeWindow();
     EXPECT_TRUE(socket.wire.commands().empty());
-    EXPECT_FALSE(monitor.requests().waiting().zero) << "must not come true when the window closes";
+    EXPECT_FALSE(core.desk.waiting().zero) << "must not come true when the window closes";
     EXPECT_EQ(report().text(), "Zero: not sent");
 }
 
@@ -266,7 +266,7 @@ TEST_F(RequestsTest, ReadingsOutOfStepAreSaidAndOpenTheLinkAgain) {
     onCommand["M"] = [this] { socket.wire.arrive(replyPacket('A', "77")); }; // one that nobody asked for
     for (int i = 1; i <= 4; ++i) {
         tickAfter(0.25);
-        EXPECT_EQ(monitor.answers().straysInARow(), i);
+        EXPECT_EQ(core.answers.straysInARow(), i);
     }
     const std::string notice = gravestNotice(core.status.facts()).text;
     EXPECT_EQ(notice.rfind("Answers out of step: no readings since 10:30:", 0), 0U) << notice;
@@ -276,7 +276,7 @@ TEST_F(RequestsTest, ReadingsOutOfStepAreSaidAndOpenTheLinkAgain) {
     onCommand.clear();
     tickAfter(0.25);
     tickAfter(0.25);
-    EXPECT_EQ(monitor.answers().straysInARow(), 0);
+    EXPECT_EQ(core.answers.straysInARow(), 0);
 }
 
 TEST_F(RequestsTest, ARefreshOutOfStepKeepsTheListAndReadsNoRecord) {
@@ -285,10 +285,10 @@ TEST_F(RequestsTest, ARefreshOutOfStepKeepsTheListAndReadsNoRecord) {
     onCommand["A5?"] = [this] { socket.wire.arrive(replyPacket('A', "OTHER     1 1 1 1 1 1 1")); };
     onCommand["A6?"] = [this] { special["A6?"] = replyPacket('A', "CHANGED   1 1 1 1 1 1 1"); };
     monitor.setRunMode(RunState::Idle);
-    EXPECT_EQ(monitor.films().names().at(5), "FILM_6");
-    EXPECT_FALSE(monitor.shown().systemKnown);
+    EXPECT_EQ(core.choice.names().at(5), "FILM_6");
+    EXPECT_FALSE(core.form.systemKnown());
     EXPECT_NE(settings.system.Simulate, 1);
-    EXPECT_EQ(monitor.answers().lastExchange(), "Films and parameters not read: answers out of step");
+    EXPECT_EQ(core.answers.lastExchange(), "Films and parameters not read: answers out of step");
 }
 
 TEST_F(RequestsTest, AnAnswerThatWasLateForTheLostLinkIsNoVersion) {
@@ -305,7 +305,7 @@ TEST_F(RequestsTest, AnAnswerThatWasLateForTheLostLinkIsNoVersion) {
     onCommand.clear();
     special.erase("U?");
     tickAfter(2);
-    EXPECT_EQ(monitor.shown().title, "DRX9 Comm - [Ver. 4.08]");
+    EXPECT_EQ(core.form.title(), "DRX9 Comm - [Ver. 4.08]");
 }
 
 TEST_F(RequestsTest, AnotherInstrumentWithFewerFilmsGetsNoFilmUnasked) {
@@ -318,8 +318,8 @@ TEST_F(RequestsTest, AnotherInstrumentWithFewerFilmsGetsNoFilmUnasked) {
     returnLink();
     version = "DRX-9 Ver 4.08";
     EXPECT_EQ(actsDuring(4), Texts{});
-    EXPECT_EQ(monitor.films().index(), -1);
-    EXPECT_FALSE(monitor.films().mark().empty());
+    EXPECT_EQ(core.choice.index(), -1);
+    EXPECT_FALSE(core.choice.mark().empty());
 }
 
 TEST_F(RequestsTest, AFaultInARefreshLeavesPollingOn) {
@@ -330,12 +330,12 @@ TEST_F(RequestsTest, AFaultInARefreshLeavesPollingOn) {
     onCommand.clear();
     tickAfter(2);
     tickAfter(2);
-    EXPECT_FALSE(monitor.answers().stale(clock.monotonic()));
+    EXPECT_FALSE(core.answers.stale(clock.monotonic()));
 }
 
 TEST_F(RequestsTest, ACloseBeforeTheStartWritesNoSettings) {
     const std::string before = files.text("/app/Monitor.ini");
-    monitor.Form_QueryUnload();
+    core.lifecycle.Form_QueryUnload();
     EXPECT_EQ(files.text("/app/Monitor.ini"), before);
     EXPECT_EQ(monitor.RunMode(), RunState::Exiting);
     monitor.setRunMode(RunState::Idle);

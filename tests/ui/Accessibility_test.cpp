@@ -155,7 +155,7 @@ TEST_F(Accessibility, ActionsDoWhatAClickDoes) {
     interfaceOf("spnIntSec").valueInterface()->setCurrentValue(42);
     EXPECT_EQ(settings.log.Interval, 42);
     act(interfaceOf("cmdZero"), press);
-    EXPECT_TRUE(monitor.requests().waiting().zero);
+    EXPECT_TRUE(core.desk.waiting().zero);
     act(interfaceOf("cmdForm"), press);
     EXPECT_EQ(window->findChild<frmDataLog*>(), nullptr);
 }

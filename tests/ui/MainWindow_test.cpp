@@ -40,7 +40,7 @@ TEST_F(MainWindow, NoTwoShortcutsAndNoTwoMnemonicsOfAMenuAreTheSame) {
 TEST_F(MainWindow, HidesTheRunControlsOffLine) {
     silent = true;
     boxes.allow("Instrument not found");
-    monitor.Form_Load();
+    core.lifecycle.Form_Load();
     EXPECT_EQ(window->windowTitle().toStdString(), "DRX9 Comm - [Off Line]");
     for (const char* name : {"cmdStartStop", "cmdZero", "cmdShutter", "cboFilms", "lblFilm"}) {
         EXPECT_FALSE(find(name)->isVisible()) << name;
@@ -49,7 +49,7 @@ TEST_F(MainWindow, HidesTheRunControlsOffLine) {
     EXPECT_EQ(textOf("TxtData_1"), "");
     EXPECT_TRUE(find<QAction>("mnuSetupComm")->isEnabled());
     QTest::keyClick(window.get(), Qt::Key_F9, Qt::ShiftModifier); // dead while hidden
-    EXPECT_FALSE(monitor.requests().waiting().startStop);
+    EXPECT_FALSE(core.desk.waiting().startStop);
 }
 
 TEST_F(MainWindow, ButtonsRaiseRequestsAndStayDownUntilTheyAreCarriedOut) {
@@ -62,7 +62,7 @@ TEST_F(MainWindow, ButtonsRaiseRequestsAndStayDownUntilTheyAreCarriedOut) {
         for (const bool byKey : {false, true}) {
             SCOPED_TRACE(testing::Message() << name << byKey);
             byKey ? QTest::keyClick(window.get(), key, Qt::ShiftModifier) : click(name);
-            EXPECT_TRUE(monitor.requests().waiting().*flag);
+            EXPECT_TRUE(core.desk.waiting().*flag);
             EXPECT_TRUE(find<QPushButton>(name)->isDown());
             tick();
             EXPECT_FALSE(find<QPushButton>(name)->isDown());
@@ -82,15 +82,15 @@ TEST_F(MainWindow, OnlyTheOperatorsChoiceOfAFilmIsARequest) {
                       Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(list, &wheel);
     EXPECT_EQ(list->currentIndex(), 0);
-    EXPECT_FALSE(monitor.requests().waiting().film);
+    EXPECT_FALSE(core.desk.waiting().film);
     const std::pair<Qt::Key, const char*> ways[] = {{Qt::Key_F4, "D2"}, {Qt::Key_Space, "D3"}};
     for (const auto& [open, command] : ways) {
         QTest::keyClick(list, open);
         ASSERT_TRUE(list->view()->isVisible());
         QTest::keyClick(list->view(), Qt::Key_Down);
-        EXPECT_FALSE(monitor.requests().waiting().film) << "only looked at";
+        EXPECT_FALSE(core.desk.waiting().film) << "only looked at";
         QTest::keyClick(list->view(), Qt::Key_Return);
-        EXPECT_TRUE(monitor.requests().waiting().film);
+        EXPECT_TRUE(core.desk.waiting().film);
         EXPECT_EQ(requestsOfTick().front(), command);
     }
     QTest::keyClicks(list, "F"); // typed: the opened list looks for it
@@ -221,7 +221,7 @@ TEST_F(MainWindow, AWindowThatHoldsTheTimerLocksTheRunBar) {
             QTest::keyClick(window.get(), key, Qt::ShiftModifier);
         }
         EXPECT_EQ(window->focusWidget(), nullptr);
-        const Requests& requests = monitor.requests().waiting();
+        const Requests& requests = core.desk.waiting();
         EXPECT_FALSE(requests.zero || requests.shutter || requests.startStop);
     }
     window->changed();

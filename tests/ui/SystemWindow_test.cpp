@@ -36,6 +36,7 @@ struct FakeSystemRecord : SystemRecordAccess {
     bool known = true;
     [[nodiscard]] bool systemKnown() const override { return known; }
     void systemSent(bool accepted) override { known = accepted; }
+    void systemClosed() override {}
 };
 
 class SystemWindow : public testing::Test, protected LinkBench, protected Controls {

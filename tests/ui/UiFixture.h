@@ -38,7 +38,7 @@ protected:
     UiFixture() {
         window = std::make_unique<frmMain>(mainWindowParts(
             core, pump, charts, {files, boxes, dialogs, nullptr, input, shell, progress, nullptr, clock}));
-        monitor.setWindow(*window);
+        core.window.set(*window);
         window->show();
         window->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));

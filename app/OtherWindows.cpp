@@ -6,6 +6,7 @@
 #include "link/frmComm.h"
 #include "monitor/frmDataLog.h"
 #include "system/frmSystem.h"
+#include "util/frmAbout.h"
 
 #include <algorithm>
 #include <utility>
@@ -14,11 +15,9 @@ namespace drx9 {
 
 namespace {
 QWidget* makeDataLog(Core& core, const DesktopPorts& desktop, QWidget* owner) {
-    auto* window = new frmDataLog({core.settings.log, core.log, desktop.files, desktop.dialogs, desktop.shell,
-                                   desktop.boxes, core.actions},
-                                  owner);
-    window->setAttribute(Qt::WA_DeleteOnClose);
-    return window;
+    return new frmDataLog({core.settings.log, core.log, desktop.files, desktop.dialogs, desktop.shell,
+                           desktop.boxes, core.actions},
+                          owner);
 }
 
 QWidget* makeSystem(Core& core, const DesktopPorts& desktop, QWidget* owner) {
@@ -40,7 +39,6 @@ QWidget* makeFilms(Core& core, const DesktopPorts& desktop, QWidget* owner) {
                      desktop.boxes, desktop.progress, core.actions, desktop.clock, core.locale, core.access,
                      core.access, core.questions, [&core] { return core.actions.closing(); }},
                     owner);
-    window->setAttribute(Qt::WA_DeleteOnClose);
     if (desktop.progressWindow != nullptr) {
         desktop.progressWindow->setOwner(ProgressOwner::FilmWindow, window);
     }
@@ -49,26 +47,52 @@ QWidget* makeFilms(Core& core, const DesktopPorts& desktop, QWidget* owner) {
 
 QWidget* makeGraphSet(Core& core, ChartSet& charts, QWidget* owner) {
     auto* window = new frmGraphSet(charts, std::max<int>(1, core.readouts.checkedGraphItem()), owner);
-    window->setAttribute(Qt::WA_DeleteOnClose);
     QObject::connect(window, &frmGraphSet::settingsNotSaved, owner, [&core](const QString& text) {
-        core.message = {text.toStdString(), graphText::kSettingsNotSavedBrief};
-        core.window.changed();
+        core.message.tell(text.toStdString(), graphText::kSettingsNotSavedBrief);
     });
     return window;
 }
 } // namespace
 
-OtherWindows makeOtherWindows(Core& core, ChartSet& charts, const DesktopPorts& desktop) {
+WindowEntries makeOtherWindows(Core& core, ChartSet& charts, const DesktopPorts& desktop) {
+    using Menu = WindowEntry::Menu;
     const auto maker = [&core, desktop](auto make) {
         return [&core, desktop, make](QWidget* owner) { return make(core, desktop, owner); };
     };
-    OtherWindows windows;
-    windows.dataLog = maker(makeDataLog);
-    windows.films = maker(makeFilms);
-    windows.system = maker(makeSystem);
-    windows.comm = maker(makeComm);
-    windows.graphSet = [&core, &charts](QWidget* owner) { return makeGraphSet(core, charts, owner); };
-    return windows;
+    return {{.menu = Menu::File,
+             .item = "mnuFileLog",
+             .caption = "&Data Log",
+             .make = maker(makeDataLog),
+             .key = {Qt::CTRL | Qt::Key_L}},
+            {.menu = Menu::Edit,
+             .item = "mnuSetupFilms",
+             .caption = "&Films",
+             .make = maker(makeFilms),
+             .holdsTimer = true},
+            {.menu = Menu::Edit,
+             .item = "mnuSetupSystem",
+             .caption = "&System",
+             .make = maker(makeSystem),
+             .holdsTimer = true,
+             .modal = true,
+             .purpose = ActionQueue::For::System},
+            {.menu = Menu::Edit,
+             .item = "mnuSetupComm",
+             .caption = "&Communcations",
+             .make = maker(makeComm),
+             .holdsTimer = true,
+             .modal = true},
+            {.menu = Menu::Edit,
+             .item = "mnuSetupGraphs",
+             .caption = "&Graph",
+             .separator = "mnuSetupSep2",
+             .make = [&core, &charts](QWidget* owner) { return makeGraphSet(core, charts, owner); },
+             .lockedInRun = false},
+            {.menu = Menu::Help,
+             .item = "mnuHelpAbout",
+             .caption = "&About",
+             .separator = "mnuHelpSep1",
+             .make = [facts = desktop.aboutFacts](QWidget* owner) { return new frmAbout(facts(), owner); }}};
 }
 
 ChartPorts chartPorts(const Paths& paths, const DesktopPorts& desktop, EventPump& pump,
@@ -86,9 +110,17 @@ ChartPorts chartPorts(const Paths& paths, const DesktopPorts& desktop, EventPump
 }
 
 MainWindowParts mainWindowParts(Core& core, EventPump& pump, ChartSet& charts, const DesktopPorts& desktop) {
-    return {
-        core.monitor, core.lifecycle, core.status, core.readouts, core.actions,
-        pump,         desktop.clock,  charts,      desktop.boxes, makeOtherWindows(core, charts, desktop)};
+    return {core.monitor,
+            core.lifecycle,
+            core.status,
+            core.readouts,
+            core.actions,
+            pump,
+            desktop.clock,
+            charts,
+            desktop.boxes,
+            desktop.help,
+            makeOtherWindows(core, charts, desktop)};
 }
 
 } // namespace drx9

@@ -6,6 +6,10 @@
 #include "platform/Desktop.h"
 #include "platform/InputBox.h"
 
+#include <QStringList>
+
+#include <functional>
+
 namespace drx9 {
 
 /// What the windows ask of the desktop beside the core's ports.
@@ -16,14 +20,16 @@ struct DesktopPorts {
     PrintDialog* printer; ///< may be null
     InputBox& input;
     Shell& shell;
+    HelpViewer& help;
     Progress& progress;
     frmStatus* progressWindow; ///< the same, to be told who owns it; may be null
     const Clock& clock;
+    std::function<QStringList()> aboutFacts; ///< lines of the About box's system information
 };
 
-/// Makers of the windows that open from the main one. Each hands its window just what that uses. All that is
-/// given outlives the windows.
-OtherWindows makeOtherWindows(Core& core, ChartSet& charts, const DesktopPorts& desktop);
+/// The windows that open from the main one, with their menu items. Each maker hands its window just what that
+/// uses. All that is given outlives the windows.
+WindowEntries makeOtherWindows(Core& core, ChartSet& charts, const DesktopPorts& desktop);
 
 /// What the charts use: pictures and exports, and their configuration files in the data folder. The core may
 /// be made later than the charts.

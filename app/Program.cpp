@@ -18,19 +18,29 @@ AppInfo appInfo() {
 } // namespace
 
 Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale, const QString& placesFile)
-    : pump_(clock_)
+    : places_(placesFile)
+    , manual_(places_)
+    , pump_(clock_)
     , serial_(pump_, paths)
     , socket_(pump_)
     , usb_(paths.programFolder)
     , ticker_(clock_, PollTimer::kIntervalMs)
     , progress_(pump_)
-    , desktop_{files, boxes_, dialogs_, &printer_, input_, shell_, progress_, &progress_, clock_}
+    , desktop_{files,
+               boxes_,
+               dialogs_,
+               &printer_,
+               input_,
+               shell_,
+               manual_,
+               progress_,
+               &progress_,
+               clock_,
+               [this] { return aboutFacts(); }}
     , charts_(chartParts(paths))
     , core_({files, clock_, pump_, boxes_, serial_, socket_, usb_, ticker_, progress_, sleep_,
              charts_.graphs()},
             paths, locale, appInfo())
-    , places_(placesFile)
-    , manual_(places_)
     , window_(windowParts()) {
     core_.window.set(window_);
     progress_.setOwner(ProgressOwner::MainWindow, &window_);
@@ -45,13 +55,15 @@ ChartPorts Program::chartParts(const Paths& paths) {
 
 MainWindowParts Program::windowParts() {
     MainWindowParts parts = mainWindowParts(core_, pump_, charts_, desktop_);
-    parts.help = &manual_;
     parts.places = &places_;
-    parts.aboutFacts = {"Files: " + core_.paths.dataFolder, usb_.library().empty()
-                                                                ? "USB bridges: as serial ports"
-                                                                : "USB bridges: " + usb_.library()};
     parts.desktopChanged = [this] { followDesktop(*qApp, darkWanted_); };
     return parts;
+}
+
+QStringList Program::aboutFacts() const {
+    const std::string bridges = usb_.library().empty() ? "as serial ports" : usb_.library();
+    return {QString::fromStdString("Files: " + core_.paths.dataFolder),
+            QString::fromStdString("USB bridges: " + bridges)};
 }
 
 void Program::reportError(const std::exception& error) noexcept {

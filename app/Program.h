@@ -58,6 +58,10 @@ public:
 private:
     [[nodiscard]] ChartPorts chartParts(const Paths& paths);
     [[nodiscard]] MainWindowParts windowParts();
+    [[nodiscard]] QStringList aboutFacts() const;
+
+    WindowPlaces places_;
+    Manual manual_;
 
     // Ports
     QtClock clock_;
@@ -78,9 +82,6 @@ private:
 
     Core core_;
 
-    // Windows
-    WindowPlaces places_;
-    Manual manual_;
     frmMain window_;
     std::optional<bool> darkWanted_; ///< what the desktop said
     std::unique_ptr<AppearancePortal> appearance_;

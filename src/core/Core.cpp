@@ -18,6 +18,7 @@ Core::Core(const Ports& ports, const Paths& folders, const NumberLocale& numbers
     , log(ports.files, ports.clock, locale, paths, ports.boxes, ports.pump, settings.log)
     , readouts(locale, settings.system)
     , timer(ports.ticker, ports.clock)
+    , message(window)
     , run({settings.log, log, ports.graphs, ports.sleep, ports.clock})
     , answers(link, ports.clock)
     , keeper(link, discovery, actions, ports.clock)

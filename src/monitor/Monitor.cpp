@@ -54,7 +54,7 @@ void Monitor::changeMode(RunState mode, bool refresh) {
 }
 
 void Monitor::startRun() {
-    parts_.message = {};
+    parts_.message.clear();
     parts_.desk.runStarts();
     parts_.run.begin(parts_.link.sensorCount());
     parts_.window.changed(); // STOP shows before the exchanges below
@@ -188,9 +188,8 @@ void Monitor::reopened() {
     if (runMode_ == RunState::Running) {
         if (!parts_.keeper.sameVersion()) {
             const std::string version = utf8FromAnsi(trimmed(parts_.link.CommVersion()));
-            parts_.message = {filled(monitorText::kOtherInstrument, {version}),
-                              monitorText::kOtherInstrumentBrief};
-            parts_.window.changed();
+            parts_.message.tell(filled(monitorText::kOtherInstrument, {version}),
+                                monitorText::kOtherInstrumentBrief);
         }
         return;
     }

@@ -13,8 +13,8 @@ StatusFacts StatusBoard::facts() const {
     facts.started = parts_.form.started();
     facts.pauseReason = parts_.timer.holdReason();
     facts.link = facts.started ? parts_.discovery.tried() : parts_.settings.link;
-    facts.message = parts_.message.text;
-    facts.messageBrief = parts_.message.brief;
+    facts.message = parts_.message.text();
+    facts.messageBrief = parts_.message.brief();
     facts.runStart = parts_.run.startTime();
     facts.systemKnown = parts_.form.systemKnown();
     facts.simulate = parts_.settings.system.Simulate != 0;

@@ -99,7 +99,6 @@ inline constexpr const char* kNotWritten = "Not written: {}";
 inline constexpr const char* kSettingsNotSaved = "Settings not saved: {}";
 inline constexpr const char* kDeleteLog = "Log file size is {}. Delete?";
 inline constexpr const char* kReading = "Reading DRX-9 Films";
-inline constexpr const char* kNotInThisBuild = "Not in this build.";
 
 // To the desktop, which shows it where it lists what keeps the machine awake.
 inline constexpr const char* kKeepAwake = "A deposition run is in progress";

@@ -25,9 +25,11 @@ frmMain::frmMain(const MainWindowParts& parts)
     : parts_(parts)
     , readouts_(parts.readouts)
     , actions_(parts.actions)
-    , menus_(*this, menuHandlers(), [this](std::function<void()> action, ActionQueue::For purpose) {
-        actions_.runWhenIdle(std::move(action), purpose);
-    }) {
+    , menus_(*this, parts.windows, menuHandlers(),
+             [this](std::function<void()> action, ActionQueue::For purpose) {
+                 actions_.runWhenIdle(std::move(action), purpose);
+             }) {
+    windows_.resize(parts_.windows.size());
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QString(kProgramName));
     QApplication::setWindowIcon(appIcon());
@@ -44,24 +46,21 @@ frmMain::frmMain(const MainWindowParts& parts)
 }
 
 frmMain::~frmMain() {
-    delete dataLog_.data(); // hiding, it may still tell of a finished change
+    for (const QPointer<QWidget>& window : windows_) {
+        delete window.data(); // hiding, it may still tell of a finished change
+    }
 }
 
 MainMenus::Handlers frmMain::menuHandlers() {
     MainMenus::Handlers handlers;
-    handlers.dataLog = [this] { openWindow(dataLog_, parts_.windows.dataLog); };
     handlers.exit = [this] { close(); };
-    handlers.films = [this] { openHolding(films_, parts_.windows.films, false); };
-    handlers.system = [this] { openHolding(system_, parts_.windows.system, true); };
-    handlers.comm = [this] { openHolding(comm_, parts_.windows.comm, true); };
-    handlers.graphSet = [this] { openWindow(graphSet_, parts_.windows.graphSet); };
+    handlers.open = [this](std::size_t entry) { openWindow(entry); };
     handlers.graph = [this](std::int16_t item) {
         readouts_.graphItemClicked(item);
         changed();
     };
     handlers.sensors = [this](std::int16_t item) { parts_.run.sensorItemClicked(item); };
     handlers.help = [this] { showHelp(); };
-    handlers.about = [this] { showAbout(); };
     return handlers;
 }
 

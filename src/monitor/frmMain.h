@@ -6,6 +6,7 @@
 #include "monitor/MonitorWindow.h"
 #include "monitor/Readouts.h"
 #include "monitor/StatusBoard.h"
+#include "monitor/frmMainEntries.h"
 #include "monitor/frmMainMenus.h"
 #include "monitor/frmMainReadoutPanel.h"
 #include "monitor/frmMainRunBar.h"
@@ -17,6 +18,7 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -28,20 +30,7 @@ namespace drx9 {
 
 class WindowPlaces;
 
-/// Makes a window that opens from the main one, owned by `owner`; empty where this build has none. The window
-/// deletes itself when it closes.
-using WindowMaker = std::function<QWidget*(QWidget* owner)>;
-
-/// The windows that open from the menus.
-struct OtherWindows {
-    WindowMaker dataLog;
-    WindowMaker films;
-    WindowMaker system;
-    WindowMaker comm;
-    WindowMaker graphSet;
-};
-
-/// What the main window works with. `help` and `places` may be null, `desktopChanged` empty.
+/// What the main window works with. `places` may be null, `desktopChanged` empty.
 struct MainWindowParts {
     RunControl& run;
     ProgramEnd& end;
@@ -52,11 +41,10 @@ struct MainWindowParts {
     const Clock& clock;
     ChartSet& charts; ///< the window takes the charts into its layout and owns them from then on
     MessageBoxes& boxes;
-    OtherWindows windows = {};
-    HelpViewer* help = nullptr;
+    HelpViewer& help;
+    WindowEntries windows;
     WindowPlaces* places = nullptr;
     std::function<void()> desktopChanged = {}; ///< the desktop's colours are others now
-    std::vector<std::string> aboutFacts = {};  ///< lines of the About box's system information
 };
 
 /// The main window: an assembly of panels (menus, readouts around the charts, run bar, status line) that it
@@ -103,11 +91,9 @@ private:
     void buildKeys();
     void addKey(const QKeySequence& key, std::function<void()> action);
     void nextRegion(int direction);
-    void openWindow(QPointer<QWidget>& window, const WindowMaker& make, bool modal = false);
-    void openHolding(QPointer<QWidget>& window, const WindowMaker& make, bool modal);
+    void openWindow(std::size_t entry);
+    void makeWindow(std::size_t entry);
     void showHelp();
-    void showAbout();
-    void notInThisBuild();
 
     // What the panels show (frmMainFacts.cpp).
 
@@ -129,11 +115,7 @@ private:
     RunBar* bar_ = nullptr;
     StatusLine* status_ = nullptr;
 
-    QPointer<QWidget> dataLog_;
-    QPointer<QWidget> films_;
-    QPointer<QWidget> system_;
-    QPointer<QWidget> comm_;
-    QPointer<QWidget> graphSet_;
+    std::vector<QPointer<QWidget>> windows_; ///< by entry; null or hidden: not open
     QTimer heartbeat_;
     std::optional<Step> step_;
     std::string shownTitle_;

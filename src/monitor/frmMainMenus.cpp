@@ -46,83 +46,92 @@ void check(const std::array<QAction*, N>& items, int item) {
 }
 } // namespace
 
-MainMenus::MainMenus(QMainWindow& window, Handlers handlers, Later later)
+MainMenus::MainMenus(QMainWindow& window, const WindowEntries& entries, Handlers handlers, Later later)
     : handlers_(std::move(handlers))
     , later_(std::move(later)) {
-    buildFileAndEdit(window);
+    QMenu* file = namedMenu(window, "mnuFile", "&File");
+    addWindows(file, WindowEntry::Menu::File, entries);
+    addSeparator(file, "mnuFileSep1");
+    addItem(file, "mnuFileExit", "E&xit", {Qt::CTRL | Qt::Key_Q},
+            [this](const QAction&) { handlers_.exit(); });
+    addWindows(namedMenu(window, "mnuSetup", "&Edit"), WindowEntry::Menu::Edit, entries);
     buildView(window);
-    buildHelp(window);
+    QMenu* help = namedMenu(window, "mnuHelp", "&Help");
+    QAction* index =
+        addItem(help, "mnuHelpHelp", "&Help", {Qt::Key_F1}, [this](const QAction&) { handlers_.help(); });
+    index->setShortcutContext(Qt::ApplicationShortcut); // in every window
+    addWindows(help, WindowEntry::Menu::Help, entries);
 }
 
 QAction* MainMenus::addItem(QMenu* menu, const char* name, const char* caption, const QKeySequence& shortcut,
-                            When when, std::function<void()> action) {
+                            Action action) {
     auto* item = new QAction(QString::fromLatin1(caption), menu);
     item->setObjectName(QString::fromLatin1(name));
     item->setShortcut(shortcut);
     item->setAutoRepeat(false);
     item->setMenuRole(QAction::NoRole);
     menu->addAction(item);
-    connect(item, &QAction::triggered, this, [this, item, when, action = std::move(action)] {
+    connect(item, &QAction::triggered, this, [this, item, action = std::move(action)] {
         showFacts(shown_); // a check mark follows what is so, not the click
-        if (when == When::AtOnce) {
-            action();
-            return;
-        }
-        // At its turn the item may be locked, or a window may be in the way: then it is dropped.
-        const auto turn = [item = QPointer<QAction>(item), action] {
-            if (item != nullptr && item->isEnabled() && QApplication::activeModalWidget() == nullptr) {
-                action();
-            }
-        };
-        later_(turn, when == When::IdleForSystem ? ActionQueue::For::System : ActionQueue::For::Other);
+        action(*item);
     });
     return item;
 }
 
-void MainMenus::buildFileAndEdit(QMainWindow& window) {
-    QMenu* file = namedMenu(window, "mnuFile", "&File");
-    setupItems_.push_back(
-        addItem(file, "mnuFileLog", "&Data Log", {Qt::CTRL | Qt::Key_L}, When::AtOnce, handlers_.dataLog));
-    addSeparator(file, "mnuFileSep1");
-    addItem(file, "mnuFileExit", "E&xit", {Qt::CTRL | Qt::Key_Q}, When::AtOnce, handlers_.exit);
+void MainMenus::addWindows(QMenu* menu, WindowEntry::Menu which, const WindowEntries& entries) {
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (entries[i].menu == which) {
+            addWindow(menu, entries[i], i);
+        }
+    }
+}
 
-    QMenu* setup = namedMenu(window, "mnuSetup", "&Edit");
-    setupItems_.push_back(addItem(setup, "mnuSetupFilms", "&Films", {}, When::Idle, handlers_.films));
-    setupItems_.push_back(
-        addItem(setup, "mnuSetupSystem", "&System", {}, When::IdleForSystem, handlers_.system));
-    setupItems_.push_back(addItem(setup, "mnuSetupComm", "&Communcations", {}, When::Idle, handlers_.comm));
-    addSeparator(setup, "mnuSetupSep2");
-    addItem(setup, "mnuSetupGraphs", "&Graph", {}, When::AtOnce, handlers_.graphSet);
+void MainMenus::addWindow(QMenu* menu, const WindowEntry& entry, std::size_t index) {
+    if (entry.separator != nullptr) {
+        addSeparator(menu, entry.separator);
+    }
+    Action open = [this, index](const QAction&) { handlers_.open(index); };
+    if (entry.holdsTimer) {
+        open = [this, index, purpose = entry.purpose](const QAction& item) {
+            openInTurn(item, index, purpose);
+        };
+    }
+    QAction* item = addItem(menu, entry.item, entry.caption, entry.key, std::move(open));
+    if (entry.lockedInRun) {
+        lockedItems_.push_back(item);
+    }
+}
+
+/// At its turn the item may be locked, or a window may be in the way: then it is dropped.
+void MainMenus::openInTurn(const QAction& item, std::size_t index, ActionQueue::For purpose) {
+    const auto turn = [this, item = QPointer<const QAction>(&item), index] {
+        if (item != nullptr && item->isEnabled() && QApplication::activeModalWidget() == nullptr) {
+            handlers_.open(index);
+        }
+    };
+    later_(turn, purpose);
 }
 
 void MainMenus::buildView(QMainWindow& window) {
     QMenu* view = namedMenu(window, "mnuView", "&View");
     for (std::size_t i = 0; i < kGraphs.size(); ++i) {
         const auto item = static_cast<std::int16_t>(i + 1);
-        graphItems_[i] = addItem(view, kGraphs[i].name, kGraphs[i].caption, viewKey(item), When::AtOnce,
-                                 [this, item] { handlers_.graph(item); });
+        graphItems_[i] = addItem(view, kGraphs[i].name, kGraphs[i].caption, viewKey(item),
+                                 [this, item](const QAction&) { handlers_.graph(item); });
         graphItems_[i]->setCheckable(true);
     }
     addSeparator(view, "mnuGraphSep1");
     for (std::size_t i = 0; i < kSensors.size(); ++i) {
         const auto item = static_cast<std::int16_t>(i + 1);
         sensorItems_[i] = addItem(view, kSensors[i].name, kSensors[i].caption, viewKey(item + 4),
-                                  When::AtOnce, [this, item] { handlers_.sensors(item); });
+                                  [this, item](const QAction&) { handlers_.sensors(item); });
         sensorItems_[i]->setCheckable(true);
     }
 }
 
-void MainMenus::buildHelp(QMainWindow& window) {
-    QMenu* help = namedMenu(window, "mnuHelp", "&Help");
-    QAction* index = addItem(help, "mnuHelpHelp", "&Help", {Qt::Key_F1}, When::AtOnce, handlers_.help);
-    index->setShortcutContext(Qt::ApplicationShortcut); // in every window
-    addSeparator(help, "mnuHelpSep1");
-    setupItems_.push_back(addItem(help, "mnuHelpAbout", "&About", {}, When::AtOnce, handlers_.about));
-}
-
 void MainMenus::showFacts(const Facts& facts) {
     shown_ = facts;
-    for (QAction* item : setupItems_) {
+    for (QAction* item : lockedItems_) {
         item->setEnabled(!facts.locked);
     }
     check(graphItems_, facts.graphItem);

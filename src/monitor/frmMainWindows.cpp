@@ -3,9 +3,6 @@
 
 #include "controls/Readout.h"
 #include "controls/WindowPlaces.h"
-#include "monitor/Texts.h"
-#include "util/ProgramName.h"
-#include "util/frmAbout.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -16,22 +13,21 @@
 
 namespace drx9 {
 
-void frmMain::notInThisBuild() {
-    parts_.boxes.showNonBlocking(monitorText::kNotInThisBuild, kProgramName, MessageIcon::Information);
-}
-
-void frmMain::openWindow(QPointer<QWidget>& window, const WindowMaker& make, bool modal) {
-    if (!make) {
-        notInThisBuild();
-        return;
-    }
-    if (window == nullptr || window->isHidden()) { // one that has closed may live on for a moment
-        window = make(this);
-        if (parts_.places != nullptr) {
-            parts_.places->follow(*window);
+void frmMain::openWindow(std::size_t index) {
+    const WindowEntry& entry = parts_.windows[index];
+    QPointer<QWidget>& window = windows_[index];
+    const bool isOpen =
+        window != nullptr && !window->isHidden(); // one that has closed may live on for a moment
+    if (!isOpen && entry.holdsTimer) {
+        if (!parts_.run.carryOutBeforeWindow()) {
+            return;
         }
+        parts_.boxes.closeNonBlocking(); // it would be dead under a modal window
     }
-    if (auto* dialog = qobject_cast<QDialog*>(window.data()); dialog != nullptr && modal) {
+    if (!isOpen) {
+        makeWindow(index);
+    }
+    if (auto* dialog = qobject_cast<QDialog*>(window.data()); dialog != nullptr && entry.modal) {
         dialog->open();
     }
     window->show();
@@ -39,43 +35,18 @@ void frmMain::openWindow(QPointer<QWidget>& window, const WindowMaker& make, boo
     window->activateWindow();
 }
 
-/// A window that holds the timer: what was requested before is carried out before it opens.
-void frmMain::openHolding(QPointer<QWidget>& window, const WindowMaker& make, bool modal) {
-    if (make && (window == nullptr || window->isHidden())) {
-        if (!parts_.run.carryOutBeforeWindow()) {
-            return;
-        }
-        parts_.boxes.closeNonBlocking(); // it would be dead under a modal window
+void frmMain::makeWindow(std::size_t index) {
+    windows_[index] = parts_.windows[index].make(this);
+    windows_[index]->setAttribute(Qt::WA_DeleteOnClose);
+    if (parts_.places != nullptr) {
+        parts_.places->follow(*windows_[index]);
     }
-    openWindow(window, make, modal);
 }
 
 void frmMain::showHelp() {
-    if (parts_.help == nullptr) {
-        notInThisBuild();
-        return;
-    }
     setHourglass(true);
-    parts_.help->showIndex();
+    parts_.help.showIndex();
     setHourglass(false);
-}
-
-void frmMain::showAbout() {
-    if (auto* open = findChild<frmAbout*>()) {
-        open->raise();
-        open->activateWindow();
-        return;
-    }
-    QStringList facts;
-    for (const std::string& fact : parts_.aboutFacts) {
-        facts += QString::fromStdString(fact);
-    }
-    auto* about = new frmAbout(facts, this);
-    about->setAttribute(Qt::WA_DeleteOnClose);
-    if (parts_.places != nullptr) {
-        parts_.places->follow(*about);
-    }
-    about->show();
 }
 
 void frmMain::addKey(const QKeySequence& key, std::function<void()> action) {

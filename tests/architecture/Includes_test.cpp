@@ -86,8 +86,8 @@ std::string fault(const Units& units, const fs::path& file, const fs::path& incl
     if (unit.standsOn.count(to) == 0) {
         return from + " may not stand on " + to;
     }
-    const bool opens = isForm(include) && from != "app" && !isMainWindow(file);
-    return opens ? "only the main window opens other folders' windows" : "";
+    const bool opens = isForm(include) && from != "app";
+    return opens ? "only the program makes other folders' windows" : "";
 }
 
 TEST(Includes, FollowTheArrowsThatCMakeStates) {

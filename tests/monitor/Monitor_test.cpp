@@ -318,7 +318,7 @@ TEST_F(MonitorTest, RunGoesOnOverALossWithAGapAndOneBox) {
     EXPECT_LE(clock.monotonic() - back, 2.3);
     EXPECT_EQ(monitor.RunMode(), RunState::Running);
     EXPECT_EQ(shutter, 1) << "the request waited";
-    EXPECT_NE(core.message.text.find("DRX-9 Ver 4.12"), std::string::npos);
+    EXPECT_NE(core.message.text().find("DRX-9 Ver 4.12"), std::string::npos);
     tickAfter(0.25);
     EXPECT_TRUE(averageRate.run.gapBefore(drawn + 1)); // behind the newest point of before
 }

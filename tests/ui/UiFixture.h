@@ -32,12 +32,19 @@ struct FakeShell : Shell {
     std::string startProgram(const std::string&) override { return reason; }
 };
 
+struct FakeHelp : HelpViewer {
+    void showIndex() override {}
+    void showChapter(const std::string&) override {}
+};
+
 /// The main window on the monitor of the scripted instrument. Controls are found by their names.
 class UiFixture : public MonitorFixture, protected Controls {
 protected:
     UiFixture() {
-        window = std::make_unique<frmMain>(mainWindowParts(
-            core, pump, charts, {files, boxes, dialogs, nullptr, input, shell, progress, nullptr, clock}));
+        window = std::make_unique<frmMain>(
+            mainWindowParts(core, pump, charts,
+                            {files, boxes, dialogs, nullptr, input, shell, help, progress, nullptr, clock,
+                             [] { return QStringList(); }}));
         core.window.set(*window);
         window->show();
         window->activateWindow();
@@ -55,6 +62,7 @@ protected:
     FakeFileDialogs dialogs;
     FakeInput input;
     FakeShell shell;
+    FakeHelp help;
     std::unique_ptr<frmMain> window;
 };
 

@@ -28,7 +28,7 @@ QWidget* makeSystem(Core& core, const DesktopPorts& desktop, QWidget* owner) {
 
 QWidget* makeComm(Core& core, const DesktopPorts& desktop, QWidget* owner) {
     return new frmComm({core.settings.link, core.link, core.discovery, core.transports, desktop.shell,
-                        desktop.boxes, core.actions, core.access, core.access, core.access},
+                        desktop.boxes, core.actions, core.linkSetup, core.access, core.access},
                        owner);
 }
 

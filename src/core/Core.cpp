@@ -25,14 +25,15 @@ Core::Core(const Ports& ports, const Paths& folders, const NumberLocale& numbers
     , choice(films, link, discovery, settings.link, timer, ports.clock)
     , desk({commands, link, films, choice, answers, keeper, actions, ports.clock})
     , refresh({commands, link, films, settings.system, answers, actions, ports.progress})
-    , form({refresh, link, discovery, keeper, choice, desk, answers, actions, window})
+    , instrument({refresh, link, discovery, keeper, choice, desk, answers, actions, window})
     , monitor({link, commands, discovery, actions, timer, readings, readouts, run, answers, keeper, choice,
-               desk, form, message, window, ports.clock})
-    , status({monitor, form, message, run, choice, desk, answers, keeper, readings, settings, link, discovery,
-              log, timer, readouts, ports.clock})
-    , access({monitor, timer, link, discovery, keeper, choice, answers, form, actions, window})
+               desk, instrument, message, window, ports.clock})
+    , status({monitor, instrument, message, run, choice, desk, answers, keeper, readings, settings, link,
+              discovery, log, timer, readouts, ports.clock})
+    , access({monitor, timer, choice, instrument, window})
+    , linkSetup({monitor, link, discovery, keeper, choice, answers, instrument, actions, window})
     , store(settings, readouts, file, ports.files, paths, locale)
-    , lifecycle({monitor, store, run, form, discovery, actions, questions, window, ports.boxes,
+    , lifecycle({monitor, store, run, instrument, discovery, actions, questions, window, ports.boxes,
                  [this](const std::exception& error) { faults.report(error); }}) {
     actions.setFaultHandler([this](const std::exception& error) { faults.report(error); });
 }

@@ -13,10 +13,11 @@
 #include "monitor/CloseQuestions.h"
 #include "monitor/DataLog.h"
 #include "monitor/FilmChoice.h"
-#include "monitor/InstrumentForm.h"
 #include "monitor/InstrumentRefresh.h"
+#include "monitor/InstrumentState.h"
 #include "monitor/Lifecycle.h"
 #include "monitor/LinkKeeper.h"
+#include "monitor/LinkSetupDesk.h"
 #include "monitor/Monitor.h"
 #include "monitor/MonitorWindow.h"
 #include "monitor/PollTimer.h"
@@ -82,10 +83,11 @@ struct Core {
     FilmChoice choice;
     RequestDesk desk;
     InstrumentRefresh refresh;
-    InstrumentForm form;
+    InstrumentState instrument;
     Monitor monitor;
     StatusBoard status;
     WindowAccess access;
+    LinkSetupDesk linkSetup;
     CloseQuestions questions;
     SettingsStore store;
     Lifecycle lifecycle;

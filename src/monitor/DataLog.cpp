@@ -156,7 +156,7 @@ std::string DataLog::line(const Readings& readings, double elapsed, int sensorCo
     add(rateText(readings.averageRate, locale_));
     for (std::size_t s = 0; s < static_cast<std::size_t>(sensorCount); ++s) {
         add(threeFigureText(readings.thickness[s], locale_));
-        add(rateText(toThousandths(readings.rate[s]), locale_)); // as the run's points hold it
+        add(rateText(readings.rate[s], locale_));
         add(frequencyText(readings.frequency[s], locale_));
     }
     return out;

@@ -25,8 +25,8 @@ bool Lifecycle::Form_Load() {
     // A failure leaves the communications menu enabled, as modes 0 and 1 do.
     parts_.discovery.Comm_Open(Messages::Blocking, [this] { return parts_.actions.closing(); });
     parts_.monitor.setRunMode(RunState::Idle);
-    if (parts_.form.outOfStep()) {
-        parts_.form.InitForm(); // there is nothing yet that could be kept
+    if (parts_.instrument.outOfStep()) {
+        parts_.instrument.InitForm(); // there is nothing yet that could be kept
     }
     parts_.window.setHourglass(false);
     return true;

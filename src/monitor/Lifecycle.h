@@ -3,7 +3,7 @@
 #include "link/ActionQueue.h"
 #include "link/Discovery.h"
 #include "monitor/CloseQuestions.h"
-#include "monitor/InstrumentForm.h"
+#include "monitor/InstrumentState.h"
 #include "monitor/MainWindowAccess.h"
 #include "monitor/Monitor.h"
 #include "monitor/MonitorWindow.h"
@@ -23,7 +23,7 @@ public:
         Monitor& monitor;
         SettingsStore& settings;
         RunRecord& run;
-        InstrumentForm& form;
+        InstrumentState& instrument;
         Discovery& discovery;
         ActionQueue& actions;
         CloseQuestions& questions;

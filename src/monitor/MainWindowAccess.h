@@ -15,6 +15,8 @@ public:
     virtual void cmdShutter_Click() = 0;
     /// `index` is the chosen entry of the film list, from 0.
     virtual void cboFilms_Click(int index) = 0;
+    /// The view menu's graph items, 1 to 4.
+    virtual void graphItemClicked(std::int16_t item) = 0;
     /// The view menu's sensor items, 1 rate, 2 thickness, 3 frequency: the fields change with their labels,
     /// also while nothing is read.
     virtual void sensorItemClicked(std::int16_t item) = 0;

@@ -1,6 +1,7 @@
 #include "monitor/Monitor.h"
 
 #include "monitor/Texts.h"
+#include "util/Numbers.h"
 #include "util/Text.h"
 
 #include <string>
@@ -44,7 +45,7 @@ void Monitor::changeMode(RunState mode, bool refresh) {
     {
         const TimerRule rule(*this); // also when the refresh throws: polling goes on
         if (mode == RunState::Idle && refresh) {
-            parts_.form.InitForm();
+            parts_.instrument.InitForm();
         }
     }
     if (mode == RunState::Running) {
@@ -120,8 +121,8 @@ void Monitor::tmrUpdate_Timer() {
 }
 
 void Monitor::poll() {
-    if (parts_.form.owed() && runMode_ == RunState::Idle) {
-        parts_.form.InitForm(); // readings follow from the next tick on
+    if (parts_.instrument.owed() && runMode_ == RunState::Idle) {
+        parts_.instrument.InitForm(); // readings follow from the next tick on
         return;
     }
     parts_.answers.begin();
@@ -149,7 +150,16 @@ Commands::ReadResult Monitor::ReadDRX() {
     return result;
 }
 
+/// To 0.001: points, charts, readouts and log share the rounded values.
+void Monitor::roundReading() {
+    parts_.readings.elapsed = toThousandths(parts_.readings.elapsed);
+    for (double& rate : parts_.readings.rate) {
+        rate = toThousandths(rate);
+    }
+}
+
 void Monitor::storeReading() {
+    roundReading();
     parts_.run.store(parts_.readings, sensorCount(), runMode_ == RunState::Running);
     refreshReadouts();
 }
@@ -157,7 +167,7 @@ void Monitor::storeReading() {
 /// A stop does not wait for a link that is gone. The refresh is owed until the link is back.
 void Monitor::takeStopWithoutLink() {
     if (parts_.desk.takeStop(runMode_)) {
-        parts_.form.owe();
+        parts_.instrument.owe();
         changeMode(RunState::Idle, false);
     }
 }
@@ -199,7 +209,7 @@ void Monitor::reopened() {
     if (parts_.choice.takeRepeat()) {
         parts_.desk.raiseFilm();
     }
-    parts_.form.owe();
+    parts_.instrument.owe();
     changeMode(RunState::Idle, !parts_.actions.waiting()); // what waits goes first
 }
 
@@ -238,6 +248,11 @@ bool Monitor::carryOutBeforeWindow() {
         parts_.window.changed();
     }
     return runMode_ != RunState::Running && !parts_.actions.closing();
+}
+
+void Monitor::graphItemClicked(std::int16_t item) {
+    parts_.readouts.graphItemClicked(item);
+    parts_.window.changed();
 }
 
 void Monitor::sensorItemClicked(std::int16_t item) {

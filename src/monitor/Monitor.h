@@ -6,7 +6,7 @@
 #include "link/Link.h"
 #include "monitor/AnswerRecord.h"
 #include "monitor/FilmChoice.h"
-#include "monitor/InstrumentForm.h"
+#include "monitor/InstrumentState.h"
 #include "monitor/LinkKeeper.h"
 #include "monitor/MainWindowAccess.h"
 #include "monitor/MonitorWindow.h"
@@ -36,7 +36,7 @@ struct MonitorParts {
     LinkKeeper& keeper;
     FilmChoice& choice;
     RequestDesk& desk;
-    InstrumentForm& form;
+    InstrumentState& instrument;
     StandingMessage& message;
     MonitorWindow& window;
     const Clock& clock;
@@ -72,6 +72,7 @@ public:
     void cmdZero_Click() override;
     void cmdShutter_Click() override;
     void cboFilms_Click(int index) override;
+    void graphItemClicked(std::int16_t item) override;
     void sensorItemClicked(std::int16_t item) override;
     [[nodiscard]] bool carryOutBeforeWindow() override;
 
@@ -86,6 +87,7 @@ private:
     void startRun();
     void poll();
     Commands::ReadResult ReadDRX();
+    void roundReading();
     void storeReading();
     void takeStopWithoutLink();
     void reopen();

@@ -9,7 +9,8 @@ public:
     /// Shows the window and lets it be painted: pumps events.
     virtual void showWindow() = 0;
     virtual void setHourglass(bool on) = 0;
-    /// Something that the window shows may have changed. Called often: the window sets only what differs.
+    /// Something that the window shows may have changed. Called several times a tick: the window sets only
+    /// what differs, which takes microseconds where nothing does (program_bench).
     virtual void changed() = 0;
     virtual void closeOtherWindows() = 0;
 };

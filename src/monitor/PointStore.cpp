@@ -1,7 +1,5 @@
 #include "monitor/PointStore.h"
 
-#include "util/Numbers.h"
-
 namespace drx9 {
 
 void PointStore::clear() {
@@ -13,12 +11,12 @@ void PointStore::clear() {
 void PointStore::store(const Readings& readings, int sensors, bool gapBefore) {
     Row& row = rows_[static_cast<std::size_t>(current_ - 1)];
     row = Row{};
-    row.elapsed = toThousandths(readings.elapsed);
+    row.elapsed = readings.elapsed;
     row.averageRate = readings.averageRate;
     row.averageThickness = readings.averageThickness;
     row.gapBefore = gapBefore;
     for (std::size_t s = 0; s < static_cast<std::size_t>(sensors); ++s) {
-        row.rate[s] = toThousandths(readings.rate[s]);
+        row.rate[s] = readings.rate[s];
         row.thickness[s] = readings.thickness[s];
     }
 }

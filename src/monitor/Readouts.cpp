@@ -109,7 +109,7 @@ void Readouts::refreshReading(const Readings& readings, int sensorCount) {
 }
 
 void Readouts::refreshRun(const Readings& readings, const FilmRecord* film) {
-    set(ElapsedTime, clockText(toThousandths(readings.elapsed)), false);
+    set(ElapsedTime, clockText(readings.elapsed), false);
     if (film == nullptr) {
         return;
     }
@@ -132,8 +132,7 @@ void Readouts::refreshSensor(const Readings& readings, int sensor) {
     const std::size_t field = FirstSensor + s;
     switch (sensorItem_) {
     case kShowRate:
-        set(field, rateText(toThousandths(readings.rate[s]), locale_), // as the run's points hold it
-            readings.failed[valueIndex(Value::Rate, sensor)]);
+        set(field, rateText(readings.rate[s], locale_), readings.failed[valueIndex(Value::Rate, sensor)]);
         break;
     case kShowThickness:
         set(field, sensorThicknessText(readings.thickness[s], locale_),

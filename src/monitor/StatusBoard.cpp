@@ -9,14 +9,14 @@ namespace drx9 {
 StatusFacts StatusBoard::facts() const {
     StatusFacts facts;
     facts.runMode = parts_.monitor.RunMode();
-    facts.controlsVisible = parts_.form.onLine();
-    facts.started = parts_.form.started();
+    facts.onLine = parts_.instrument.onLine();
+    facts.started = parts_.instrument.started();
     facts.pauseReason = parts_.timer.holdReason();
     facts.link = facts.started ? parts_.discovery.tried() : parts_.settings.link;
     facts.message = parts_.message.text();
     facts.messageBrief = parts_.message.brief();
     facts.runStart = parts_.run.startTime();
-    facts.systemKnown = parts_.form.systemKnown();
+    facts.systemKnown = parts_.instrument.systemKnown();
     facts.simulate = parts_.settings.system.Simulate != 0;
     facts.etch = parts_.settings.system.EtchMode != 0;
     for (int sensor = 1; sensor <= kMaxSensors; ++sensor) {
@@ -38,7 +38,7 @@ void StatusBoard::addAnswers(StatusFacts& facts) const {
     facts.replyAge = now - parts_.link.lastReplyTime();
     facts.strays = answers.straysInARow();
     facts.lastReading = answers.lastGoodReadingTime();
-    const bool known = facts.controlsVisible || !parts_.discovery.failure().empty();
+    const bool known = facts.onLine || !parts_.discovery.failure().empty();
     facts.lastExchange = known ? answers.lastExchange() : commStatusText(parts_.link.CommStatus());
 }
 
@@ -62,9 +62,9 @@ void StatusBoard::addLog(StatusFacts& facts) const {
 
 PanelFacts StatusBoard::panels() const {
     PanelFacts facts;
-    facts.title = parts_.form.title();
-    facts.started = parts_.form.started();
-    facts.onLine = parts_.form.onLine();
+    facts.title = parts_.instrument.title();
+    facts.started = parts_.instrument.started();
+    facts.onLine = parts_.instrument.onLine();
     facts.running = parts_.monitor.RunMode() == RunState::Running;
     facts.films = parts_.choice.names();
     facts.filmIndex = parts_.choice.index();

@@ -5,7 +5,7 @@
 #include "monitor/AnswerRecord.h"
 #include "monitor/DataLog.h"
 #include "monitor/FilmChoice.h"
-#include "monitor/InstrumentForm.h"
+#include "monitor/InstrumentState.h"
 #include "monitor/LinkKeeper.h"
 #include "monitor/Monitor.h"
 #include "monitor/PollTimer.h"
@@ -46,7 +46,7 @@ class StatusBoard {
 public:
     struct Parts {
         const Monitor& monitor;
-        const InstrumentForm& form;
+        const InstrumentState& instrument;
         const StandingMessage& message;
         const RunRecord& run;
         const FilmChoice& choice;

@@ -37,12 +37,12 @@ LinkName linkName(const LinkSettings& link) {
 }
 
 bool offLine(const StatusFacts& facts) {
-    return facts.started && !facts.controlsVisible;
+    return facts.started && !facts.onLine;
 }
 
 /// Readings are missing that nothing of ours holds back.
 bool missing(const StatusFacts& facts) {
-    return facts.controlsVisible && facts.pauseReason.empty() && facts.stale;
+    return facts.onLine && facts.pauseReason.empty() && facts.stale;
 }
 
 bool noReply(const StatusFacts& facts) {
@@ -50,7 +50,7 @@ bool noReply(const StatusFacts& facts) {
 }
 
 bool outOfStep(const StatusFacts& facts) {
-    return facts.controlsVisible && facts.pauseReason.empty() && facts.strays >= kSpeakOfStrays;
+    return facts.onLine && facts.pauseReason.empty() && facts.strays >= kSpeakOfStrays;
 }
 
 bool slow(const StatusFacts& facts) {
@@ -68,7 +68,7 @@ void addPart(std::string& list, const std::string& part) {
 /// Requests that cannot be carried out at once, for the operator who waits for them.
 std::string waitingRequests(const StatusFacts& facts) {
     std::string list;
-    if (!facts.stale && facts.pauseReason.empty() && facts.controlsVisible) {
+    if (!facts.stale && facts.pauseReason.empty() && facts.onLine) {
         return list;
     }
     if (facts.requests.film) {
@@ -159,10 +159,10 @@ Notice gravestNotice(const StatusFacts& facts) {
     if (slow(facts)) {
         return {Slow, filled(kSlow, {ageText(facts.readingAge)}), kSlowBrief};
     }
-    if (!facts.pauseReason.empty() && facts.controlsVisible) {
+    if (!facts.pauseReason.empty() && facts.onLine) {
         return {Paused, filled(kPaused, {facts.pauseReason}), kPausedBrief};
     }
-    if (facts.crystals.any() && facts.controlsVisible) {
+    if (facts.crystals.any() && facts.onLine) {
         const std::string which = crystalList(facts.crystals);
         const bool one = facts.crystals.count() == 1;
         return {Crystal, filled(one ? kCheckCrystal : kCheckCrystals, {which}),
@@ -219,7 +219,7 @@ StatusText staRequest(const StatusFacts& facts) {
 }
 
 StatusText staShutter(const StatusFacts& facts) {
-    if (!facts.hasReading || !facts.controlsVisible) {
+    if (!facts.hasReading || !facts.onLine) {
         return {};
     }
     const char* text = facts.stale         ? facts.shutter > 0 ? kShutterWasOpen : kShutterWasClosed
@@ -235,7 +235,7 @@ StatusText staMode(const StatusFacts& facts) {
     if (!facts.message.empty()) {
         return {facts.message, facts.messageBrief, StatusText::Tone::Warn};
     }
-    if (facts.controlsVisible && facts.started && !facts.systemKnown && facts.hasReading) {
+    if (facts.onLine && facts.started && !facts.systemKnown && facts.hasReading) {
         return {kNoParameters, kNoParametersBrief, StatusText::Tone::Warn};
     }
     std::string list;

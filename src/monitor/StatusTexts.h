@@ -31,7 +31,7 @@ struct Notice {
 /// All that notices and status bar speak of, at one moment.
 struct StatusFacts {
     RunState runMode = RunState::Starting;
-    bool controlsVisible = false; ///< on line at the last refresh of the window
+    bool onLine = false; ///< on line at the last refresh of the window
     bool started = false;
     bool hasReading = false;
     bool stale = false;

@@ -1,7 +1,5 @@
 #include "monitor/WindowAccess.h"
 
-#include "monitor/Texts.h"
-
 namespace drx9 {
 
 namespace {
@@ -18,32 +16,8 @@ std::unique_ptr<Tenure> WindowAccess::holdTimer(const std::string& reason) {
     return held;
 }
 
-void WindowAccess::linkFound() {
-    parts_.answers.say(monitorText::kOk); // what the loss meant has ended with the opening itself
-    parts_.form.setSystemKnown(false); // another instrument may answer; closing the window reads its record
-    parts_.window.changed();
-}
-
-void WindowAccess::linkSetupClosed(bool reopen, bool sameLink) {
-    if (parts_.monitor.RunMode() == RunState::Exiting) {
-        return;
-    }
-    const ActionQueue::Scope scope(parts_.actions);
-    if (reopen) {
-        parts_.discovery.Comm_Open(Messages::Silent, [this] { return parts_.actions.closing(); });
-    }
-    parts_.choice.forgetLoss(); // behind this window nothing is sent by itself
-    if (!sameLink) {
-        parts_.form.setSystemKnown(false);
-        parts_.keeper.startOver();
-    } else if (!parts_.link.CommOK() && parts_.keeper.wasOnLine()) {
-        parts_.keeper.beginLoss();
-    }
-    parts_.monitor.setRunMode(RunState::Idle);
-}
-
 void WindowAccess::systemSent(bool accepted) {
-    parts_.form.setSystemKnown(accepted);
+    parts_.instrument.setSystemKnown(accepted);
     parts_.window.changed();
 }
 

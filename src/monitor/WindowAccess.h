@@ -1,13 +1,8 @@
 #pragma once
 
-#include "link/ActionQueue.h"
-#include "link/Discovery.h"
-#include "link/Link.h"
 #include "link/MonitorAccess.h"
-#include "monitor/AnswerRecord.h"
 #include "monitor/FilmChoice.h"
-#include "monitor/InstrumentForm.h"
-#include "monitor/LinkKeeper.h"
+#include "monitor/InstrumentState.h"
 #include "monitor/Monitor.h"
 #include "monitor/MonitorWindow.h"
 #include "monitor/PollTimer.h"
@@ -18,21 +13,14 @@
 namespace drx9 {
 
 /// What the windows beside the main one may ask of the monitor; each gets only the interface that it uses.
-class WindowAccess : public PollingAccess,
-                     public LinkSetupAccess,
-                     public SystemRecordAccess,
-                     public FilmMemoryAccess {
+/// The communications window has LinkSetupDesk too.
+class WindowAccess : public PollingAccess, public SystemRecordAccess, public FilmMemoryAccess {
 public:
     struct Parts {
         Monitor& monitor;
         PollTimer& timer;
-        Link& link;
-        Discovery& discovery;
-        LinkKeeper& keeper;
         FilmChoice& choice;
-        AnswerRecord& answers;
-        InstrumentForm& form;
-        ActionQueue& actions;
+        InstrumentState& instrument;
         MonitorWindow& window;
     };
 
@@ -41,11 +29,7 @@ public:
 
     [[nodiscard]] std::unique_ptr<Tenure> holdTimer(const std::string& reason) override;
 
-    void linkSetupOpened() override { parts_.monitor.setRunMode(RunState::Starting); }
-    void linkFound() override;
-    void linkSetupClosed(bool reopen, bool sameLink) override;
-
-    [[nodiscard]] bool systemKnown() const override { return parts_.form.systemKnown(); }
+    [[nodiscard]] bool systemKnown() const override { return parts_.instrument.systemKnown(); }
     void systemSent(bool accepted) override;
     void systemClosed() override;
 

@@ -23,7 +23,6 @@ constexpr double kFirstPaintLimit = 0.25; ///< s to wait for the window system t
 
 frmMain::frmMain(const MainWindowParts& parts)
     : parts_(parts)
-    , readouts_(parts.readouts)
     , actions_(parts.actions)
     , menus_(*this, parts.windows, menuHandlers(),
              [this](std::function<void()> action, ActionQueue::For purpose) {
@@ -55,10 +54,7 @@ MainMenus::Handlers frmMain::menuHandlers() {
     MainMenus::Handlers handlers;
     handlers.exit = [this] { close(); };
     handlers.open = [this](std::size_t entry) { openWindow(entry); };
-    handlers.graph = [this](std::int16_t item) {
-        readouts_.graphItemClicked(item);
-        changed();
-    };
+    handlers.graph = [this](std::int16_t item) { parts_.run.graphItemClicked(item); };
     handlers.sensors = [this](std::int16_t item) { parts_.run.sensorItemClicked(item); };
     handlers.help = [this] { showHelp(); };
     return handlers;

@@ -35,7 +35,7 @@ struct MainWindowParts {
     RunControl& run;
     ProgramEnd& end;
     const StatusBoard& status;
-    Readouts& readouts;
+    const Readouts& readouts;
     ActionQueue& actions;
     EventPump& pump;
     const Clock& clock;
@@ -106,7 +106,6 @@ private:
     void showCharts(int sensors);
 
     MainWindowParts parts_;
-    Readouts& readouts_;
     ActionQueue& actions_;
 
     MainMenus menus_;

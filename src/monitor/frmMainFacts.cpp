@@ -33,8 +33,8 @@ void frmMain::showTitle(const std::string& title) {
 
 MainMenus::Facts frmMain::menuFacts(const PanelFacts& facts) const {
     return {.locked = facts.running,
-            .graphItem = readouts_.checkedGraphItem(),
-            .sensorItem = readouts_.checkedSensorItem()};
+            .graphItem = parts_.readouts.checkedGraphItem(),
+            .sensorItem = parts_.readouts.checkedSensorItem()};
 }
 
 RunBar::Facts frmMain::barFacts(const PanelFacts& facts) {
@@ -53,8 +53,8 @@ RunBar::Facts frmMain::barFacts(const PanelFacts& facts) {
 }
 
 ReadoutPanel::Facts frmMain::readoutFacts(const PanelFacts& facts) const {
-    return {.texts = readouts_.texts(),
-            .labels = readouts_.labels(),
+    return {.texts = parts_.readouts.texts(),
+            .labels = parts_.readouts.labels(),
             .sensorCount = facts.sensorCount,
             .crystalMarks = facts.crystalMarks,
             .gaugeShare = facts.gaugeShare};
@@ -63,9 +63,9 @@ ReadoutPanel::Facts frmMain::readoutFacts(const PanelFacts& facts) const {
 ReadoutPanel::Looks frmMain::readoutLooks(const StatusFacts& facts) const {
     return {.running = facts.runMode == RunState::Running,
             .stale = facts.hasReading && facts.stale,
-            .failed = readouts_.failed(),
+            .failed = parts_.readouts.failed(),
             .age = QString::fromStdString(readingAgeMark(facts)),
-            .finalReached = readouts_.finalReached() && facts.controlsVisible};
+            .finalReached = parts_.readouts.finalReached() && facts.onLine};
 }
 
 StatusLine::Facts frmMain::statusLineFacts(const StatusFacts& facts) {
@@ -81,7 +81,7 @@ StatusLine::Facts frmMain::statusLineFacts(const StatusFacts& facts) {
 }
 
 void frmMain::showCharts(int sensors) {
-    const int wanted = std::max<int>(1, readouts_.checkedGraphItem());
+    const int wanted = std::max<int>(1, parts_.readouts.checkedGraphItem());
     if (charts_->currentIndex() != wanted - 1) {
         charts_->setCurrentIndex(wanted - 1);
     }

@@ -199,7 +199,7 @@ TEST_P(Closing, EndsTheProgramFromWithinAnExchange) {
 INSTANTIATE_TEST_SUITE_P(
     Moments, Closing,
     testing::Values(
-        Moment{"Connecting", "silent", nullptr, [](const Core& c) { return !c.form.started(); }},
+        Moment{"Connecting", "silent", nullptr, [](const Core& c) { return !c.instrument.started(); }},
         Moment{"ReadingFilms", "none", nullptr,
                [](const Core& c) { return c.link.CommLastPacket()[2] == 'A' && c.link.accepted() > 7; }},
         Moment{"InARun", "none", "state?",

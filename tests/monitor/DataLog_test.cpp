@@ -49,7 +49,7 @@ TEST_F(DataLogTest, ABlockIsWrittenByteForByte) {
     readings.averageThickness = 1234.5;
     readings.averageRate = 9.905;
     readings.thickness = {0.5, 12.5, 123.4, 1000, -1.5, 9.9996};
-    readings.rate = {1.00496, -0.001, 0, 2.675, 10, 1};
+    readings.rate = {1.005, -0.001, 0, 2.675, 10, 1};
     readings.frequency = {5987654.25, 0, 1, 2, 3, 4};
     locale = {',', '.', "dd.MM.yyyy"};
     log.InitDataLog();

@@ -286,7 +286,7 @@ TEST_F(RequestsTest, ARefreshOutOfStepKeepsTheListAndReadsNoRecord) {
     onCommand["A6?"] = [this] { special["A6?"] = replyPacket('A', "CHANGED   1 1 1 1 1 1 1"); };
     monitor.setRunMode(RunState::Idle);
     EXPECT_EQ(core.choice.names().at(5), "FILM_6");
-    EXPECT_FALSE(core.form.systemKnown());
+    EXPECT_FALSE(core.instrument.systemKnown());
     EXPECT_NE(settings.system.Simulate, 1);
     EXPECT_EQ(core.answers.lastExchange(), "Films and parameters not read: answers out of step");
 }
@@ -305,7 +305,7 @@ TEST_F(RequestsTest, AnAnswerThatWasLateForTheLostLinkIsNoVersion) {
     onCommand.clear();
     special.erase("U?");
     tickAfter(2);
-    EXPECT_EQ(core.form.title(), "DRX9 Comm - [Ver. 4.08]");
+    EXPECT_EQ(core.instrument.title(), "DRX9 Comm - [Ver. 4.08]");
 }
 
 TEST_F(RequestsTest, AnotherInstrumentWithFewerFilmsGetsNoFilmUnasked) {

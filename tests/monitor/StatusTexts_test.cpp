@@ -14,7 +14,7 @@ using Change = std::function<void(StatusFacts&)>;
 StatusFacts wellFacts() {
     StatusFacts facts;
     facts.runMode = RunState::Idle;
-    facts.controlsVisible = facts.started = facts.hasReading = true;
+    facts.onLine = facts.started = facts.hasReading = true;
     facts.link.CommType = LinkType::Ethernet;
     facts.lastReading = {2026, 11, 25, 14, 9, 4, 0};
     facts.runStart = {2026, 11, 25, 14, 2, 2, 0};
@@ -50,7 +50,7 @@ TEST(StatusTexts, ThePlateShowsTheGravestOnly) {
         {[](StatusFacts& f) { f.logError.clear(); }, "Readings paused"},
         {[](StatusFacts& f) { f.pauseReason.clear(), f.stale = false; }, "Check crystals 3, 5"},
         {[](StatusFacts& f) { f.crystals.reset(); }, ""},
-        {[](StatusFacts& f) { f.started = f.controlsVisible = false, f.runMode = RunState::Starting; },
+        {[](StatusFacts& f) { f.started = f.onLine = false, f.runMode = RunState::Starting; },
          "Connecting, Ethernet"},
     };
     for (const auto& [change, brief] : cases) { // each on top of the ones before

@@ -1,4 +1,4 @@
-#include "monitor/InstrumentForm.h"
+#include "monitor/InstrumentState.h"
 
 #include "monitor/Texts.h"
 #include "util/Text.h"
@@ -7,7 +7,7 @@
 
 namespace drx9 {
 
-void InstrumentForm::InitForm() {
+void InstrumentState::InitForm() {
     const ActionQueue::Scope scope(parts_.actions);
     owed_ = outOfStep_ = false;
     onLine_ = parts_.link.CommOK();
@@ -33,7 +33,7 @@ void InstrumentForm::InitForm() {
     parts_.window.changed();
 }
 
-void InstrumentForm::showOffLine() {
+void InstrumentState::showOffLine() {
     parts_.choice.clearList();
     title_ = std::string(kProgramName) + " - [Off Line]";
     if (!parts_.discovery.failure().empty()) {
@@ -42,7 +42,7 @@ void InstrumentForm::showOffLine() {
     parts_.window.changed();
 }
 
-void InstrumentForm::take(InstrumentRefresh::Result result) {
+void InstrumentState::take(InstrumentRefresh::Result result) {
     if (result.end == InstrumentRefresh::End::OutOfStep) {
         outOfStep_ = true;
         systemKnown_ = false;

@@ -15,8 +15,8 @@
 
 namespace drx9 {
 
-/// What the main window shows of the instrument as the last refresh found it, and that refresh.
-class InstrumentForm {
+/// What is known of the instrument since the last refresh of the main window, and that refresh.
+class InstrumentState {
 public:
     struct Parts {
         InstrumentRefresh& refresh;
@@ -30,7 +30,7 @@ public:
         MonitorWindow& window;
     };
 
-    explicit InstrumentForm(const Parts& parts)
+    explicit InstrumentState(const Parts& parts)
         : parts_(parts) {}
 
     /// Refreshes the window from the instrument. Pumps events.

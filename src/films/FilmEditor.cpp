@@ -206,7 +206,8 @@ bool FilmEditor::addFilm(const std::string& material) {
         return false;
     }
     const std::string name = firstCharacters(answer, kFilmNameLength);
-    const bool added = parts_.library.add(Dat::DBFilms, {{"FilmName", name}, {"Material", material}});
+    const bool added =
+        parts_.library.add(Dat::DBFilms, {{"FilmName", name}, {"Material", fitting(material)}});
     parts_.library.refresh(Dat::DBFilms);
     if (!added) {
         ShowDBFilm(current);

@@ -67,7 +67,7 @@ std::string FilmLibrary::upgrade() {
 void FilmLibrary::bind() {
     release();
     boundPath_ = path();
-    showsUpload_ = same(boundPath_, uploadPath());
+    elsewhere_.clear();
     openFailure_.clear();
     lost_.clear();
     if (!statements_.run([&] { database_ = parts_.engine.OpenDatabase(boundPath_); })) {
@@ -108,7 +108,7 @@ bool FilmLibrary::openDatabase() {
 }
 
 bool FilmLibrary::saveDatabaseAs() {
-    return saveAs(unsavedUpload_ && showsUpload_ ? uploadPath() : path());
+    return saveAs(path());
 }
 
 bool FilmLibrary::saveUploadAs() {
@@ -134,10 +134,15 @@ bool FilmLibrary::saveAs(const std::string& source) {
         parts_.DBFileName = chosen;
     }
     unsavedUpload_ = unsavedUpload_ && (!same(source, uploadPath()) || same(target, source));
-    const bool elsewhere = !same(target, boundPath_);
-    tell(filled(elsewhere ? filmText::kSavedElsewhere : filmText::kSavedAs,
-                {saved, bareName(boundPath_), saved}),
-         NoticeTone::Plain);
+    const std::string said = filled(filmText::kSavedAs, {saved});
+    if (same(target, boundPath_)) {
+        elsewhere_.clear();
+        statements_.run([this] { followFile(); }); // it has been replaced just now
+        tell(said, NoticeTone::Plain);
+    } else {
+        elsewhere_ = filled(filmText::kChangesElsewhere, {bareName(boundPath_), saved});
+        tell(said + " " + elsewhere_, NoticeTone::Plain);
+    }
     return true;
 }
 
@@ -183,7 +188,10 @@ LibraryNotice FilmLibrary::standing() const {
     if (!reason.empty()) {
         return {filled(filmText::kReadOnly, {reason}), NoticeTone::Warn};
     }
-    return unsavedUpload_ ? LibraryNotice{filmText::kUnsaved, NoticeTone::Warn} : conversion_;
+    if (unsavedUpload_) {
+        return {filmText::kUnsaved, NoticeTone::Warn};
+    }
+    return elsewhere_.empty() ? conversion_ : LibraryNotice{elsewhere_, NoticeTone::Plain};
 }
 
 // ---- The record sources ----
@@ -310,7 +318,6 @@ bool FilmLibrary::store(Source& source, const Values& values, Unfit policy) {
         source.records->CancelUpdate();
         return notSaved();
     }
-    unsavedUpload_ = unsavedUpload_ || showsUpload_;
     return true;
 }
 

@@ -61,15 +61,15 @@ public:
     /// "Open Database": asks for a file and opens it. False when the operator cancelled.
     bool openDatabase();
     /// "Save As Database": copies the current file and makes the copy current. The sources stay where they
-    /// are. An unsaved upload that is shown is what is copied, also where it has been saved once and was
-    /// edited since. False when nothing was saved.
+    /// are; where the copy takes the place of their own file they read it again. False when nothing was
+    /// saved.
     bool saveDatabaseAs();
     /// The same for the unsaved upload, whatever file is shown; the copy is made current only in its place.
     bool saveUploadAs();
     /// Copies the current file to "UploadData.mdb", makes the copy current and opens it. False when the copy
     /// failed: then nothing has changed.
     bool openUploadCopy();
-    /// An upload, or a change of "UploadData.mdb", has not been saved under another name yet.
+    /// An upload has not been saved under another name yet.
     [[nodiscard]] bool unsavedUpload() const { return unsavedUpload_; }
     /// The next upload's copy would take the place of an unsaved one.
     [[nodiscard]] bool uploadOverwrites() const;
@@ -116,7 +116,8 @@ public:
     void forgetNotice() { notice_ = {}; }
     void tell(std::string text, NoticeTone tone) { notice_ = {std::move(text), tone}; }
     /// What holds as long as the file is open: that it could not be opened, cannot be read any more or cannot
-    /// be written and why, that an upload is not saved yet, or what came of a conversion.
+    /// be written and why, that an upload is not saved yet, that changes go to another file than the one
+    /// saved last, or what came of a conversion.
     [[nodiscard]] LibraryNotice standing() const;
 
 private:
@@ -150,10 +151,10 @@ private:
     std::string caption_;
     std::string openFailure_;  ///< why the file could not be opened
     std::string lost_;         ///< why it cannot be read any more
+    std::string elsewhere_;    ///< said where the sources look at another file than the one saved last
     LibraryNotice conversion_; ///< what came of it; empty where nothing was to be converted
     std::vector<std::string> unfit_;
     bool gathering_ = false;
-    bool showsUpload_ = false; ///< the sources look at "UploadData.mdb"
     bool unsavedUpload_ = false;
     LibraryNotice notice_;
 };

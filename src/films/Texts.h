@@ -14,8 +14,7 @@ inline constexpr const char* kBackupExists = "it exists already";
 inline constexpr const char* kNoBackup = "the old file cannot be kept as {}: {}";
 inline constexpr const char* kNotSavedAs = "Not saved as {}: {}";
 inline constexpr const char* kSavedAs = "Saved as {}.";
-inline constexpr const char* kSavedElsewhere =
-    "Saved as {}. Changes here still go to {}; open {} to edit it.";
+inline constexpr const char* kChangesElsewhere = "Changes here still go to {}; open {} to edit it.";
 inline constexpr const char* kNotCopied = "Nothing read: the library cannot be copied to {}: {}";
 inline constexpr const char* kReadOnly = "Read-only: {}";
 inline constexpr const char* kChangeNotSaved = "Change not saved: {}";

@@ -115,7 +115,7 @@ void frmFilm::askUnsaved() {
 
 void frmFilm::beforeProgramCloses() {
     if (!closed_ && !parts_.round.sessionEnds()) {
-        if ((!finishEditing() || unseen_) && !library_.notice().text.empty()) {
+        if (!finishEditing() && !library_.notice().text.empty()) {
             parts_.boxes.show(library_.notice().text, kProgramName, MessageIcon::Exclamation);
         }
         askUnsaved();
@@ -125,7 +125,6 @@ void frmFilm::beforeProgramCloses() {
 
 bool frmFilm::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate && state_ != nullptr) {
-        unseen_ = false;
         showState(); // who else has the file open may have changed
         showInstrument();
     }
@@ -162,8 +161,10 @@ void frmFilm::mnuFileOpen_Click() {
 
 void frmFilm::mnuFileSave_Click() {
     afterEditing([this] {
-        library_.saveDatabaseAs();
-        showState();
+        if (library_.saveDatabaseAs()) {
+            refreshLists(); // the file that is shown may have been replaced
+        }
+        showFilm();
     });
 }
 

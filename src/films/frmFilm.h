@@ -136,7 +136,6 @@ private:
     bool inCloseEvent_ = false;
     bool refused_ = false;      ///< a typed value, just now
     bool pressRefused_ = false; ///< a typed value that the press of a button had finished
-    bool unseen_ = false;       ///< a refusal behind another window, which may be the program's close
 
     QMenuBar* menu_ = nullptr;
     QWidget* content_ = nullptr;

@@ -36,7 +36,6 @@ bool frmFilm::finishEditing() {
 void frmFilm::noteRefusal(bool refused) {
     if (refused || library_.notice().tone != NoticeTone::Plain) {
         refused_ = true;
-        unseen_ = !isActiveWindow();
         QTimer::singleShot(0, this, [this] { refused_ = false; });
     }
 }

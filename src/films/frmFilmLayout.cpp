@@ -4,6 +4,7 @@
 #include "controls/MarkLabel.h"
 #include "controls/SpinBox.h"
 #include "controls/Theme.h"
+#include "controls/TypedField.h"
 #include "films/controls/FilmList.h"
 
 #include <QAction>
@@ -17,6 +18,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QTimer>
 
 namespace drx9 {
 
@@ -111,6 +113,9 @@ QPushButton* frmFilm::button(const char* name, const char* caption, const char* 
     made->setAutoDefault(false);
     made->setMinimumHeight(kControlHeight);
     connect(made, &QPushButton::pressed, this, [this] { pressRefused_ = refused_; });
+    // Let go beside the button it is no click; a click comes behind this signal, in the same event.
+    connect(made, &QPushButton::released, this,
+            [this] { QTimer::singleShot(0, this, [this] { pressRefused_ = false; }); });
     return made;
 }
 
@@ -131,7 +136,7 @@ QLayout* frmFilm::buildList() {
 }
 
 QLineEdit* frmFilm::buildBox(FilmBox box, const char* accessible, const char* toolTip) {
-    auto* made = new QLineEdit(content_);
+    auto* made = new TypedField(content_);
     const auto index = static_cast<std::size_t>(box);
     made->setObjectName(QStringLiteral("txtParam_%1").arg(index));
     made->setAccessibleName(QString::fromLatin1(accessible));
@@ -207,7 +212,7 @@ QGroupBox* frmFilm::buildMaterial() {
     dbcMaterial_->setObjectName(QStringLiteral("dbcMaterial"));
     dbcMaterial_->setAccessibleName(QStringLiteral("Material"));
     dbcMaterial_->setToolTip(QStringLiteral("Select material for this film."));
-    dbcMaterial_->setEditable(true);
+    dbcMaterial_->setLineEdit(new TypedField(dbcMaterial_)); // and so can be typed in
     dbcMaterial_->setInsertPolicy(QComboBox::NoInsert);
     dbcMaterial_->setCompleter(nullptr); // a name half typed must not become another material
     dbcMaterial_->setMinimumHeight(kControlHeight);

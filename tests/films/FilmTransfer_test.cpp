@@ -60,18 +60,20 @@ TEST(Upload, StoresByNumberInACopy) {
     bench.transfer.upload();
     EXPECT_EQ(bench.rows("Material", kUpload), once) << "each pair's material is found again";
     EXPECT_EQ(bench.rows("Film", kUpload), rows);
-    bench.dialogs.answers = {"/data/Shop.mdb"};
-    EXPECT_TRUE(bench.library.saveDatabaseAs());
-    EXPECT_FALSE(bench.library.unsavedUpload());
 
     bench.editor.ShowDBFilm("ten");
-    bench.editor.setTime(0, 1);        // in UploadData.mdb: the next upload would overwrite it
+    bench.editor.setTime(0, 1);
+    bench.dialogs.answers = {"/data/Monitor.mdb"};
+    bench.library.openDatabase(); // and now the next upload would overwrite what is not saved
     for (const int step : {0, 1, 2}) { // Yes, and no file chosen; No, by the program's close; No
         bench.boxes.expect(FakeMessageBoxes::Kind::YesNo, "Save Uploaded Data to a database?", step == 0,
                            [&] { bench.ends = [=] { return step == 1; }; });
         bench.transfer.upload();
         EXPECT_EQ(bench.rows("Film", kUpload)[9], step < 2 ? "10|ten|Gold|100|1|0.5|1|3" : rows[9]);
     }
+    bench.dialogs.answers = {"/data/Shop.mdb"};
+    EXPECT_TRUE(bench.library.saveDatabaseAs());
+    EXPECT_FALSE(bench.library.unsavedUpload());
 }
 
 TEST(Upload, StoresWhatItHasBeforeABoxTells) {

@@ -180,6 +180,7 @@ TEST_F(FilmWindow, BeginsNothingWithATypedValueThatIsNotStored) {
     other.show();
     other.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    EXPECT_EQ(textOf("txtParam_0"), "x") << "still being typed";
     question();
     EXPECT_EQ(bench->rows("Film").front(), "1|ONE|Gold|100|1|0.5|60|3");
 }

@@ -1,6 +1,7 @@
 #include "films/controls/FilmList.h"
 
 #include "controls/Theme.h"
+#include "util/Text.h"
 
 #include <QEvent>
 #include <QHeaderView>
@@ -139,8 +140,9 @@ void FilmList::moveToSelectedRow() {
 void FilmList::selectFilm(const std::string& name) {
     const bool before = std::exchange(filling_, true);
     clearSelection();
-    const auto film =
-        std::find_if(films_.begin(), films_.end(), [&](const FilmRow& row) { return row.name == name; });
+    const auto film = std::find_if(films_.begin(), films_.end(), [&](const FilmRow& row) {
+        return trimmed(row.name) == trimmed(name); // the box shows no blanks behind it
+    });
     if (!name.empty() && film != films_.end()) {
         view_->setCurrentIndex(model_->index(static_cast<int>(film - films_.begin()), 0));
         noteShown();

@@ -1,0 +1,15 @@
+#include "controls/TypedField.h"
+
+#include <QFocusEvent>
+
+namespace drx9 {
+
+void TypedField::focusOutEvent(QFocusEvent* event) {
+    const bool stays =
+        event->reason() == Qt::ActiveWindowFocusReason || event->reason() == Qt::PopupFocusReason;
+    const bool blocked = blockSignals(stays || signalsBlocked());
+    QLineEdit::focusOutEvent(event);
+    blockSignals(blocked);
+}
+
+} // namespace drx9

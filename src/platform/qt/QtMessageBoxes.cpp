@@ -32,16 +32,22 @@ void fill(QMessageBox& box, const std::string& text, const std::string& title, M
     box.setIcon(iconOf(icon));
 }
 
-/// The window that a box belongs to: what is modal goes before what is active, and where the program is not
-/// the active one its main window takes it. Help is never it: it follows what is modal, so that each would
-/// belong to the other.
-QWidget* ownerOfBox() {
+/// Help never owns a box: it follows what is modal, so that each would belong to the other.
+bool mayOwn(const QWidget* window) {
+    return window != nullptr && !window->property("followsModal").toBool();
+}
+
+/// The window that a box belongs to: what is modal goes before what is active. Where none is (another program
+/// is, or the box before has just closed) the window takes it that had the focus `last`, else the main one.
+QWidget* ownerOfBox(QWidget* last) {
     if (QWidget* modal = QApplication::activeModalWidget()) {
         return modal;
     }
-    QWidget* active = QApplication::activeWindow();
-    if (active != nullptr && !active->property("followsModal").toBool()) {
+    if (QWidget* active = QApplication::activeWindow(); mayOwn(active)) {
         return active;
+    }
+    if (last != nullptr && last->isVisible()) {
+        return last;
     }
     const QWidgetList windows = QApplication::topLevelWidgets();
     const auto main = std::find_if(windows.begin(), windows.end(), [](const QWidget* window) {
@@ -51,16 +57,17 @@ QWidget* ownerOfBox() {
 }
 
 /// On the heap and guarded: the window under it may go while it is open.
-QPointer<QMessageBox> makeBox(const std::string& text, const std::string& title, MessageIcon icon) {
-    QPointer<QMessageBox> box = new QMessageBox(ownerOfBox());
+QPointer<QMessageBox> makeBox(QWidget* owner, const std::string& text, const std::string& title,
+                              MessageIcon icon) {
+    QPointer<QMessageBox> box = new QMessageBox(owner);
     fill(*box, text, title, icon);
     return box;
 }
 
 /// A box that comes of itself: it stops nothing and takes no focus.
-QPointer<QMessageBox> makeUnattended(const std::string& text, const std::string& title, MessageIcon icon,
-                                     const char* name) {
-    QPointer<QMessageBox> box = makeBox(text, title, icon);
+QPointer<QMessageBox> makeUnattended(QWidget* owner, const std::string& text, const std::string& title,
+                                     MessageIcon icon, const char* name) {
+    QPointer<QMessageBox> box = makeBox(owner, text, title, icon);
     box->setObjectName(name);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setAttribute(Qt::WA_ShowWithoutActivating);
@@ -85,6 +92,15 @@ QMessageBox::StandardButton ask(const QPointer<QMessageBox>& box, QMessageBox::S
 
 } // namespace
 
+QtMessageBoxes::QtMessageBoxes() {
+    QObject::connect(qApp, &QApplication::focusChanged, &context_, [this](QWidget*, QWidget* now) {
+        QWidget* window = now == nullptr ? nullptr : now->window();
+        if (mayOwn(window) && qobject_cast<QMessageBox*>(window) == nullptr) {
+            lastActive_ = window;
+        }
+    });
+}
+
 QtMessageBoxes::~QtMessageBoxes() {
     delete nonBlocking_.data();
     delete question_.data();
@@ -95,7 +111,7 @@ void QtMessageBoxes::show(const std::string& text, const std::string& title, Mes
     if (ending_) {
         return;
     }
-    const QPointer<QMessageBox> box = makeBox(text, title, icon);
+    const QPointer<QMessageBox> box = makeBox(ownerOfBox(lastActive_), text, title, icon);
     box->setWindowModality(Qt::ApplicationModal);
     if (systemModal) {
         box->setWindowFlag(Qt::WindowStaysOnTopHint);
@@ -104,13 +120,13 @@ void QtMessageBoxes::show(const std::string& text, const std::string& title, Mes
 }
 
 bool QtMessageBoxes::askYesNo(const std::string& text, const std::string& title, MessageIcon icon) {
-    return !ending_ && ask(makeBox(text, title, icon), QMessageBox::Yes | QMessageBox::No, QMessageBox::No) ==
-                           QMessageBox::Yes;
+    return !ending_ && ask(makeBox(ownerOfBox(lastActive_), text, title, icon),
+                           QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
 }
 
 bool QtMessageBoxes::askOkCancel(const std::string& text, const std::string& title, MessageIcon icon) {
-    return !ending_ && ask(makeBox(text, title, icon), QMessageBox::Ok | QMessageBox::Cancel,
-                           QMessageBox::Cancel) == QMessageBox::Ok;
+    return !ending_ && ask(makeBox(ownerOfBox(lastActive_), text, title, icon),
+                           QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Cancel) == QMessageBox::Ok;
 }
 
 void QtMessageBoxes::showNonBlocking(const std::string& text, const std::string& title, MessageIcon icon) {
@@ -118,7 +134,7 @@ void QtMessageBoxes::showNonBlocking(const std::string& text, const std::string&
         return;
     }
     if (!nonBlocking_) {
-        nonBlocking_ = makeUnattended(text, title, icon, "MsgBoxNonBlocking");
+        nonBlocking_ = makeUnattended(ownerOfBox(lastActive_), text, title, icon, "MsgBoxNonBlocking");
         nonBlocking_->setStandardButtons(QMessageBox::Ok);
     }
     fill(*nonBlocking_, text, title, icon);
@@ -135,7 +151,7 @@ void QtMessageBoxes::askYesNoLater(const std::string& text, const std::string& t
     if (ending_) {
         return;
     }
-    question_ = makeUnattended(text, title, icon, "MsgBoxQuestion");
+    question_ = makeUnattended(ownerOfBox(lastActive_), text, title, icon, "MsgBoxQuestion");
     question_->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     question_->setEscapeButton(QMessageBox::No);
     // Enter must not answer Yes: the box comes of itself.

@@ -3,6 +3,7 @@
 #include "platform/MessageBoxes.h"
 
 #include <QMessageBox>
+#include <QObject>
 #include <QPointer>
 
 namespace drx9 {
@@ -10,7 +11,7 @@ namespace drx9 {
 /// Message boxes with the object names "MsgBox" (the blocking ones) and "MsgBoxNonBlocking".
 class QtMessageBoxes : public MessageBoxes {
 public:
-    QtMessageBoxes() = default;
+    QtMessageBoxes();
     ~QtMessageBoxes() override;
     QtMessageBoxes(const QtMessageBoxes&) = delete;
     QtMessageBoxes& operator=(const QtMessageBoxes&) = delete;
@@ -31,8 +32,10 @@ public:
 
 private:
     bool ending_ = false;
+    QPointer<QWidget> lastActive_; ///< the window that had the focus last, boxes and help not counted
     QPointer<QMessageBox> nonBlocking_;
     QPointer<QMessageBox> question_;
+    QObject context_; ///< ends what is connected
 };
 
 } // namespace drx9

@@ -117,6 +117,7 @@ bool Link::send(Transport& transport) {
     FrameParser parser;
     const bool sent = transport.send(lastPacket_, [&](std::uint8_t byte) { noteUnasked(parser.push(byte)); });
     watch_.noteSend();
+    damaged_ = false;
     reply_.clear();
     answerBefore_ = std::exchange(answer_, {});
     return sent;
@@ -215,12 +216,17 @@ void Link::listen(double seconds) {
     }
 }
 
-/// A packet that came with no exchange waiting for it.
+/// A packet that came with no exchange waiting for it. The first sound one behind noise, which ended the
+/// exchange as a packet with wrong check characters, is that exchange's own.
 void Link::noteUnasked(const std::optional<FrameParser::Reply>& reply) {
     if (!reply || !reply->crcOk) {
         return;
     }
-    if (reply->statusLetter + reply->data == answer_) {
+    const std::string answer = reply->statusLetter + reply->data;
+    if (answer_.empty() && damaged_) {
+        answer_ = answer;
+        watch_.noteAnswer(answer == answerBefore_);
+    } else if (answer == answer_) {
         watch_.noteCopy();
     } else {
         watch_.noteSurplus();
@@ -247,6 +253,7 @@ void Link::Comm_RxByte(std::uint8_t byte) {
 void Link::applyReply(const FrameParser::Reply& reply) {
     if (!reply.crcOk) {
         status_ = comm::kChecksum;
+        damaged_ = true;
         return;
     }
     ok_ = true;

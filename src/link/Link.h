@@ -154,6 +154,7 @@ private:
     std::string reply_;               ///< data of the last accepted answer since the last send
     std::string answer_;              ///< status letter and data of the last sound answer since the last send
     std::string answerBefore_;        ///< the same of the send before
+    bool damaged_ = false;            ///< a packet with wrong check characters came since the last send
     std::string version_;             ///< CommVersion: kept over losses, until another "@" is answered
     std::int16_t instrumentType_ = 0; ///< as last answered to "J"; 0 when unknown
     std::int16_t knownType_ = 0; ///< last instrument type above 0: readouts keep it while the link is lost

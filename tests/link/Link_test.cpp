@@ -78,8 +78,13 @@ TEST_P(EachLink, TakesReplies) {
 TEST_P(EachLink, NoiseBehindAnEarlierPacketIsCheckedWithIt) {
     bench.wire().answer(good("1.25"));
     bench.wire().answer("x" + good("2.5"));
+    bench.wire().answer(good("3"));
+    link.watch().begin();
     exchanged(bench);
     EXPECT_EQ(exchanged(bench), GetParam() == kEthernet ? "0 2.5" : "7 ");
+    EXPECT_EQ(exchanged(bench), "0 3");
+    link.listen(0.1);
+    EXPECT_FALSE(link.watch().broken()) << "the packet behind the noise was its own command's";
 }
 
 TEST_P(EachLink, EveryFlippedBitEndsInAStatus) {

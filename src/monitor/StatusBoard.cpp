@@ -13,6 +13,7 @@ StatusFacts StatusBoard::facts() const {
     facts.started = parts_.instrument.started();
     facts.pauseReason = parts_.timer.holdReason();
     facts.link = facts.started ? parts_.discovery.tried() : parts_.settings.link;
+    facts.linkOpen = parts_.link.isOpen() || facts.link.CommType != parts_.settings.link.CommType;
     facts.message = parts_.message.text();
     facts.messageBrief = parts_.message.brief();
     facts.runStart = parts_.run.startTime();
@@ -39,7 +40,11 @@ void StatusBoard::addAnswers(StatusFacts& facts) const {
     facts.strays = answers.straysInARow();
     facts.lastReading = answers.lastGoodReadingTime();
     const bool known = facts.onLine || !parts_.discovery.failure().empty();
-    facts.lastExchange = known ? answers.lastExchange() : commStatusText(parts_.link.CommStatus());
+    const std::uint16_t status = parts_.link.CommStatus();
+    // What a window that holds the polling sends comes to no reading.
+    const bool others = parts_.timer.held() && answers.lastExchange() == monitorText::kOk &&
+                        status != comm::kOk && status != comm::kBusy;
+    facts.lastExchange = known && !others ? answers.lastExchange() : commStatusText(status);
 }
 
 void StatusBoard::addRequests(StatusFacts& facts) const {

@@ -179,7 +179,7 @@ StatusText staLink(const StatusFacts& facts) {
     if (!facts.started) {
         return with(kLinkConnecting, StatusText::Tone::Plain);
     }
-    if (offLine(facts)) {
+    if (offLine(facts) || (!facts.pauseReason.empty() && !facts.linkOpen)) {
         return with(kLinkOffLine, StatusText::Tone::Alarm);
     }
     if (noReply(facts)) {

@@ -40,6 +40,7 @@ struct StatusFacts {
     int strays = 0;          ///< readings in a row that were left out, their answers being out of step
     std::string pauseReason; ///< empty when no window holds the polling
     LinkSettings link;
+    bool linkOpen = true; ///< as far as is known; nothing is read while a window holds the polling
     std::string lastExchange = "OK";
     std::string message;      ///< stays until the next run; empty when none
     std::string messageBrief; ///< its short form

@@ -73,6 +73,8 @@ TEST(StatusTexts, FieldsOfTheBarSayOnlyWhatIsSo) {
              silentFor(f, 3), f.runMode = RunState::Running, f.requests = {true, true, true, true};
          },
          staRun, "Running since 14:02:02, waiting: film, zero, shutter, stop", Warn},
+        {[](auto& f) { f.pauseReason = "Film Setup is open", f.linkOpen = false; }, staLink,
+         "Ethernet 192.168.1.200:2101, off line", Alarm},
         {[](auto& f) { silentFor(f, 3), f.shutter = 1; }, staShutter, "Shutter was open"},
         {[](auto& f) { f.shutter = RequestDesk::kShutterUnknown; }, staShutter, "Shutter unknown"},
         {[](auto& f) { f.systemKnown = f.simulate = f.etch = true; }, staMode, "Simulate, Etch", Warn},

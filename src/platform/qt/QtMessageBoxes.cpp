@@ -1,6 +1,7 @@
 #include "platform/qt/QtMessageBoxes.h"
 
 #include <QApplication>
+#include <QGridLayout>
 
 #include <algorithm>
 #include <utility>
@@ -8,6 +9,8 @@
 namespace drx9 {
 
 namespace {
+
+constexpr int kLeastWidth = 280;
 
 QMessageBox::Icon iconOf(MessageIcon icon) {
     switch (icon) {
@@ -61,6 +64,9 @@ QPointer<QMessageBox> makeBox(QWidget* owner, const std::string& text, const std
                               MessageIcon icon) {
     QPointer<QMessageBox> box = new QMessageBox(owner);
     fill(*box, text, title, icon);
+    if (auto* grid = qobject_cast<QGridLayout*>(box->layout())) { // else a short text cuts the title
+        grid->addItem(new QSpacerItem(kLeastWidth, 0), grid->rowCount(), 0, 1, grid->columnCount());
+    }
     return box;
 }
 

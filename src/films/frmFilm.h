@@ -68,6 +68,8 @@ protected:
 private:
     // Controls
     void buildControls();
+    QWidget* buildBody();
+    void fitScreen(const QSize& least);
     QMenuBar* buildMenu();
     QLayout* buildList();
     QGroupBox* buildFilm();

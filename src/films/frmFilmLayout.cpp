@@ -18,6 +18,8 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QTimer>
 
 namespace drx9 {
@@ -36,6 +38,7 @@ constexpr int kButtonWidth = 128;
 constexpr int kCloseWidth = 92;
 constexpr QSize kLeast{859, 544};
 constexpr QSize kStart{900, 640};
+constexpr QSize kFrame{16, 48}; ///< what the desktop may put around a window
 
 QLabel* label(const char* text, QWidget* buddy) {
     auto* made = new QLabel(QString::fromLatin1(text), buddy->parentWidget());
@@ -69,9 +72,28 @@ void frmFilm::buildControls() {
     outer->setMenuBar(menu_);
     outer->addWidget(content_);
     auto* column = new QVBoxLayout(content_);
-    column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
-    column->setSpacing(kGroupGap);
-    auto* row = new QHBoxLayout;
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    QWidget* body = buildBody();
+    auto* view = new QScrollArea(content_); // scrolls only where the screen is smaller than the window
+    view->setFrameShape(QFrame::NoFrame);
+    view->setWidgetResizable(true);
+    view->setFocusPolicy(Qt::NoFocus);
+    view->setWidget(body);
+    column->addWidget(view, 1);
+    QLayout* bottom = buildBottom();
+    bottom->setContentsMargins(kMargin, kGroupGap, kMargin, kMargin);
+    column->addLayout(bottom);
+    body->setMinimumSize(body->minimumSizeHint());
+    fitScreen(body->minimumSize() + QSize(0, menu_->sizeHint().height() + bottom->minimumSize().height()));
+    setTabOrders();
+}
+
+/// What scrolls where there is no room.
+QWidget* frmFilm::buildBody() {
+    auto* body = new QWidget(content_);
+    auto* row = new QHBoxLayout(body);
+    row->setContentsMargins(kMargin, kMargin, kMargin, 0);
     row->setSpacing(kMargin);
     row->addLayout(buildList());
     auto* middle = new QVBoxLayout;
@@ -85,11 +107,13 @@ void frmFilm::buildControls() {
     right->addWidget(buildInstrument());
     right->addStretch(1);
     row->addLayout(right);
-    column->addLayout(row, 1);
-    column->addLayout(buildBottom());
-    setMinimumSize(kLeast.expandedTo(minimumSizeHint()));
-    resize(kStart.expandedTo(minimumSize()));
-    setTabOrders();
+    return body;
+}
+
+void frmFilm::fitScreen(const QSize& least) {
+    const QSize room = screen()->availableSize() - kFrame;
+    setMinimumSize(kLeast.expandedTo(least).boundedTo(room));
+    resize(kStart.expandedTo(least).boundedTo(room));
 }
 
 QMenuBar* frmFilm::buildMenu() {

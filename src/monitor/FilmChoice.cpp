@@ -10,9 +10,15 @@ namespace drx9 {
 namespace {
 constexpr double kNothingRestartsFaster = 3; // s
 constexpr std::size_t kNameLength = 8;
+} // namespace
 
-/// What tells one link from another; the baud rate does not.
-std::string identity(const LinkSettings& link) {
+std::string filmListName(const FilmRecord& film) {
+    std::string name = film.FilmName;
+    name.erase(name.find_last_not_of(' ') + 1);
+    return utf8FromAnsi(name);
+}
+
+std::string linkIdentity(const LinkSettings& link) {
     switch (link.CommType) {
     case LinkType::Usb:
         return "USB " + link.USBSerNum;
@@ -21,13 +27,6 @@ std::string identity(const LinkSettings& link) {
     default:
         return "COM" + std::to_string(link.Port);
     }
-}
-} // namespace
-
-std::string filmListName(const FilmRecord& film) {
-    std::string name = film.FilmName;
-    name.erase(name.find_last_not_of(' ') + 1);
-    return utf8FromAnsi(name);
 }
 
 FilmChoice::FilmChoice(const Films& films, const Link& link, Discovery& discovery,
@@ -84,7 +83,7 @@ void FilmChoice::selected(int number, bool confirmed) {
     current_ = number;
     confirmed_ = confirmed;
     confirmedAtLoss_ = confirmedAtLoss_ && confirmed;
-    linkThen_ = identity(settings_);
+    linkThen_ = linkIdentity(settings_);
     versionThen_ = link_.CommVersion();
 }
 
@@ -109,7 +108,7 @@ bool FilmChoice::takeRepeat() {
 void FilmChoice::linkOpening() {
     const double last = link_.lastReplyTime();
     const double silence = clock_.monotonic() - last - timer_.heldSince(last);
-    if (silence > kNothingRestartsFaster || identity(settings_) != linkThen_) {
+    if (silence > kNothingRestartsFaster || linkIdentity(settings_) != linkThen_) {
         confirmed_ = false;
     }
 }

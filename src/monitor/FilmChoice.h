@@ -13,6 +13,8 @@ namespace drx9 {
 
 /// A film's name as a list shows it: UTF-8, without the blanks that fill it up.
 std::string filmListName(const FilmRecord& film);
+/// What tells one link from another; the baud rate does not.
+std::string linkIdentity(const LinkSettings& link);
 
 /// The film list of the main window and the film in use: which one was last selected, and whether the
 /// instrument is known to run it.

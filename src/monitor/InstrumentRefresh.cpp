@@ -5,17 +5,32 @@
 #include "util/Numbers.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace drx9 {
 
 namespace {
 constexpr int kMostFilms = 99;
 
+/// What the instrument holds from that film on is not known.
+void forgetFilms(Films& films, std::size_t first) {
+    for (std::size_t i = first; i < films.size(); ++i) {
+        films[i].FilmNum = 0;
+    }
+}
+
 /// Percent of `done` out of `count`, as a whole number.
 std::int16_t percent(int done, int count) {
     return toInt16(done * 100.0 / count);
 }
 } // namespace
+
+void InstrumentRefresh::linkOpened() {
+    const std::string now = linkIdentity(parts_.settings) + " " + parts_.link.CommVersion();
+    if (std::exchange(instrument_, now) != now) {
+        forgetFilms(parts_.films, 0);
+    }
+}
 
 InstrumentRefresh::Result InstrumentRefresh::run() {
     Result result;
@@ -56,9 +71,7 @@ void InstrumentRefresh::readFilms(Films& films, Result& result) {
         result.films.push_back(filmListName(*answer.film));
     }
     parts_.progress.ProgressHide();
-    for (std::size_t i = result.films.size() + 1; i < films.size(); ++i) {
-        films[i].FilmNum = 0; // what the instrument holds there is not known
-    }
+    forgetFilms(films, result.films.size() + 1);
 }
 
 void InstrumentRefresh::readRecord(Result& result) {

@@ -2,6 +2,7 @@
 
 #include "link/ActionQueue.h"
 #include "link/Commands.h"
+#include "link/Discovery.h"
 #include "link/Link.h"
 #include "link/Records.h"
 #include "monitor/AnswerRecord.h"
@@ -13,12 +14,15 @@
 namespace drx9 {
 
 /// Reads from the instrument what the main window shows beside the readings: the film list and the system
-/// record.
-class InstrumentRefresh {
+/// record. When another link is opened, or another version text answers, the films are another instrument's:
+/// until they are read their numbers are 0 (not known).
+class InstrumentRefresh : public LinkListener {
 public:
     struct Parts {
         Commands& commands;
         Link& link;
+        Discovery& discovery;
+        const LinkSettings& settings;
         Films& films;
         SystemParameters& system;
         AnswerRecord& answers;
@@ -38,17 +42,25 @@ public:
     };
 
     explicit InstrumentRefresh(const Parts& parts)
-        : parts_(parts) {}
+        : parts_(parts) {
+        parts_.discovery.addListener(*this);
+    }
+    InstrumentRefresh(const InstrumentRefresh&) = delete;
+    InstrumentRefresh& operator=(const InstrumentRefresh&) = delete;
 
     /// Ends early, after the film in hand, where an action waits; for the system window the record is read
     /// all the same. The films of the list are taken into `films` when the result is Read. Pumps events.
     Result run();
+
+    void linkOpening() override {}
+    void linkOpened() override;
 
 private:
     void readFilms(Films& films, Result& result);
     void readRecord(Result& result);
 
     Parts parts_;
+    std::string instrument_; ///< link and version text of the one whose the known films are
 };
 
 } // namespace drx9

@@ -193,16 +193,18 @@ TEST_F(RequestsTest, AWaitingActionCutsARefreshAndAReconnectBetweenExchanges) {
     const struct {
         const char* at; ///< command in whose exchange the action comes
         ActionQueue::For purpose;
-        Texts rest; ///< commands behind it, until the action has run
+        Texts rest;                             ///< commands behind it, until the action has run
+        const char* version = "DRX-9 Ver 4.08"; ///< of who answers then
     } cases[] = {
         {"A4?", ActionQueue::For::Other, {}},
         {"A4?", ActionQueue::For::System, {"B?", "C?"}},
-        {"A9?", ActionQueue::For::Other, {}},
-        {"@", ActionQueue::For::Other, {"J"}},
+        {"A9?", ActionQueue::For::Other, {}, "DRX-9 Ver 4.07"},
+        {"@", ActionQueue::For::Other, {"J"}, "DRX-9 Ver 4.06"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.at);
         bringUp();
+        const bool known = c.version == std::exchange(version, c.version);
         socket.drop();
         link.setCommStatus(comm::kLost);
         bool ran = false;
@@ -217,6 +219,7 @@ TEST_F(RequestsTest, AWaitingActionCutsARefreshAndAReconnectBetweenExchanges) {
         std::erase(rest, "timer on");
         EXPECT_EQ(rest, c.rest);
         EXPECT_TRUE(link.CommOK());
+        EXPECT_EQ(core.films[1].FilmNum, known ? 1 : 0) << "another instrument's films are not known";
         EXPECT_EQ(core.choice.names().size(), 9U) << "the list that stood before";
         pump.runPosted();
         EXPECT_TRUE(ran);

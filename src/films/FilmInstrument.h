@@ -37,6 +37,8 @@ public:
 
     /// Two exchanges in a row timed out since begin().
     [[nodiscard]] bool silent() const { return timeouts_ >= kDeadAfterTimeouts; }
+    /// An exchange since the last look got no answer.
+    [[nodiscard]] bool unanswered() const { return unanswered_; }
     /// An exchange was tried.
     [[nodiscard]] bool reached() const { return reached_; }
 
@@ -62,10 +64,10 @@ private:
     Commands& commands_;
     const Clock& clock_;
     bool reached_ = false;
-    int timeouts_ = 0;        ///< in a row
-    bool unanswered_ = false; ///< an exchange since the last look
-    double began_ = 0;        ///< the exchange in hand; monotonic
-    double longest_ = 0;      ///< s, of the exchanges since the last look
+    int timeouts_ = 0; ///< in a row
+    bool unanswered_ = false;
+    double began_ = 0;   ///< the exchange in hand; monotonic
+    double longest_ = 0; ///< s, of the exchanges since the last look
 };
 
 } // namespace drx9

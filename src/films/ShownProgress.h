@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Progress.h"
+#include "util/Numbers.h"
 
 namespace drx9 {
 
@@ -14,6 +15,9 @@ public:
     ShownProgress(const ShownProgress&) = delete;
     ShownProgress& operator=(const ShownProgress&) = delete;
     ~ShownProgress() { progress_.ProgressHide(); }
+
+    /// `part` of `whole` is being done.
+    void reach(int part, int whole) const { progress_.setProgress(toInt16(part * 100.0 / whole)); }
 
 private:
     Progress& progress_;

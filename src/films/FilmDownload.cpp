@@ -182,6 +182,10 @@ bool FilmDownload::verifyRow(int film) {
         report_.name(filmText::kNotReadBack, std::to_string(film));
         return true;
     }
+    const bool wasSent = std::find(written_.begin(), written_.end(), film) != written_.end();
+    if (wasSent && !parts_.library.found(Dat::DBSelected)) {
+        report_.name(filmText::kNotCompared, rowName(film));
+    }
     parts_.films[0] = *readBack.film;
     const auto mismatches =
         filmMismatches(parts_.library, *readBack.film, parts_.list.manySensors(), parts_.locale);

@@ -215,6 +215,7 @@ void FilmLibrary::followFile() {
         return;
     }
     database_ = std::move(now);
+    ++replacements_;
     requeryAll();
 }
 
@@ -339,11 +340,12 @@ std::size_t FilmLibrary::columnSize(const char* table, const char* field) {
 
 // ---- Gathered commits ----
 
-void FilmLibrary::gatherCommits() {
+bool FilmLibrary::gatherCommits() {
     gathering_ = gathering_ || statements_.run([&] {
         followFile();
         database_->BeginTrans();
     });
+    return gathering_;
 }
 
 bool FilmLibrary::commitGathered() {

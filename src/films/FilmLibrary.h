@@ -85,6 +85,8 @@ public:
     void renameQuery(Dat source, const std::string& recordSource) { at(source).recordSource = recordSource; }
     /// True when the source has a current row.
     [[nodiscard]] bool found(Dat source) const;
+    /// How often another program has replaced a file that was open, as far as is known.
+    [[nodiscard]] int replacements() const { return replacements_; }
     /// A field of the current row; null when there is none.
     [[nodiscard]] jet::Value value(Dat source, const char* field);
     /// A field of all rows of a source, with nulls where it cannot be read.
@@ -105,8 +107,9 @@ public:
     /// Characters that a text column takes; 0 when that is not known.
     [[nodiscard]] std::size_t columnSize(const char* table, const char* field);
 
-    /// From here on changes are kept in memory and commit together.
-    void gatherCommits();
+    /// From here on changes are kept in memory and commit together. False where the file cannot be read any
+    /// more.
+    bool gatherCommits();
     /// Commits what was gathered and ends the gathering. On failure all of it is taken back. No effect where
     /// nothing is gathered.
     bool commitGathered();
@@ -155,6 +158,7 @@ private:
     LibraryNotice conversion_; ///< what came of it; empty where nothing was to be converted
     std::vector<std::string> unfit_;
     bool gathering_ = false;
+    int replacements_ = 0;
     bool unsavedUpload_ = false;
     LibraryNotice notice_;
 };

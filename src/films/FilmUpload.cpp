@@ -6,6 +6,7 @@
 #include "util/Text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace drx9 {
 
@@ -68,7 +69,13 @@ void FilmUpload::storeFilms(const std::vector<FilmRecord>& films) {
     if (films.empty()) {
         return;
     }
-    parts_.library.gatherCommits();
+    if (!parts_.library.gatherCommits()) {
+        report_.fail(parts_.library.standing().text);
+    }
+    if (std::exchange(replacements_, parts_.library.replacements()) != replacements_) {
+        report_.undo();
+        report_.fail(filmText::kReplaced);
+    }
     int stored = 0;
     for (const FilmRecord& film : films) {
         parts_.film(film.FilmNum) = film;

@@ -15,7 +15,8 @@ class FilmUpload {
 public:
     explicit FilmUpload(const FilmTransferParts& parts)
         : parts_(parts)
-        , reads_(parts) {}
+        , reads_(parts)
+        , replacements_(parts.library.replacements()) {}
 
     /// What was read is stored before a box tells why the rest was not. What came of it.
     LibraryNotice run();
@@ -33,6 +34,7 @@ private:
     const FilmTransferParts& parts_;
     TransferReport report_{"read"};
     FilmReads reads_;
+    int replacements_;    ///< of the library, when it was last written
     int failed_ = 0;      ///< the first film that could not be read; 0 none
     std::string failure_; ///< why, where the read itself told it
 };

@@ -83,6 +83,9 @@ inline constexpr const char* kMaterialMissing =
     "Material not in the library, density and Z factor left as they are";
 inline constexpr const char* kNotAccepted = "Not accepted ({})";
 inline constexpr const char* kNotReadBack = "Not read back";
+inline constexpr const char* kNotCompared = "Not compared, cannot be looked up";
+inline constexpr const char* kReplaced =
+    "Another program replaced the library, films stored before that are gone";
 inline constexpr const char* kReset = "The DRX-9 was reset to its default values";
 inline constexpr const char* kNotReset = "Defaults not accepted: {}";
 inline constexpr const char* kResetUnknown = "Defaults, not known whether they were taken: {}";

@@ -16,6 +16,8 @@ public:
 
     void expect(int films) { expected_ = films; }
     void done(int films) { done_ += films; }
+    /// What was done so far is gone.
+    void undo() { done_ = 0; }
     /// A film to be named under a heading such as "Not sent".
     void name(const std::string& heading, const std::string& film);
     /// Something that went wrong as a whole; what was said first stays.

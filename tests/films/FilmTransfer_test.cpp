@@ -150,17 +150,6 @@ TEST(Upload, GathersItsCommits) {
     EXPECT_EQ(bench.rows("Film", kUpload).size(), 99U);
 }
 
-TEST(Upload, KeepsWhatFitsOnTheDisk) {
-    Transfer bench({{"mine"}});
-    bench.transfer.upload();
-    bench.files.fillAfter(bench.bytes(kUpload).size() / 2);
-    bench.instrument.execute("A1OTHER___ 1.000 100 1.000 1.000 1.000  1  1", 0);
-    bench.transfer.upload(); // the copy is the file itself: only the commit fails
-    EXPECT_EQ(bench.told().rfind("Changes not saved: No space left on device. ", 0), 0U) << bench.told();
-    EXPECT_EQ(bench.faults(kUpload), "");
-    EXPECT_EQ(bench.rows("Film", kUpload)[0].substr(0, 10), "1|ALUMINUM");
-}
-
 // ---- Download ----
 
 TEST(Download, WritesRowsByTheirPlaceAndVerifiesThem) {
@@ -476,6 +465,54 @@ TEST(Faults, AnAnswerTwiceAtEachExchangeOfADownload) {
         for (int f = 1; f <= 4; ++f) {
             const FilmRecord& film = bench.films[static_cast<std::size_t>(f)];
             EXPECT_TRUE(film.FilmNum != f || film.FilmName == bench.held(f).substr(0, 8)) << f;
+        }
+    }
+}
+
+// The fault comes in the 5th exchange of an upload, and in that of a download's second film; what was stored
+// before the fault is in the file.
+TEST(Faults, OfTheLibraryInMidTransfer) {
+    const std::string lock = "LAB-3" + std::string(27, '\0') + "Admin" + std::string(27, '\0');
+    struct Case {
+        std::function<void(Transfer&, const std::string&)> fault; ///< of the file of that path
+        std::size_t rows;                                         ///< that the upload leaves
+        const char* uploaded;
+        const char* sent;
+    };
+    const Case cases[] = {
+        {[](Transfer& b, const std::string&) { b.files.fillAfter(100); }, 4,
+         "Changes not saved: No space left on device. 4 of 9 films read", "2 films sent"},
+        {[](Transfer& b, const std::string& path) { b.memory.find(path)->writeProtected = true; }, 4,
+         "Changes not saved: the file is read-only. 4 of 9 films read", "2 films sent"},
+        {[&](Transfer& b, const std::string& path) {
+             b.memory.put(path.substr(0, path.size() - 3) + "ldb", lock);
+         },
+         4, "Changes not saved: in use by user Admin on computer LAB-3. 4 of 9 films read", "2 films sent"},
+        {[](Transfer& b, const std::string& path) { b.memory.put(path, b.bytes("/data/other.mdb")); }, 6,
+         "Another program replaced the library, films stored before that are gone. 5 of 9 films read",
+         "2 films sent. Not compared, cannot be looked up: mine, two"},
+        {[](Transfer& b, const std::string& path) { b.memory.remove(path); }, 0,
+         "UploadData.mdb: there is no such file. 4 of 9 films read. Not stored: 5, 6, 7, 8 and 1 more",
+         "2 films sent. Not compared, cannot be looked up: mine, two"},
+    };
+    for (const Case& c : cases) {
+        for (const bool upload : {true, false}) {
+            SCOPED_TRACE(c.uploaded);
+            Transfer bench({{"mine"}, {"two"}});
+            bench.make({{"theirs"}}, "", true, "/data/other.mdb");
+            bench.wire().setAnswerer([&](const std::string& command) { return bench.answer(command); }, 0.3);
+            bench.spoilAt = upload ? 5 : 3;
+            bench.spoil = [&](const std::string& command) {
+                c.fault(bench, upload ? kUpload : kLibrary);
+                return bench.soundAnswer(command);
+            };
+            upload ? bench.transfer.upload() : bench.transfer.download(1);
+            EXPECT_EQ(bench.told(),
+                      upload ? std::string(c.uploaded) + ". Not saved under another name yet" : c.sent);
+            if (upload && c.rows != 0) {
+                EXPECT_EQ(bench.rows("Film", kUpload).size(), c.rows);
+                EXPECT_EQ(bench.faults(kUpload), "");
+            }
         }
     }
 }

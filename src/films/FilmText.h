@@ -35,11 +35,6 @@ std::optional<double> numberOf(const jet::Value& value);
 /// A stored number in its shortest form with the locale's decimal sign; a text as it is; empty for null.
 std::string shownText(const jet::Value& value, const NumberLocale& locale);
 
-/// A number as typed: a single "." or "," is the decimal sign in any locale ("1,250" is 1.25). Of both signs
-/// the last is the decimal sign and the other one groups thousands, as a sign does that stands several times.
-/// Nothing for anything else, an empty text included.
-std::optional<double> typedNumber(std::string_view text, const NumberLocale& locale);
-
 /// True when storing `wanted` over `stored` would leave the same value, in the precision of what is stored.
 bool storesSame(const jet::Value& stored, const jet::Value& wanted);
 

@@ -18,14 +18,6 @@ constexpr double kSwitch = 10;
 SpinnerScale rangingScale(double value) {
     return value >= kSwitch && value * kCoarse.multiplier <= kCoarse.most ? kCoarse : kFine;
 }
-
-std::optional<double> typedNumber(std::string_view text) {
-    std::string number(text);
-    std::replace(number.begin(), number.end(), ',', '.');
-    NumberLocale onlyDecimal;
-    onlyDecimal.group = '\0';
-    return parseLocaleNumber(number, onlyDecimal);
-}
 } // namespace
 
 std::string plainText(double value, const NumberLocale& locale) {
@@ -73,7 +65,7 @@ void SpinnerField::moveTo(int position) {
 }
 
 bool SpinnerField::type(std::string_view text) {
-    const std::optional<double> number = typedNumber(text);
+    const std::optional<double> number = typedNumber(text, NumberLocale{});
     if (!number) {
         return false;
     }

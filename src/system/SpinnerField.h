@@ -42,7 +42,7 @@ public:
     void step(int steps);
     /// The spinner was put to a position of the present scale.
     void moveTo(int position);
-    /// A number that the operator typed, "." or "," as decimal sign. False when it is no number or out of
+    /// A number that the operator typed (typedNumber). False when it is no number or out of
     /// range: nothing changes then.
     bool type(std::string_view text);
 

@@ -122,6 +122,18 @@ private:
     std::string number_;
 };
 
+/// Digits in groups of three behind the first, as "1,234,567", with a sign before them or without.
+bool isGrouped(std::string_view text, char group) {
+    text.remove_prefix(!text.empty() && (text.front() == '-' || text.front() == '+') ? 1 : 0);
+    const std::size_t first = text.find(group);
+    bool grouped = first >= 1 && first <= 3 && text.front() != '0';
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isSign = i >= first && (i - first) % 4 == 0;
+        grouped = grouped && (isSign ? text[i] == group : text[i] >= '0' && text[i] <= '9');
+    }
+    return grouped && (text.size() - first) % 4 == 0;
+}
+
 std::string_view withoutOuterBlanks(std::string_view text) {
     while (!text.empty() && isBlank(text.front())) {
         text.remove_prefix(1);
@@ -316,6 +328,28 @@ std::optional<double> parseLocaleNumber(std::string_view text, const NumberLocal
     }
     const double value = toDouble(scanner.number());
     return std::isfinite(value) ? std::optional<double>(value) : std::nullopt;
+}
+
+std::optional<double> typedNumber(std::string_view text, const NumberLocale& locale) {
+    std::string plain(withoutOuterBlanks(text));
+    const std::size_t first = plain.find_first_of(".,");
+    if (first == std::string::npos) {
+        return parseLocaleNumber(plain, locale);
+    }
+    const std::size_t last = plain.find_last_of(".,");
+    const char group = plain[first];
+    const std::size_t whole = first == last || plain[last] != group ? last : plain.size(); // its end
+    if (whole < plain.size()) {
+        plain[whole] = '.';
+    }
+    if (first != last) {
+        if (!isGrouped(std::string_view(plain).substr(0, whole), group)) {
+            return {};
+        }
+        const auto end = plain.begin() + static_cast<std::ptrdiff_t>(whole);
+        plain.erase(std::remove(plain.begin(), end, group), end);
+    }
+    return parseLocaleNumber(plain, NumberLocale{});
 }
 
 std::int16_t toInt16(double value) {

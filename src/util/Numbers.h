@@ -18,6 +18,12 @@ double Val(std::string_view text);
 /// one. With "," as group separator "2,5" is 25, where it is the decimal separator 2.5.
 std::optional<double> parseLocaleNumber(std::string_view text, const NumberLocale& locale);
 
+/// A number as typed: a single "." or "," is the decimal sign in any locale ("1,250" is 1.25). Of both signs
+/// the last is the decimal sign and the other one groups thousands, as a sign does that stands several times.
+/// The locale's group separator is taken where there is neither. Nothing for anything else, an empty text
+/// included.
+std::optional<double> typedNumber(std::string_view text, const NumberLocale& locale);
+
 /// Rounds half to even, as whole numbers are taken everywhere; clamped to the type's range.
 std::int16_t toInt16(double value);
 std::int32_t toInt32(double value);

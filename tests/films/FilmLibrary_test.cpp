@@ -153,43 +153,6 @@ TEST(FilmEditor, ShowsAFilmWithItsMaterial) {
     EXPECT_NE(bench.library.notice().text, "");
 }
 
-TEST(FilmEditor, TakesTypedNumbers) {
-    const NumberLocale english;
-    const NumberLocale german{',', '.', "d.M.yyyy"};
-    struct Case {
-        const char* typed;
-        std::optional<double> number;
-    };
-    const Case cases[] = {{"2.5", 2.5},
-                          {"2,5", 2.5},
-                          {" 7 ", 7},
-                          {"1,250", 1.25},
-                          {"1.250", 1.25},
-                          {"0.381", 0.381},
-                          {"1e-3", 1e-3},
-                          {"-.5", -0.5},
-                          {"1,234.5", 1234.5},
-                          {"1.234,5", 1234.5},
-                          {"1,234,567", 1234567},
-                          {"-1.234.567,5", -1234567.5},
-                          {"1,2,3", {}},
-                          {"1,23.5", {}},
-                          {"1.2,3.4", {}},
-                          {"0,123,456", {}},
-                          {"1,,234", {}},
-                          {"1,234,", {}},
-                          {"", {}},
-                          {"abc", {}},
-                          {"1 2", {}},
-                          {",", {}},
-                          {",.", {}},
-                          {"1,2345.6", {}}};
-    for (const Case& c : cases) {
-        EXPECT_EQ(typedNumber(c.typed, english), c.number) << c.typed;
-        EXPECT_EQ(typedNumber(c.typed, german), c.number) << c.typed;
-    }
-}
-
 TEST(FilmEditor, WritesThroughAndOnlyWhatChanges) {
     FilmBench bench;
     bench.make({{"a", "Gold", 100, 1, 0.5, 60, 3}});

@@ -49,6 +49,36 @@ TEST(Numbers, LocaleNumbersAreTakenWholeOrNotAtAll) {
     }
 }
 
+TEST(Numbers, TypedNumbersTakeBothDecimalSigns) {
+    const std::pair<const char*, std::optional<double>> cases[] = {
+        {"2.5", 2.5},
+        {"2,5", 2.5},
+        {" 7 ", 7},
+        {"1,250", 1.25},
+        {"-.5", -0.5},
+        {"1,234.5", 1234.5},
+        {"1.234,5", 1234.5},
+        {"1,234,567", 1234567},
+        {"1,2,3", {}},
+        {"1,23.5", {}},
+        {"1.2,3.4", {}},
+        {"0,123,456", {}},
+        {"1,,234", {}},
+        {"1,234,", {}},
+        {"", {}},
+        {"1 2", {}},
+        {",", {}},
+        {",.", {}},
+        {"1,2345.6", {}},
+        {"1e-3", 1e-3},
+        {"-1.234.567,5", -1234567.5},
+    };
+    for (const auto& [text, number] : cases) {
+        EXPECT_EQ(typedNumber(text, kPoint), number) << text;
+        EXPECT_EQ(typedNumber(text, kComma), number) << text;
+    }
+}
+
 TEST(Numbers, WholeNumbersAreHalfToEvenAndClamped) {
     const auto values = {0.5, 1.5, 2.5, -0.5, -1.5, 2.4999, -2.51, 40000.0, -40000.0, 1e20, std::nan("")};
     EXPECT_EQ(each(values, [](double v) { return std::to_string(toInt16(v)); }),

@@ -4,6 +4,7 @@
 
 #include "films/frmFilm.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -159,13 +160,18 @@ TEST_F(FilmWindow, WritesThrough) {
 TEST_F(FilmWindow, BeginsNothingWithATypedValueThatIsNotStored) {
     open({{"ONE"}, {"TWO"}});
     clickRow(0);
-    for (const char* name : {"cmdDownload_0", "cmdUpload", "cmdDefaults", "cmdClose"}) {
+    bench->input.answer = "NEW";
+    bench->dialogs.answers = {kLibrary};
+    for (const char* name : {"cmdDownload_0", "cmdUpload", "cmdDefaults", "cmdClose", "cmdAddFilm",
+                             "cmdNewMat", "mnuFileOpen", "mnuFileSave"}) {
         type("txtParam_0", "abc");
-        click(name);
+        name[0] == 'm' ? find<QAction>(name)->trigger() : click(name);
         EXPECT_EQ(state(), "\"abc\" is no number: the value stays as it was") << name;
         QApplication::processEvents();
     }
     EXPECT_TRUE(bench->wire().commands().empty() && window->isVisible());
+    EXPECT_EQ(bench->rows("Film").size() + bench->rows("Material").size(), 4U) << "nothing was asked for";
+    EXPECT_EQ(bench->dialogs.answers.size(), 1U) << "no file either";
     for (const char* name : {"txtParam_0", "txtMinutes", "dbcMaterial"}) {
         const std::string before = name[0] == 'd' ? "" : textOf(name);
         find(name)->setFocus();
@@ -173,6 +179,11 @@ TEST_F(FilmWindow, BeginsNothingWithATypedValueThatIsNotStored) {
         QTest::keyClick(find(name), Qt::Key_Escape);
         EXPECT_TRUE(window->isVisible()) << name;
         EXPECT_EQ(name[0] == 'd' ? "" : textOf(name), before);
+        QTest::keyClick(find(name), Qt::Key_Escape);
+        EXPECT_FALSE(window->isVisible()) << name;
+        delete window.data();
+        show();
+        clickRow(0);
     }
     type("txtParam_0", "x"); // and another window in front
     bench->boxes.expectShow("\"x\" is no number: the value stays as it was");

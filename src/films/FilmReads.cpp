@@ -20,10 +20,10 @@ FilmReads::Taken FilmReads::take(bool strict) {
     using Step = FilmInstrument::Step;
     const bool unanswered = parts_.instrument.unanswered();
     const Step step = parts_.instrument.look();
+    const bool doubtful = unanswered || step == Step::Doubtful;
     lastIsLost_ = false;
-    const bool trusted = step == Step::Sound && !unanswered && parts_.ended(); // nothing more is sent
-    const bool own =
-        step != Step::Broken && (trusted || confirm(step == Step::Doubtful, strict || unanswered));
+    const bool trusted = !doubtful && parts_.ended(); // nothing more is sent
+    const bool own = step != Step::Broken && (trusted || confirmSuspects(strict || doubtful));
     before_ = films_.back();
     if (own && lastIsLost_) {
         taken.lost.push_back(before_->FilmNum);
@@ -53,12 +53,12 @@ bool FilmReads::isSuspect(std::size_t i, bool lastToo) const {
     return endsTheRow && likeTheOneBefore(i);
 }
 
-/// Reads the suspects once more, or all: the line is quiet now. False when the films are not their own; the
-/// last one alone is lost where nothing answers any more.
-bool FilmReads::confirm(bool all, bool lastToo) {
+/// Reads the suspects once more: the line is quiet now. False when the films are not their own; the last one
+/// alone is lost where nothing answers any more.
+bool FilmReads::confirmSuspects(bool lastToo) {
     bool asked = false;
     for (std::size_t i = 0; i < films_.size(); ++i) {
-        if (!all && !isSuspect(i, lastToo)) {
+        if (!isSuspect(i, lastToo)) {
             continue;
         }
         asked = true;

@@ -30,7 +30,7 @@ public:
 private:
     [[nodiscard]] bool likeTheOneBefore(std::size_t i) const;
     [[nodiscard]] bool isSuspect(std::size_t i, bool lastToo) const;
-    bool confirm(bool all, bool lastToo);
+    bool confirmSuspects(bool lastToo);
 
     const FilmTransferParts& parts_;
     std::vector<FilmRecord> films_;

@@ -98,31 +98,39 @@ struct FilmBench : LinkBench, FilmListView, FilmMemoryAccess {
             {}};
         auto database = engine.CreateDatabase(path, jet::Generation::Jet4, {film, material}, {45000});
         database->BeginTrans();
-        auto materials = database->OpenRecordset("Material");
-        for (const auto& [name, density, z] : {std::tuple{"Gold", 19.3, 0.381}, {"Silver", 10.5, 0.529}}) {
-            materials->AddNew();
-            materials->SetValue("Material", std::string(name));
-            materials->SetValue("Density", density);
-            materials->SetValue("ZFactor", z);
-            materials->Update();
-        }
-        auto films_ = database->OpenRecordset("Film");
+        addRow(*database, "Material",
+               {{"Material", std::string("Gold")}, {"Density", 19.3}, {"ZFactor", 0.381}});
+        addRow(*database, "Material",
+               {{"Material", std::string("Silver")}, {"Density", 10.5}, {"ZFactor", 0.529}});
         std::int64_t number = 0;
         for (const TestFilm& row : rows) {
-            films_->AddNew();
+            FilmLibrary::Values values = {
+                {"FilmName", row.name},
+                {"Material", row.material ? jet::Value(*row.material) : jet::Value()},
+                {"Tooling", valueOf(row.tooling)},
+                {"EndThick", valueOf(row.endThick)},
+                {"ThickSet", valueOf(row.thickSet)},
+                {"TimeSet", valueOf(row.timeSet)},
+                {"SensorAvg", valueOf(row.sensorAvg)}};
             if (numbered) {
-                films_->SetValue("FilmNum", ++number);
+                values.emplace_back("FilmNum", ++number);
             }
-            films_->SetValue("FilmName", row.name);
-            films_->SetValue("Material", row.material ? jet::Value(*row.material) : jet::Value());
-            films_->SetValue("Tooling", valueOf(row.tooling));
-            films_->SetValue("EndThick", valueOf(row.endThick));
-            films_->SetValue("ThickSet", valueOf(row.thickSet));
-            films_->SetValue("TimeSet", valueOf(row.timeSet));
-            films_->SetValue("SensorAvg", valueOf(row.sensorAvg));
-            films_->Update();
+            addRow(*database, "Film", values);
         }
         database->CommitTrans();
+    }
+    static void addRow(jet::Database& database, const char* table, const FilmLibrary::Values& values) {
+        auto rows = database.OpenRecordset(table);
+        rows->AddNew();
+        for (const auto& [field, value] : values) {
+            rows->SetValue(field, value);
+        }
+        rows->Update();
+    }
+    /// Another program has the library open.
+    void lock(const std::string& path = kLibrary) {
+        memory.put(path.substr(0, path.size() - 3) + "ldb",
+                   "LAB-3" + std::string(27, '\0') + "Admin" + std::string(27, '\0'));
     }
     /// The rows of a table as they lie in the file, fields joined by "|".
     static std::vector<std::string> rowsIn(FilePort& files, const std::string& path, const char* table) {

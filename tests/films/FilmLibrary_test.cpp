@@ -97,8 +97,7 @@ TEST(LibraryUpgrade, LeavesWhatItCannotConvertAsItIs) {
         {"locked",
          [&](FilmBench& b) {
              b.make(films, "PRIMARYKEY", false);
-             b.memory.put("/data/Monitor.ldb",
-                          "LAB-3" + std::string(27, '\0') + "Admin" + std::string(27, '\0'));
+             b.lock();
          },
          "in use by user Admin on computer LAB-3"},
         {"read-only",
@@ -246,7 +245,7 @@ TEST(FilmLibrary, SaysWhatWasNotSaved) {
     EXPECT_EQ(bench.library.notice().text, "Change not saved: No space left on device");
     EXPECT_EQ(bench.editor.shown().boxes[0], "100");
     bench.files.heal();
-    bench.memory.put("/data/Monitor.ldb", "LAB-3" + std::string(27, '\0') + "Admin" + std::string(27, '\0'));
+    bench.lock();
     bench.editor.setTime(3, 0);
     EXPECT_EQ(bench.library.notice().text, "Change not saved: in use by user Admin on computer LAB-3");
     EXPECT_EQ(bench.library.standing().text, "Read-only: in use by user Admin on computer LAB-3");

@@ -20,6 +20,10 @@ struct Transfer : FilmBench {
         }
     }
     std::string told() { return library.notice().text; }
+    /// The f-th row of the upload is the instrument's film f.
+    bool isOwn(std::size_t f) {
+        return rows("Film", kUpload)[f - 1].substr(2, 8) == held(static_cast<int>(f)).substr(0, 8);
+    }
     /// Answers come after 0.02 s, that of the k-th exchange twice; those of the next ones in that range do
     /// not.
     void answerTwice(int k, double copyAfter, int silentFrom = 0, int silentTo = 0) {
@@ -301,13 +305,7 @@ constexpr Fault kFaults[] = {Fault::Silent,  Fault::Refused, Fault::Damaged, Fau
 
 /// Runs a transfer whose k-th exchange fails.
 void spoilExchange(Transfer& bench, Fault fault, int k, const std::function<void()>& transfer) {
-    bench.boxes.allow("Get Film Error: ");
-    bench.boxes.allow("Error reading Film number ");
-    bench.boxes.allow("Film ");
-    bench.boxes.allow("Final Thickness");
-    bench.boxes.allow("Thickness Setpoint");
-    bench.boxes.allow("Time Setpoint");
-    bench.boxes.allow("Sensor Average");
+    bench.boxes.allow("");
     bench.spoilAt = k;
     bench.spoil = [&bench, fault](const std::string& command) {
         if (fault == Fault::ForGood) {
@@ -343,7 +341,7 @@ TEST(Faults, AtEachExchangeOfAnUpload) {
             EXPECT_EQ(rows[0].substr(0, 10), stored == 0 ? "1|mine|Gol" : "1|ALUMINUM");
             EXPECT_EQ(bench.exchanges, k);
             for (std::size_t f = 2; f <= stored; ++f) {
-                EXPECT_EQ(rows[f - 1].substr(2, 8), bench.held(static_cast<int>(f)).substr(0, 8));
+                EXPECT_TRUE(bench.isOwn(f)) << f;
             }
             EXPECT_EQ(bench.faults(kUpload), "");
             EXPECT_EQ(bench.progress.standing, 0);
@@ -392,53 +390,32 @@ TEST(Faults, AtEachExchangeOfADownload) {
 
 // The k-th command is answered twice. A copy that comes before the next command is dropped; one that comes
 // behind it moves all answers from there on by one, also where films are alike, so that it shows in none of
-// them: no film is stored under another's number, and nobody is asked about a difference that is none.
+// them. A command that is lost takes the surplus answer up; or nothing is answered any more. No film is
+// stored under another's number. The last of two films that end the list may be: whether they are alike, or
+// its command was lost, nothing tells.
 TEST(Faults, AnAnswerTwiceAtEachExchangeOfAnUpload) {
-    for (int n = 0; n < 2 * 9 * 9; ++n) {
+    for (int n = 0; n < 9 * 9 * 8; ++n) {
         const int twins = n % 9, k = n / 9 % 9 + 1; // that film and the next one are alike; 0: none are
-        const double copyAfter = n < 81 ? 0.02 : 0.03;
-        SCOPED_TRACE(testing::Message() << k << ", twins " << twins << ", " << copyAfter);
-        Transfer bench({{"mine"}});
-        for (int f = twins; f > 0 && f <= twins + 1; ++f) {
-            bench.instrument.execute(filmCommand(f) + "SAME____ 1.000 100 1.000 1.000 1.000  1  1", 0);
-        }
-        bench.answerTwice(k, copyAfter);
-        bench.transfer.upload();
-        const bool read = bench.told().rfind("9 films read", 0) == 0;
-        EXPECT_TRUE(read || (k < 9 && copyAfter > 0.02)) << bench.told();
-        EXPECT_TRUE(read || bench.told().rfind("Answers out of step. 0 of 9", 0) == 0) << bench.told();
-        const Rows rows = bench.rows("Film", kUpload);
-        EXPECT_EQ(rows.size(), read ? 9U : 1U);
-        for (std::size_t f = 1; f <= rows.size() && read; ++f) {
-            EXPECT_EQ(rows[f - 1].substr(2, 8), bench.held(static_cast<int>(f)).substr(0, 8)) << f;
-        }
-    }
-}
-
-// A command behind it that is lost takes the surplus answer up; or nothing is answered any more. Two films
-// that end the list are the exception: whether they are alike, or the last one was lost, nothing tells.
-TEST(Faults, AnAnswerTwiceThenSilenceInAnUpload) {
-    for (int n = 0; n < 9 * 8 * 6; ++n) {
-        const int twins = n % 9, k = n / 9 % 8 + 1, silentFrom = n / 72 % 3 + 1;
-        const bool forGood = n >= 216;
-        SCOPED_TRACE(testing::Message() << k << ", twins " << twins << ", silent " << silentFrom << forGood);
+        const int mode =
+            n / 81; // the copy early; late; lost the 1st, 2nd, 3rd command behind; and all from there on
+        const int silentFrom = mode < 2 ? 99 : (mode - 2) % 3 + 1;
+        SCOPED_TRACE(testing::Message() << k << ", twins " << twins << ", mode " << mode);
         Transfer bench({});
         for (int f = twins; f > 0 && f <= twins + 1; ++f) {
             bench.instrument.execute(filmCommand(f) + "SAME____ 1.000 100 1.000 1.000 1.000  1  1", 0);
         }
-        bench.answerTwice(k, 0.03, silentFrom, forGood ? 99 : silentFrom);
+        bench.answerTwice(k, mode == 0 ? 0.02 : 0.03, silentFrom, mode < 5 ? silentFrom : 99);
         bench.transfer.upload();
-        const Rows rows = bench.rows("Film", kUpload);
-        for (std::size_t f = 1; f <= rows.size(); ++f) {
-            const bool lost = f == 9 && k + silentFrom == 9;
-            EXPECT_TRUE(lost || rows[f - 1].substr(2, 8) == bench.held(static_cast<int>(f)).substr(0, 8))
-                << f;
-        }
         const std::string told = bench.told();
-        const bool all = told.rfind("9 films read", 0) == 0;
-        EXPECT_EQ(all, rows.size() == 9) << told;
-        EXPECT_TRUE(all || told.find(std::to_string(rows.size()) + " of 9 films read") != std::string::npos)
+        const std::size_t stored = bench.rows("Film", kUpload).size();
+        EXPECT_NE(told.find(stored == 9 ? "9 films" : std::to_string(stored) + " of 9 films"),
+                  std::string::npos)
             << told;
+        EXPECT_TRUE(stored == 9 || mode > 1 || told.rfind("Answers out of step. 0 of 9", 0) == 0) << told;
+        EXPECT_TRUE(stored == 9 || (k < 9 && mode == 1) || mode > 1) << told;
+        for (std::size_t f = 1; f <= stored; ++f) {
+            EXPECT_TRUE(bench.isOwn(f) || (f == 9 && k + silentFrom == 9)) << f;
+        }
     }
 }
 
@@ -472,7 +449,6 @@ TEST(Faults, AnAnswerTwiceAtEachExchangeOfADownload) {
 // The fault comes in the 5th exchange of an upload, and in that of a download's second film; what was stored
 // before the fault is in the file.
 TEST(Faults, OfTheLibraryInMidTransfer) {
-    const std::string lock = "LAB-3" + std::string(27, '\0') + "Admin" + std::string(27, '\0');
     struct Case {
         std::function<void(Transfer&, const std::string&)> fault; ///< of the file of that path
         std::size_t rows;                                         ///< that the upload leaves
@@ -484,10 +460,8 @@ TEST(Faults, OfTheLibraryInMidTransfer) {
          "Changes not saved: No space left on device. 4 of 9 films read", "2 films sent"},
         {[](Transfer& b, const std::string& path) { b.memory.find(path)->writeProtected = true; }, 4,
          "Changes not saved: the file is read-only. 4 of 9 films read", "2 films sent"},
-        {[&](Transfer& b, const std::string& path) {
-             b.memory.put(path.substr(0, path.size() - 3) + "ldb", lock);
-         },
-         4, "Changes not saved: in use by user Admin on computer LAB-3. 4 of 9 films read", "2 films sent"},
+        {[](Transfer& b, const std::string& path) { b.lock(path); }, 4,
+         "Changes not saved: in use by user Admin on computer LAB-3. 4 of 9 films read", "2 films sent"},
         {[](Transfer& b, const std::string& path) { b.memory.put(path, b.bytes("/data/other.mdb")); }, 6,
          "Another program replaced the library, films stored before that are gone. 5 of 9 films read",
          "2 films sent. Not compared, cannot be looked up: mine, two"},

@@ -41,9 +41,8 @@ protected:
         }
         FilmBench bench;
         bench.make({{"ZINC"}, {"AL_BASE", "Silver", 102}, {"GOLD_5"}, {"CR"}}, "PRIMARYKEY", false);
-        const jet::TableSpec errors{
-            "Errors", {FilmBench::column("ErrorString", jet::ColumnType::Text, 100)}, {}};
-        bench.engine.OpenDatabase(kLibrary)->CreateTable(errors, {45000});
+        bench.engine.OpenDatabase(kLibrary)->CreateTable(
+            FilmBench::table("Errors", {{"ErrorString", jet::ColumnType::Text}}), {45000});
         std::ofstream(path.toStdString(), std::ios::binary) << bench.bytes();
         return true;
     }

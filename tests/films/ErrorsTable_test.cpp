@@ -9,11 +9,14 @@ namespace {
 /// Without ErrorLine; the text columns are short.
 jet::TableSpec errorsTable(jet::ColumnType number) {
     using enum jet::ColumnType;
-    return {"Errors",
-            {FilmBench::column("ErrorDate", Date), FilmBench::column("ErrorString", Text, 8),
-             FilmBench::column("ErrorNumber", number), FilmBench::column("ErrorProc", Text, 50),
-             FilmBench::column("CallStack", Memo), FilmBench::column("AdditionalInfo", Memo)},
-            {}};
+    auto table = FilmBench::table("Errors", {{"ErrorDate", Date},
+                                             {"ErrorString", Text},
+                                             {"ErrorNumber", number},
+                                             {"ErrorProc", Text},
+                                             {"CallStack", Memo},
+                                             {"AdditionalInfo", Memo}});
+    table.columns[1].size = 8;
+    return table;
 }
 
 TEST(ErrorsTable, TakesARowForEachReportAndForgetsThemAll) {
@@ -39,7 +42,7 @@ TEST(ErrorsTable, TakesARowForEachReportAndForgetsThemAll) {
     ASSERT_EQ(rows.size(), 2U);
     EXPECT_EQ(rows[0], "45351.75|somethin|-7|Comm_FindUSBDRX9|01  outer\r\n02    inner|");
     bench.engine.CreateDatabase("/data/theirs.mdb", jet::Generation::Jet4,
-                                {{"Errors", {FilmBench::column("Id", jet::ColumnType::Long)}, {}}}, {45000});
+                                {FilmBench::table("Errors", {{"Id", jet::ColumnType::Long}})}, {45000});
     EXPECT_NE(ErrorsTable("Errors").open(bench.engine, "/data/theirs.mdb"), "") << "of another make";
     sink.clear();
     EXPECT_TRUE(bench.rows("Errors", "/data/errors.mdb").empty());

@@ -69,33 +69,34 @@ struct FilmBench : LinkBench, FilmListView, FilmMemoryAccess {
 
     // ---- the library file ----
 
-    static jet::ColumnSpec column(const char* name, jet::ColumnType type, std::size_t size = 0) {
-        jet::ColumnSpec spec;
-        spec.name = name;
-        spec.type = type;
-        spec.size = size;
+    using Columns = std::vector<std::pair<const char*, jet::ColumnType>>;
+    /// Text columns take 20 characters.
+    static jet::TableSpec table(const char* name, const Columns& columns) {
+        jet::TableSpec spec{name, {}, {}};
+        for (const auto& [column, type] : columns) {
+            spec.columns.emplace_back();
+            spec.columns.back().name = column;
+            spec.columns.back().type = type;
+            spec.columns.back().size = type == jet::ColumnType::Text ? 20 : 0;
+        }
         return spec;
     }
     /// `index`: name of an index on FilmName, "" for none; `numbered`: with the column FilmNum.
     void make(const std::vector<TestFilm>& rows, const std::string& index = "", bool numbered = true,
               const std::string& path = kLibrary) {
         using enum jet::ColumnType;
-        jet::TableSpec film{"Film",
-                            {column("FilmName", Text, 20), column("Material", Text, 20),
-                             column("Tooling", Double), column("EndThick", Double),
-                             column("ThickSet", Double), column("TimeSet", Double),
-                             column("SensorAvg", Double)},
-                            {}};
+        Columns columns = {{"FilmName", Text},   {"Material", Text},   {"Tooling", Double},
+                           {"EndThick", Double}, {"ThickSet", Double}, {"TimeSet", Double},
+                           {"SensorAvg", Double}};
         if (numbered) {
-            film.columns.insert(film.columns.begin(), column("FilmNum", Integer));
+            columns.insert(columns.begin(), {"FilmNum", Integer});
         }
+        jet::TableSpec film = table("Film", columns);
         if (!index.empty()) {
             film.indexes.push_back({.name = index, .columns = {{"FilmName", true}}, .primary = true});
         }
-        const jet::TableSpec material{
-            "Material",
-            {column("Material", Text, 20), column("Density", Double), column("ZFactor", Double)},
-            {}};
+        const auto material =
+            table("Material", {{"Material", Text}, {"Density", Double}, {"ZFactor", Double}});
         auto database = engine.CreateDatabase(path, jet::Generation::Jet4, {film, material}, {45000});
         database->BeginTrans();
         addRow(*database, "Material",

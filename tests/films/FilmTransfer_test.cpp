@@ -20,6 +20,10 @@ struct Transfer : FilmBench {
         }
     }
     std::string told() { return library.notice().text; }
+    auto boxesOf(const std::string& beginning) {
+        return std::count_if(boxes.shown().begin(), boxes.shown().end(),
+                             [&](const auto& box) { return box.text.rfind(beginning, 0) == 0; });
+    }
     /// The f-th row of the upload is the instrument's film f.
     bool isOwn(std::size_t f) {
         return rows("Film", kUpload)[f - 1].substr(2, 8) == held(static_cast<int>(f)).substr(0, 8);
@@ -57,10 +61,7 @@ TEST(Upload, StoresByNumberInACopy) {
     EXPECT_EQ(rows[9], "10|ten|Gold|100|1|0.5|60|3") << "above the instrument's count";
     EXPECT_EQ(bench.rows("Material", kUpload)[2], "UnitMat1|2.7|1.08");
     EXPECT_EQ(bench.faults(kUpload), "");
-    EXPECT_EQ(bench.DBFileName, "UploadData.mdb");
-    EXPECT_TRUE(bench.library.unsavedUpload());
     EXPECT_EQ(bench.told(), "9 films read. Not saved under another name yet");
-    EXPECT_EQ(bench.library.notice().tone, NoticeTone::Warn);
     EXPECT_EQ(bench.progress.shown, Rows{"Reading DRX-9 Films"});
     EXPECT_EQ(bench.progress.percents, (std::vector<int>{11, 22, 33, 44, 56, 67, 78, 89, 100}));
     EXPECT_EQ(bench.progress.standing, 0);
@@ -97,20 +98,17 @@ TEST(Upload, StoresWhatItHasBeforeABoxTells) {
 TEST(Upload, StoresWhatTheColumnsHold) {
     Transfer bench({{"mine"}});
     using enum jet::ColumnType;
-    const jet::TableSpec film{"Film",
-                              {FilmBench::column("FilmNum", Integer), FilmBench::column("FilmName", Text, 20),
-                               FilmBench::column("Material", Text, 20), FilmBench::column("Tooling", Byte),
-                               FilmBench::column("EndThick", Single), FilmBench::column("ThickSet", Single),
-                               FilmBench::column("TimeSet", Double), FilmBench::column("SensorAvg", Double)},
-                              {}};
-    bench.engine.CreateDatabase(
-        "/data/single.mdb", jet::Generation::Jet4,
-        {film,
-         {"Material",
-          {FilmBench::column("Material", Text, 20), FilmBench::column("Density", Single),
-           FilmBench::column("ZFactor", Single)},
-          {}}},
-        {45000});
+    const auto film = FilmBench::table("Film", {{"FilmNum", Integer},
+                                                {"FilmName", Text},
+                                                {"Material", Text},
+                                                {"Tooling", Byte},
+                                                {"EndThick", Single},
+                                                {"ThickSet", Single},
+                                                {"TimeSet", Double},
+                                                {"SensorAvg", Double}});
+    const auto material =
+        FilmBench::table("Material", {{"Material", Text}, {"Density", Single}, {"ZFactor", Single}});
+    bench.engine.CreateDatabase("/data/single.mdb", jet::Generation::Jet4, {film, material}, {45000});
     bench.dialogs.answers = {"/data/single.mdb"};
     bench.library.openDatabase();
     bench.instrument.execute("A2SAME____ 2.700 300 1.080 0.100 0.200  1  1", 0);
@@ -225,23 +223,27 @@ TEST(Download, KnowsWhatWasReadOrAccepted) {
     EXPECT_EQ(bench.told().rfind("0 of 1 film", 0), 0U) << bench.told();
 }
 
-TEST(Download, SendsNumbersAtTheFormatsEdges) {
-    Transfer bench({{"A", "Gold", -0.4, 99999.9995, 0.0005, 5999.5, 1e9}, {"B", "Gold", 1e250}});
-    bench.boxes.allow("Film ");
-    bench.transfer.download(1);
-    EXPECT_EQ(bench.wire().commands()[1], "A1A_______ 19.300 0 0.381 100000.000 0.001  5999.5  1000000000");
-    EXPECT_EQ(bench.wire().commands()[2], "A1?") << "no packet is long enough for B";
-    EXPECT_NE(bench.told().find("Not sent, its numbers are too long: B"), std::string::npos) << bench.told();
-}
-
-TEST(Download, KnowsTwoSensors) {
-    for (const auto& [stored, sent] : {std::pair{4.0, "1"}, {63.0, "3"}, {2.0, "2"}}) {
-        Transfer bench({{"A", "Gold", 100, 1, 0.5, 60, stored}}, 9, 2);
-        bench.boxes.allow("Sensor Average for film #1 = ");
+TEST(Download, SendsNumbersAsTheInstrumentTakesThem) {
+    const struct {
+        TestFilm film;
+        int sensors;
+        const char* numbers; ///< as sent; null: not sent, no packet is long enough
+    } cases[] = {{{"A", "Gold", -0.4, 99999.9995, 0.0005, 5999.5, 1e9},
+                  6,
+                  "0 0.381 100000.000 0.001  5999.5  1000000000"},
+                 {{"A", "Gold", 1e250}, 6, nullptr},
+                 {{"A", "Gold", 100, 1, 0.5, 60, 4}, 2, "100 0.381 1.000 0.500  60  1"},
+                 {{"A", "Gold", 100, 1, 0.5, 60, 63}, 2, "100 0.381 1.000 0.500  60  3"}};
+    for (const auto& c : cases) {
+        Transfer bench({c.film}, 9, c.sensors);
+        bench.boxes.allow("");
         bench.transfer.download(1);
         EXPECT_EQ(bench.wire().commands()[1],
-                  std::string("A1A_______ 19.300 100 0.381 1.000 0.500  60  ") + sent);
-        EXPECT_EQ(bench.boxes.shown().size(), stored == 4 ? 1U : 0U) << stored;
+                  c.numbers ? std::string("A1A_______ 19.300 ") + c.numbers : "A1?");
+        EXPECT_EQ(bench.told().find("Not sent, its numbers are too long: A") == std::string::npos,
+                  c.numbers != nullptr);
+        EXPECT_EQ(bench.boxes.shown().empty(), *c.film.sensorAvg == 63)
+            << "the mask's first two sensors are compared";
     }
 }
 
@@ -281,75 +283,51 @@ TEST(Verification, AsksAboutEachDifferenceUntilCancelled) {
         }
         bench.transfer.download(1);
         EXPECT_EQ(bench.wire().commands().back(), cancelAt == 9 ? "A2?" : "A1?");
-        EXPECT_EQ(bench.progress.standing, 0);
     }
-}
-
-TEST(Verification, ShowsOneBoxWhereNoFilmCanBeReadBack) {
-    Transfer bench({{"A"}, {"B"}, {"C"}});
-    bench.spoilAt = 5;
-    bench.spoil = [&](const std::string&) {
-        ++bench.spoilAt;
-        return replyPacket('D', "");
-    };
-    bench.boxes.expectShow("Get Film Error: ");
-    bench.transfer.download(1);
-    EXPECT_EQ(bench.told(), "3 films sent. Not read back: 1, 2, 3");
 }
 
 // ---- Faults ----
 
-enum class Fault { Silent, Refused, Damaged, ForGood, Closing, Late, VeryLate };
-constexpr Fault kFaults[] = {Fault::Silent,  Fault::Refused, Fault::Damaged, Fault::ForGood,
-                             Fault::Closing, Fault::Late,    Fault::VeryLate};
+enum Fault { Silent, Refused, Damaged, RefusedForGood, ForGood, Closing, Late };
+constexpr Fault kFaults[] = {Silent, Refused, Damaged, RefusedForGood, ForGood, Closing, Late};
 
-/// Runs a transfer whose k-th exchange fails.
-void spoilExchange(Transfer& bench, Fault fault, int k, const std::function<void()>& transfer) {
+/// The k-th exchange fails.
+void spoilExchange(Transfer& bench, Fault fault, int k) {
     bench.boxes.allow("");
     bench.spoilAt = k;
     bench.spoil = [&bench, fault](const std::string& command) {
-        if (fault == Fault::ForGood) {
-            ++bench.spoilAt;
-        }
+        bench.spoilAt += fault == ForGood || fault == RefusedForGood ? 1 : 0;
         std::string damaged = good("rubbish that is long enough");
         damaged[6] ^= 1;
-        const sim::Reply reply = bench.instrument.execute(command, 0);
-        if (fault == Fault::Late || fault == Fault::VeryLate) {
-            bench.wire().arrive(replyPacket(reply.status, reply.data),
-                                Link::kReplyLimit + (fault == Fault::Late ? 0.2 : 0.45));
+        const std::string reply = bench.soundAnswer(command);
+        if (fault == Late) {
+            bench.wire().arrive(reply, Link::kReplyLimit + 0.45);
         }
-        return fault == Fault::Refused   ? replyPacket('D', "")
-               : fault == Fault::Damaged ? damaged
-               : fault == Fault::Closing ? replyPacket(reply.status, reply.data)
-                                         : std::string();
+        return fault == Refused || fault == RefusedForGood ? replyPacket('D', "")
+               : fault == Damaged                          ? damaged
+               : fault == Closing                          ? reply
+                                                           : std::string();
     };
-    if (fault == Fault::Closing) {
-        bench.ends = [&bench, k] { return bench.exchanges >= k; };
-    }
-    transfer();
+    bench.ends = [&bench, fault, k] { return fault == Closing && bench.exchanges >= k; };
 }
 
 TEST(Faults, AtEachExchangeOfAnUpload) {
     for (const Fault fault : kFaults) {
         for (int k = 1; k <= 9; ++k) {
-            SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(fault) << " at " << k);
-            Transfer bench({{"mine"}});
-            spoilExchange(bench, fault, k, [&] { bench.transfer.upload(); });
-            const auto stored = static_cast<std::size_t>(fault == Fault::Closing ? k : k - 1);
-            const Rows rows = bench.rows("Film", kUpload);
-            ASSERT_EQ(rows.size(), std::max<std::size_t>(stored, 1));
-            EXPECT_EQ(rows[0].substr(0, 10), stored == 0 ? "1|mine|Gol" : "1|ALUMINUM");
+            SCOPED_TRACE(testing::Message() << "fault " << fault << " at " << k);
+            Transfer bench({});
+            spoilExchange(bench, fault, k);
+            bench.transfer.upload();
+            const auto stored = static_cast<std::size_t>(fault == Closing ? k : k - 1);
+            ASSERT_EQ(bench.rows("Film", kUpload).size(), stored);
             EXPECT_EQ(bench.exchanges, k);
-            for (std::size_t f = 2; f <= stored; ++f) {
+            for (std::size_t f = 1; f <= stored; ++f) {
                 EXPECT_TRUE(bench.isOwn(f)) << f;
             }
             EXPECT_EQ(bench.faults(kUpload), "");
-            EXPECT_EQ(bench.progress.standing, 0);
-            EXPECT_FALSE(bench.transfer.running());
-            EXPECT_NE(
-                bench.told().find(std::to_string(stored) + (stored == 9 ? "" : " of 9") + " films read"),
-                std::string::npos)
-                << bench.told();
+            EXPECT_FALSE(bench.transfer.running() || bench.progress.standing != 0);
+            const std::string count = std::to_string(stored) + (stored == 9 ? "" : " of 9") + " films read";
+            EXPECT_NE(bench.told().find(count), std::string::npos) << bench.told();
         }
     }
 }
@@ -357,33 +335,27 @@ TEST(Faults, AtEachExchangeOfAnUpload) {
 TEST(Faults, AtEachExchangeOfADownload) {
     for (const Fault fault : kFaults) {
         for (int k = 1; k <= 7; ++k) { // "U?", three films, three read back
-            SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(fault) << " at " << k);
+            SCOPED_TRACE(testing::Message() << "fault " << fault << " at " << k);
             Transfer bench({{"A"}, {"B"}, {"C"}});
             const std::string before = bench.bytes();
-            spoilExchange(bench, fault, k, [&] { bench.transfer.download(1); });
+            spoilExchange(bench, fault, k);
+            bench.transfer.download(1);
             EXPECT_EQ(bench.bytes(), before) << "a download changes no library";
             for (int f = 1; f <= 3; ++f) {
                 FilmRecord held;
                 parseFilmReply(bench.held(f), f, held);
-                const bool unsure =
-                    (k == f + 1 && fault != Fault::Closing) || (k <= f + 1 && fault == Fault::ForGood);
+                const bool unsure = (k == f + 1 && fault != Closing) ||
+                                    (k <= f + 1 && (fault == ForGood || fault == RefusedForGood));
                 EXPECT_TRUE(unsure || bench.films[static_cast<std::size_t>(f)].FilmName == held.FilmName)
                     << f;
             }
-            EXPECT_EQ(bench.progress.standing, 0);
-            EXPECT_FALSE(bench.transfer.running());
-            EXPECT_FALSE(bench.hourglass);
-            const bool lastOne = fault == Fault::Closing && k == 7;
-            EXPECT_EQ(bench.told() == "3 films sent", lastOne || (fault == Fault::Closing && k >= 4))
-                << bench.told();
-            const int sent = fault == Fault::Closing ? k : fault == Fault::ForGood ? std::min(k + 1, 7) : 7;
-            EXPECT_EQ(bench.exchanges, k == 1 && fault != Fault::Closing ? 1 : sent);
-            const bool asked =
-                std::any_of(bench.boxes.shown().begin(), bench.boxes.shown().end(),
-                            [](const auto& box) { return box.kind == FakeMessageBoxes::Kind::OkCancel; });
-            const bool notStored =
-                fault == Fault::Refused || fault == Fault::Silent || fault == Fault::Damaged;
-            EXPECT_TRUE(!asked || notStored) << "compared with another film's answer";
+            EXPECT_FALSE(bench.transfer.running() || bench.hourglass || bench.progress.standing != 0);
+            EXPECT_EQ(bench.told() == "3 films sent", fault == Closing && k >= 4) << bench.told();
+            const int sent = fault == Closing ? k : fault == ForGood ? std::min(k + 1, 7) : 7;
+            EXPECT_EQ(bench.exchanges, k == 1 && fault != Closing ? 1 : sent);
+            const bool asked = bench.boxesOf("Film Name") != 0;
+            EXPECT_TRUE(!asked || fault <= RefusedForGood) << "compared with another film's answer";
+            EXPECT_LE(bench.boxesOf("Get Film Error: "), 1) << "the others are named";
         }
     }
 }
@@ -493,17 +465,15 @@ TEST(Faults, OfTheLibraryInMidTransfer) {
 
 TEST(Faults, ButtonsInMidTransferDoNothing) {
     Transfer bench({{"A"}, {"B"}});
-    int tries = 0;
-    for (int n = 1; n <= 20; ++n) {
-        bench.pump.atPump(n, [&] {
-            ++tries;
-            bench.transfer.upload();
-            bench.transfer.download(1);
-            bench.transfer.resetToDefaults();
-        });
-    }
+    bool tried = false;
+    bench.pump.atPump(3, [&] {
+        bench.transfer.upload();
+        bench.transfer.download(1);
+        bench.transfer.resetToDefaults();
+        tried = true;
+    });
     bench.transfer.download(1);
-    EXPECT_GE(tries, 5);
+    EXPECT_TRUE(tried);
     EXPECT_EQ(bench.wire().commands().size(), 5U);
     EXPECT_EQ(bench.told(), "2 films sent");
 }

@@ -6,17 +6,12 @@
 namespace drx9 {
 namespace {
 
-/// Without ErrorLine; the text columns are short.
+/// Without ErrorLine.
 jet::TableSpec errorsTable(jet::ColumnType number) {
     using enum jet::ColumnType;
-    auto table = FilmBench::table("Errors", {{"ErrorDate", Date},
-                                             {"ErrorString", Text},
-                                             {"ErrorNumber", number},
-                                             {"ErrorProc", Text},
-                                             {"CallStack", Memo},
-                                             {"AdditionalInfo", Memo}});
-    table.columns[1].size = 8;
-    return table;
+    const FilmBench::Columns columns = {{"ErrorDate", Date}, {"ErrorString", Text}, {"ErrorNumber", number},
+                                        {"ErrorProc", Text}, {"CallStack", Memo},   {"AdditionalInfo", Memo}};
+    return FilmBench::table("Errors", columns);
 }
 
 TEST(ErrorsTable, TakesARowForEachReportAndForgetsThemAll) {
@@ -26,7 +21,7 @@ TEST(ErrorsTable, TakesARowForEachReportAndForgetsThemAll) {
     ErrorsTable sink("Errors");
     ErrorReport report;
     report.ErrorDate = {2024, 2, 29, 18, 0, 0, 0};
-    report.ErrorString = "something went wrong";
+    report.ErrorString = "something went wrong, and how";
     report.ErrorNumber = -7;
     report.ErrorProc = "Comm_FindUSBDRX9";
     report.CallStack = {"01  outer", "02    inner"};
@@ -40,7 +35,7 @@ TEST(ErrorsTable, TakesARowForEachReportAndForgetsThemAll) {
     EXPECT_EQ(sink.write(report), "");
     const auto rows = bench.rows("Errors", "/data/errors.mdb");
     ASSERT_EQ(rows.size(), 2U);
-    EXPECT_EQ(rows[0], "45351.75|somethin|-7|Comm_FindUSBDRX9|01  outer\r\n02    inner|");
+    EXPECT_EQ(rows[0], "45351.75|something went wrong|-7|Comm_FindUSBDRX9|01  outer\r\n02    inner|");
     bench.engine.CreateDatabase("/data/theirs.mdb", jet::Generation::Jet4,
                                 {FilmBench::table("Errors", {{"Id", jet::ColumnType::Long}})}, {45000});
     EXPECT_NE(ErrorsTable("Errors").open(bench.engine, "/data/theirs.mdb"), "") << "of another make";

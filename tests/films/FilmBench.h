@@ -233,4 +233,17 @@ struct FilmBench : LinkBench, FilmListView, FilmMemoryAccess {
                            [this] { return ends && ends(); }}};
 };
 
+/// A bench with a library open, and a film of it chosen where one is named.
+struct OpenBench : FilmBench {
+    explicit OpenBench(const std::vector<TestFilm>& rows, const char* chosen = nullptr, int filmSlots = 9,
+                       int sensors = 6)
+        : FilmBench(filmSlots, sensors) {
+        make(rows);
+        open();
+        if (chosen != nullptr) {
+            editor.ShowDBFilm(chosen);
+        }
+    }
+};
+
 } // namespace drx9

@@ -135,10 +135,7 @@ TEST(FilmEditor, ShowsAFilmWithItsMaterial) {
 }
 
 TEST(FilmEditor, WritesThroughAndOnlyWhatChanges) {
-    FilmBench bench;
-    bench.make({{"a", "Gold", 100, 1, 0.5, 60, 3}});
-    bench.open();
-    bench.editor.ShowDBFilm("a");
+    OpenBench bench({{"a", "Gold", 100, 1, 0.5, 60, 3}}, "a");
     const auto steps = bench.files.steps().size();
     bench.editor.editBox(FilmBox::Tooling, "100.0");
     bench.editor.editBox(FilmBox::EndThick, "none");
@@ -162,41 +159,28 @@ TEST(FilmEditor, WritesThroughAndOnlyWhatChanges) {
 }
 
 TEST(FilmEditor, NamesFilmsByItsRules) {
-    struct Case {
-        const char* typed;
-        const char* stored; ///< null: refused with a box
-    };
-    const Case cases[] = {{"NewFilm7", nullptr},
-                          {"NewFilm", nullptr},
-                          {"UnitFilm2", nullptr},
-                          {"UnitFil", "UnitFil"},
-                          {"unitfilm", "unitfilm"},
-                          {"", "FILM 1"},
-                          {"ALUMINIUM1", "ALUMINIU"},
-                          {"caf\xC3\xA9 9 xy", "caf\xC3\xA9 9 x"},
-                          {"a!b", "old"},
-                          {"O'Hara", "O'Hara"}};
-    for (const Case& c : cases) {
-        FilmBench bench;
-        bench.make({{"old"}});
-        bench.open();
-        bench.editor.ShowDBFilm("old");
-        if (c.stored == nullptr) {
+    const std::pair<const char*, const char*> cases[] = {
+        // null: refused with a box
+        {"NewFilm7", nullptr},      {"NewFilm", nullptr},
+        {"UnitFilm2", nullptr},     {"UnitFil", "UnitFil"},
+        {"unitfilm", "unitfilm"},   {"", "FILM 1"},
+        {"ALUMINIUM1", "ALUMINIU"}, {"a!b", "old"},
+        {"O'Hara", "O'Hara"},       {"caf\xC3\xA9 9 xy", "caf\xC3\xA9 9 x"}};
+    for (const auto& [typed, stored] : cases) {
+        OpenBench bench({{"old"}}, "old");
+        if (stored == nullptr) {
             bench.boxes.expectShow(
                 "UnitFilm and NewFilm cannot be used for\nfilm names. Please select another name.");
         }
-        bench.editor.EditFilmName(c.typed);
+        bench.editor.EditFilmName(typed);
         EXPECT_EQ(bench.rows("Film").front(),
-                  std::string("1|") + (c.stored ? c.stored : "old") + "|Gold|100|1|0.5|60|3")
-            << c.typed;
+                  std::string("1|") + (stored ? stored : "old") + "|Gold|100|1|0.5|60|3")
+            << typed;
     }
 }
 
 TEST(FilmEditor, AddsFilmsAndMaterials) {
-    FilmBench bench;
-    bench.make({{"ALUMINIU"}});
-    bench.open();
-    bench.editor.ShowDBFilm("ALUMINIU");
+    OpenBench bench({{"ALUMINIU"}}, "ALUMINIU");
     bench.input.answer = "aluminiu";
     bench.boxes.expectShow("Duplicate name. Select another name for Film");
     EXPECT_FALSE(bench.editor.addFilm("Gold"));
@@ -217,10 +201,7 @@ TEST(FilmEditor, AddsFilmsAndMaterials) {
 }
 
 TEST(FilmLibrary, SaysWhatWasNotSaved) {
-    FilmBench bench;
-    bench.make({{"a"}});
-    bench.open();
-    bench.editor.ShowDBFilm("a");
+    OpenBench bench({{"a"}}, "a");
     const std::string before = bench.bytes();
     bench.files.fillAfter(100);
     bench.editor.editBox(FilmBox::Tooling, "50");
@@ -236,10 +217,8 @@ TEST(FilmLibrary, SaysWhatWasNotSaved) {
 }
 
 TEST(FilmLibrary, FollowsAFileThatAnotherProgramReplaced) {
-    FilmBench bench;
-    bench.make({{"a"}});
+    OpenBench bench({{"a"}});
     bench.make({{"a", "Silver"}, {"b"}}, "", true, "/data/other.mdb");
-    bench.open();
     const std::string ours = bench.bytes(), theirs = bench.bytes("/data/other.mdb");
     bench.memory.put(kLibrary, theirs);
     bench.library.refresh(Dat::MatAll);
@@ -269,9 +248,7 @@ TEST(FilmLibrary, FollowsAFileThatAnotherProgramReplaced) {
 // ---- Copies ----
 
 TEST(FilmLibrary, SavesACopyAndStaysWhereItIs) {
-    FilmBench bench;
-    bench.make({{"a"}});
-    bench.open();
+    OpenBench bench({{"a"}});
     EXPECT_FALSE(bench.library.saveDatabaseAs()) << "cancelled";
     bench.dialogs.answers = {"/data/Shop.mdb"};
     EXPECT_TRUE(bench.library.saveDatabaseAs());
@@ -303,10 +280,8 @@ TEST(FilmLibrary, SavesACopyAndStaysWhereItIs) {
 }
 
 TEST(FilmLibrary, MarksAnUploadUntilThatIsSaved) {
-    FilmBench bench;
-    bench.make({{"a"}});
+    OpenBench bench({{"a"}});
     bench.make({{"other"}}, "", true, "/data/other.mdb");
-    bench.open();
     EXPECT_TRUE(bench.library.openUploadCopy());
     EXPECT_FALSE(bench.library.uploadOverwrites()) << "the next one begins with this one";
     bench.dialogs.answers = {"/data/other.mdb", "/data/X.mdb", "/data/Shop.mdb"};

@@ -6,12 +6,10 @@ namespace drx9 {
 
 inline constexpr const char* kUpload = "/data/UploadData.mdb";
 
-/// A bench with a library open and its first film selected.
-struct Transfer : FilmBench {
+/// An open library, and an instrument whose films have been read.
+struct Transfer : OpenBench {
     explicit Transfer(const std::vector<TestFilm>& rows, int slots = 9, int sensors = 6)
-        : FilmBench(slots, sensors) {
-        make(rows);
-        open();
+        : OpenBench(rows, nullptr, slots, sensors) {
         exchanges = 0;
         for (int f = 1; f <= slots; ++f) {
             parseFilmReply(held(f), f, films[static_cast<std::size_t>(f)]);

@@ -35,7 +35,7 @@ TEST(Upload, StoresByNumberInACopy) {
     bench.editor.ShowDBFilm("ten");
     bench.editor.setTime(0, 1);
     bench.dialogs.answers = {"/data/Monitor.mdb"};
-    bench.library.openDatabase(); // and now the next upload would overwrite what is not saved
+    bench.library.openDatabase();      // and now the next upload would overwrite what is not saved
     for (const int step : {0, 1, 2}) { // Yes, and no file chosen; No, by the program's close; No
         bench.boxes.expect(FakeMessageBoxes::Kind::YesNo, "Save Uploaded Data to a database?", step == 0,
                            [&] { bench.ends = [=] { return step == 1; }; });

@@ -170,15 +170,16 @@ void FilmDownload::VerifyFilms() {
             goesOn = verifyRow(i);
         }
     }
-    keepReadBack(false);
+    keepReadBack();
 }
 
 /// False when the operator cancelled. What differs is asked about only when the answer is surely this
-/// film's. The first film that cannot be read has a box, the others only their names in the report.
+/// film's. A film that cannot be read has a box; right behind another such film it is only named in the
+/// report.
 bool FilmDownload::verifyRow(int film) {
     const Commands::FilmAnswer readBack = reads_.read(film, messages_);
+    messages_ = readBack.film ? Messages::Blocking : Messages::Silent;
     if (!readBack.film) {
-        messages_ = Messages::Silent;
         report_.name(filmText::kNotReadBack, std::to_string(film));
         return true;
     }
@@ -189,7 +190,7 @@ bool FilmDownload::verifyRow(int film) {
     parts_.films[0] = *readBack.film;
     const auto mismatches =
         filmMismatches(parts_.library, *readBack.film, parts_.list.manySensors(), parts_.locale);
-    if (mismatches.empty() || !keepReadBack(true)) {
+    if (mismatches.empty() || !keepReadBack()) {
         return true;
     }
     return std::all_of(mismatches.begin(), mismatches.end(), [&](const FilmMismatch& mismatch) {
@@ -198,8 +199,8 @@ bool FilmDownload::verifyRow(int film) {
 }
 
 /// What was read back is what the instrument holds, where it is surely each film's own; true when all are.
-bool FilmDownload::keepReadBack(bool strict) {
-    const FilmReads::Taken taken = reads_.take(strict);
+bool FilmDownload::keepReadBack() {
+    const FilmReads::Taken taken = reads_.take();
     for (const FilmRecord& film : taken.own) {
         parts_.film(film.FilmNum) = film;
     }

@@ -35,7 +35,7 @@ private:
     void nameRest();
     void lookAtWritten();
     bool verifyRow(int film);
-    bool keepReadBack(bool strict);
+    bool keepReadBack();
 
     const FilmTransferParts& parts_;
     int index_;

@@ -12,7 +12,7 @@ Commands::FilmAnswer FilmReads::read(int number, Messages messages) {
     return answer;
 }
 
-FilmReads::Taken FilmReads::take(bool strict) {
+FilmReads::Taken FilmReads::take() {
     Taken taken;
     if (films_.empty()) {
         return taken;
@@ -22,8 +22,7 @@ FilmReads::Taken FilmReads::take(bool strict) {
     const Step step = parts_.instrument.look();
     const bool doubtful = unanswered || step == Step::Doubtful;
     lastIsLost_ = false;
-    const bool trusted = !doubtful && parts_.ended(); // nothing more is sent
-    const bool own = step != Step::Broken && (trusted || confirmSuspects(strict || doubtful));
+    const bool own = step != Step::Broken && (!doubtful || confirmSuspects());
     before_ = films_.back();
     if (own && lastIsLost_) {
         taken.lost.push_back(before_->FilmNum);
@@ -48,17 +47,17 @@ bool FilmReads::likeTheOneBefore(std::size_t i) const {
 }
 
 /// Where answers have moved over films that are alike, the last one of these has another's answer.
-bool FilmReads::isSuspect(std::size_t i, bool lastToo) const {
-    const bool endsTheRow = i + 1 < films_.size() ? !likeTheOneBefore(i + 1) : lastToo;
+bool FilmReads::isSuspect(std::size_t i) const {
+    const bool endsTheRow = i + 1 == films_.size() || !likeTheOneBefore(i + 1);
     return endsTheRow && likeTheOneBefore(i);
 }
 
 /// Reads the suspects once more: the line is quiet now. False when the films are not their own; the last one
 /// alone is lost where nothing answers any more.
-bool FilmReads::confirmSuspects(bool lastToo) {
+bool FilmReads::confirmSuspects() {
     bool asked = false;
     for (std::size_t i = 0; i < films_.size(); ++i) {
-        if (!isSuspect(i, lastToo)) {
+        if (!isSuspect(i)) {
             continue;
         }
         asked = true;

@@ -7,10 +7,11 @@
 
 namespace drx9 {
 
-/// Films read from the instrument one after the other, held back until it is sure that each is the film of
-/// its number. The wire numbers no answers: one that comes twice is the next film's too, and those behind it
-/// move by one, until a command that is lost takes the surplus up. Then nothing shows it but a film that is
-/// like the one before it. The last of such films is read once more.
+/// Films read from the instrument one after the other, held back until a look at the line shows nothing that
+/// speaks against each being the film of its number. The wire numbers no answers: one that comes twice is the
+/// next film's too, and those behind it move by one. That leaves an answer too many at the end; where an
+/// exchange got none, or the last answer came once more, only films that are alike can hide it: the last of
+/// such films is read once more then. Nothing is sent beside the reads where nothing is odd.
 class FilmReads {
 public:
     struct Taken {
@@ -23,14 +24,13 @@ public:
 
     /// Pumps events.
     Commands::FilmAnswer read(int number, Messages messages);
-    /// The films read since it was called last, after a look at the line; pumps events. `strict`: the last
-    /// one is to be sure even if it shows only later that all have moved.
-    Taken take(bool strict = false);
+    /// The films read since it was called last, after a look at the line; pumps events.
+    Taken take();
 
 private:
     [[nodiscard]] bool likeTheOneBefore(std::size_t i) const;
-    [[nodiscard]] bool isSuspect(std::size_t i, bool lastToo) const;
-    bool confirmSuspects(bool lastToo);
+    [[nodiscard]] bool isSuspect(std::size_t i) const;
+    bool confirmSuspects();
 
     const FilmTransferParts& parts_;
     std::vector<FilmRecord> films_;

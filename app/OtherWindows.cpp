@@ -33,12 +33,11 @@ QWidget* makeComm(Core& core, const DesktopPorts& desktop, QWidget* owner) {
 }
 
 QWidget* makeFilms(Core& core, const DesktopPorts& desktop, QWidget* owner) {
-    auto* window =
-        new frmFilm({core.engine, desktop.files, core.paths, core.settings.DBFileName, core.films,
-                     FilmInstrument(core.link, core.commands, desktop.clock), desktop.dialogs, desktop.input,
-                     desktop.boxes, desktop.progress, core.actions, desktop.clock, core.locale, core.access,
-                     core.access, core.questions, [&core] { return core.actions.closing(); }},
-                    owner);
+    auto* window = new frmFilm({core.engine, desktop.files, core.paths, core.settings.DBFileName, core.films,
+                                FilmInstrument(core.link, core.commands, desktop.clock), desktop.dialogs,
+                                desktop.input, desktop.boxes, desktop.progress, core.actions, desktop.clock,
+                                core.locale, core.access, core.access, core.questions},
+                               owner);
     if (desktop.progressWindow != nullptr) {
         desktop.progressWindow->setOwner(ProgressOwner::FilmWindow, window);
     }

@@ -125,7 +125,8 @@ void FilmDownload::writeRow(int film) {
         return;
     }
     record.FilmName = wireFilmName(record.FilmName);
-    if (filmPayload(record).size() + filmCommand(film).size() > kLongestCommand) {
+    if (hasEndlessValues(parts_.library) ||
+        filmPayload(record).size() + filmCommand(film).size() > kLongestCommand) {
         report_.name(filmText::kTooLong, named);
         return;
     }
@@ -140,7 +141,9 @@ void FilmDownload::writeRow(int film) {
     if (comm::isUnanswered(status)) {
         parts_.forget(film);
     }
-    report_.name(filled(filmText::kNotAccepted, {commStatusText(status)}), std::to_string(film));
+    report_.name(filled(comm::isUnanswered(status) ? filmText::kNotAnswered : filmText::kNotAccepted,
+                        {commStatusText(status)}),
+                 std::to_string(film));
 }
 
 /// What is worth a look at a film that is sent all the same.

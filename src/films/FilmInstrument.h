@@ -22,6 +22,8 @@ public:
 
     /// The link is up, and the instrument has told its version.
     [[nodiscard]] bool online() const { return link_.CommOK() && !link_.CommVersion().empty(); }
+    /// It cannot be asked anything: off line, or the link has gone since.
+    [[nodiscard]] bool lost() const { return !online() || !link_.isOpen(); }
     [[nodiscard]] std::string versionText() const { return link_.Comm_VersionText(); }
     [[nodiscard]] int FilmCount() const { return link_.FilmCount(); }
     [[nodiscard]] int sensorCount() const { return link_.sensorCount(); }

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 namespace drx9 {
@@ -14,6 +15,15 @@ namespace drx9 {
 namespace {
 constexpr std::int32_t kTwoSensors = 3; ///< mask of the first two
 constexpr std::int32_t kFirstSensor = 1;
+
+/// The numbers that a film is sent with.
+constexpr std::array<std::pair<Dat, const char*>, 7> kValues = {{{Dat::DBSelected, "Tooling"},
+                                                                 {Dat::DBSelected, "EndThick"},
+                                                                 {Dat::DBSelected, "ThickSet"},
+                                                                 {Dat::DBSelected, "TimeSet"},
+                                                                 {Dat::DBSelected, "SensorAvg"},
+                                                                 {Dat::Material, "Density"},
+                                                                 {Dat::Material, "ZFactor"}}};
 
 void take(const jet::Value& value, double& number) {
     number = numberOf(value).value_or(number);
@@ -61,22 +71,24 @@ void DBFilmToComm(FilmLibrary& library, int slot, const std::string& name, bool 
         entry.SensorAvg = mask == 0 ? kFirstSensor : mask;
     }
     entry.Material = textOf(field("Material"));
-    library.select(Dat::Material, queries::materialNamed(entry.Material));
+    if (library.select(Dat::Material, queries::materialNamed(entry.Material)) == Found::Failed) {
+        entry.FilmName = kNotAFilm;
+        return;
+    }
     take(library.value(Dat::Material, "Density"), entry.Density);
     take(library.value(Dat::Material, "ZFactor"), entry.ZFactor);
 }
 
 bool hasEmptyValues(FilmLibrary& library) {
-    using enum Dat;
-    static constexpr std::array<std::pair<Dat, const char*>, 7> kValues = {{{DBSelected, "Tooling"},
-                                                                            {DBSelected, "EndThick"},
-                                                                            {DBSelected, "ThickSet"},
-                                                                            {DBSelected, "TimeSet"},
-                                                                            {DBSelected, "SensorAvg"},
-                                                                            {Material, "Density"},
-                                                                            {Material, "ZFactor"}}};
     return std::any_of(kValues.begin(), kValues.end(), [&](const auto& value) {
         return jet::isNull(library.value(value.first, value.second));
+    });
+}
+
+bool hasEndlessValues(FilmLibrary& library) {
+    return std::any_of(kValues.begin(), kValues.end(), [&](const auto& value) {
+        const auto number = numberOf(library.value(value.first, value.second));
+        return number && !std::isfinite(*number);
     });
 }
 

@@ -19,6 +19,8 @@ void DBFilmToComm(FilmLibrary& library, int slot, const std::string& name, bool 
 
 /// A value of the film that DBFilmToComm found, or of its material, is null: the instrument's own goes out.
 bool hasEmptyValues(FilmLibrary& library);
+/// One of them is infinite or no number, which no packet can tell.
+bool hasEndlessValues(FilmLibrary& library);
 
 /// What of a film was not stored.
 struct StoredFilm {

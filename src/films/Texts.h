@@ -74,7 +74,7 @@ inline constexpr const char* kOutOfStep = "Answers out of step";
 inline constexpr const char* kShutterOutOfStep = "answers out of step";
 inline constexpr const char* kSentOutOfStep = "Answers out of step: some films may not have been taken";
 inline constexpr const char* kNoPlace = "Not sent, the DRX-9 holds {} films";
-inline constexpr const char* kTooLong = "Not sent, its numbers are too long";
+inline constexpr const char* kTooLong = "Not sent, its numbers are too long, or none";
 inline constexpr const char* kRow = "row {}"; ///< stands for a film without a name
 inline constexpr const char* kNotLookedUp = "Not sent, cannot be looked up";
 inline constexpr const char* kSameName = "Several films of that name, the first was sent";
@@ -82,6 +82,7 @@ inline constexpr const char* kNamesCut = "Names cut to 8 characters";
 inline constexpr const char* kMaterialMissing =
     "Material not in the library, density and Z factor left as they are";
 inline constexpr const char* kNotAccepted = "Not accepted ({})";
+inline constexpr const char* kNotAnswered = "Not known whether accepted ({})";
 inline constexpr const char* kNotReadBack = "Not read back";
 inline constexpr const char* kNotCompared = "Not compared, cannot be looked up";
 inline constexpr const char* kReplaced =

@@ -25,6 +25,7 @@ namespace drx9 {
 
 namespace {
 constexpr std::size_t kFirstOfMany = 2; ///< index of the third sensor's box
+constexpr int kHeartbeatMs = 500;
 
 QString shown(const std::string& text) {
     return QString::fromStdString(text);
@@ -44,7 +45,8 @@ frmFilm::frmFilm(FilmWindowParts parts, QWidget* owner)
     , library_({parts_.engine, parts_.files, parts_.paths, parts_.dialogs, parts_.DBFileName})
     , editor_({library_, parts_.boxes, parts_.input, parts_.locale})
     , transfer_({library_, parts_.films, parts_.instrument, parts_.boxes, parts_.progress, parts_.clock,
-                 parts_.actions, parts_.memory, parts_.locale, *this, parts_.programCloses}) {
+                 parts_.actions, parts_.memory, parts_.locale, *this,
+                 [&actions = parts_.actions] { return actions.closing(); }}) {
     buildControls();
     Form_Load();
 }
@@ -75,6 +77,14 @@ void frmFilm::Form_Load() {
     showInstrument();
     showLibrary();
     list_->setFocus();
+    // Nothing is read while the window is open: a link that goes has to be looked for.
+    connect(&heartbeat_, &QTimer::timeout, this, [this] {
+        if (!transfer_.running() && shownLost_ != (wasOnline_ && parts_.instrument.lost())) {
+            showInstrument();
+            showState();
+        }
+    });
+    heartbeat_.start(kHeartbeatMs);
 }
 
 void frmFilm::closeEvent(QCloseEvent* event) {
@@ -153,6 +163,7 @@ void frmFilm::whenIdle(std::function<void()> action) {
 
 void frmFilm::mnuFileOpen_Click() {
     afterEditing([this] {
+        library_.forgetNotice();
         if (library_.openDatabase()) {
             showLibrary();
         }
@@ -268,17 +279,21 @@ void frmFilm::showFilm() {
 void frmFilm::showInstrument() {
     const FilmInstrument& now = parts_.instrument;
     version_->setText(shown(
-        now.online() ? filled(filmText::kInstrument, {now.versionText(), std::to_string(now.FilmCount())})
-                     : filmText::kOffLine));
+        !now.lost() ? filled(filmText::kInstrument, {now.versionText(), std::to_string(now.FilmCount())})
+                    : filmText::kOffLine));
 }
 
-/// What came of the last operation goes before what lasts.
+/// What came of the last operation goes before what lasts; but a library that cannot be read goes before all.
 void frmFilm::showState() {
-    const bool lost = wasOnline_ && !parts_.instrument.online();
-    LibraryNotice said;
+    shownLost_ = wasOnline_ && parts_.instrument.lost();
+    const LibraryNotice standing = library_.standing();
+    LibraryNotice said = library_.notice();
+    if (standing.tone == NoticeTone::Alarm) {
+        said = {standing.text + (said.text.empty() ? "" : ". ") + said.text, NoticeTone::Alarm};
+    }
     for (const LibraryNotice& line :
-         {library_.notice(), transfer_.lasting(),
-          LibraryNotice{lost ? filmText::kLinkLost : "", NoticeTone::Alarm}, library_.standing()}) {
+         {transfer_.lasting(), LibraryNotice{shownLost_ ? filmText::kLinkLost : "", NoticeTone::Alarm},
+          standing}) {
         said = said.text.empty() ? line : said;
     }
     state_->say(shown(said.text), toneOf(said.tone));
@@ -306,6 +321,10 @@ std::string frmFilm::filmName() const {
 void frmFilm::ShowDBFilm() {
     list_->noteShown();
     editor_.ShowDBFilm(list_->filmName());
+    if (!library_.found(Dat::DBSelected)) {
+        dbcMaterial_->setCurrentIndex(-1); // not that of the film before
+        dbcMaterial_->setEditText({});
+    }
     showFilm();
 }
 

@@ -7,6 +7,7 @@
 #include "link/MonitorAccess.h"
 
 #include <QDialog>
+#include <QTimer>
 
 #include <array>
 #include <functional>
@@ -43,7 +44,6 @@ struct FilmWindowParts {
     PollingAccess& polling;
     FilmMemoryAccess& memory;
     CloseRound& round;
-    std::function<bool()> programCloses; ///< asked between two exchanges of a transfer; may be empty
 };
 
 /// The film window: the library's films and materials, and their transfer to and from the instrument. Not
@@ -131,6 +131,8 @@ private:
     std::unique_ptr<Tenure> closeRound_;
     bool filling_ = true; ///< changes of the controls are the program's own
     bool manySensors_ = true;
+    QTimer heartbeat_;
+    bool shownLost_ = false; ///< the link, as the window says
     bool wasOnline_ = false;
     bool closeWanted_ = false; ///< asked for in mid-transfer
     bool closeAsked_ = false;

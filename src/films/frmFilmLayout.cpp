@@ -300,6 +300,9 @@ QGroupBox* frmFilm::buildInstrument() {
                           button("cmdDownload_0", "Download ->", "Send selected films to KTC-5."),
                           button("cmdDownload_1", "&Dnload &All ->", "Send all flms to KTC-5."),
                           button("cmdDefaults", "De&faults ->", "Reset DRX-9 to default values.")};
+    // Its letter is the File menu's. Were it both's, that key would lead to the button, and a blank reset the
+    // instrument.
+    instrumentButtons_.back()->setShortcut({});
     const std::array<std::function<void()>, 4> actions{
         [this] { transfer_.upload(); }, [this] { transfer_.download(0); }, [this] { transfer_.download(1); },
         [this] { transfer_.resetToDefaults(); }};

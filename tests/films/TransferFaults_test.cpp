@@ -79,8 +79,8 @@ TEST(Faults, AtEachExchangeOfADownload) {
 // The k-th command is answered twice. A copy that comes before the next command is dropped; one that comes
 // behind it moves all answers from there on by one, also where films are alike, so that it shows in none of
 // them; or nothing is answered any more from the first, second or third command behind it on. No film is
-// stored under another's number. Only where the list's last command alone is lost the surplus answer takes its
-// place, and nothing tells.
+// stored under another's number. Only where the list's last command alone is lost the surplus answer takes
+// its place, and nothing tells.
 TEST(Faults, AnAnswerTwiceAtEachExchangeOfAnUpload) {
     for (int n = 0; n < 9 * 9 * 5; ++n) {
         const int twins = n % 9, k = n / 9 % 9 + 1; // that film and the next one are alike; 0: none are

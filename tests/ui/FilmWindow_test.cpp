@@ -51,23 +51,9 @@ protected:
         show();
     }
     void show() {
-        window = new frmFilm({bench->engine,
-                              bench->files,
-                              bench->paths,
-                              bench->DBFileName,
-                              bench->films,
-                              bench->seen,
-                              bench->dialogs,
-                              bench->input,
-                              bench->boxes,
-                              bench->progress,
-                              bench->actions,
-                              bench->clock,
-                              bench->locale,
-                              *this,
-                              *this,
-                              *this,
-                              {}},
+        window = new frmFilm({bench->engine, bench->files, bench->paths, bench->DBFileName, bench->films,
+                              bench->seen, bench->dialogs, bench->input, bench->boxes, bench->progress,
+                              bench->actions, bench->clock, bench->locale, *this, *this, *this},
                              nullptr);
         window->show();
         window->activateWindow();
@@ -148,6 +134,13 @@ TEST_F(FilmWindow, WritesThrough) {
     minutes->setFocus();
     QTest::keyClick(minutes, Qt::Key_Up);
     EXPECT_EQ(minutes->value(), 2) << "what is stored";
+}
+
+TEST_F(FilmWindow, SaysALinkThatGoesWhileItIsOpen) {
+    open({{"ONE"}});
+    EXPECT_EQ(state(), "");
+    bench->serial.close();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return state() == "Off line: the link was lost"; }, 3000));
 }
 
 TEST_F(FilmWindow, BeginsNothingWithATypedValueThatIsNotStored) {

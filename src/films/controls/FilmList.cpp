@@ -132,7 +132,9 @@ void FilmList::selectFirstRow() {
 
 void FilmList::moveToSelectedRow() {
     const QModelIndexList selected = view_->selectionModel()->selectedRows();
-    if (!selected.isEmpty() && !isSelected(view_->currentIndex().row())) {
+    if (selected.isEmpty()) {
+        setCurrentRow(-1); // the row that the focus stands in is nobody's choice
+    } else if (!isSelected(view_->currentIndex().row())) {
         setCurrentRow(selected.first().row());
     }
 }

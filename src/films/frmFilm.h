@@ -90,6 +90,7 @@ private:
     void dbcMaterial_Change();
     void chkSensAvg_Click(std::size_t sensor);
     void spnTime_Change();
+    void txtParam_Change(FilmBox box);
     void txtParam_Finished(FilmBox box);
     void cmdNewMat_Click();
     void cmdAddFilm_Click();

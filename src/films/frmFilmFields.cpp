@@ -61,6 +61,20 @@ void frmFilm::afterEditing(std::function<void()> action) {
 
 // ---- Their changes ----
 
+/// A text that nobody typed, as a screen reader gives it, counts as typed; it is stored at once where the
+/// field is not the one in hand.
+void frmFilm::txtParam_Change(FilmBox box) {
+    const auto index = static_cast<std::size_t>(box);
+    QLineEdit* field = txtParam_[index];
+    if (filling_ || field->isModified() || field->text().toStdString() == editor_.shown().boxes[index]) {
+        return;
+    }
+    field->setModified(true);
+    if (!field->hasFocus()) {
+        txtParam_Finished(box);
+    }
+}
+
 void frmFilm::txtParam_Finished(FilmBox box) {
     QLineEdit* field = txtParam_[static_cast<std::size_t>(box)];
     if (filling_ || !field->isModified()) {
@@ -96,6 +110,9 @@ void frmFilm::dbcMaterial_Change() {
 }
 
 void frmFilm::chkSensAvg_Click(std::size_t sensor) {
+    if (filling_) {
+        return;
+    }
     library_.forgetNotice();
     editor_.clickSensor(sensor, chkSensAvg_[sensor]->isChecked());
     showFilm();

@@ -171,6 +171,7 @@ QLineEdit* frmFilm::buildBox(FilmBox box, const char* accessible, const char* to
     if (box != FilmBox::FilmName) {
         made->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     }
+    connect(made, &QLineEdit::textChanged, this, [this, box] { txtParam_Change(box); });
     connect(made, &QLineEdit::editingFinished, this, [this, box] { txtParam_Finished(box); });
     txtParam_[index] = made;
     return made;
@@ -280,7 +281,7 @@ QGroupBox* frmFilm::buildSensors() {
         box->setObjectName(QStringLiteral("chkSensAvg_%1").arg(k));
         box->setAccessibleName(QStringLiteral("Sensor %1").arg(k + 1));
         box->setToolTip(QStringLiteral("Use/Ignore sensor for this film."));
-        connect(box, &QCheckBox::clicked, this, [this, k] { chkSensAvg_Click(k); });
+        connect(box, &QCheckBox::toggled, this, [this, k] { chkSensAvg_Click(k); }); // however it is switched
         row->addWidget(box);
         chkSensAvg_[k] = box;
     }

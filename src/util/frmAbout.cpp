@@ -2,6 +2,7 @@
 #include "util/ProgramName.h"
 
 #include "BuildDate.h"
+#include "controls/AccessibleRoles.h"
 #include "controls/AppIcon.h"
 #include "controls/TextView.h"
 #include "controls/Theme.h"
@@ -43,6 +44,7 @@ class IconLabel : public QWidget {
 public:
     explicit IconLabel(QWidget* parent)
         : QWidget(parent) {
+        setAccessibleRole(*this, QAccessible::Graphic); // without a name: readers pass it over
         setFixedSize(kIcon, kIcon);
     }
 

@@ -2,12 +2,12 @@
 #include "controls/Theme.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeEventPump.h"
+#include "fakes/FakeFileDialogs.h"
 #include "fakes/FaultyFilePort.h"
 #include "fakes/MemoryFilePort.h"
 #include "graphs/controls/ChartControl.h"
 #include "graphs/frmGraphSet.h"
 #include "link/ActionQueue.h"
-#include "monitor/ChartFeed.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
@@ -26,16 +26,6 @@
 
 namespace drx9 {
 namespace {
-
-struct ChosenFile : FileDialogs {
-    std::string answer;
-    int asked = 0;
-    std::string openFile(const FileDialogRequest& request) override { return saveFile(request); }
-    std::string saveFile(const FileDialogRequest&) override {
-        ++asked;
-        return answer;
-    }
-};
 
 struct LastPage : PrintDialog {
     std::string png;
@@ -114,7 +104,7 @@ protected:
 
     MemoryFilePort memory;
     FaultyFilePort files{memory};
-    ChosenFile dialogs;
+    FakeFileDialogs dialogs;
     LastPage printer;
     int placed = 0;
     FakeClock clock;
@@ -171,33 +161,6 @@ TEST_F(Chart, ATickPaintsOnlyWhereReadingsCame) {
     EXPECT_FALSE(inked(picture(), place(50, level(3)), 3));
 }
 
-TEST_F(Chart, TheRunComesThroughTheStoresWrap) {
-    ChartFeed feed(charts.graphs());
-    feed.Init();
-    PointStore store;
-    store.clear();
-    Readings readings;
-    for (int i = 1; i <= 1100; ++i) {
-        readings.elapsed = i * 0.25;
-        readings.rate.fill(i);
-        store.store(readings, 3, i == 700);
-        feed.UpdateGraph(store, 3);
-        store.advance();
-    }
-    ASSERT_TRUE(choose("Whole run"));
-    dialogs.answer = "/app/run.txt";
-    charts.chart(2).setSensorCount(3);
-    ASSERT_TRUE(choose("Export data"));
-    std::string expected = "Elapsed Time (s)\tSensor 1\tSensor 2\tSensor 3\n";
-    for (int i = 1; i < 1100; ++i) { // the newest reading is fed with the next one
-        const std::string value = "\t" + std::to_string(i);
-        char line[64];
-        std::snprintf(line, sizeof line, "%s%.3f", i == 700 ? "\n" : "", i * 0.25);
-        expected += line + value + value + value + "\n";
-    }
-    EXPECT_EQ(memory.text("/app/run.txt"), expected);
-}
-
 TEST_F(Chart, TheOperatorsViewIsNotPulledAway) {
     QTest::keyClick(&chart, Qt::Key_Right);
     EXPECT_FALSE(chart.following());
@@ -219,15 +182,22 @@ TEST_F(Chart, TheOperatorsViewIsNotPulledAway) {
 TEST_F(Chart, MouseAndWheelOverPlotAndAxes) {
     const QRect plot = chart.plotRect();
     const auto wheel = [this](const QPoint& at) {
-        QWheelEvent event(at, chart.mapToGlobal(at), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
-                          Qt::NoScrollPhase, false);
-        QApplication::sendEvent(&chart, &event);
+        return [this, at] {
+            QWheelEvent event(at, chart.mapToGlobal(at), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                              Qt::NoScrollPhase, false);
+            QApplication::sendEvent(&chart, &event);
+        };
     };
     const auto drag = [this](const QPoint& from, const QPoint& by) {
-        QTest::mousePress(&chart, Qt::LeftButton, {}, from);
-        QTest::mouseMove(&chart, from + by / 2);
-        QTest::mouseMove(&chart, from + by);
-        QTest::mouseRelease(&chart, Qt::LeftButton, {}, from + by);
+        return [this, from, by] {
+            QTest::mousePress(&chart, Qt::LeftButton, {}, from);
+            QTest::mouseMove(&chart, from + by / 2);
+            QTest::mouseMove(&chart, from + by);
+            QTest::mouseRelease(&chart, Qt::LeftButton, {}, from + by);
+        };
+    };
+    const auto press = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        return [=, this] { QTest::keyClick(&chart, key, modifiers); };
     };
     const QPoint middle = plot.center();
     QTest::mousePress(&chart, Qt::LeftButton, {}, middle); // and a menu takes the release
@@ -244,32 +214,16 @@ TEST_F(Chart, MouseAndWheelOverPlotAndAxes) {
         bool x, y;
     };
     const Case cases[] = {
-        {"wheel", [&] { wheel(middle); }, true, true},
-        {"wheel on X", [&] { wheel(onX); }, true, false},
-        {"wheel on Y", [&] { wheel(onY); }, false, true},
-        {"drag",
-         [&] {
-             drag(middle, {40, 40});
-         },
-         true, true},
-        {"drag on X",
-         [&] {
-             drag(onX, {40, 5});
-         },
-         true, false},
-        {"drag on Y",
-         [&] {
-             drag(onY, {5, 40});
-         },
-         false, true},
-        {"a click",
-         [&] {
-             drag(middle, {1, 1});
-         },
-         false, false},
-        {"zoom key", [&] { QTest::keyClick(&chart, Qt::Key_Plus); }, true, true},
-        {"Y key", [&] { QTest::keyClick(&chart, Qt::Key_Minus, Qt::ShiftModifier); }, false, true},
-        {"X key", [&] { QTest::keyClick(&chart, Qt::Key_Minus, Qt::ControlModifier); }, true, false},
+        {"wheel", wheel(middle), true, true},
+        {"wheel on X", wheel(onX), true, false},
+        {"wheel on Y", wheel(onY), false, true},
+        {"drag", drag(middle, {40, 40}), true, true},
+        {"drag on X", drag(onX, {40, 5}), true, false},
+        {"drag on Y", drag(onY, {5, 40}), false, true},
+        {"a click", drag(middle, {1, 1}), false, false},
+        {"zoom key", press(Qt::Key_Plus), true, true},
+        {"Y key", press(Qt::Key_Minus, Qt::ShiftModifier), false, true},
+        {"X key", press(Qt::Key_Minus, Qt::ControlModifier), true, false},
     };
     for (const Case& c : cases) {
         c.act();
@@ -375,6 +329,9 @@ TEST_F(Chart, PicturesAndExportGoThroughTheFilePort) {
         EXPECT_EQ(dialogs.asked, asked) << "not in an exchange";
     }
     pump.runPosted();
+    dialogs.answer = "/app/run.txt";
+    ASSERT_TRUE(choose("Export data"));
+    EXPECT_EQ(memory.text("/app/run.txt").rfind("Elapsed Time (s)\tSensor 1\tSensor 3\t", 0), 0U);
     files.fillAfter(100);
     chart.setSilence(QStringLiteral("No readings since 14:09:04")); // stays, and must not hide the rest
     dialogs.answer = "/app/full.txt";
@@ -454,7 +411,7 @@ TEST_F(GraphSet, OkIsHomeAlsoForAZoomedAxis) {
     EXPECT_EQ(graph.YMin(), 12) << "stored all the same";
 }
 
-TEST_F(GraphSet, CancelChangesNothingAndOkUntouchedKeepsTheLook) {
+TEST_F(GraphSet, CancelChangesNothingAndOkUntouchedKeepsTheLookAndTellsWhatWasNotSaved) {
     open();
     spin(4).setValue(7);
     click("cmdCancel");
@@ -462,19 +419,14 @@ TEST_F(GraphSet, CancelChangesNothingAndOkUntouchedKeepsTheLook) {
     EXPECT_FALSE(memory.exists(graph.Cfg_Filename()));
     const ChartLook design = designLook(graph.design());
     open();
+    QSignalSpy told(window.get(), &frmGraphSet::settingsNotSaved);
+    files.fillAfter(10);
     click("cmdOK");
     EXPECT_EQ(graph.YMax(), design.y.maximum);
     EXPECT_EQ(graph.XDiv(), design.x.gridSpacing);
     EXPECT_EQ(graph.YDiv(), design.y.gridSpacing);
     EXPECT_EQ(graph.Xwide(), 300);
     EXPECT_TRUE(graph.XGrid_Enable());
-}
-
-TEST_F(GraphSet, WhatCouldNotBeSavedIsTold) {
-    open();
-    QSignalSpy told(window.get(), &frmGraphSet::settingsNotSaved);
-    files.fillAfter(10);
-    click("cmdOK");
     ASSERT_EQ(told.size(), 4);
     EXPECT_EQ(told[0][0].toString().toStdString(), "Graph settings not saved: No space left on device");
 }

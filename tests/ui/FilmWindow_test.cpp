@@ -1,4 +1,5 @@
 // The film window by real events: what it shows, what its boxes write, transfers, and how it closes.
+#include "fakes/FakePolling.h"
 #include "films/FilmBench.h"
 #include "ui/Controls.h"
 
@@ -19,24 +20,8 @@ namespace {
 
 using Rows = std::vector<std::string>;
 
-struct CountedTenure : Tenure {
-    explicit CountedTenure(std::vector<std::string>& list)
-        : told(list) {}
-    CountedTenure(const CountedTenure&) = delete;
-    CountedTenure& operator=(const CountedTenure&) = delete;
-    ~CountedTenure() override { told.emplace_back("timer runs"); }
-    std::vector<std::string>& told;
-};
-
-class FilmWindow : public testing::Test,
-                   protected Controls,
-                   public PollingAccess,
-                   public CloseRound,
-                   public FilmMemoryAccess {
+class FilmWindow : public testing::Test, protected Controls, public CloseRound, public FilmMemoryAccess {
 protected:
-    std::unique_ptr<Tenure> holdTimer(const std::string&) override {
-        return std::make_unique<CountedTenure>(told);
-    }
     std::unique_ptr<Tenure> beforeClose(Question asked) override {
         question = std::move(asked);
         return nullptr;
@@ -51,9 +36,10 @@ protected:
         show();
     }
     void show() {
+        polling.released = [this] { told.emplace_back("timer runs"); };
         window = new frmFilm({bench->engine, bench->files, bench->paths, bench->DBFileName, bench->films,
                               bench->seen, bench->dialogs, bench->input, bench->boxes, bench->progress,
-                              bench->actions, bench->clock, bench->locale, *this, *this, *this},
+                              bench->actions, bench->clock, bench->locale, polling, *this, *this},
                              nullptr);
         window->show();
         window->activateWindow();
@@ -80,6 +66,7 @@ protected:
     bool enabled(const char* name) { return find(name)->isEnabled(); }
 
     std::vector<std::string> told;
+    FakePolling polling;
     Question question;
     bool ends = false;
     std::unique_ptr<FilmBench> bench;

@@ -22,19 +22,18 @@ namespace {
 class MainWindow : public UiFixture {};
 
 TEST_F(MainWindow, NoTwoShortcutsAndNoTwoMnemonicsOfAMenuAreTheSame) {
-    QSet<QString> keys;
+    QSet<QString> seen{{}};
     for (const QMenu* menu : window->menuBar()->findChildren<QMenu*>()) {
-        QSet<QString> mnemonics;
         for (const QAction* item : menu->actions()) {
             const QString mnemonic = QKeySequence::mnemonic(item->text()).toString();
-            EXPECT_FALSE(mnemonics.contains(mnemonic) && !mnemonic.isEmpty()) << mnemonic.toStdString();
-            mnemonics.insert(mnemonic);
-            const QString key = item->shortcut().toString();
-            EXPECT_FALSE(keys.contains(key) && !key.isEmpty()) << key.toStdString();
-            keys.insert(key);
+            for (const QString& key :
+                 {item->shortcut().toString(), mnemonic.isEmpty() ? "" : menu->title() + mnemonic}) {
+                EXPECT_FALSE(seen.contains(key) && !key.isEmpty()) << key.toStdString();
+                seen.insert(key);
+            }
         }
     }
-    EXPECT_GT(keys.size(), 10);
+    EXPECT_GT(seen.size(), 20);
 }
 
 TEST_F(MainWindow, HidesTheRunControlsOffLine) {
@@ -273,14 +272,14 @@ TEST_F(MainWindow, ADigitIsNeverCut) {
     }
 }
 
-TEST_F(MainWindow, TabAndArrowsReachEverything) {
+TEST_F(MainWindow, ArrowsAndF6ReachEverything) {
     window->showWindow();
     bringUp();
     tick();
     window->activateWindow();
     EXPECT_EQ(window->focusWidget(), find("cboFilms")) << "as the program starts";
+    find("TxtData_1")->setFocus();
     const std::pair<Qt::Key, std::vector<const char*>> ways[] = {
-        {Qt::Key_Tab, {"cmdZero", "cmdShutter", "cmdStartStop", "TxtData_1"}},
         {Qt::Key_Right, {"TxtData_2", "TxtData_9", "TxtData_10", "TxtData_11", "TxtData_3"}},
         {Qt::Key_F6, {"oc2AvgRate", "cboFilms", "TxtData_1"}}};
     for (const auto& [pressed, names] : ways) {

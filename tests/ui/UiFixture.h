@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/OtherWindows.h"
+#include "fakes/FakeFileDialogs.h"
 #include "fakes/FakeInputBox.h"
 #include "monitor/MonitorFixture.h"
 #include "ui/Controls.h"
@@ -11,16 +12,6 @@
 #include <memory>
 
 namespace drx9 {
-
-struct FakeFileDialogs : FileDialogs {
-    FileDialogRequest request;
-    std::string answer;
-    std::string openFile(const FileDialogRequest& asked) override { return saveFile(asked); }
-    std::string saveFile(const FileDialogRequest& asked) override {
-        request = asked;
-        return answer;
-    }
-};
 
 struct FakeShell : Shell {
     std::string opened;

@@ -296,7 +296,7 @@ void ChartEditor::addText(QFormLayout& form, const char* label, const char* name
     auto* line = named(new QLineEdit(QString::fromStdString(model_.look().*axis.*text), this), name, label);
     line->setMaxLength(kMostTextCharacters);
     line->setMinimumSize(260, 28);
-    connect(line, &QLineEdit::textEdited, this, [this, axis, text](const QString& typed) {
+    connect(line, &QLineEdit::textChanged, this, [this, axis, text](const QString& typed) {
         change([&](ChartLook& look) { look.*axis.*text = typed.toStdString(); });
     });
     form.addRow(QString::fromLatin1(label), line);

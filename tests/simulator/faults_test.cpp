@@ -1,9 +1,21 @@
 #include <algorithm>
 
 #include "simulator/Bench.h"
+#include "simulator/Options.h"
 
 namespace drx9::sim {
 namespace {
+
+TEST(Options, AreReadOrExplained) {
+    const Options options = parseOptions({"--films=9", "--sensors", "3", "--baud", "9600", "--frozen"});
+    const InstrumentOptions& instrument = options.simulator.instrument;
+    EXPECT_EQ(options.tcp->host + ":" + options.tcp->port, "127.0.0.1:2101");
+    EXPECT_EQ(instrument.versionText, "DRX-9 Ver 4.08");
+    EXPECT_TRUE(instrument.frozen && instrument.sensors == 3 && options.simulator.baud == 9600);
+    EXPECT_EQ(parseOptions({"--tcp", "70000"}).error, "no sensible value for --tcp: 70000");
+    EXPECT_EQ(parseOptions({"--sensors", "--quiet"}).error, "needs a value: --sensors");
+    EXPECT_EQ(parseOptions({"--bogus"}).error, "unknown option: --bogus");
+}
 
 TEST(Faults, ListIsReadOrRefusedAsAWhole) {
     EXPECT_EQ(parseFaults("none").faults.size(), 0U);

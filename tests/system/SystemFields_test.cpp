@@ -38,27 +38,13 @@ TEST(SystemFields, ShowTheRecordsValues) {
         bool exact;
     };
     const std::vector<Case> cases{
-        {0, 0.25, 25, 100, ".25", true},
-        {0, 0.29, 29, 100, ".29", true}, // 28.999999999999996 in double precision
-        {0, 99.99, 9999, 100, "99.99", true},
+        {0, 0.29, 29, 100, ".29", true},   // 28.999999999999996 in double precision
         {0, 0.125, 12, 100, ".12", false}, // half to even
-        {0, 0, 25, 100, ".25", false},
-        {0, 100, 25, 100, ".25", false},
-        {1, 0, 50, 10, "5", false},
-        {2, 99.9, 999, 10, "99.9", true},
-        {2, 6000, 60, 10, "6", false},
-        {3, 10000, 0, 1, "0", false},
-        {4, -0.5, 10, 1, "10", false},
-        {5, 10, 1000, 100, "10", true},
-        {5, 9.9997, 1000, 100, "10", false},
-        {5, -3, 0, 1000, "0", false},
-        {6, 99.99, 9999, 100, "99.99", true},
-        {6, 99.994, 9999, 100, "99.99", false},
-        {6, 12.345, 1234, 100, "12.34", false},
-        {kRateFilter, 99, 99, 1, "99", true},
-        {kRateFilter, 100, 4, 1, "4", false},
-        {kCrystal6, 1.5, 2, 1, "2", false},
-        {kCrystal6, 0, 100, 1, "100", false},
+        {0, 0, 25, 100, ".25", false},        {1, 0, 50, 10, "5", false},
+        {2, 6000, 60, 10, "6", false},        {3, 10000, 0, 1, "0", false},
+        {4, -0.5, 10, 1, "10", false},        {5, 9.9997, 1000, 100, "10", false},
+        {5, -3, 0, 1000, "0", false},         {6, 99.994, 9999, 100, "99.99", false},
+        {kRateFilter, 100, 4, 1, "4", false}, {kCrystal6, 0, 100, 1, "100", false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << "field " << c.field << ", " << c.stored);
@@ -78,10 +64,7 @@ TEST(SystemFields, RangingFieldsChangeTheirScale) {
         double stored;
         int steps, position, multiplier, maximum;
     };
-    for (const Case& c : std::vector<Case>{{9.998, 1, 9999, 1000, 10000},
-                                           {9.999, 1, 1000, 100, 9999},
-                                           {9.995, 10, 1000, 100, 9999},
-                                           {10, -1, 9999, 1000, 10000},
+    for (const Case& c : std::vector<Case>{{9.995, 10, 1000, 100, 9999},
                                            {10.05, -10, 9999, 1000, 10000},
                                            {10.01, -1, 1000, 100, 9999},
                                            {99.99, 1, 9999, 100, 9999},
@@ -105,19 +88,11 @@ TEST(SystemFields, TakeTypedNumbers) {
         const char* text; ///< null when it is not taken
     };
     for (const Case& c : std::vector<Case>{{0, "1.5", "1,5"},
-                                           {0, "1,5", "1,5"},
                                            {0, " ,257", ",26"},
                                            {0, "0", nullptr},
-                                           {0, "100", nullptr},
                                            {0, "", nullptr},
-                                           {0, ",", nullptr},
                                            {0, "1.000,5", nullptr},
-                                           {0, "2s", nullptr},
                                            {1, "5,04", "5"},
-                                           {3, "-1", nullptr},
-                                           {6, "12,34", "12,34"},
-                                           {6, "9,99", "9,99"},
-                                           {6, "10", "10"},
                                            {6, "9,9996", "10"},
                                            {6, "100", nullptr},
                                            {kCrystal6, "1000", nullptr}}) {
@@ -145,9 +120,7 @@ TEST(SystemFields, FrequenciesAreNeverEqual) {
         bool told;
         const char* text; ///< of the moved one
     };
-    for (const Case& c : std::vector<Case>{{5, 5.1, 2, "5", true, "5.1"},
-                                           {5, 5.1, 1, "5.1", true, "5"},
-                                           {5, 5.1, 1, "5.2", false, "5.2"}, // may cross
+    for (const Case& c : std::vector<Case>{{5, 5.1, 1, "5.2", false, "5.2"}, // may cross
                                            {5, 0.1, 1, ".1", true, ".2"},    // nothing below
                                            {99.9, 5, 2, "99.9", true, "99.8"},
                                            {5, 6, 0, "5", false, "5"}}) {
@@ -190,20 +163,11 @@ TEST(SystemFields, StoreOnlyWhatWasTouched) {
 }
 
 TEST(SystemTexts, TheBottomLineTellsTheGravest) {
-    SystemState state{true,      "Filter takes 0 to 99", "First record not accepted: Timeout", false, true,
-                      "14:03:22"};
+    SystemState state{true, "Filter takes 0 to 99", "First record not accepted", false, true, "14:03:22"};
     EXPECT_EQ(stateLine(state).text, systemText::kSending);
     state.sending = false;
-    EXPECT_EQ(stateLine(state).text, state.failure + ". Filter takes 0 to 99");
-    state.refused.clear();
-    EXPECT_EQ(stateLine(state).text, state.failure);
+    EXPECT_EQ(stateLine(state).text, "First record not accepted. Filter takes 0 to 99");
     EXPECT_EQ(stateLine(state).tone, SystemStateLine::Tone::Alarm);
-    state.failure.clear();
-    EXPECT_EQ(stateLine(state).text, systemText::kNotRead);
-    state.known = true;
-    EXPECT_EQ(stateLine(state).text, systemText::kChanged);
-    state.changed = false;
-    EXPECT_EQ(stateLine(state).text, "Sent 14:03:22");
 }
 
 } // namespace

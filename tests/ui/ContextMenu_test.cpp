@@ -93,13 +93,10 @@ TEST_F(ContextMenus, TextIsNeverDragged) {
     drag(*text->viewport(), QPoint(30, 20));
 }
 
-TEST_F(ContextMenus, SpinBoxTakesAWheelOnlyWithTheFocusAndTypingOnlyWhenItIsLeft) {
+TEST_F(ContextMenus, SpinBoxTakesAWheelOnlyWithTheFocus) {
     auto* box = find<SpinBox>("spnIntSec");
-    const auto bringInFront = [](QWidget* top) {
-        QApplication::processEvents();
-        QApplication::setActiveWindow(top);
-    };
-    bringInFront(box->window());
+    QApplication::processEvents();
+    QApplication::setActiveWindow(box->window());
     find("cmdForm")->setFocus();
     const auto wheel = [&] {
         QWheelEvent event(QPointF(5, 5), box->mapToGlobal(QPointF(5, 5)), {}, {0, 120}, Qt::NoButton,
@@ -112,15 +109,6 @@ TEST_F(ContextMenus, SpinBoxTakesAWheelOnlyWithTheFocusAndTypingOnlyWhenItIsLeft
     EXPECT_FALSE(box->hasFocus());
     box->setFocus();
     EXPECT_EQ(wheel(), before + 1);
-
-    box->selectAll();
-    QTest::keyClicks(box, "17");
-    bringInFront(window.get());
-    EXPECT_EQ(box->value(), before + 1);
-    EXPECT_EQ(box->text().toStdString(), "17");
-    bringInFront(box->window());
-    QTest::keyClick(box, Qt::Key_Tab);
-    EXPECT_EQ(box->value(), 17);
 }
 
 } // namespace

@@ -15,19 +15,15 @@ struct FakePolling : PollingAccess {
 
     std::unique_ptr<Tenure> holdTimer(const std::string&) override {
         struct Hold : Tenure {
-            explicit Hold(FakePolling& owner)
-                : polling(owner) {
-                ++polling.holds;
-            }
-            Hold(const Hold&) = delete;
-            Hold& operator=(const Hold&) = delete;
-            ~Hold() override {
-                --polling.holds;
-                polling.released();
-            }
-            FakePolling& polling;
+            std::shared_ptr<void> held;
         };
-        return std::make_unique<Hold>(*this);
+        auto hold = std::make_unique<Hold>();
+        ++holds;
+        hold->held = {nullptr, [this](void*) {
+                          --holds;
+                          released();
+                      }};
+        return hold;
     }
 };
 

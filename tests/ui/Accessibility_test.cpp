@@ -93,6 +93,8 @@ protected:
         }
         if (node.state().focusable) {
             EXPECT_NE(nameOf(node), "");
+            EXPECT_TRUE(widget->focusProxy() != nullptr || names.insert({node.role(), nameOf(node)}).second)
+                << nameOf(node);
             EXPECT_EQ(node.text(QAccessible::Description).isEmpty(),
                       widget->toolTip().isEmpty() && widget->accessibleDescription().isEmpty());
         }
@@ -147,6 +149,7 @@ protected:
 
     QPointer<QWidget> front; ///< where controls are looked for; null: in the main window
     std::set<std::string> said;
+    std::set<std::pair<int, std::string>> names; ///< of one window's controls: no two are alike
 };
 
 TEST_F(Accessibility, EachWindowNamesAllThatItHasActsIsWalkedAndLeftByKeys) {
@@ -243,6 +246,7 @@ TEST_F(Accessibility, EachWindowNamesAllThatItHasActsIsWalkedAndLeftByKeys) {
         if (front == nullptr || !front->isVisible()) {
             open();
         }
+        names.clear();
         look(QAccessible::queryAccessibleInterface(front));
         EXPECT_EQ(stopsFrom(row.stops.substr(0, row.stops.find(' '))), row.stops);
         if (front != window.get()) {

@@ -46,7 +46,7 @@ TEST_F(DataLogWindow, EndsOfTheSpanPushEachOther) {
     EXPECT_EQ(settings.log.Interval, 62);
 }
 
-TEST_F(DataLogWindow, NewTakesAnotherFile) {
+TEST_F(DataLogWindow, NewTakesAnotherFileAndViewOpensItOrSaysWhyNot) {
     settings.log.File = "run"; // no dot: the dialog starts with ".xls" added
     open();
     click("cmdNew");
@@ -54,16 +54,12 @@ TEST_F(DataLogWindow, NewTakesAnotherFile) {
     EXPECT_EQ(dialogs.request.title, "New Log File");
     EXPECT_EQ(settings.log.File, "run") << "cancelled";
     dialogs.answer = "/app/new.txt";
+    files.append("/app/new.txt", "x");
     click("cmdNew");
     EXPECT_EQ(settings.log.File, "/app/new.txt");
     EXPECT_EQ(dialog->windowTitle().toStdString(), "Data Log - [new.txt]");
-}
-
-TEST_F(DataLogWindow, ViewOpensTheFileOrSaysWhyNot) {
-    files.append("/app/drx9.txt", "x");
-    open();
     click("cmdView");
-    EXPECT_EQ(shell.opened, "/app/drx9.txt");
+    EXPECT_EQ(shell.opened, "/app/new.txt");
     shell.reason = "No program opens this file.";
     boxes.expectShow("No program opens this file.");
     click("cmdView");

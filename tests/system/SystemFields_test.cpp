@@ -59,28 +59,6 @@ TEST(SystemFields, ShowTheRecordsValues) {
     }
 }
 
-TEST(SystemFields, RangingFieldsChangeTheirScale) {
-    struct Case {
-        double stored;
-        int steps, position, multiplier, maximum;
-    };
-    for (const Case& c : std::vector<Case>{{9.995, 10, 1000, 100, 9999},
-                                           {10.05, -10, 9999, 1000, 10000},
-                                           {10.01, -1, 1000, 100, 9999},
-                                           {99.99, 1, 9999, 100, 9999},
-                                           {0.001, -10, 0, 1000, 10000}}) {
-        for (const int index : {SystemFields::kMinThickness, SystemFields::kMaxThickness}) {
-            SystemFields fields;
-            fields.fill(recordOf(c.stored));
-            SpinnerField& shown = fields.parameter(index);
-            shown.step(c.steps);
-            EXPECT_EQ(shown.position(), c.position) << c.stored;
-            EXPECT_EQ(shown.multiplier(), c.multiplier) << c.stored;
-            EXPECT_EQ(shown.maximum(), c.maximum) << c.stored;
-        }
-    }
-}
-
 TEST(SystemFields, TakeTypedNumbers) {
     struct Case {
         int field;

@@ -73,9 +73,16 @@ TEST_F(SystemWindow, KeysStepAndTypeOverBothScales) {
     step("spnSysParam_0", Qt::Key_Up, ",26");
     step("spnSysParam_6", Qt::Key_Down, "9,999");
     step("spnSysParam_6", Qt::Key_PageUp, "10");
-    for (const auto& [typed, shown] : {std::pair{"2.5", "2,5"}, {"25,01", "25,01"}, {"2,501", "2,501"}}) {
+    step("spnSysParam_6", Qt::Key_Up, "10,01");
+    using Typed = std::tuple<const char*, Qt::Key, const char*>;
+    for (const auto& [typed, pressed, shown] : {Typed{"2.5", Qt::Key_Return, "2,5"},
+                                                {"25,01", Qt::Key_Return, "25,01"},
+                                                {"2,501", Qt::Key_Return, "2,501"},
+                                                {"10,01", Qt::Key_Down, "10"},
+                                                {"99,99", Qt::Key_Up, "99,99"},
+                                                {",001", Qt::Key_PageDown, "0"}}) {
         type("spnSysParam_5", typed);
-        step("spnSysParam_5", Qt::Key_Return, shown);
+        step("spnSysParam_5", pressed, shown);
     }
     EXPECT_EQ(state(), systemText::kChanged);
     type("spnXTool_1", "2000");

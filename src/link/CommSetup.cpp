@@ -85,31 +85,6 @@ std::string serialNumberText(int listed, bool isListed, const std::string& chose
     return filled(linkText::kOtherNumberSet, {chosen});
 }
 
-std::string linkName(const LinkSettings& settings) {
-    switch (settings.CommType) {
-    case LinkType::Usb:
-        return "USB " + settings.USBSerNum;
-    case LinkType::Ethernet:
-        return settings.EAddress + ":" + settings.EPort;
-    default:
-        return "COM" + std::to_string(settings.Port) + " at " + std::to_string(settings.Baud);
-    }
-}
-
-bool sameLink(const LinkSettings& a, const LinkSettings& b) {
-    if (knownLink(a.CommType) != knownLink(b.CommType)) {
-        return false;
-    }
-    switch (a.CommType) {
-    case LinkType::Usb:
-        return equalNoCase(a.USBSerNum, b.USBSerNum);
-    case LinkType::Ethernet:
-        return a.EAddress == b.EAddress && a.EPort == b.EPort;
-    default:
-        return a.Port == b.Port && a.Baud == b.Baud;
-    }
-}
-
 CommSetup::CommSetup(const LinkSettings& opened, const Facts& facts, const std::string& failure)
     : opened_(opened)
     , searched_(opened)

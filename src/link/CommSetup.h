@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/Records.h"
+#include "link/LinkSettings.h"
 
 #include <array>
 #include <cstddef>
@@ -33,11 +33,6 @@ int attachedBridges(UsbBridge& bridge);
 std::string bridgeText(int listed, int attached);
 /// The text beside the list; `chosen` is the serial number that is set, `isListed` when the list has it.
 std::string serialNumberText(int listed, bool isListed, const std::string& chosen);
-
-/// "COM3 at 19200", "USB 0A7C21", "192.168.1.200:2101".
-std::string linkName(const LinkSettings& settings);
-/// True when both lead to the same place; the settings of the links that are not chosen do not count.
-bool sameLink(const LinkSettings& a, const LinkSettings& b);
 
 /// The bottom line.
 struct CommState {

@@ -1,6 +1,7 @@
 #include "link/Link.h"
 
 #include "link/Crc.h"
+#include "link/Records.h"
 #include "link/Texts.h"
 #include "util/Numbers.h"
 #include "util/Text.h"

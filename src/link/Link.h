@@ -2,7 +2,7 @@
 
 #include "link/ActionQueue.h"
 #include "link/FrameParser.h"
-#include "link/Records.h"
+#include "link/LinkSettings.h"
 #include "link/StepWatch.h"
 #include "link/Transports.h"
 #include "platform/Clock.h"

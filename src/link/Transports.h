@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/Records.h"
+#include "link/LinkSettings.h"
 #include "platform/Clock.h"
 #include "platform/EventPump.h"
 #include "platform/LinkPorts.h"

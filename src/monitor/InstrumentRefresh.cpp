@@ -5,7 +5,6 @@
 #include "util/Numbers.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace drx9 {
 
@@ -26,8 +25,10 @@ std::int16_t percent(int done, int count) {
 } // namespace
 
 void InstrumentRefresh::linkOpened() {
-    const std::string now = linkIdentity(parts_.settings) + " " + parts_.link.CommVersion();
-    if (std::exchange(instrument_, now) != now) {
+    const bool same = sameInstrument(link_, parts_.settings) && version_ == parts_.link.CommVersion();
+    link_ = parts_.settings;
+    version_ = parts_.link.CommVersion();
+    if (!same) {
         forgetFilms(parts_.films, 0);
     }
 }

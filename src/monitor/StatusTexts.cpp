@@ -18,21 +18,19 @@ constexpr int kSpeakOfStrays = 2;       ///< readings out of step in a row
 constexpr double kLongestClock = 362400;
 constexpr std::size_t kBriefReply = 40; ///< characters of a reason that leave the log's field its room
 
-struct LinkName {
+struct LinkNames {
     std::string text;
     std::string brief;
 };
 
-LinkName linkName(const LinkSettings& link) {
+LinkNames linkNames(const LinkSettings& link) {
     switch (link.CommType) {
     case LinkType::Usb:
-        return {"USB " + link.USBSerNum, "USB"};
+        return {linkName(link), "USB"};
     case LinkType::Ethernet:
-        return {"Ethernet " + link.EAddress + ":" + link.EPort, "Ethernet"};
-    default: {
-        const std::string port = "COM" + std::to_string(link.Port);
-        return {port + " at " + std::to_string(link.Baud), port};
-    }
+        return {"Ethernet " + linkName(link), "Ethernet"};
+    default:
+        return {linkName(link), "COM" + std::to_string(link.Port)};
     }
 }
 
@@ -139,7 +137,7 @@ std::string shutterCaption(std::int16_t state) {
 Notice gravestNotice(const StatusFacts& facts) {
     using enum Notice::Subject;
     if (facts.runMode == RunState::Starting && !facts.started) {
-        const LinkName name = linkName(facts.link);
+        const LinkNames name = linkNames(facts.link);
         return {Connecting, filled(kConnecting, {name.text}), filled(kConnecting, {name.brief})};
     }
     if (noReply(facts)) {
@@ -172,7 +170,7 @@ Notice gravestNotice(const StatusFacts& facts) {
 }
 
 StatusText staLink(const StatusFacts& facts) {
-    const LinkName name = linkName(facts.link);
+    const LinkNames name = linkNames(facts.link);
     const auto with = [&name](const std::string& state, StatusText::Tone tone) {
         return StatusText{name.text + ", " + state, name.brief + ", " + state, tone};
     };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/LinkSettings.h"
 #include "link/Records.h"
 #include "monitor/RequestDesk.h"
 #include "monitor/RunState.h"

@@ -202,7 +202,7 @@ bool Link::hearsAnswer(Transport& transport) {
 void Link::listen(double seconds) {
     Transport& transport = transports_.of(settings_.CommType);
     const double start = clock_.monotonic();
-    const double limit = start + kListenLimit; // noise must not hold it for ever
+    const double limit = start + kListenLimit; // noise must not hold it forever
     double until = start + seconds;
     for (double now = start; now < std::min(until, limit); now = clock_.monotonic()) {
         bool more = false;
@@ -283,7 +283,7 @@ std::string Link::Comm_VersionText() const {
 
 std::int16_t Link::FilmCount() const {
     const double version = Val(Comm_VersionText());
-    return version > 0 && version <= kLastVersionWithNineFilms ? 9 : 99;
+    return version > 0 && version <= kLastVersionWithNineFilms ? std::int16_t{9} : std::int16_t{kMostFilms};
 }
 
 } // namespace drx9

@@ -53,8 +53,9 @@ struct FilmRecord {
     bool operator==(const FilmRecord&) const = default;
 };
 
+inline constexpr int kMostFilms = 99; ///< slots of the largest instrument
 /// Entry i holds instrument film i; entry 0 is scratch space for read-back.
-using Films = std::array<FilmRecord, 100>;
+using Films = std::array<FilmRecord, kMostFilms + 1>;
 
 /// Instrument-wide settings, in the order in which the records carry them. On/off settings hold 0 or 1.
 struct SystemParameters {

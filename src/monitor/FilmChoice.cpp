@@ -53,7 +53,7 @@ bool FilmChoice::setList(std::vector<std::string> names, int asked) {
 }
 
 const FilmRecord* FilmChoice::current() const {
-    return current_ >= 0 && current_ <= 99 ? &films_[static_cast<std::size_t>(current_)] : nullptr;
+    return current_ >= 0 && current_ <= kMostFilms ? &films_[static_cast<std::size_t>(current_)] : nullptr;
 }
 
 std::string FilmChoice::currentName() const {

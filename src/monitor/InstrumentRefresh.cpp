@@ -9,8 +9,6 @@
 namespace drx9 {
 
 namespace {
-constexpr int kMostFilms = 99;
-
 /// What the instrument holds from that film on is not known.
 void forgetFilms(Films& films, std::size_t first) {
     for (std::size_t i = first; i < films.size(); ++i) {

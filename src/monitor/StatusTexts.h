@@ -6,6 +6,7 @@
 #include "monitor/RunState.h"
 #include "monitor/Settings.h"
 #include "util/LocalTime.h"
+#include "util/Tone.h"
 
 #include <bitset>
 #include <cstdint>
@@ -15,7 +16,6 @@ namespace drx9 {
 
 /// A text of the status bar with its short form for narrow windows.
 struct StatusText {
-    enum class Tone { Plain, Warn, Alarm };
     std::string text;
     std::string brief;
     Tone tone = Tone::Plain;

@@ -197,7 +197,7 @@ TEST(SystemTexts, TheBottomLineTellsTheGravest) {
     EXPECT_EQ(stateLine(state).text, state.failure + ". Filter takes 0 to 99");
     state.refused.clear();
     EXPECT_EQ(stateLine(state).text, state.failure);
-    EXPECT_EQ(stateLine(state).tone, SystemStateLine::Tone::Alarm);
+    EXPECT_EQ(stateLine(state).tone, Tone::Alarm);
     state.failure.clear();
     EXPECT_EQ(stateLine(state).text, systemText::kNotRead);
     state.known = true;

@@ -19,7 +19,7 @@ namespace drx9 {
 namespace {
 
 /// What the window asks of the program, as words.
-struct FakeProgram : LinkSetupAccess, PollingAccess, FilmMemoryAccess {
+struct FakeProgram : LinkSetupAccess, PollingAccess {
     struct Hold : Tenure {
         std::shared_ptr<int> one;
     };
@@ -42,7 +42,6 @@ struct FakeProgram : LinkSetupAccess, PollingAccess, FilmMemoryAccess {
             onClosed();
         }
     }
-    void filmMemoryChanged() override {}
     void filmUnconfirmed() override { events.emplace_back("film unconfirmed"); }
 };
 
@@ -67,8 +66,8 @@ protected:
     }
     void open(std::int16_t type) {
         settings.CommType = LinkType{type};
-        window = new frmComm({settings, bench.link, discovery, bench.transports, shell, bench.boxes,
-                              bench.actions, program, program, program},
+        window = new frmComm({settings, bench.link, discovery, bench.transports.serial, bench.transports.usb,
+                              shell, bench.boxes, bench.actions, program, program},
                              &owner);
         window->open();
         window->activateWindow();

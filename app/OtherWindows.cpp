@@ -27,8 +27,9 @@ QWidget* makeSystem(Core& core, const DesktopPorts& desktop, QWidget* owner) {
 }
 
 QWidget* makeComm(Core& core, const DesktopPorts& desktop, QWidget* owner) {
-    return new frmComm({core.settings.link, core.link, core.discovery, core.transports, desktop.shell,
-                        desktop.boxes, core.actions, core.linkSetup, core.access, core.access},
+    return new frmComm({core.settings.link, core.link, core.discovery, core.transports.serial,
+                        core.transports.usb, desktop.shell, desktop.boxes, core.actions, core.linkSetup,
+                        core.access},
                        owner);
 }
 

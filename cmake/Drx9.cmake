@@ -12,7 +12,8 @@ set(DRX9_CORE_HEADERS <algorithm> <functional> <map> <memory> <optional> <string
 add_library(drx9_flags INTERFACE)
 target_compile_options(drx9_flags INTERFACE -Wall -Wextra -Wconversion -Wshadow -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-  # Clang's -Wshadow and g++'s agree but for captured lambda names; -Wconversion adds sign conversions only in g++'s C mode.
+  # Clang's -Wshadow and g++'s agree except for captured lambda names; -Wconversion adds sign conversions only in g++'s
+  # C mode.
   target_compile_options(drx9_flags INTERFACE -Wno-sign-conversion)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
@@ -29,7 +30,7 @@ if(DRX9_FUZZ)
   target_compile_options(drx9_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# drx9_arrows(NAME [QT] [DEPENDS other names...]): notes who may stand on whom, and who may see Qt.
+# drx9_arrows(NAME [QT] [DEPENDS other names...]): notes who may depend on whom, and who may see Qt.
 function(drx9_arrows name)
   cmake_parse_arguments(ARG "QT" "" "DEPENDS" ${ARGN})
   list(JOIN ARG_DEPENDS " " depends)
@@ -116,7 +117,7 @@ function(drx9_qt_library name)
   endif()
 endfunction()
 
-# drx9_windows(FOLDER [DEPENDS other names]): the windows of src/FOLDER, and the controls that only they use. They stand
+# drx9_windows(FOLDER [DEPENDS other names]): the windows of src/FOLDER, and the controls that only they use. They depend
 # on the folder's own logic. drx9_ui is all windows.
 function(drx9_windows folder)
   cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})

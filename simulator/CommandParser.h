@@ -5,8 +5,7 @@
 namespace drx9::sim {
 
 /// Finds command packets in a stream of bytes. Every "!" may begin a packet: a packet that was cut off,
-/// noise, or a
-/// "!" inside a command's text never hides a good packet that follows. Holds at most 225 bytes.
+/// noise, or a "!" inside a command's text never hides a good packet that follows. Holds at most 225 bytes.
 class CommandParser {
 public:
     enum class Outcome {

@@ -14,8 +14,7 @@ constexpr std::size_t kMaxReplyData = 219;
 std::vector<std::string_view> wordsOf(std::string_view text);
 
 /// The finite number that is the whole of `word` ("." is the decimal separator; ".25" and "+1" are numbers,
-/// "1,5" and
-/// "" are not).
+/// "1,5" and "" are not).
 std::optional<double> numberIn(std::string_view word);
 
 /// The whole number that is the whole of `word`, if it lies in low..high.

@@ -65,7 +65,7 @@ QSize MarkLabel::minimumSizeHint() const {
 void MarkLabel::paintEvent(QPaintEvent*) {
     const Theme theme = Theme::of(palette());
     QPainter painter(this);
-    const QColor color = tone_ == Tone::Warn ? theme.warn : tone_ == Tone::Alarm ? theme.alarm : theme.muted;
+    const QColor& color = theme.tone(tone_);
     if (separator_) {
         painter.fillRect(QRect(0, 0, 1, height()), theme.hair);
         painter.translate(kSeparatorRoom + 1, 0);

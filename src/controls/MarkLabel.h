@@ -1,16 +1,17 @@
 #pragma once
 
 #include "controls/TextWidths.h"
+#include "util/Tone.h"
 
 #include <QWidget>
 
 namespace drx9 {
 
-/// A word with a warning triangle before it.
+/// A word with a warning triangle before it, except where its tone is Plain.
 class MarkLabel : public QWidget {
     Q_OBJECT
 public:
-    enum class Tone { Plain, Warn, Alarm }; ///< Plain has no triangle
+    using Tone = drx9::Tone;
 
     explicit MarkLabel(QWidget* parent = nullptr);
 

@@ -1,6 +1,7 @@
 #include "controls/NoticePlate.h"
 
 #include "controls/AccessibleRoles.h"
+#include "controls/Build.h"
 #include "controls/Theme.h"
 
 #include <QAccessible>
@@ -21,9 +22,8 @@ NoticePlate::NoticePlate(QWidget* parent)
     : QWidget(parent) {
     setFont(fontOfSize(font(), kTextPixels));
     setFixedHeight(kHeight);
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    policy.setRetainSizeWhenHidden(true);
-    setSizePolicy(policy);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    keepRoomWhenHidden(*this);
     setAccessibleRole(*this, QAccessible::AlertMessage);
     hide();
 }

@@ -133,6 +133,10 @@ const QColor& Theme::sensor(int number) const {
     return *colors[static_cast<std::size_t>(number - 1)];
 }
 
+const QColor& Theme::tone(Tone tone) const {
+    return tone == Tone::Warn ? warn : tone == Tone::Alarm ? alarm : muted;
+}
+
 const Theme& Theme::light() {
     static const Theme theme = lightTheme();
     return theme;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "util/Tone.h"
+
 #include <QColor>
 #include <QPalette>
 
@@ -33,6 +35,7 @@ struct Theme {
     QColor sensor1, sensor2, sensor3, sensor4, sensor5, sensor6;
 
     [[nodiscard]] const QColor& sensor(int number) const; ///< 1..6
+    [[nodiscard]] const QColor& tone(Tone tone) const;    ///< muted, warn or alarm
 
     static const Theme& light();
     static const Theme& dark();

@@ -1,6 +1,7 @@
 #include "controls/WarnMark.h"
 
 #include "controls/AccessibleRoles.h"
+#include "controls/Build.h"
 #include "controls/Theme.h"
 
 #include <QPainter>
@@ -15,13 +16,15 @@ WarnMark::WarnMark(QWidget* parent)
     : QWidget(parent) {
     setAccessibleRole(*this, QAccessible::StaticText);
     setFixedSize(kMark, kMark);
-    QSizePolicy policy = sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    setSizePolicy(policy);
+    keepRoomWhenHidden(*this);
     hide();
 }
 
-void WarnMark::setExplanation(const QString& text) {
+void WarnMark::setExplanation(const QString& text, Tone tone) {
+    if (tone_ != tone) {
+        tone_ = tone;
+        update();
+    }
     if (toolTip() != text) {
         setToolTip(text);
         setAccessibleName(text);
@@ -31,7 +34,7 @@ void WarnMark::setExplanation(const QString& text) {
 
 void WarnMark::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    paintWarningMark(painter, QRectF(0, 0, kMark, kMark - 1), Theme::of(palette()).warn);
+    paintWarningMark(painter, QRectF(0, 0, kMark, kMark - 1), Theme::of(palette()).tone(tone_));
 }
 
 } // namespace drx9

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "util/Tone.h"
+
 #include <QWidget>
 
 namespace drx9 {
@@ -11,10 +13,13 @@ class WarnMark : public QWidget {
 public:
     explicit WarnMark(QWidget* parent = nullptr);
 
-    void setExplanation(const QString& text);
+    void setExplanation(const QString& text, Tone tone = Tone::Warn);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    Tone tone_ = Tone::Warn;
 };
 
 } // namespace drx9

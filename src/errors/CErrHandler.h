@@ -57,6 +57,9 @@ public:
     /// Empties the destination; a file is removed.
     void ClearLog() noexcept;
 
+    // The properties, each to be read and set: the class offers all of them, whether or not the program does
+    // more than keep the defaults.
+
     [[nodiscard]] const ReportDestination& Destination() const { return destination_; }
     /// A relative name lies in the data folder; so does the bare name of a path with a drive letter where the
     /// system has no drives. A null sink is refused with a message.
@@ -72,7 +75,7 @@ public:
     /// On starts a new trace file in the data folder, off closes it. A file that cannot be opened stays
     /// silent.
     void setTraceExecution(bool on) noexcept;
-    [[nodiscard]] const std::string& CurrentOperation() const { return currentOperation_; }
+    /// What the program is about, for reports and messages; empty when it is not told.
     void setCurrentOperation(std::string text) { currentOperation_ = std::move(text); }
 
     [[nodiscard]] const CurrentError& lastError() const { return lastError_; }

@@ -75,7 +75,8 @@ public:
     /// Why the last Cfg_Save failed, for people; empty when it did not.
     [[nodiscard]] const std::string& saveFault() const { return saveFault_; }
 
-    /// Stored values; they reach the chart through InitChart alone.
+    /// Stored values; they reach the chart through InitChart alone. Reading them back is for a layout
+    /// that places charts in a window's units.
     [[nodiscard]] std::int32_t GraphHeight() const { return place_.height; }
     void setGraphHeight(std::int32_t value) { place_.height = value; }
     [[nodiscard]] std::int32_t GraphWidth() const { return place_.width; }

@@ -223,7 +223,7 @@ std::size_t Definition::positionOf(std::uint16_t number) const {
             return i;
         }
     }
-    damaged("an index stands on a column that does not exist");
+    damaged("an index uses a column that does not exist");
 }
 
 const LogicalIndex* Definition::findIndex(std::string_view name) const {

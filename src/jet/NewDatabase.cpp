@@ -1,5 +1,6 @@
 #include "jet/NewDatabase.h"
 
+#include "jet/Catalog.h"
 #include "jet/Schema.h"
 
 namespace drx9::jet {

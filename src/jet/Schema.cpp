@@ -1,5 +1,6 @@
 #include "jet/Schema.h"
 
+#include "jet/Catalog.h"
 #include <algorithm>
 
 namespace drx9::jet {

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "jet/Catalog.h"
+#include "jet/Definition.h"
+#include "jet/Value.h"
 
 #include <string>
 #include <vector>

@@ -1,5 +1,6 @@
 #include "jet/Table.h"
 
+#include "jet/LongValue.h"
 #include "jet/Relations.h"
 
 #include <algorithm>

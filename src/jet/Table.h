@@ -2,7 +2,6 @@
 
 #include "jet/IndexKey.h"
 #include "jet/IndexTree.h"
-#include "jet/LongValue.h"
 #include "jet/Row.h"
 #include "jet/RowSpace.h"
 #include "jet/Value.h"

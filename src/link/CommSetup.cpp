@@ -1,5 +1,6 @@
 #include "link/CommSetup.h"
 
+#include "link/Crc.h"
 #include "link/Link.h"
 #include "link/Texts.h"
 #include "platform/LinkPorts.h"
@@ -11,15 +12,6 @@
 namespace drx9 {
 
 namespace {
-constexpr std::size_t kLongestCommand = 221; // characters; one more and the length byte would not hold it
-constexpr const char* kProduct = "83F5";     // tells the instrument's bridge from others of its family
-constexpr int kProductId = 4;                // option of SI_GetProductString
-
-bool isProduct(UsbBridge& bridge, std::uint32_t index) {
-    std::string product;
-    return bridge.SI_GetProductString(index, product, kProductId) != 0 || equalNoCase(product, kProduct);
-}
-
 /// First character of well-formed UTF-8 that Windows-1252 does not hold; empty when it holds all.
 std::string firstStranger(const std::string& text) {
     for (std::size_t at = 0; at < text.size();) {
@@ -44,7 +36,7 @@ std::optional<std::size_t> baudEntry(std::int32_t baud) {
 }
 
 std::optional<std::size_t> portEntry(std::int16_t port) {
-    return port < 1 || port > kSerialPorts ? std::nullopt : std::optional(static_cast<std::size_t>(port) - 1);
+    return SerialControl::isPort(port) ? std::optional(static_cast<std::size_t>(port) - 1) : std::nullopt;
 }
 
 std::string deviceText(std::int16_t port, const std::string& device) {
@@ -56,18 +48,6 @@ std::string deviceText(std::int16_t port, const std::string& device) {
 
 std::string baudText(std::int32_t baud) {
     return baudEntry(baud) ? linkText::kBaud : filled(linkText::kOtherBaudSet, {std::to_string(baud)});
-}
-
-int attachedBridges(UsbBridge& bridge) {
-    std::uint32_t devices = 0;
-    if (bridge.SI_GetNumDevices(devices) != 0) {
-        return 0;
-    }
-    int count = 0;
-    for (std::uint32_t i = 0; i < devices; ++i) {
-        count += isProduct(bridge, i) ? 1 : 0;
-    }
-    return count;
 }
 
 std::string bridgeText(int listed, int attached) {
@@ -83,31 +63,6 @@ std::string serialNumberText(int listed, bool isListed, const std::string& chose
         return linkText::kSerialNumber;
     }
     return filled(linkText::kOtherNumberSet, {chosen});
-}
-
-std::string linkName(const LinkSettings& settings) {
-    switch (settings.CommType) {
-    case LinkType::Usb:
-        return "USB " + settings.USBSerNum;
-    case LinkType::Ethernet:
-        return settings.EAddress + ":" + settings.EPort;
-    default:
-        return "COM" + std::to_string(settings.Port) + " at " + std::to_string(settings.Baud);
-    }
-}
-
-bool sameLink(const LinkSettings& a, const LinkSettings& b) {
-    if (knownLink(a.CommType) != knownLink(b.CommType)) {
-        return false;
-    }
-    switch (a.CommType) {
-    case LinkType::Usb:
-        return equalNoCase(a.USBSerNum, b.USBSerNum);
-    case LinkType::Ethernet:
-        return a.EAddress == b.EAddress && a.EPort == b.EPort;
-    default:
-        return a.Port == b.Port && a.Baud == b.Baud;
-    }
 }
 
 CommSetup::CommSetup(const LinkSettings& opened, const Facts& facts, const std::string& failure)
@@ -132,7 +87,6 @@ void CommSetup::portOpened(std::int16_t port, const std::string& reason) {
 }
 
 CommState CommSetup::state(const LinkSettings& now, const Facts& facts) const {
-    using Tone = CommState::Tone;
     if (knownLink(now.CommType) == LinkType::Serial && !refusal_.empty()) {
         return {filled(linkText::kOffLine, {refusal_}), Tone::Alarm};
     }
@@ -153,17 +107,17 @@ CommState CommSetup::state(const LinkSettings& now, const Facts& facts) const {
 
 CommState CommSetup::silence(const LinkSettings& now, const Facts& facts) {
     if (facts.ok && facts.open) {
-        return {filled(linkText::kNoAnswerToCommand, {linkName(now)}), CommState::Tone::Warn};
+        return {filled(linkText::kNoAnswerToCommand, {linkName(now)}), Tone::Warn};
     }
-    return {filled(linkText::kNoAnswer, {linkName(now)}), CommState::Tone::Alarm};
+    return {filled(linkText::kNoAnswer, {linkName(now)}), Tone::Alarm};
 }
 
 CommState CommSetup::answered(const LinkSettings& now, const Facts& facts, bool hasData) const {
     const CommState known = state(now, facts);
-    if (known.tone != CommState::Tone::Plain || !sameLink(searched_, now)) {
-        return {linkText::kAnswers, CommState::Tone::Plain};
+    if (known.tone != Tone::Plain || !sameLink(searched_, now)) {
+        return {linkText::kAnswers, Tone::Plain};
     }
-    return hasData ? known : CommState{linkText::kAccepted, CommState::Tone::Plain};
+    return hasData ? known : CommState{linkText::kAccepted, Tone::Plain};
 }
 
 bool CommSetup::reopens(const LinkSettings& now, const Facts& facts) const {

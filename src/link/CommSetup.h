@@ -1,6 +1,7 @@
 #pragma once
 
-#include "link/Records.h"
+#include "link/LinkSettings.h"
+#include "util/Tone.h"
 
 #include <array>
 #include <cstddef>
@@ -10,14 +11,12 @@
 
 namespace drx9 {
 
-class UsbBridge;
 struct Exchange;
 
 /// What the communications window computes: which controls belong to a link, what its changes mean, what a
 /// typed command becomes, and every text that it shows by itself. All texts are UTF-8.
 
 inline constexpr std::array<std::int32_t, 7> kBaudRates = {2400, 4800, 9600, 19200, 38400, 57600, 115200};
-inline constexpr int kSerialPorts = 9; ///< "COM1" to "COM9"
 
 /// Entry of the rate or of the port in its list; none where the list does not hold it.
 std::optional<std::size_t> baudEntry(std::int32_t baud);
@@ -26,23 +25,13 @@ std::optional<std::size_t> portEntry(std::int16_t port);
 std::string deviceText(std::int16_t port, const std::string& device);
 std::string baudText(std::int32_t baud);
 
-/// Bridges with the instrument's product that are attached now, opened by anyone or not. One that does not
-/// tell its product counts: that is one in use. Opens none.
-int attachedBridges(UsbBridge& bridge);
 /// The text below the list of bridges: `listed` of them were found by the last search.
 std::string bridgeText(int listed, int attached);
 /// The text beside the list; `chosen` is the serial number that is set, `isListed` when the list has it.
 std::string serialNumberText(int listed, bool isListed, const std::string& chosen);
 
-/// "COM3 at 19200", "USB 0A7C21", "192.168.1.200:2101".
-std::string linkName(const LinkSettings& settings);
-/// True when both lead to the same place; the settings of the links that are not chosen do not count.
-bool sameLink(const LinkSettings& a, const LinkSettings& b);
-
 /// The bottom line.
 struct CommState {
-    enum class Tone : std::uint8_t { Plain, Warn, Alarm };
-
     std::string text;
     Tone tone = Tone::Plain;
     bool operator==(const CommState&) const = default;

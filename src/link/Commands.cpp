@@ -12,7 +12,7 @@ namespace drx9 {
 namespace {
 constexpr int kDeadAfterTimeouts = 2; // in a row within one reading
 // After a reading the line is watched as long as one and a half of its exchanges took, for an answer too
-// many, and a little more for the system's sake. A reading that leaves no room for that in its tick goes
+// many, and a little more, as the system may be busy. A reading that leaves no room for that in its tick goes
 // without.
 constexpr double kWatchedExchanges = 1.5;
 constexpr double kWatchedAtLeast = 0.002; // s
@@ -28,13 +28,11 @@ bool beginsWithNumber(const std::string& text) {
 /// One acquisition under way: keeps count of what failed.
 class Commands::Reading {
 public:
-    Reading(Link& link, const Clock& clock, Readings& values, std::string& failure,
-            const std::function<bool()>& abandon)
+    Reading(Link& link, const Clock& clock, Readings& values, const std::function<bool()>& abandon)
         : link_(link)
         , clock_(clock)
         , start_(clock.monotonic())
         , values_(values)
-        , failure_(failure)
         , abandon_(abandon) {}
 
     bool all(int sensors) {
@@ -48,18 +46,19 @@ public:
     }
 
     /// Call after the last exchange.
-    ReadResult end() {
-        if (end_ == ReadResult::Done) {
+    ReadOutcome end() {
+        if (outcome_.end == ReadResult::Done) {
             link_.settle();
             link_.listen(watchTime());
         }
         const StepWatch& watch = link_.watch();
-        if (end_ == ReadResult::Done && watch.broken()) {
-            failure_ += watch.late() ? (failure_.empty() ? linkText::kLateAnswer : linkText::kAlsoLate)
-                                     : (failure_.empty() ? linkText::kOutOfStep : linkText::kAlsoOutOfStep);
-            end_ = ReadResult::OutOfStep;
+        if (outcome_.end == ReadResult::Done && watch.broken()) {
+            const bool first = outcome_.failure.empty();
+            outcome_.failure += watch.late() ? (first ? linkText::kLateAnswer : linkText::kAlsoLate)
+                                             : (first ? linkText::kOutOfStep : linkText::kAlsoOutOfStep);
+            outcome_.end = ReadResult::OutOfStep;
         }
-        return end_;
+        return outcome_;
     }
 
 private:
@@ -85,7 +84,7 @@ private:
     /// end.
     bool take(const std::string& command, double& value, std::size_t index) {
         if (sent_++ > 0 && abandon_ && abandon_()) {
-            end_ = ReadResult::Abandoned;
+            outcome_.end = ReadResult::Abandoned;
             return false;
         }
         const Exchange exchange = link_.Comm_Send(command);
@@ -93,15 +92,15 @@ private:
         const bool empty = exchange.ok() && !beginsWithNumber(exchange.reply);
         values_.failed.set(index, !exchange.ok() || empty);
         if (values_.failed[index]) {
-            failure_ = command + ": " + commStatusText(empty ? comm::kNoData : exchange.status);
+            outcome_.failure = command + ": " + commStatusText(empty ? comm::kNoData : exchange.status);
         }
         const bool timedOut = comm::isSilence(exchange.status);
         timeouts_ = timedOut ? timeouts_ + 1 : 0;
         timedOut_ = timedOut_ || timedOut;
         if (timeouts_ >= kDeadAfterTimeouts) {
-            end_ = ReadResult::LinkDead;
+            outcome_.end = ReadResult::LinkDead;
         }
-        return end_ == ReadResult::Done;
+        return outcome_.end == ReadResult::Done;
     }
 
     /// How long to listen after the last exchange, s.
@@ -116,12 +115,11 @@ private:
     const Clock& clock_;
     const double start_;
     Readings& values_;
-    std::string& failure_;
     const std::function<bool()>& abandon_;
     int sent_ = 0;
     int timeouts_ = 0; ///< in a row
     bool timedOut_ = false;
-    ReadResult end_ = ReadResult::Done;
+    ReadOutcome outcome_;
 };
 
 Commands::Commands(Link& link, MessageBoxes& boxes, const Clock& clock)
@@ -129,25 +127,22 @@ Commands::Commands(Link& link, MessageBoxes& boxes, const Clock& clock)
     , boxes_(boxes)
     , clock_(clock) {}
 
-Commands::ReadResult Commands::Comm_GetData(Readings& readings, int sensors,
-                                            const std::function<bool()>& abandon) {
-    readFailure_.clear();
+Commands::ReadOutcome Commands::Comm_GetData(Readings& readings, int sensors,
+                                             const std::function<bool()>& abandon) {
     if (link_.CommStatus() != comm::kOk) {
         boxes_.showNonBlocking(linkText::kGetDataError, kProgramName, MessageIcon::None);
-        return ReadResult::Busy;
+        return {ReadResult::Busy};
     }
     link_.watch().begin();
     Readings values = readings;
-    std::string failure;
-    Reading reading(link_, clock_, values, failure, abandon);
+    Reading reading(link_, clock_, values, abandon);
     reading.all(sensors);
     values.elapsed = clock_.monotonic() - values.startTime;
-    const ReadResult result = reading.end();
-    readFailure_ = failure;
-    if (result == ReadResult::Done) {
+    ReadOutcome outcome = reading.end();
+    if (outcome.end == ReadResult::Done) {
         readings = values;
     }
-    return result;
+    return outcome;
 }
 
 std::uint16_t Commands::Comm_ZeroThickness() {
@@ -220,11 +215,14 @@ Commands::SystemAnswer Commands::Comm_GetSystem(SystemParameters& parameters) {
     return {parseSystemC(second.reply, parameters) && firstTaken, second.status};
 }
 
-std::uint16_t Commands::Comm_SetSystem(const SystemParameters& parameters) {
+Commands::SystemSent Commands::Comm_SetSystem(const SystemParameters& parameters) {
     // Both are built first: the record may change under a wait.
     const std::string second = systemPayloadC(parameters);
     const std::uint16_t status = link_.Comm_Send(systemPayloadB(parameters)).status;
-    return status == comm::kOk ? link_.Comm_Send(second).status : status;
+    if (status != comm::kOk) {
+        return {status, false};
+    }
+    return {link_.Comm_Send(second).status, true};
 }
 
 } // namespace drx9

@@ -25,17 +25,20 @@ public:
         OutOfStep, ///< an answer came late or twice: the values behind it may be other commands'
         Abandoned, ///< `abandon` asked for it between two exchanges
     };
+    struct ReadOutcome {
+        ReadResult end = ReadResult::Done;
+        /// Status text of the last failed exchange with the command it belongs to ("P3: Timeout"); empty when
+        /// none failed.
+        std::string failure = {};
+    };
 
     /// One acquisition of sensors 1 to `sensors`: "P" per sensor, "L" and "N" of sensors whose "P" value
     /// changed and those letters alone that failed last time, "M", "O". `readings` is changed only when the
-    /// result is Done; then its `elapsed` is the monotonic clock minus `startTime` after the last exchange. A
+    /// end is Done; then its `elapsed` is the monotonic clock minus `startTime` after the last exchange. A
     /// single failed exchange, or an answer without a number, counts as the value 0 and is marked in
     /// `failed`. `abandon` (may be empty) is asked between two exchanges: a complete reading is always
     /// delivered.
-    ReadResult Comm_GetData(Readings& readings, int sensors, const std::function<bool()>& abandon);
-    /// Status text of the last failed exchange of the last reading with the command it belongs to ("P3:
-    /// Timeout"); empty when none failed.
-    [[nodiscard]] const std::string& readFailure() const { return readFailure_; }
+    ReadOutcome Comm_GetData(Readings& readings, int sensors, const std::function<bool()>& abandon);
 
     std::uint16_t Comm_ZeroThickness(); ///< "S"; 0 or the status
     std::uint16_t Comm_ZeroTime();      ///< "T"; 0 or the status
@@ -66,8 +69,12 @@ public:
     };
     /// "B?" and "C?" into `parameters`, each taken whole or not at all, and only from answers in step.
     SystemAnswer Comm_GetSystem(SystemParameters& parameters);
-    /// "B" and, only if that was accepted, "C". 0 or the status of the one that failed.
-    std::uint16_t Comm_SetSystem(const SystemParameters& parameters);
+    struct SystemSent {
+        std::uint16_t status = comm::kOk; ///< 0, or that of the record that failed
+        bool second = false;              ///< "C" went out, as "B" was accepted
+    };
+    /// "B" and, only if that was accepted, "C".
+    SystemSent Comm_SetSystem(const SystemParameters& parameters);
 
 private:
     class Reading;
@@ -77,7 +84,6 @@ private:
     Link& link_;
     MessageBoxes& boxes_;
     const Clock& clock_;
-    std::string readFailure_;
 };
 
 /// Payloads, as plain functions.

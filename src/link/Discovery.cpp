@@ -8,9 +8,7 @@
 namespace drx9 {
 
 namespace {
-constexpr const char* kProduct = "83F5"; // tells the instrument's bridge from others of its family
-constexpr int kSerialNumber = 0;         // options of SI_GetProductString
-constexpr int kProductId = 4;
+constexpr int kSerialNumber = 0;     // options of SI_GetProductString
 constexpr double kStrayWatch = 0.05; // s
 
 /// A procedure's name with the error handler, as long as it runs.
@@ -140,7 +138,7 @@ bool Discovery::openSerial() {
         return true;
     }
     failure_ = filled(linkText::kPortNotAvailable, {std::to_string(port)});
-    const bool tried = port >= SerialTransport::kFirstPort && port <= SerialTransport::kLastPort;
+    const bool tried = SerialControl::isPort(port);
     refusal_ = tried ? failure_ : std::string(); // the port's reason is for the status bar
     failure_ += " " + reason;
     return false;
@@ -171,7 +169,7 @@ bool Discovery::openSocket(const Abandon& abandon) {
     if (transports_.socket.open(settings_.EAddress, settings_.EPort, pump_, clock_, abandon)) {
         return true;
     }
-    const std::string reason = transports_.socket.control().reason();
+    const std::string reason = transports_.socket.reason();
     failure_ = filled(linkText::kNoConnection, {settings_.EAddress, settings_.EPort,
                                                 reason.empty() ? linkText::kNoAnswerInTime : reason});
     transports_.socket.close(); // a connection that comes later is not wanted
@@ -236,7 +234,8 @@ bool Discovery::Comm_FindUSBDRX9(const std::string& serialNumber) {
     }
     bool found = false;
     for (std::uint32_t i = 0; i < devices && USBCount() < kMaxUsbDevices; ++i) {
-        if (!equalNoCase(productText(bridge, i, kProductId), kProduct) || !canOpen(bridge, i)) {
+        if (!equalNoCase(productText(bridge, i, UsbTransport::kProductId), UsbTransport::kProduct) ||
+            !canOpen(bridge, i)) {
             continue;
         }
         serials_.push_back(productText(bridge, i, kSerialNumber));

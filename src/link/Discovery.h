@@ -2,6 +2,7 @@
 
 #include "errors/CErrHandler.h"
 #include "link/Link.h"
+#include "link/LinkSettings.h"
 #include "platform/MessageBoxes.h"
 
 #include <cstdint>

@@ -1,6 +1,7 @@
 #include "link/Link.h"
 
 #include "link/Crc.h"
+#include "link/Records.h"
 #include "link/Texts.h"
 #include "util/Numbers.h"
 #include "util/Text.h"
@@ -201,7 +202,7 @@ bool Link::hearsAnswer(Transport& transport) {
 void Link::listen(double seconds) {
     Transport& transport = transports_.of(settings_.CommType);
     const double start = clock_.monotonic();
-    const double limit = start + kListenLimit; // noise must not hold it for ever
+    const double limit = start + kListenLimit; // noise must not hold it forever
     double until = start + seconds;
     for (double now = start; now < std::min(until, limit); now = clock_.monotonic()) {
         bool more = false;
@@ -282,7 +283,7 @@ std::string Link::Comm_VersionText() const {
 
 std::int16_t Link::FilmCount() const {
     const double version = Val(Comm_VersionText());
-    return version > 0 && version <= kLastVersionWithNineFilms ? 9 : 99;
+    return version > 0 && version <= kLastVersionWithNineFilms ? std::int16_t{9} : std::int16_t{kMostFilms};
 }
 
 } // namespace drx9

@@ -2,7 +2,7 @@
 
 #include "link/ActionQueue.h"
 #include "link/FrameParser.h"
-#include "link/Records.h"
+#include "link/LinkSettings.h"
 #include "link/StepWatch.h"
 #include "link/Transports.h"
 #include "platform/Clock.h"
@@ -85,7 +85,8 @@ public:
     [[nodiscard]] const std::string& CommLastPacket() const { return lastPacket_; }
     [[nodiscard]] const std::string& CommVersion() const { return version_; }
 
-    /// Numeric value of the last character of the reply to "J"; 0 when unknown.
+    /// Numeric value of the last character of the reply to "J"; 0 when unknown. A count of sensors is
+    /// sensorCount().
     [[nodiscard]] std::int16_t InstrumentType() const { return instrumentType_; }
     void setInstrumentType(std::int16_t type) {
         instrumentType_ = type;

@@ -27,13 +27,16 @@ public:
 class LinkSetupAccess {
 public:
     virtual ~LinkSetupAccess() = default;
-    /// The window has loaded: the run state becomes Starting, so that nothing is read or shown.
+    /// The window has loaded: the run mode becomes Starting, so that nothing is read or shown.
     virtual void linkSetupOpened() = 0;
     /// A find that the operator asked for has connected: a loss that lasted until now is over.
     virtual void linkFound() = 0;
+    /// A command was typed that selects a film or resets the films: the film in use is no longer known for
+    /// sure.
+    virtual void filmUnconfirmed() = 0;
     /// The window closes. `reopen`: opens the link again first, without a box; the reason of a failure goes
     /// to the status bar. `sameLink`: the link is the one that was set when the window opened, so attempts to
-    /// open it go on while it is lost. Then the run state becomes Idle, which refreshes the main window.
+    /// open it go on while it is lost. Then the run mode becomes Idle, which refreshes the main window.
     /// Pumps events.
     virtual void linkSetupClosed(bool reopen, bool sameLink) = 0;
 };
@@ -56,7 +59,7 @@ class FilmMemoryAccess {
 public:
     virtual ~FilmMemoryAccess() = default;
     /// The instrument's films may be others than the main window shows: it is refreshed as when
-    /// the run state becomes Idle. Pumps events.
+    /// the run mode becomes Idle. Pumps events.
     virtual void filmMemoryChanged() = 0;
     /// A "D" or "Z" that no request of the main window sent: the film in use is no longer known for sure.
     virtual void filmUnconfirmed() = 0;

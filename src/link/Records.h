@@ -9,25 +9,6 @@ namespace drx9 {
 
 inline constexpr int kMaxSensors = 6;
 
-/// The ways to the instrument, by the numbers of the settings file.
-enum class LinkType : std::int16_t { Serial = 0, Usb = 1, Ethernet = 2 };
-
-/// Any other number counts as RS-232.
-constexpr LinkType knownLink(LinkType stored) {
-    return stored == LinkType::Usb || stored == LinkType::Ethernet ? stored : LinkType::Serial;
-}
-
-/// The link's settings as the settings file keeps them; changed by the communications window and by the
-/// adoption of a single USB bridge.
-struct LinkSettings {
-    LinkType CommType = LinkType::Serial; ///< the file's number, also another than these
-    std::int32_t Baud = 19200;
-    std::int16_t Port = 1; ///< COMn
-    std::string USBSerNum = "0";
-    std::string EPort = "2101";
-    std::string EAddress = "192.168.1.200";
-};
-
 /// What one exchange of a reading delivers; indexes Readings::failed.
 enum class Value : std::uint8_t {
     Frequency = 0,
@@ -72,8 +53,9 @@ struct FilmRecord {
     bool operator==(const FilmRecord&) const = default;
 };
 
+inline constexpr int kMostFilms = 99; ///< slots of the largest instrument
 /// Entry i holds instrument film i; entry 0 is scratch space for read-back.
-using Films = std::array<FilmRecord, 100>;
+using Films = std::array<FilmRecord, kMostFilms + 1>;
 
 /// Instrument-wide settings, in the order in which the records carry them. On/off settings hold 0 or 1.
 struct SystemParameters {

@@ -2,6 +2,7 @@
 
 #include "link/Texts.h"
 #include "util/Numbers.h"
+#include "util/Text.h"
 
 #include <algorithm>
 #include <array>
@@ -57,7 +58,7 @@ void SerialTransport::close() {
 }
 
 std::string SerialTransport::open(int port, std::int32_t baud) {
-    if (port < kFirstPort || port > kLastPort) {
+    if (!SerialControl::isPort(port)) {
         return linkText::kOnlyNinePorts;
     }
     close();
@@ -162,6 +163,20 @@ bool SocketTransport::open(const std::string& host, const std::string& port, Eve
         pump.sleepUntil(deadline);
     }
     return isOpen();
+}
+
+int UsbTransport::attached() {
+    std::uint32_t devices = 0;
+    if (bridge_.SI_GetNumDevices(devices) != 0) {
+        return 0;
+    }
+    int count = 0;
+    for (std::uint32_t i = 0; i < devices; ++i) {
+        std::string product;
+        const bool told = bridge_.SI_GetProductString(i, product, kProductId) == 0;
+        count += !told || equalNoCase(product, kProduct) ? 1 : 0;
+    }
+    return count;
 }
 
 Transport& Transports::of(LinkType type) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/Records.h"
+#include "link/LinkSettings.h"
 #include "platform/Clock.h"
 #include "platform/EventPump.h"
 #include "platform/LinkPorts.h"
@@ -36,9 +36,6 @@ public:
 /// RS-232 over the serial communications control.
 class SerialTransport : public Transport {
 public:
-    static constexpr int kFirstPort = 1; ///< "COM1"
-    static constexpr int kLastPort = 9;
-
     explicit SerialTransport(SerialControl& control)
         : control_(control) {}
 
@@ -46,10 +43,11 @@ public:
     bool send(std::string_view packet, const Feed& dropped) override;
     void receive(const Feed& feed, const Awaiting& awaiting) override;
     void close() override;
-    /// Opens port kFirstPort..kLastPort with `baud`,N,8,1; any other port is refused without touching the
+    /// Opens port 1..SerialControl::kPorts with `baud`,N,8,1; any other port is refused without touching the
     /// control. Empty on success, else the reason.
     std::string open(int port, std::int32_t baud);
-    [[nodiscard]] SerialControl& control() { return control_; }
+    /// Device that is present behind a port, for people; empty when there is none.
+    [[nodiscard]] std::string deviceName(int port) const { return control_.deviceName(port); }
 
 private:
     SerialControl& control_;
@@ -59,6 +57,9 @@ private:
 class UsbTransport : public Transport {
 public:
     static constexpr std::uint32_t kBaud = 115200; ///< fixed, whatever the Baud setting says
+    static constexpr const char* kProduct =
+        "83F5";                          ///< tells the instrument's bridge from others of its family
+    static constexpr int kProductId = 4; ///< option of SI_GetProductString
 
     explicit UsbTransport(UsbBridge& bridge)
         : bridge_(bridge) {}
@@ -71,6 +72,10 @@ public:
     /// Opens device `index` at 115200 baud; false on failure.
     bool open(std::int32_t index);
 
+    /// Bridges with the instrument's product that are attached now, opened by anyone or not. One that does
+    /// not tell its product counts: that is one in use. Opens none.
+    [[nodiscard]] int attached();
+    /// The library itself, for who searches its devices.
     [[nodiscard]] UsbBridge& bridge() { return bridge_; }
 
 private:
@@ -92,7 +97,8 @@ public:
     /// connected. `abandon` (may be empty) is asked after each event.
     bool open(const std::string& host, const std::string& port, EventPump& pump, const Clock& clock,
               const std::function<bool()>& abandon = {});
-    [[nodiscard]] SocketControl& control() { return control_; }
+    /// Why the last connection failed or ended, for people; empty when unknown.
+    [[nodiscard]] std::string reason() const { return control_.reason(); }
 
 private:
     SocketControl& control_;

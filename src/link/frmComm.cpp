@@ -1,5 +1,6 @@
 #include "link/frmComm.h"
 
+#include "controls/Build.h"
 #include "link/Texts.h"
 #include "util/ProgramName.h"
 #include "util/Text.h"
@@ -20,10 +21,6 @@ namespace drx9 {
 namespace {
 constexpr const char* kSetupTool = "dgdiscvr.exe";
 constexpr int kDevicesMs = 1000;
-
-QString q(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 int entryOrNone(const std::optional<std::size_t>& entry) {
     return entry ? static_cast<int>(*entry) : -1;
@@ -66,13 +63,12 @@ private:
 };
 
 frmComm::frmComm(const CommWindowParts& parts, QWidget* owner)
-    : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint)
+    : Window(owner, Qt::WindowStaysOnTopHint)
     , parts_(parts)
     , hold_(parts.polling.holdTimer(linkText::kHoldReason))
     , setup_(parts.settings, facts(), parts.discovery.failure()) {
     setObjectName(QStringLiteral("frmComm"));
     setWindowTitle(QStringLiteral("DRX-9 Comm Setup"));
-    setAttribute(Qt::WA_DeleteOnClose);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(16, 16, 16, 16);
     column->setSpacing(12);
@@ -86,19 +82,13 @@ frmComm::frmComm(const CommWindowParts& parts, QWidget* owner)
     devices_.start(kDevicesMs);
 }
 
-/// Where the owner goes first: a field that still has the focus is left in the base class's destructor.
-frmComm::~frmComm() {
-    txtEAddr_->disconnect(this);
-    txtEport_->disconnect(this);
-}
-
 void frmComm::Form_Load() {
     parts_.setup.linkSetupOpened();
     const LinkSettings& settings = parts_.settings;
     cboRS232_->setCurrentIndex(entryOrNone(portEntry(settings.Port)));
     cboBaud_->setCurrentIndex(entryOrNone(baudEntry(settings.Baud)));
-    txtEport_->setText(q(settings.EPort));
-    txtEAddr_->setText(q(settings.EAddress));
+    txtEport_->setText(shown(settings.EPort));
+    txtEAddr_->setText(shown(settings.EAddress));
     const auto type = static_cast<std::size_t>(knownLink(settings.CommType));
     optComm_[type]->setChecked(true); // runs optComm_Click
     optComm_[type]->setFocus();
@@ -137,12 +127,11 @@ void frmComm::cboRS232_Click() {
 /// A port that refuses is told in a box, as everywhere, and with its reason on the bottom line.
 void frmComm::openSerialPort(int port) {
     const Operation operation(*this);
-    parts_.transports.serial.close();
-    const std::string reason = parts_.transports.serial.open(port, parts_.settings.Baud);
+    parts_.serial.close();
+    const std::string reason = parts_.serial.open(port, parts_.settings.Baud);
     setup_.portOpened(parts_.settings.Port, reason);
     showState();
-    const bool tried = port >= SerialTransport::kFirstPort && port <= SerialTransport::kLastPort;
-    if (!reason.empty() && tried) {
+    if (!reason.empty() && SerialControl::isPort(port)) {
         parts_.boxes.show(filled(linkText::kPortNotAvailable, {std::to_string(port)}), kProgramName,
                           MessageIcon::Information);
     }
@@ -160,7 +149,7 @@ void frmComm::cboBaud_Click() {
 
 void frmComm::cboUSB_Click() {
     if (busy_) {
-        cboUSB_->setCurrentIndex(std::max(0, cboUSB_->findText(q(parts_.settings.USBSerNum))));
+        cboUSB_->setCurrentIndex(std::max(0, cboUSB_->findText(shown(parts_.settings.USBSerNum))));
         return;
     }
     parts_.settings.USBSerNum = cboUSB_->currentText().toStdString();
@@ -201,11 +190,11 @@ void frmComm::whenIdle(void (frmComm::*action)()) {
         return;
     }
     takeAddress();
-    parts_.actions.runWhenIdle([self = QPointer<frmComm>(this), action] {
-        if (self != nullptr && !self->busy_) {
-            (self->*action)();
+    parts_.actions.runWhenIdle(ifAlive([this, action] {
+        if (!busy_) {
+            (this->*action)();
         }
-    });
+    }));
 }
 
 void frmComm::cmdFind_Click() {
@@ -226,7 +215,7 @@ void frmComm::find() {
     LinkSettings sought = parts_.settings; // what is typed meanwhile is another link
     txtSend_->clear();
     txtRcv_->clear();
-    say({filled(linkText::kLooking, {linkName(sought)}), CommState::Tone::Plain});
+    say({filled(linkText::kLooking, {linkName(sought)}), Tone::Plain});
     const bool found =
         parts_.discovery.Comm_Open(Messages::Blocking, [this] { return parts_.actions.closing(); });
     if (self == nullptr) {
@@ -251,20 +240,20 @@ void frmComm::send() {
     const RawCommand command = rawCommand(typed);
     txtRcv_->clear();
     if (!command.refusal.empty()) {
-        say({command.refusal, CommState::Tone::Warn});
+        say({command.refusal, Tone::Warn});
         return;
     }
     const QPointer<frmComm> self(this);
     const Operation operation(*this);
     history_.add(typed);
     if (command.changesFilm) {
-        parts_.films.filmUnconfirmed();
+        parts_.setup.filmUnconfirmed();
     }
     const Exchange exchange = parts_.link.Comm_Send(command.bytes);
     if (self == nullptr) {
         return;
     }
-    txtRcv_->setText(q(responseText(exchange)));
+    txtRcv_->setText(shown(responseText(exchange)));
     txtRcv_->setCursorPosition(0);
     if (comm::isSilence(exchange.status) && facts().open) {
         say(CommSetup::silence(parts_.settings, facts()));
@@ -285,7 +274,7 @@ void frmComm::startSetup() {
 
 void frmComm::walkHistory(bool older) {
     const std::string line = txtSend_->text().toStdString();
-    txtSend_->setText(q(older ? history_.older(line) : history_.newer(line)));
+    txtSend_->setText(shown(older ? history_.older(line) : history_.newer(line)));
 }
 
 void frmComm::reject() {
@@ -306,7 +295,7 @@ void frmComm::Form_Unload() {
     const auto leave = qScopeGuard([self = QPointer<frmComm>(this)] {
         if (self != nullptr) {
             self->hold_.reset();
-            self->QDialog::reject();
+            self->Window::reject();
             self->deleteLater();
         }
     });
@@ -324,7 +313,7 @@ void frmComm::closeEvent(QCloseEvent* event) {
 }
 
 void frmComm::changeEvent(QEvent* event) {
-    QDialog::changeEvent(event);
+    Window::changeEvent(event);
     if (event->type() == QEvent::PaletteChange && lblState_ != nullptr) {
         say(state_);
     }
@@ -341,7 +330,7 @@ bool frmComm::event(QEvent* event) {
     } else if (operates && event->type() == QEvent::WindowUnblocked) {
         QApplication::changeOverrideCursor(Qt::WaitCursor);
     }
-    return QDialog::event(event);
+    return Window::event(event);
 }
 
 bool frmComm::eventFilter(QObject* watched, QEvent* event) {
@@ -350,7 +339,7 @@ bool frmComm::eventFilter(QObject* watched, QEvent* event) {
         return true;
     }
     if (watched != txtSend_) {
-        return QDialog::eventFilter(watched, event);
+        return Window::eventFilter(watched, event);
     }
     if (event->type() == QEvent::FocusIn) {
         cmdSend_->setDefault(true);
@@ -363,7 +352,7 @@ bool frmComm::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
     }
-    return QDialog::eventFilter(watched, event);
+    return Window::eventFilter(watched, event);
 }
 
 } // namespace drx9

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "controls/Window.h"
 #include "link/ActionQueue.h"
 #include "link/CommSetup.h"
 #include "link/CommandHistory.h"
@@ -9,7 +10,6 @@
 #include "platform/Desktop.h"
 #include "platform/MessageBoxes.h"
 
-#include <QDialog>
 #include <QTimer>
 
 #include <array>
@@ -25,17 +25,19 @@ class QStackedWidget;
 
 namespace drx9 {
 
+class WarnMark;
+
 struct CommWindowParts {
     LinkSettings& settings;
     Link& link;
     Discovery& discovery;
-    Transports& transports; ///< the serial port is opened again, bridges are counted
+    SerialTransport& serial; ///< opened again
+    UsbTransport& usb;       ///< bridges are counted
     Shell& shell;
     MessageBoxes& boxes;
     ActionQueue& actions;
     LinkSetupAccess& setup;
     PollingAccess& polling;
-    FilmMemoryAccess& films;
 };
 
 /// The communications window: chooses the link, looks for the instrument, and carries typed commands. Every
@@ -44,11 +46,10 @@ struct CommWindowParts {
 ///
 /// Find and Send pump events. While one runs the other buttons, the lists and the options do nothing, and a
 /// close waits for its end. On close the window hides first, then tells the monitor, which may pump.
-class frmComm : public QDialog {
+class frmComm : public Window {
     Q_OBJECT
 public:
     frmComm(const CommWindowParts& parts, QWidget* owner);
-    ~frmComm() override;
 
     /// Closes, at once or behind the operation that is on the stack. Esc and the Close button come here.
     void reject() override;
@@ -71,7 +72,7 @@ private:
     QWidget* buildEthernetPage();
     QWidget* buildTerminal();
     QLayout* buildBottom();
-    QPushButton* button(const char* name, const char* caption, const char* toolTip);
+    QPushButton* button(const char* name, const char* caption, const char* toolTip = "");
     QComboBox* list(const char* name, const char* accessible, QWidget* page);
     void setTabStops();
 
@@ -134,7 +135,7 @@ private:
     QLineEdit* txtRcv_ = nullptr;
     QPushButton* cmdSend_ = nullptr;
     QPushButton* cmdOK_ = nullptr;
-    QWidget* stateMark_ = nullptr;
+    WarnMark* stateMark_ = nullptr;
     QLabel* lblState_ = nullptr;
     CommState state_;
     CommSetup::Facts shownFacts_; ///< when state_ was said

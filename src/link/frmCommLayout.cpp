@@ -1,8 +1,11 @@
 // The communications window's controls and where they are.
 #include "link/frmComm.h"
 
+#include "controls/Build.h"
+#include "controls/HairLine.h"
 #include "controls/ReadOnlyLine.h"
 #include "controls/Theme.h"
+#include "controls/WarnMark.h"
 
 #include <QComboBox>
 #include <QFontDatabase>
@@ -11,7 +14,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStackedWidget>
@@ -23,62 +25,29 @@ constexpr int kListWidth = 160;
 constexpr int kGap = 8;
 constexpr const char* kLongNote = "0A7C21 is set: choose one"; ///< the room beside a list
 constexpr int kPortWidth = 72;                                 ///< five digits
-constexpr int kButtonWidth = 92;
 constexpr int kRowHeight = 28;
 constexpr int kStateLines = 3; ///< the longest reason, with the command that mends it
-constexpr int kMark = 14;
-
-/// The warning triangle before the bottom line, in the colour of its text.
-class Mark : public QWidget {
-public:
-    explicit Mark(QWidget* parent)
-        : QWidget(parent) {
-        setFixedSize(kMark, kMark);
-    }
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        paintWarningMark(painter, QRectF(0, 0, kMark, kMark - 1), palette().color(QPalette::WindowText));
-    }
-};
-
-/// A vertical line without meaning.
-class Separator : public QWidget {
-public:
-    explicit Separator(QWidget* parent)
-        : QWidget(parent) {
-        setFixedWidth(1);
-    }
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        painter.fillRect(rect(), Theme::of(palette()).hair);
-    }
-};
 
 int noteWidth(const QWidget* page) {
-    return page->fontMetrics().horizontalAdvance(QString::fromLatin1(kLongNote)) + 2;
+    return page->fontMetrics().horizontalAdvance(latin(kLongNote)) + 2;
 }
 
 QLabel* note(const char* name, QWidget* page) {
-    auto* label = new QLabel(page);
-    label->setObjectName(QString::fromLatin1(name));
-    label->setForegroundRole(kMutedRole);
+    QLabel* label = makeMutedLabel(page, {});
+    label->setObjectName(latin(name));
     label->setFixedWidth(noteWidth(page));
     return label;
 }
 
 QLabel* caption(const char* name, const char* text, QWidget* parent) {
-    auto* label = new QLabel(QString::fromLatin1(text), parent);
-    label->setObjectName(QString::fromLatin1(name));
+    auto* label = new QLabel(latin(text), parent);
+    label->setObjectName(latin(name));
     return label;
 }
 
 QLineEdit* field(QLineEdit* edit, const char* name, const char* toolTip, QLabel* label) {
-    edit->setObjectName(QString::fromLatin1(name));
-    edit->setToolTip(QString::fromLatin1(toolTip));
+    edit->setObjectName(latin(name));
+    edit->setToolTip(latin(toolTip));
     edit->setMinimumHeight(kRowHeight);
     label->setBuddy(edit);
     return edit;
@@ -96,17 +65,16 @@ QGridLayout* pageLayout(QWidget* page) {
 } // namespace
 
 QPushButton* frmComm::button(const char* name, const char* captionText, const char* toolTip) {
-    auto* made = new QPushButton(QString::fromLatin1(captionText), this);
-    made->setObjectName(QString::fromLatin1(name));
-    made->setToolTip(QString::fromLatin1(toolTip));
-    made->setMinimumSize(kButtonWidth, kRowHeight);
+    QPushButton* made = makeButton(this, name, captionText, toolTip);
+    made->setAutoDefault(true);
+    made->setMinimumHeight(kRowHeight);
     return made;
 }
 
 QComboBox* frmComm::list(const char* name, const char* accessible, QWidget* page) {
     auto* made = new QComboBox(page);
-    made->setObjectName(QString::fromLatin1(name));
-    made->setAccessibleName(QString::fromLatin1(accessible));
+    made->setObjectName(latin(name));
+    made->setAccessibleName(latin(accessible));
     made->setFixedWidth(kListWidth);
     made->setMinimumHeight(kRowHeight);
     made->installEventFilter(this);
@@ -127,7 +95,7 @@ QWidget* frmComm::buildLink() {
     row->setContentsMargins(12, 12, 12, 12);
     row->setSpacing(16);
     row->addLayout(buildOptions(frame));
-    row->addWidget(new Separator(frame));
+    row->addWidget(new HairLine(Qt::Vertical, frame));
     row->addWidget(pages_, 1);
     row->addWidget(cmdFind_, 0, Qt::AlignTop);
     return frame;
@@ -144,9 +112,9 @@ QLayout* frmComm::buildOptions(QWidget* frame) {
     auto* column = new QVBoxLayout;
     column->setSpacing(4);
     for (std::size_t i = 0; i < kOptions.size(); ++i) {
-        auto* option = new QRadioButton(QString::fromLatin1(kOptions[i].caption), frame);
+        auto* option = new QRadioButton(latin(kOptions[i].caption), frame);
         option->setObjectName(QStringLiteral("optComm_%1").arg(i));
-        option->setToolTip(QString::fromLatin1(kOptions[i].toolTip));
+        option->setToolTip(latin(kOptions[i].toolTip));
         option->setMinimumHeight(kRowHeight);
         connect(option, &QRadioButton::toggled, this, [this, index = static_cast<int>(i)](bool on) {
             if (on) {
@@ -162,7 +130,7 @@ QLayout* frmComm::buildOptions(QWidget* frame) {
 QWidget* frmComm::buildSerialPage() {
     auto* page = new QWidget(pages_);
     cboRS232_ = list("cboRS232", "Serial port", page);
-    for (int port = 1; port <= kSerialPorts; ++port) {
+    for (int port = 1; port <= SerialControl::kPorts; ++port) {
         cboRS232_->addItem(QStringLiteral("COM%1").arg(port));
     }
     cboBaud_ = list("cboBaud", "Baud rate", page);
@@ -214,7 +182,7 @@ QWidget* frmComm::buildEthernetPage() {
     txtEport_->setFixedWidth(kPortWidth);
     connect(txtEAddr_, &QLineEdit::editingFinished, this, &frmComm::txtEAddr_LostFocus);
     connect(txtEport_, &QLineEdit::editingFinished, this, &frmComm::txtEPort_LostFocus);
-    cmdESetup_ = button("cmdESetup", "&Setup", "");
+    cmdESetup_ = button("cmdESetup", "&Setup");
     cmdESetup_->setAccessibleDescription(QStringLiteral("Starts the serial server's setup program."));
     connect(cmdESetup_, &QPushButton::clicked, this, &frmComm::cmdESetup_Click);
     QGridLayout* grid = pageLayout(page);
@@ -254,7 +222,8 @@ QWidget* frmComm::buildTerminal() {
 }
 
 QLayout* frmComm::buildBottom() {
-    stateMark_ = new Mark(this);
+    stateMark_ = new WarnMark(this);
+    keepRoomWhenHidden(*stateMark_, false);
     lblState_ = new QLabel(this);
     lblState_->setObjectName(QStringLiteral("lblState"));
     lblState_->setTextFormat(Qt::PlainText);

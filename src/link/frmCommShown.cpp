@@ -1,7 +1,9 @@
 // What the communications window shows of the link and of the devices.
 #include "link/frmComm.h"
 
+#include "controls/Build.h"
 #include "controls/Theme.h"
+#include "controls/WarnMark.h"
 #include "link/Texts.h"
 
 #include <QComboBox>
@@ -14,15 +16,12 @@
 namespace drx9 {
 
 namespace {
-QString q(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 void setShortened(QLabel* label, const std::string& text) {
-    const QString whole = q(text);
+    const QString whole = shown(text);
     const QString fitting = label->fontMetrics().elidedText(whole, Qt::ElideMiddle, label->minimumWidth());
     label->setText(fitting);
     label->setToolTip(fitting == whole ? QString() : whole);
+    label->setAccessibleName(whole);
 }
 } // namespace
 
@@ -41,21 +40,21 @@ void frmComm::showLink() {
 
 void frmComm::showSerial() {
     for (int entry = 0; entry < cboRS232_->count(); ++entry) {
-        const std::string device = parts_.transports.serial.control().deviceName(entry + 1);
-        cboRS232_->setItemData(entry, q(device.empty() ? linkText::kNoDevice : device), Qt::ToolTipRole);
+        const std::string device = parts_.serial.deviceName(entry + 1);
+        cboRS232_->setItemData(entry, shown(device.empty() ? linkText::kNoDevice : device), Qt::ToolTipRole);
     }
     const std::int16_t port = parts_.settings.Port;
     const bool listed = portEntry(port).has_value();
-    const std::string device = listed ? parts_.transports.serial.control().deviceName(port) : std::string();
+    const std::string device = listed ? parts_.serial.deviceName(port) : std::string();
     setShortened(lblDevice_, deviceText(port, device));
-    cboRS232_->setToolTip(q(device));
-    lblBaud_->setText(q(baudText(parts_.settings.Baud)));
+    cboRS232_->setToolTip(shown(device));
+    lblBaud_->setText(shown(baudText(parts_.settings.Baud)));
 }
 
 void frmComm::showUsb() {
     const int listed = cboUSB_->count();
-    lblBridges_->setText(q(bridgeText(listed, attachedBridges(parts_.transports.usb.bridge()))));
-    const bool isListed = cboUSB_->findText(q(parts_.settings.USBSerNum), Qt::MatchFixedString) >= 0;
+    lblBridges_->setText(shown(bridgeText(listed, parts_.usb.attached())));
+    const bool isListed = cboUSB_->findText(shown(parts_.settings.USBSerNum), Qt::MatchFixedString) >= 0;
     setShortened(lblSerialNumber_, serialNumberText(listed, isListed, parts_.settings.USBSerNum));
 }
 
@@ -86,40 +85,37 @@ void frmComm::showState() {
 /// The text, without its middle where it is longer than its place.
 QString frmComm::fitted(const QString& text) const {
     const QRect room(0, 0, lblState_->width(), QWIDGETSIZE_MAX);
-    QString shown = text;
+    QString fitting = text;
     for (qsizetype keep = text.size() - 1; keep > 1; --keep) {
-        const QRect needed = lblState_->fontMetrics().boundingRect(room, Qt::TextWordWrap, shown);
+        const QRect needed = lblState_->fontMetrics().boundingRect(room, Qt::TextWordWrap, fitting);
         if (!isVisible() || needed.height() <= lblState_->height()) {
             break;
         }
-        shown = text.left(keep / 2) + QStringLiteral("\u2026") + text.right(keep - keep / 2);
+        fitting = text.left(keep / 2) + QStringLiteral("\u2026") + text.right(keep - keep / 2);
     }
-    return shown;
+    return fitting;
 }
 
 void frmComm::say(const CommState& state) {
     state_ = state;
     shownFacts_ = facts();
-    const Theme theme = Theme::of(palette());
+    const QString text = shown(state.text);
     QPalette colours = lblState_->palette();
-    colours.setColor(QPalette::WindowText, state.tone == CommState::Tone::Warn    ? theme.warn
-                                           : state.tone == CommState::Tone::Alarm ? theme.alarm
-                                                                                  : theme.muted);
+    colours.setColor(QPalette::WindowText, Theme::of(palette()).tone(state.tone));
     lblState_->setPalette(colours);
-    stateMark_->setPalette(colours);
-    stateMark_->setVisible(state.tone != CommState::Tone::Plain);
+    stateMark_->setExplanation(state.tone == Tone::Plain ? QString() : text, state.tone);
     layout()->activate();
-    lblState_->setText(fitted(q(state.text)));
-    lblState_->setToolTip(q(state.text));
-    lblState_->setAccessibleName(q(state.text));
+    lblState_->setText(fitted(text));
+    lblState_->setToolTip(text);
+    lblState_->setAccessibleName(text);
 }
 
 void frmComm::refillUsb() {
     cboUSB_->clear();
     for (const std::string& serialNumber : parts_.discovery.USBSerialList()) {
-        cboUSB_->addItem(q(serialNumber));
+        cboUSB_->addItem(shown(serialNumber));
     }
-    const int chosen = cboUSB_->findText(q(parts_.settings.USBSerNum), Qt::MatchFixedString);
+    const int chosen = cboUSB_->findText(shown(parts_.settings.USBSerNum), Qt::MatchFixedString);
     cboUSB_->setCurrentIndex(chosen < 0 && cboUSB_->count() > 0 ? 0 : chosen);
 }
 

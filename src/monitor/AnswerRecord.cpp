@@ -12,12 +12,12 @@ constexpr double kLeastStaleAge = 0.75;   // s
 constexpr double kIntervalWhenNew = 0.25; // s
 } // namespace
 
-void AnswerRecord::noteReading(Commands::ReadResult result, const std::string& failure, bool disturbed) {
-    failure_ = failure;
-    strays_ = result == Commands::ReadResult::OutOfStep ? strays_ + 1
-              : result == Commands::ReadResult::Done    ? 0
-                                                        : strays_;
-    if (result != Commands::ReadResult::Done) {
+void AnswerRecord::noteReading(const Commands::ReadOutcome& reading, bool disturbed) {
+    failure_ = reading.failure;
+    strays_ = reading.end == Commands::ReadResult::OutOfStep ? strays_ + 1
+              : reading.end == Commands::ReadResult::Done    ? 0
+                                                             : strays_;
+    if (reading.end != Commands::ReadResult::Done) {
         return;
     }
     const double now = clock_.monotonic();

@@ -24,7 +24,7 @@ public:
     /// A tick or a refresh begins: nothing of it has failed yet.
     void begin() { failure_.clear(); }
     /// A reading has ended. `disturbed`: a window held the polling, or the link was lost, since the last one.
-    void noteReading(Commands::ReadResult result, const std::string& failure, bool disturbed);
+    void noteReading(const Commands::ReadOutcome& reading, bool disturbed);
     /// The exchange of `command` has ended with this status.
     void noteExchange(const char* command, std::uint16_t status);
     /// Something that no single exchange tells; an exchange's own failure goes first.

@@ -18,17 +18,6 @@ std::string filmListName(const FilmRecord& film) {
     return utf8FromAnsi(name);
 }
 
-std::string linkIdentity(const LinkSettings& link) {
-    switch (link.CommType) {
-    case LinkType::Usb:
-        return "USB " + link.USBSerNum;
-    case LinkType::Ethernet:
-        return link.EAddress + ":" + link.EPort;
-    default:
-        return "COM" + std::to_string(link.Port);
-    }
-}
-
 FilmChoice::FilmChoice(const Films& films, const Link& link, Discovery& discovery,
                        const LinkSettings& settings, const PollTimer& timer, const Clock& clock)
     : films_(films)
@@ -64,7 +53,7 @@ bool FilmChoice::setList(std::vector<std::string> names, int asked) {
 }
 
 const FilmRecord* FilmChoice::current() const {
-    return current_ >= 0 && current_ <= 99 ? &films_[static_cast<std::size_t>(current_)] : nullptr;
+    return current_ >= 0 && current_ <= kMostFilms ? &films_[static_cast<std::size_t>(current_)] : nullptr;
 }
 
 std::string FilmChoice::currentName() const {
@@ -83,7 +72,7 @@ void FilmChoice::selected(int number, bool confirmed) {
     current_ = number;
     confirmed_ = confirmed;
     confirmedAtLoss_ = confirmedAtLoss_ && confirmed;
-    linkThen_ = linkIdentity(settings_);
+    linkThen_ = settings_;
     versionThen_ = link_.CommVersion();
 }
 
@@ -108,7 +97,7 @@ bool FilmChoice::takeRepeat() {
 void FilmChoice::linkOpening() {
     const double last = link_.lastReplyTime();
     const double silence = clock_.monotonic() - last - timer_.heldSince(last);
-    if (silence > kNothingRestartsFaster || linkIdentity(settings_) != linkThen_) {
+    if (silence > kNothingRestartsFaster || !sameInstrument(settings_, linkThen_)) {
         confirmed_ = false;
     }
 }

@@ -2,6 +2,7 @@
 
 #include "link/Discovery.h"
 #include "link/Link.h"
+#include "link/LinkSettings.h"
 #include "link/Records.h"
 #include "monitor/PollTimer.h"
 #include "platform/Clock.h"
@@ -13,8 +14,6 @@ namespace drx9 {
 
 /// A film's name as a list shows it: UTF-8, without the blanks that fill it up.
 std::string filmListName(const FilmRecord& film);
-/// What tells one link from another; the baud rate does not.
-std::string linkIdentity(const LinkSettings& link);
 
 /// The film list of the main window and the film in use: which one was last selected, and whether the
 /// instrument is known to run it.
@@ -78,7 +77,7 @@ private:
     int current_ = -1; ///< number of the film last selected, -1 none yet
     bool confirmed_ = false;
     bool confirmedAtLoss_ = false;
-    std::string linkThen_;    ///< the link that confirmed it
+    LinkSettings linkThen_;   ///< the link that confirmed it
     std::string versionThen_; ///< its version text
 };
 

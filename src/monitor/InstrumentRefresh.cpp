@@ -5,13 +5,10 @@
 #include "util/Numbers.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace drx9 {
 
 namespace {
-constexpr int kMostFilms = 99;
-
 /// What the instrument holds from that film on is not known.
 void forgetFilms(Films& films, std::size_t first) {
     for (std::size_t i = first; i < films.size(); ++i) {
@@ -26,8 +23,10 @@ std::int16_t percent(int done, int count) {
 } // namespace
 
 void InstrumentRefresh::linkOpened() {
-    const std::string now = linkIdentity(parts_.settings) + " " + parts_.link.CommVersion();
-    if (std::exchange(instrument_, now) != now) {
+    const bool same = sameInstrument(link_, parts_.settings) && version_ == parts_.link.CommVersion();
+    link_ = parts_.settings;
+    version_ = parts_.link.CommVersion();
+    if (!same) {
         forgetFilms(parts_.films, 0);
     }
 }

@@ -4,6 +4,7 @@
 #include "link/Commands.h"
 #include "link/Discovery.h"
 #include "link/Link.h"
+#include "link/LinkSettings.h"
 #include "link/Records.h"
 #include "monitor/AnswerRecord.h"
 #include "platform/Progress.h"
@@ -60,7 +61,8 @@ private:
     void readRecord(Result& result);
 
     Parts parts_;
-    std::string instrument_; ///< link and version text of the one whose the known films are
+    LinkSettings link_;   ///< of the instrument whose the known films are
+    std::string version_; ///< and its version text
 };
 
 } // namespace drx9

@@ -11,6 +11,11 @@ void LinkSetupDesk::linkFound() {
     parts_.window.changed();
 }
 
+void LinkSetupDesk::filmUnconfirmed() {
+    parts_.choice.unconfirm();
+    parts_.window.changed();
+}
+
 void LinkSetupDesk::linkSetupClosed(bool reopen, bool sameLink) {
     if (parts_.monitor.RunMode() == RunState::Exiting) {
         return;

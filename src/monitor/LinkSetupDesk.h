@@ -33,6 +33,7 @@ public:
 
     void linkSetupOpened() override { parts_.monitor.setRunMode(RunState::Starting); }
     void linkFound() override;
+    void filmUnconfirmed() override;
     void linkSetupClosed(bool reopen, bool sameLink) override;
 
 private:

@@ -138,16 +138,16 @@ void Monitor::poll() {
 }
 
 Commands::ReadResult Monitor::ReadDRX() {
-    const auto result = parts_.commands.Comm_GetData(parts_.readings, sensorCount(),
-                                                     [this] { return parts_.actions.waiting(); });
+    const Commands::ReadOutcome reading = parts_.commands.Comm_GetData(
+        parts_.readings, sensorCount(), [this] { return parts_.actions.waiting(); });
     const bool held = parts_.timer.heldSince(parts_.answers.lastGoodReading()) > 0;
-    parts_.answers.noteReading(result, parts_.commands.readFailure(), held || parts_.run.gapPending());
-    if (result == Commands::ReadResult::Done) {
+    parts_.answers.noteReading(reading, held || parts_.run.gapPending());
+    if (reading.end == Commands::ReadResult::Done) {
         storeReading();
-    } else if (result != Commands::ReadResult::Abandoned) {
+    } else if (reading.end != Commands::ReadResult::Abandoned) {
         parts_.run.noteGap();
     }
-    return result;
+    return reading.end;
 }
 
 /// To 0.001: points, charts, readouts and log share the rounded values.

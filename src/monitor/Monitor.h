@@ -55,7 +55,7 @@ public:
     [[nodiscard]] RunState RunMode() const override { return runMode_; }
     /// Idle refreshes the window from the instrument; Running starts a run. Pumps.
     void setRunMode(RunState mode);
-    /// The run state becomes Exiting and a run's log gets its end. Sends nothing and touches no window.
+    /// The run mode becomes Exiting and a run's log gets its end. Sends nothing and touches no window.
     void exitAtOnce();
     /// The start values of a run: empty charts, elapsed time 0, and "T". Its status. Pumps.
     std::uint16_t ZeroAll() override;

@@ -17,9 +17,8 @@ public:
     /// The requests of a tick begin: the first of them takes away what was said of earlier ones.
     void beginRound() { fresh_ = true; }
     /// A request has been carried out; `status` is that of its exchanges that failed first, 0 when all were
-    /// accepted.
-    /// `inStep` is false when an answer came late or unasked: then nobody can tell which was the request's
-    /// own.
+    /// accepted. `inStep` is false when an answer came late or unasked: then nobody can tell which was the
+    /// request's own.
     void ended(const char* request, std::uint16_t status, bool inStep);
     /// A request that could not wait any longer was dropped.
     void notSent(const char* request);

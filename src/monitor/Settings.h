@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/LinkSettings.h"
 #include "link/Records.h"
 #include "util/NumberLocale.h"
 #include "util/Paths.h"

@@ -15,24 +15,21 @@ namespace {
 constexpr double kSpeakOfSilence = 1.5; ///< s without any answer from which on it is said in words
 constexpr double kSpeakOfAge = 2;       ///< s without a reading from which on its age is shown
 constexpr int kSpeakOfStrays = 2;       ///< readings out of step in a row
-constexpr double kLongestClock = 362400;
 constexpr std::size_t kBriefReply = 40; ///< characters of a reason that leave the log's field its room
 
-struct LinkName {
+struct LinkNames {
     std::string text;
     std::string brief;
 };
 
-LinkName linkName(const LinkSettings& link) {
+LinkNames linkNames(const LinkSettings& link) {
     switch (link.CommType) {
     case LinkType::Usb:
-        return {"USB " + link.USBSerNum, "USB"};
+        return {linkName(link), "USB"};
     case LinkType::Ethernet:
-        return {"Ethernet " + link.EAddress + ":" + link.EPort, "Ethernet"};
-    default: {
-        const std::string port = "COM" + std::to_string(link.Port);
-        return {port + " at " + std::to_string(link.Baud), port};
-    }
+        return {"Ethernet " + linkName(link), "Ethernet"};
+    default:
+        return {linkName(link), "COM" + std::to_string(link.Port)};
     }
 }
 
@@ -98,7 +95,7 @@ std::string spanText(const StatusFacts& facts) {
     const bool before = facts.logging ? facts.elapsed < log.Start : log.Start > 0;
     const std::string from = clockText(log.Start);
     const std::string until = clockText(log.End);
-    if (log.End < kLongestClock) {
+    if (log.End < kClockLimit) {
         return before ? filled(kSpanFromUntil, {from, until}) : filled(kSpanUntil, {until});
     }
     return before ? filled(kSpanFrom, {from}) : std::string();
@@ -139,7 +136,7 @@ std::string shutterCaption(std::int16_t state) {
 Notice gravestNotice(const StatusFacts& facts) {
     using enum Notice::Subject;
     if (facts.runMode == RunState::Starting && !facts.started) {
-        const LinkName name = linkName(facts.link);
+        const LinkNames name = linkNames(facts.link);
         return {Connecting, filled(kConnecting, {name.text}), filled(kConnecting, {name.brief})};
     }
     if (noReply(facts)) {
@@ -172,20 +169,20 @@ Notice gravestNotice(const StatusFacts& facts) {
 }
 
 StatusText staLink(const StatusFacts& facts) {
-    const LinkName name = linkName(facts.link);
-    const auto with = [&name](const std::string& state, StatusText::Tone tone) {
+    const LinkNames name = linkNames(facts.link);
+    const auto with = [&name](const std::string& state, Tone tone) {
         return StatusText{name.text + ", " + state, name.brief + ", " + state, tone};
     };
     if (!facts.started) {
-        return with(kLinkConnecting, StatusText::Tone::Plain);
+        return with(kLinkConnecting, Tone::Plain);
     }
     if (offLine(facts) || (!facts.pauseReason.empty() && !facts.linkOpen)) {
-        return with(kLinkOffLine, StatusText::Tone::Alarm);
+        return with(kLinkOffLine, Tone::Alarm);
     }
     if (noReply(facts)) {
-        return with(filled(kLinkNoReply, {ageText(facts.replyAge)}), StatusText::Tone::Warn);
+        return with(filled(kLinkNoReply, {ageText(facts.replyAge)}), Tone::Warn);
     }
-    return with(kLinkOnLine, StatusText::Tone::Plain);
+    return with(kLinkOnLine, Tone::Plain);
 }
 
 StatusText staReply(const StatusFacts& facts) {
@@ -209,13 +206,13 @@ StatusText staRun(const StatusFacts& facts) {
     if (!waiting.empty()) {
         run.text += ", " + waiting;
         run.brief += ", " + waiting;
-        run.tone = StatusText::Tone::Warn;
+        run.tone = Tone::Warn;
     }
     return run;
 }
 
 StatusText staRequest(const StatusFacts& facts) {
-    return {facts.requestFailed, facts.requestFailed, StatusText::Tone::Warn};
+    return {facts.requestFailed, facts.requestFailed, Tone::Warn};
 }
 
 StatusText staShutter(const StatusFacts& facts) {
@@ -233,10 +230,10 @@ StatusText staShutter(const StatusFacts& facts) {
 
 StatusText staMode(const StatusFacts& facts) {
     if (!facts.message.empty()) {
-        return {facts.message, facts.messageBrief, StatusText::Tone::Warn};
+        return {facts.message, facts.messageBrief, Tone::Warn};
     }
     if (facts.onLine && facts.started && !facts.systemKnown && facts.hasReading) {
-        return {kNoParameters, kNoParametersBrief, StatusText::Tone::Warn};
+        return {kNoParameters, kNoParametersBrief, Tone::Warn};
     }
     std::string list;
     if (facts.systemKnown && facts.simulate) {
@@ -245,7 +242,7 @@ StatusText staMode(const StatusFacts& facts) {
     if (facts.systemKnown && facts.etch) {
         addPart(list, kEtch);
     }
-    return {list, list, list.empty() ? StatusText::Tone::Plain : StatusText::Tone::Warn};
+    return {list, list, list.empty() ? Tone::Plain : Tone::Warn};
 }
 
 StatusText staLog(const StatusFacts& facts) {
@@ -255,11 +252,10 @@ StatusText staLog(const StatusFacts& facts) {
     }
     if (facts.logLost > 0) {
         return {filled(kLogLost, {facts.logPath, lines(facts.logLost)}),
-                filled(kLogLostBrief, {lines(facts.logLost)}), StatusText::Tone::Alarm};
+                filled(kLogLostBrief, {lines(facts.logLost)}), Tone::Alarm};
     }
     if (!facts.logCutError.empty()) {
-        return {filled(kLogNotCut, {facts.logPath, facts.logCutError}), kLogNotCutBrief,
-                StatusText::Tone::Warn};
+        return {filled(kLogNotCut, {facts.logPath, facts.logCutError}), kLogNotCutBrief, Tone::Warn};
     }
     const char* const mode = facts.log.Type == LogMode::Overwrite ? kLogOverwrites : kLogAppends;
     StatusText log{filled(mode, {facts.logPath}), filled(mode, {name})};

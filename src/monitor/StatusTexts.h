@@ -1,10 +1,12 @@
 #pragma once
 
+#include "link/LinkSettings.h"
 #include "link/Records.h"
 #include "monitor/RequestDesk.h"
 #include "monitor/RunState.h"
 #include "monitor/Settings.h"
 #include "util/LocalTime.h"
+#include "util/Tone.h"
 
 #include <bitset>
 #include <cstdint>
@@ -14,7 +16,6 @@ namespace drx9 {
 
 /// A text of the status bar with its short form for narrow windows.
 struct StatusText {
-    enum class Tone { Plain, Warn, Alarm };
     std::string text;
     std::string brief;
     Tone tone = Tone::Plain;

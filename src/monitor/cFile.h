@@ -12,7 +12,10 @@
 namespace drx9 {
 
 /// An INI file, read and written as the private-profile functions of Windows do it. No operation reports a
-/// failure but by its result and lastResult(); reads of a missing or unreadable file give their defaults.
+/// failure except by its result and lastResult(); reads of a missing or unreadable file give their defaults.
+///
+/// The program itself reads whole texts and writes texts. Numbers, booleans, parts of a list and the clearing
+/// of a section complete the class for other users of such files.
 ///
 /// Texts are UTF-8. The file keeps its own encoding (see IniText).
 class cFile {

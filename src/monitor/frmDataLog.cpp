@@ -1,9 +1,9 @@
 #include "monitor/frmDataLog.h"
 
+#include "controls/Build.h"
 #include "controls/MarkLabel.h"
 #include "controls/ReadOnlyLine.h"
 #include "controls/SpinBox.h"
-#include "controls/Theme.h"
 #include "monitor/Texts.h"
 #include "util/DisplayFormats.h"
 #include "util/Paths.h"
@@ -23,19 +23,12 @@ namespace drx9 {
 namespace {
 constexpr int kSpinnerWidth = 84;
 constexpr int kSpinnerRoom = 34; ///< of its arrows and edges
-constexpr int kButtonWidth = 92;
-constexpr int kWidth = 372; ///< of the contents
+constexpr int kStateWidth = 272;
 constexpr int kStateMs = 500;
-
-QLabel* headingLabel(const char* text, QWidget* parent) {
-    auto* label = new QLabel(QString::fromLatin1(text), parent);
-    label->setForegroundRole(kMutedRole);
-    return label;
-}
 } // namespace
 
 frmDataLog::frmDataLog(const DataLogWindowParts& parts, QWidget* owner)
-    : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint)
+    : Window(owner)
     , parts_(parts)
     , span_(parts.settings) {
     setObjectName(QStringLiteral("frmDataLog"));
@@ -47,7 +40,7 @@ frmDataLog::frmDataLog(const DataLogWindowParts& parts, QWidget* owner)
     column->addWidget(buildSpan());
     column->addLayout(buildBottom());
     showSettings();
-    setWindowTitle(QString::fromStdString("Data Log - [ " + bareName(parts.settings.File) + " ]"));
+    setWindowTitle(shown("Data Log - [ " + bareName(parts.settings.File) + " ]"));
     loading_ = false;
     stateTimer_.setInterval(kStateMs);
     connect(&stateTimer_, &QTimer::timeout, this, &frmDataLog::showState);
@@ -72,9 +65,9 @@ QGroupBox* frmDataLog::buildFile() {
     for (int row = 0; row < 3; ++row) {
         const Choice& choice = choices[static_cast<std::size_t>(row)];
         const auto index = static_cast<int>(choice.mode);
-        auto* button = new QRadioButton(QString::fromLatin1(choice.caption), group);
+        auto* button = new QRadioButton(latin(choice.caption), group);
         button->setObjectName(QStringLiteral("optLog_%1").arg(index));
-        button->setToolTip(QString::fromLatin1(choice.toolTip));
+        button->setToolTip(latin(choice.toolTip));
         button->setMinimumHeight(28);
         connect(button, &QRadioButton::toggled, this, [this, index](bool on) {
             if (on && !loading_) { // however it was switched on
@@ -84,18 +77,10 @@ QGroupBox* frmDataLog::buildFile() {
         grid->addWidget(button, row, 0, Qt::AlignLeft);
         optLog_[static_cast<std::size_t>(index)] = button;
     }
-    cmdNew_ = new QPushButton(QStringLiteral("&New"), group);
-    cmdView_ = new QPushButton(QStringLiteral("View"), group);
-    cmdNew_->setObjectName(QStringLiteral("cmdNew"));
-    cmdNew_->setToolTip(QStringLiteral("Open a new log file."));
-    cmdView_->setObjectName(QStringLiteral("cmdView"));
-    cmdView_->setToolTip(QStringLiteral("View the log file."));
-    int row = 0;
-    for (QPushButton* button : {cmdNew_, cmdView_}) {
-        button->setAutoDefault(false);
-        button->setFixedWidth(kButtonWidth);
-        grid->addWidget(button, row++, 1, Qt::AlignRight);
-    }
+    cmdNew_ = makeButton(group, "cmdNew", "&New", "Open a new log file.");
+    cmdView_ = makeButton(group, "cmdView", "View", "View the log file.");
+    grid->addWidget(cmdNew_, 0, 1, Qt::AlignRight);
+    grid->addWidget(cmdView_, 1, 1, Qt::AlignRight);
     path_ = new ReadOnlyLine(group);
     path_->setObjectName(QStringLiteral("txtLogFile"));
     path_->setFocusPolicy(Qt::ClickFocus);
@@ -108,8 +93,8 @@ QGroupBox* frmDataLog::buildFile() {
 
 SpinBox* frmDataLog::spinner(const char* name, const char* accessible, int most, int digits) {
     auto* box = new SpinBox(this);
-    box->setObjectName(QString::fromLatin1(name));
-    box->setAccessibleName(QString::fromLatin1(accessible));
+    box->setObjectName(latin(name));
+    box->setAccessibleName(latin(accessible));
     box->setRange(0, most);
     box->setLeastDigits(digits);
     box->setAlignment(Qt::AlignRight);
@@ -133,12 +118,12 @@ QGroupBox* frmDataLog::buildSpan() {
     grid->setHorizontalSpacing(8);
     grid->setVerticalSpacing(8);
     grid->setColumnStretch(0, 1);
-    grid->addWidget(headingLabel("Hour", group), 0, 1);
-    grid->addWidget(headingLabel("Min.", group), 0, 2);
-    grid->addWidget(headingLabel("Sec.", group), 0, 3);
+    grid->addWidget(makeMutedLabel(group, latin("Hour")), 0, 1);
+    grid->addWidget(makeMutedLabel(group, latin("Min.")), 0, 2);
+    grid->addWidget(makeMutedLabel(group, latin("Sec.")), 0, 3);
     const auto addRow = [&](int row, const char* caption, const Spinners& spinners,
                             void (frmDataLog::*change)()) {
-        auto* label = new QLabel(QString::fromLatin1(caption), group);
+        auto* label = new QLabel(latin(caption), group);
         label->setBuddy(spinners.hours != nullptr ? spinners.hours : spinners.minutes);
         grid->addWidget(label, row, 0);
         int column = 1;
@@ -162,14 +147,11 @@ QLayout* frmDataLog::buildBottom() {
     state_ = new MarkLabel(this);
     state_->setObjectName(QStringLiteral("lblState"));
     state_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    cmdForm_ = new QPushButton(QStringLiteral("&Close"), this);
-    cmdForm_->setObjectName(QStringLiteral("cmdForm"));
-    cmdForm_->setAutoDefault(false);
-    cmdForm_->setFixedWidth(kButtonWidth);
+    cmdForm_ = makeButton(this, "cmdForm", "&Close");
     connect(cmdForm_, &QPushButton::clicked, this, &QDialog::close);
     row->addWidget(state_, 1);
     row->addWidget(cmdForm_);
-    state_->setMinimumWidth(kWidth - kButtonWidth - 8);
+    state_->setMinimumWidth(kStateWidth);
     return row;
 }
 
@@ -204,7 +186,7 @@ SpanFields frmDataLog::fieldsOf(const Spinners& spinners) const {
 }
 
 void frmDataLog::showFile() {
-    const QString path = QString::fromStdString(parts_.log.fullPath());
+    const QString path = shown(parts_.log.fullPath());
     if (path_->text() != path) {
         path_->setText(path);
         path_->setCursorPosition(0);
@@ -217,8 +199,7 @@ void frmDataLog::showState() {
     cmdView_->setEnabled(parts_.files.exists(parts_.log.fullPath()));
     const DataLog& log = parts_.log;
     if (!log.lastError().empty()) {
-        state_->say(QString::fromStdString(filled(monitorText::kNotWritten, {log.lastError()})),
-                    MarkLabel::Tone::Alarm);
+        state_->say(shown(filled(monitorText::kNotWritten, {log.lastError()})), Tone::Alarm);
         return;
     }
     std::string text = monitorText::kNoLineYet;
@@ -230,7 +211,7 @@ void frmDataLog::showState() {
                            : filled(monitorText::kLines, {std::to_string(log.linesWritten())}),
                        timeOfDayText(*log.lastLineTime())});
     }
-    state_->say(QString::fromStdString(text), MarkLabel::Tone::Plain);
+    state_->say(shown(text), Tone::Plain);
 }
 
 void frmDataLog::optLog_Click(int index) {
@@ -259,20 +240,12 @@ void frmDataLog::spnInt_Change() {
 
 void frmDataLog::cmdNew_Click() {
     SpinBox::finishTyping(*this);
-    parts_.actions.runWhenIdle([self = QPointer<frmDataLog>(this)] {
-        if (self != nullptr) {
-            self->chooseFile();
-        }
-    });
+    parts_.actions.runWhenIdle(ifAlive([this] { chooseFile(); }));
 }
 
 void frmDataLog::cmdView_Click() {
     SpinBox::finishTyping(*this);
-    parts_.actions.runWhenIdle([self = QPointer<frmDataLog>(this)] {
-        if (self != nullptr) {
-            self->viewFile();
-        }
-    });
+    parts_.actions.runWhenIdle(ifAlive([this] { viewFile(); }));
 }
 
 void frmDataLog::chooseFile() {
@@ -294,8 +267,8 @@ void frmDataLog::chooseFile() {
     }
     parts_.settings.File = chosen;
     const std::string bracket = "[" + bareName(chosen) + "]";
-    setWindowTitle(QString::fromStdString("DRX-9 Comm - " + bracket)); // kept: replaced at once
-    setWindowTitle(QString::fromStdString("Data Log - " + bracket));
+    setWindowTitle(shown("DRX-9 Comm - " + bracket)); // kept: replaced at once
+    setWindowTitle(shown("Data Log - " + bracket));
     showState();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "controls/Window.h"
 #include "link/ActionQueue.h"
 #include "monitor/DataLog.h"
 #include "monitor/DataLogSpan.h"
@@ -8,7 +9,6 @@
 #include "platform/FilePort.h"
 #include "platform/MessageBoxes.h"
 
-#include <QDialog>
 #include <QTimer>
 
 #include <array>
@@ -34,7 +34,7 @@ struct DataLogWindowParts {
 };
 
 /// The data log window: file, mode, logged span of the run and interval. Every change takes effect at once.
-class frmDataLog : public QDialog {
+class frmDataLog : public Window {
     Q_OBJECT
 public:
     frmDataLog(const DataLogWindowParts& parts, QWidget* owner);

@@ -8,19 +8,8 @@
 namespace drx9 {
 
 namespace {
-MarkLabel::Tone toneOf(StatusText::Tone tone) {
-    switch (tone) {
-    case StatusText::Tone::Warn:
-        return MarkLabel::Tone::Warn;
-    case StatusText::Tone::Alarm:
-        return MarkLabel::Tone::Alarm;
-    default:
-        return MarkLabel::Tone::Plain;
-    }
-}
-
 StatusLine::Text shown(const StatusText& text) {
-    return {QString::fromStdString(text.text), QString::fromStdString(text.brief), toneOf(text.tone)};
+    return {QString::fromStdString(text.text), QString::fromStdString(text.brief), text.tone};
 }
 } // namespace
 

@@ -18,7 +18,7 @@ public:
     struct Text {
         QString text;
         QString brief;
-        MarkLabel::Tone tone = MarkLabel::Tone::Plain;
+        Tone tone = Tone::Plain;
         bool operator==(const Text&) const = default;
     };
     enum Field : std::size_t { Link, Reply, Run, Request, Shutter, Mode, Log, kFields };

@@ -12,8 +12,11 @@ namespace drx9 {
 /// isOpen() is false from then on and no event of it arrives any more. Arriving bytes wake the event pump.
 class SerialControl {
 public:
+    static constexpr int kPorts = 9; ///< "COM1" to "COM9"
+    static constexpr bool isPort(int port) { return port >= 1 && port <= kPorts; }
+
     virtual ~SerialControl() = default;
-    virtual void setCommPort(int port) = 0;                    ///< 1..9, the number of the list entry "COMn"
+    virtual void setCommPort(int port) = 0; ///< 1..kPorts, the number of the list entry "COMn"
     virtual void setSettings(const std::string& settings) = 0; ///< "19200,N,8,1"
     /// Opens exclusively: no handshake, binary, 2048 bytes of input buffer, DTR and RTS options off.
     virtual std::string open() = 0;

@@ -19,7 +19,6 @@ std::string markText(bool known, const std::string& value, const std::string& un
 }
 
 SystemStateLine stateLine(const SystemState& state) {
-    using Tone = SystemStateLine::Tone;
     if (state.sending) {
         return {systemText::kSending, Tone::Plain};
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "util/Tone.h"
+
 #include <cstdint>
 #include <string>
 
@@ -24,7 +26,6 @@ struct SystemState {
 };
 
 struct SystemStateLine {
-    enum class Tone { Plain, Warn, Alarm };
     std::string text;
     Tone tone = Tone::Plain;
 };

@@ -1,5 +1,6 @@
 #include "system/frmSystem.h"
 
+#include "controls/Build.h"
 #include "controls/MarkLabel.h"
 #include "system/Texts.h"
 #include "system/frmSystemMark.h"
@@ -41,13 +42,12 @@ private:
 };
 
 frmSystem::frmSystem(const SystemWindowParts& parts, QWidget* owner)
-    : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint)
+    : Window(owner)
     , parts_(parts)
     , timerHold_(parts.polling.holdTimer(systemText::kHoldReason)) {
     setObjectName(QStringLiteral("frmSystem"));
     setWindowTitle(QStringLiteral("System Parameters"));
     setWindowModality(Qt::WindowModal);
-    setAttribute(Qt::WA_DeleteOnClose);
     buildWindow();
     InitForm();
     numbers_.front()->box->setFocus();
@@ -93,16 +93,15 @@ void frmSystem::showMarks() {
     const bool known = parts_.access.systemKnown();
     const auto show = [known](ValueMark& mark, bool exact, const QString& label, const std::string& value,
                               const std::string& unit) {
-        mark.show(label, exact ? QString() : QString::fromStdString(markText(known, value, unit)));
+        mark.show(label, exact ? QString() : shown(markText(known, value, unit)));
         return mark.toolTip();
     };
     for (const auto& number : numbers_) {
         const SpinnerField& field = *number->field;
         const QString marked = show(*number->mark, field.isExact(), number->label,
                                     field.storedText(parts_.locale), number->unit);
-        const QString usual = number->box->toolTip().isEmpty()
-                                  ? QString::fromStdString(field.rangeText(parts_.locale))
-                                  : number->box->toolTip();
+        const QString usual =
+            number->box->toolTip().isEmpty() ? shown(field.rangeText(parts_.locale)) : number->box->toolTip();
         number->box->setAccessibleDescription(marked.isEmpty() ? usual : (marked + QLatin1Char(' ') + usual));
     }
     for (const auto& mode : modes_) {
@@ -119,11 +118,8 @@ void frmSystem::showState() {
     state_.known = parts_.access.systemKnown();
     state_.changed = fields_.touched();
     const SystemStateLine line = stateLine(state_);
-    const auto tone = line.tone == SystemStateLine::Tone::Alarm  ? MarkLabel::Tone::Alarm
-                      : line.tone == SystemStateLine::Tone::Warn ? MarkLabel::Tone::Warn
-                                                                 : MarkLabel::Tone::Plain;
-    const QString text = QString::fromStdString(line.text);
-    lblState_->say(text, tone);
+    const QString text = shown(line.text);
+    lblState_->say(text, line.tone);
     lblState_->setToolTip(text);
 }
 
@@ -171,13 +167,8 @@ void frmSystem::tellTooClose() {
     // Later, from the event loop: the step's own event is on the stack, and a pressed arrow would go on
     // stepping behind the box. Later still when the fields were changed during a save.
     holdFrequencies(true);
-    const auto show = [self = QPointer<frmSystem>(this)] {
-        if (self != nullptr) {
-            self->showTooClose();
-        }
-    };
-    QMetaObject::invokeMethod(
-        this, [this, show] { parts_.actions.runWhenIdle(show); }, Qt::QueuedConnection);
+    const auto queue = [this] { parts_.actions.runWhenIdle(ifAlive([this] { showTooClose(); })); };
+    QMetaObject::invokeMethod(this, queue, Qt::QueuedConnection);
 }
 
 void frmSystem::showTooClose() {
@@ -211,11 +202,11 @@ void frmSystem::cmdSave_Click() {
     if (state_.sending || !finishTyped() || std::exchange(saveSpoiled_, false) || telling_) {
         return;
     }
-    parts_.actions.runWhenIdle([self = QPointer<frmSystem>(this)] {
-        if (self != nullptr && !self->state_.sending) {
-            self->send();
+    parts_.actions.runWhenIdle(ifAlive([this] {
+        if (!state_.sending) {
+            send();
         }
-    });
+    }));
 }
 
 void frmSystem::send() {
@@ -223,26 +214,24 @@ void frmSystem::send() {
     InitDisplays(); // what is changed from now on is not in this save
     const QPointer<frmSystem> self(this);
     const SystemWindowParts parts = parts_; // the window may go in a wait
-    std::uint16_t status = comm::kOk;
+    Commands::SystemSent sent;
     {
         const ActionQueue::Scope scope(parts.actions);
         const Sending sending(*this);
-        status = parts.commands.Comm_SetSystem(parts.record);
-        parts.access.systemSent(status == comm::kOk);
+        sent = parts.commands.Comm_SetSystem(parts.record);
+        parts.access.systemSent(sent.status == comm::kOk);
     }
     if (self != nullptr) {
-        saved(status);
+        saved(sent);
     }
 }
 
-void frmSystem::saved(std::uint16_t status) {
-    if (status == comm::kOk) {
+void frmSystem::saved(const Commands::SystemSent& sent) {
+    if (sent.status == comm::kOk) {
         state_.sentAt = timeOfDayText(parts_.clock.local());
     } else {
-        constexpr std::size_t letter = 2; // in a packet
-        const std::string& packet = parts_.link.CommLastPacket();
-        const bool second = packet.size() > letter && packet[letter] == 'C';
-        state_.failure = saveFailureText(parts_.link.CommOK() && parts_.link.isOpen(), second, status);
+        const bool onLine = parts_.link.CommOK() && parts_.link.isOpen();
+        state_.failure = saveFailureText(onLine, sent.second, sent.status);
     }
     showMarks();
     showState();
@@ -259,7 +248,7 @@ void frmSystem::reject() {
     if (state_.sending) {
         closeWanted_ = true;
     } else {
-        QDialog::reject();
+        Window::reject();
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "controls/Window.h"
 #include "link/ActionQueue.h"
 #include "link/Commands.h"
 #include "link/Link.h"
@@ -10,8 +11,6 @@
 #include "system/SystemFields.h"
 #include "system/SystemState.h"
 #include "util/NumberLocale.h"
-
-#include <QDialog>
 
 #include <memory>
 #include <vector>
@@ -32,7 +31,7 @@ class ValueMark;
 struct SystemWindowParts {
     SystemParameters& record;
     Commands& commands;
-    const Link& link; ///< only asked: on line, and which command went out last
+    const Link& link; ///< only asked: on line
     SystemRecordAccess& access;
     PollingAccess& polling;
     ActionQueue& actions;
@@ -47,7 +46,7 @@ struct SystemWindowParts {
 ///
 /// Save pumps events. Meanwhile the buttons do nothing; a close waits for its end, and is dropped when the
 /// save failed, so that the reason is seen.
-class frmSystem : public QDialog {
+class frmSystem : public Window {
     Q_OBJECT
 public:
     frmSystem(const SystemWindowParts& parts, QWidget* owner);
@@ -103,7 +102,7 @@ private:
     void showTooClose();
     void holdFrequencies(bool held);
     void send();
-    void saved(std::uint16_t status);
+    void saved(const Commands::SystemSent& sent);
     void showFields();
     /// The Tab key comes to the button that is checked.
     static void oneTabStop(const Mode& mode);

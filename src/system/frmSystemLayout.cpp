@@ -1,8 +1,8 @@
 // How the system parameters window is laid out.
 #include "system/frmSystem.h"
 
+#include "controls/Build.h"
 #include "controls/MarkLabel.h"
-#include "controls/Theme.h"
 #include "system/frmSystemMark.h"
 #include "system/frmSystemSpinBox.h"
 
@@ -26,12 +26,7 @@ constexpr int kBoxWidth = 96;
 constexpr int kBoxHeight = 30;
 constexpr int kBoxRoom = 36; ///< of a box's arrows and edges
 constexpr int kRadioHeight = 28;
-constexpr int kButtonWidth = 92;
 constexpr const char* kWidestNumber = "99.999";
-
-QString latin(const char* text) {
-    return QString::fromLatin1(text);
-}
 } // namespace
 
 /// One number. `index` is that of its control array; -1 where it is the only one.
@@ -67,8 +62,7 @@ void frmSystem::buildNumber(QGridLayout& grid, const Row& row, const QString& to
 
     auto* label = new QLabel(row.label, this);
     label->setBuddy(box);
-    auto* unitLabel = new QLabel(unit, this);
-    unitLabel->setForegroundRole(kMutedRole);
+    QLabel* unitLabel = makeMutedLabel(this, unit);
     unitLabel->setContentsMargins(kGap, 0, 0, 0);
     const int line = grid.rowCount();
     grid.addWidget(label, line, 0);
@@ -204,11 +198,7 @@ QLayout* frmSystem::buildColumns() {
 
 QPushButton* frmSystem::button(const char* name, const char* caption, const char* toolTip,
                                void (frmSystem::*click)()) {
-    auto* button = new QPushButton(latin(caption), this);
-    button->setObjectName(latin(name));
-    button->setToolTip(latin(toolTip));
-    button->setAutoDefault(false); // Enter in a box would press it
-    button->setMinimumWidth(kButtonWidth);
+    QPushButton* button = makeButton(this, name, caption, toolTip);
     connect(button, &QPushButton::clicked, this, click);
     return button;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "controls/Build.h"
 #include "controls/Theme.h"
 
 #include <QLabel>
@@ -13,9 +14,7 @@ public:
     explicit ValueMark(QWidget* parent)
         : QLabel(parent) {
         setFixedSize(kWidth + 2 * kRoom, kHeight);
-        QSizePolicy policy = sizePolicy();
-        policy.setRetainSizeWhenHidden(true);
-        setSizePolicy(policy);
+        keepRoomWhenHidden(*this);
         hide();
     }
 

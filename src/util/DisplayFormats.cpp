@@ -48,8 +48,7 @@ std::string threeFigureText(double thickness, const NumberLocale& locale) {
 }
 
 std::string clockText(double seconds) {
-    constexpr double limit = 362400;
-    if (!(seconds > 0 && seconds < limit)) {
+    if (!(seconds > 0 && seconds < kClockLimit)) {
         return "0:00:00";
     }
     const int whole = static_cast<int>(seconds);

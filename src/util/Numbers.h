@@ -10,8 +10,8 @@
 namespace drx9 {
 
 /// The leading number of a text, "." as decimal point, blanks skipped; 0 for a text without one. "12abc" is
-/// 12,
-/// "-.5e2x" is -50, "1,5" is 1. Never fails; out of range gives the nearest infinity's largest finite value.
+/// 12, "-.5e2x" is -50, "1,5" is 1. Never fails; out of range gives the nearest infinity's largest finite
+/// value.
 double Val(std::string_view text);
 
 /// Whole text as a number of the locale (group separators are accepted and skipped); nothing when it is not

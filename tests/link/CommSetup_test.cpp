@@ -11,8 +11,6 @@
 namespace drx9 {
 namespace {
 
-using Tone = CommState::Tone;
-
 LinkSettings settingsOf(std::int16_t type) {
     LinkSettings settings;
     settings.CommType = LinkType{type};

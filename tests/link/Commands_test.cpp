@@ -37,12 +37,17 @@ protected:
             return std::string();
         });
     }
-    Commands::ReadResult read() { return commands.Comm_GetData(readings, bench.link.sensorCount(), {}); }
+    Commands::ReadResult read() {
+        const Commands::ReadOutcome reading = commands.Comm_GetData(readings, bench.link.sensorCount(), {});
+        failure = reading.failure;
+        return reading.end;
+    }
 
     LinkBench bench{2};
     FakeWire& wire = bench.socket.wire;
     Commands& commands = bench.commands;
     Readings readings;
+    std::string failure; ///< of the last reading
     /// What the instrument answers: a command without an entry gets no data, one with "" no answer.
     std::map<std::string, std::string> packets = {
         {"P1", good("5981234.5")}, {"P2", good("5985678.9")}, {"L1", good("1.5")}, {"N1", good("0.25")},
@@ -89,7 +94,7 @@ TEST_F(CommandsTest, AFailedExchangeCountsAsZeroAndTwoTimeOutsEndTheReading) {
     EXPECT_EQ(read(), Commands::ReadResult::Done) << "two time-outs with answers between do not end it";
     EXPECT_EQ(readings.frequency[0] + readings.rate[0] + readings.averageRate + readings.averageThickness, 0);
     EXPECT_EQ(readings.thickness[0], 0.25);
-    EXPECT_EQ(commands.readFailure(), "O: Checksum Error");
+    EXPECT_EQ(failure, "O: Checksum Error");
     std::bitset<kValueCount> marks;
     marks.set(valueIndex(Value::Frequency)).set(valueIndex(Value::Rate)).set(valueIndex(Value::AverageRate));
     EXPECT_EQ(readings.failed, marks.set(valueIndex(Value::AverageThickness)));
@@ -107,7 +112,7 @@ TEST_F(CommandsTest, AFailedExchangeCountsAsZeroAndTwoTimeOutsEndTheReading) {
     sent();
     EXPECT_EQ(read(), Commands::ReadResult::LinkDead);
     EXPECT_EQ(sent(), (Sent{"P1", "L1", "N1", "P2"}));
-    EXPECT_EQ(commands.readFailure(), "P2: Timeout");
+    EXPECT_EQ(failure, "P2: Timeout");
     EXPECT_EQ(readings.rate[0], 2) << "nothing of it was stored";
 
     bench.link.setCommStatus(comm::kOk);
@@ -116,7 +121,7 @@ TEST_F(CommandsTest, AFailedExchangeCountsAsZeroAndTwoTimeOutsEndTheReading) {
     packets["O"] = good(" -.5 kA");
     EXPECT_EQ(read(), Commands::ReadResult::Done);
     EXPECT_EQ(readings.averageThickness, -0.5);
-    EXPECT_EQ(commands.readFailure(), "M: No Data");
+    EXPECT_EQ(failure, "M: No Data");
     EXPECT_EQ(readings.failed.count(), 1U);
 }
 
@@ -134,13 +139,13 @@ TEST_F(CommandsTest, ALateAnswerIsNotTakenForAnotherValue) {
         {"O", 1.6, Commands::ReadResult::OutOfStep, "O: Timeout, answers out of step"},
     };
     packets["U?"] = good("1");
-    for (const auto& [late, by, result, failure] : cases) {
+    for (const auto& [late, by, result, said] : cases) {
         readings = {};
         seconds = {{late, by}};
         bench.link.Comm_Send("U?");
         bench.link.setCommStatus(comm::kOk);
         EXPECT_EQ(read(), result) << late;
-        EXPECT_EQ(commands.readFailure(), failure);
+        EXPECT_EQ(failure, said);
         if (result == Commands::ReadResult::Done) {
             EXPECT_EQ(readings.frequency[0], 5981234.5) << late;
             EXPECT_EQ(readings.averageRate, 2.0) << late;
@@ -195,13 +200,15 @@ TEST_F(CommandsTest, AnAnswerThatComesTwiceMovesNoValue) {
 
 TEST_F(CommandsTest, AReadingIsAbandonedBetweenExchangesButNotOnceComplete) {
     int asked = 0;
-    EXPECT_EQ(commands.Comm_GetData(readings, bench.link.sensorCount(), [&] { return ++asked == 3; }),
+    EXPECT_EQ(commands.Comm_GetData(readings, bench.link.sensorCount(), [&] { return ++asked == 3; }).end,
               Commands::ReadResult::Abandoned);
     EXPECT_EQ(sent(), (Sent{"P1", "L1", "N1"}));
     EXPECT_EQ(readings.rate[0], 0);
-    EXPECT_EQ(commands.Comm_GetData(readings, bench.link.sensorCount(),
-                                    [this] { return wire.commands().size() == 8; }),
-              Commands::ReadResult::Done);
+    EXPECT_EQ(
+        commands
+            .Comm_GetData(readings, bench.link.sensorCount(), [this] { return wire.commands().size() == 8; })
+            .end,
+        Commands::ReadResult::Done);
 }
 
 TEST_F(CommandsTest, ABusyLinkIsSaidAndNothingSent) {

@@ -177,6 +177,18 @@ TEST_F(RequestsTest, AConfirmedFilmGoesOutOnceAfterALossInIdle) {
     EXPECT_FALSE(core.choice.mark().empty());
 }
 
+TEST_F(RequestsTest, AFilmStaysConfirmedWithTheInstrumentHoweverItsBridgeIsSpelled) {
+    bringUp();
+    settings.link.CommType = LinkType::Usb;
+    for (const auto& [now, marked] : {std::pair("AB12", false), {"ab12", false}, {"AB13", true}}) {
+        settings.link.USBSerNum = "AB12";
+        core.choice.selected(1, true);
+        settings.link.USBSerNum = now;
+        core.choice.linkOpening();
+        EXPECT_EQ(!core.choice.mark().empty(), marked) << now;
+    }
+}
+
 TEST_F(RequestsTest, AFilmBeforeTheFirstReadingShowsNoReading) {
     ASSERT_TRUE(core.lifecycle.Form_Load());
     special["P1"] = special["P2"] = ""; // the reading fails, and so does the next

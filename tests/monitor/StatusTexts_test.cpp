@@ -61,12 +61,12 @@ TEST(StatusTexts, ThePlateShowsTheGravestOnly) {
 }
 
 TEST(StatusTexts, FieldsOfTheBarSayOnlyWhatIsSo) {
-    using enum StatusText::Tone;
+    using enum Tone;
     const struct {
         Change change;
         StatusText (*field)(const StatusFacts&);
         const char* text;
-        StatusText::Tone tone = Plain;
+        Tone tone = Plain;
     } cases[] = {
         {[](auto& f) { silentFor(f, 14); }, staLink, "Ethernet 192.168.1.200:2101, no reply for 14 s", Warn},
         {[](auto& f) {

@@ -145,7 +145,7 @@ TEST(SystemTexts, TheBottomLineTellsTheGravest) {
     EXPECT_EQ(stateLine(state).text, systemText::kSending);
     state.sending = false;
     EXPECT_EQ(stateLine(state).text, "First record not accepted. Filter takes 0 to 99");
-    EXPECT_EQ(stateLine(state).tone, SystemStateLine::Tone::Alarm);
+    EXPECT_EQ(stateLine(state).tone, Tone::Alarm);
 }
 
 } // namespace

@@ -19,7 +19,7 @@ namespace drx9 {
 namespace {
 
 /// What the window asks of the program, as words.
-struct FakeProgram : LinkSetupAccess, FakePolling, FilmMemoryAccess {
+struct FakeProgram : LinkSetupAccess, FakePolling {
     EventList events;
     std::function<void()> onClosed;
 
@@ -32,7 +32,6 @@ struct FakeProgram : LinkSetupAccess, FakePolling, FilmMemoryAccess {
             onClosed();
         }
     }
-    void filmMemoryChanged() override {}
     void filmUnconfirmed() override { events.emplace_back("film unconfirmed"); }
 };
 
@@ -57,8 +56,8 @@ protected:
     }
     void open(std::int16_t type) {
         settings.CommType = LinkType{type};
-        window = new frmComm({settings, bench.link, bench.discovery, bench.transports, shell, bench.boxes,
-                              bench.actions, program, program, program},
+        window = new frmComm({settings, bench.link, bench.discovery, bench.transports.serial,
+                              bench.transports.usb, shell, bench.boxes, bench.actions, program, program},
                              &owner);
         window->open();
         window->activateWindow();

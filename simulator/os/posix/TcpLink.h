@@ -18,7 +18,7 @@ public:
     /// `simulator` outlives the link.
     TcpLink(Simulator& simulator, TcpAddress address, bool quiet);
 
-    /// Listens and says so; the port that was bound first is kept for ever. Throws std::runtime_error.
+    /// Listens and says so; the port that was bound first is kept forever. Throws std::runtime_error.
     void plug();
     void unplug();
     /// Ends the connection, if there is one.

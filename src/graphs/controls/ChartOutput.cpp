@@ -11,6 +11,7 @@
 #include <QBuffer>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QPointer>
 #include <QWidget>
 
 namespace drx9 {

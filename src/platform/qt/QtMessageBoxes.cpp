@@ -70,7 +70,7 @@ QPointer<QMessageBox> makeBox(QWidget* owner, const std::string& text, const std
     return box;
 }
 
-/// A box that comes of itself: it stops nothing and takes no focus.
+/// A box that nobody asked for: it stops nothing and takes no focus.
 QPointer<QMessageBox> makeUnattended(QWidget* owner, const std::string& text, const std::string& title,
                                      MessageIcon icon, const char* name) {
     QPointer<QMessageBox> box = makeBox(owner, text, title, icon);
@@ -160,7 +160,7 @@ void QtMessageBoxes::askYesNoLater(const std::string& text, const std::string& t
     question_ = makeUnattended(ownerOfBox(lastActive_), text, title, icon, "MsgBoxQuestion");
     question_->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     question_->setEscapeButton(QMessageBox::No);
-    // Enter must not answer Yes: the box comes of itself.
+    // Enter must not answer Yes: nobody asked for the box.
     question_->setDefaultButton(QMessageBox::No);
     QMessageBox* box = question_;
     QObject::connect(box, &QMessageBox::finished, box, [box, answered = std::move(answered)] {

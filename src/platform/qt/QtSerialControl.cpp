@@ -18,7 +18,6 @@ namespace {
 constexpr std::size_t kInputBuffer = 2048;
 constexpr int kFirstLook = 500;  // ms after the start, if nobody asks before
 constexpr int kLookAgain = 1000; // ms
-constexpr int kLastPort = 9;     // "COM9"
 
 } // namespace
 
@@ -123,7 +122,7 @@ std::string QtSerialControl::pathOf(int port) const {
 /// The reason, and what to do where a device is present that none of COM1 to COM9 leads to.
 std::string QtSerialControl::withHint(const std::string& reason) const {
     std::vector<std::string> reached;
-    for (int port = 1; port <= kLastPort; ++port) {
+    for (int port = 1; port <= kPorts; ++port) {
         reached.push_back(deviceBehind(pathOf(port)));
     }
     std::vector<std::string> outside;

@@ -65,7 +65,7 @@ int SerialUsbBridge::SI_Open(std::uint32_t index, std::int32_t& handle) {
         return kIoFailed;
     }
     // A device that goes is closed from the event loop, outside its own signal, or its notifier would fire
-    // for ever.
+    // forever.
     QObject::connect(port, &QSerialPort::errorOccurred, port, [state = open.get(), port](auto error) {
         if (!isFault(error)) {
             return;

@@ -5,6 +5,7 @@
 
 #include <QEvent>
 #include <QPainter>
+#include <QTextLayout>
 
 namespace drx9 {
 
@@ -44,6 +45,11 @@ void MarkLabel::setSeparator(bool on) {
     updateGeometry();
 }
 
+void MarkLabel::setTwoLines() {
+    lines_ = 2;
+    updateGeometry();
+}
+
 int MarkLabel::markWidth() const {
     return tone_ == Tone::Plain || text_.isEmpty() ? 0 : kMark + kGap;
 }
@@ -55,11 +61,29 @@ int MarkLabel::widthFor(const QString& text, Tone tone) const {
 }
 
 QSize MarkLabel::sizeHint() const {
-    return {widthFor(text_, tone_), fontMetrics().height()};
+    return {widthFor(text_, tone_), fontMetrics().height() * lines_};
 }
 
 QSize MarkLabel::minimumSizeHint() const {
-    return {0, fontMetrics().height()};
+    return {0, fontMetrics().height() * lines_};
+}
+
+/// The text in its lines, shortened to what they hold.
+QString MarkLabel::fitting(int room) const {
+    if (widths_.of(text_, fontMetrics()) <= room + 1) {
+        return text_;
+    }
+    if (lines_ == 1) {
+        return fontMetrics().elidedText(text_, Qt::ElideMiddle, room + 1);
+    }
+    QTextLayout layout(text_, font());
+    layout.beginLayout();
+    QTextLine first = layout.createLine();
+    first.setLineWidth(room);
+    const int split = first.textLength();
+    layout.endLayout();
+    const QString rest = fontMetrics().elidedText(text_.mid(split).trimmed(), Qt::ElideRight, room + 1);
+    return text_.left(split).trimmed() + '\n' + rest;
 }
 
 void MarkLabel::paintEvent(QPaintEvent*) {
@@ -79,9 +103,8 @@ void MarkLabel::paintEvent(QPaintEvent*) {
     }
     painter.setPen(color);
     const int room = width() - markWidth() - (separator_ ? kSeparatorRoom + 1 : 0);
-    const bool fits = widths_.of(text_, fontMetrics()) <= room + 1;
-    const QString fitting = fits ? text_ : fontMetrics().elidedText(text_, Qt::ElideMiddle, room + 1);
-    painter.drawText(QRect(markWidth(), 0, room + 2, height()), Qt::AlignLeft | Qt::AlignVCenter, fitting);
+    painter.drawText(QRect(markWidth(), 0, room + 2, height()), Qt::AlignLeft | Qt::AlignVCenter,
+                     fitting(room));
 }
 
 void MarkLabel::changeEvent(QEvent* event) {

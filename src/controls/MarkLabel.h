@@ -11,14 +11,14 @@ namespace drx9 {
 class MarkLabel : public QWidget {
     Q_OBJECT
 public:
-    using Tone = drx9::Tone;
-
     explicit MarkLabel(QWidget* parent = nullptr);
 
     void say(const QString& text, Tone tone);
     [[nodiscard]] const QString& text() const { return text_; }
     [[nodiscard]] Tone tone() const { return tone_; }
     void setTextPixels(int pixels, bool bold);
+    /// A text that one line does not hold goes on in a second one.
+    void setTwoLines();
     /// A hair line at the left edge, as between the fields of a status bar.
     void setSeparator(bool on);
 
@@ -33,11 +33,13 @@ protected:
 
 private:
     [[nodiscard]] int markWidth() const;
+    [[nodiscard]] QString fitting(int room) const;
 
     mutable TextWidths widths_;
     QString text_;
     Tone tone_ = Tone::Plain;
     bool separator_ = false;
+    int lines_ = 1;
 };
 
 } // namespace drx9

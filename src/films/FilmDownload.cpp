@@ -35,7 +35,7 @@ bool FilmDownload::shutterClosed() {
         const std::string reason = shutter.status != comm::kOk ? commStatusText(shutter.status)
                                    : !shutter.unit             ? commStatusText(comm::kNoData)
                                                                : filmText::kShutterOutOfStep;
-        parts_.library.tell(filled(filmText::kShutterUnknown, {reason}), NoticeTone::Alarm);
+        parts_.library.tell(filled(filmText::kShutterUnknown, {reason}), Tone::Alarm);
         parts_.list.setHourglass(false);
         return false;
     }

@@ -57,7 +57,7 @@ std::vector<std::string> FilmEditor::materials() {
 void FilmEditor::ShowDBFilm(const std::string& name) {
     const Found film = parts_.library.select(Dat::DBSelected, queries::chosenFilm(name));
     if (film == Found::Failed && name.find('\'') != std::string::npos) {
-        parts_.library.tell(filled(filmText::kQuote, {trimmed(name)}), NoticeTone::Warn);
+        parts_.library.tell(filled(filmText::kQuote, {trimmed(name)}), Tone::Warn);
     }
     selectMaterial(text(Dat::DBSelected, "Material"));
 }
@@ -84,8 +84,7 @@ ShownFilm FilmEditor::shown() {
     now.minutes = toInt16(std::clamp(minutes, 0.0, kMostMinutes));
     now.seconds = toInt16(std::clamp(std::floor(time - minutes * kSecondsPerMinute), 0.0, 59.0));
     if ((minutes > kMostMinutes || time < 0) && parts_.library.notice().text.empty()) {
-        parts_.library.tell(filled(filmText::kLongTime, {generalNumber(time, parts_.locale)}),
-                            NoticeTone::Warn);
+        parts_.library.tell(filled(filmText::kLongTime, {generalNumber(time, parts_.locale)}), Tone::Warn);
     }
     return now;
 }
@@ -104,7 +103,7 @@ void FilmEditor::editBox(FilmBox box, const std::string& typed) {
     const Bound& bound = kBound[static_cast<std::size_t>(box)];
     const auto value = typedNumber(typed, parts_.locale);
     if (!value) {
-        parts_.library.tell(filled(filmText::kNoNumber, {typed}), NoticeTone::Warn);
+        parts_.library.tell(filled(filmText::kNoNumber, {typed}), Tone::Warn);
         return;
     }
     parts_.library.edit(bound.source, {{bound.field, *value}});
@@ -122,7 +121,7 @@ bool FilmEditor::EditFilmName(const std::string& typed) {
         return false;
     }
     if (name.find('!') != std::string::npos) {
-        parts_.library.tell(cannotHold("!"), NoticeTone::Warn);
+        parts_.library.tell(cannotHold("!"), Tone::Warn);
         return false;
     }
     if (parts_.library.edit(Dat::DBSelected, {{"FilmName", name}})) {
@@ -157,10 +156,10 @@ void FilmEditor::changeMaterial(const std::string& typed) {
     if (parts_.library.found(Dat::Material)) {
         parts_.library.edit(Dat::DBSelected, {{"Material", parts_.library.value(Dat::Material, "Material")}});
     } else if (typed.find('\'') != std::string::npos) {
-        parts_.library.tell(filled(filmText::kQuote, {typed}), NoticeTone::Warn);
+        parts_.library.tell(filled(filmText::kQuote, {typed}), Tone::Warn);
     } else if (!typed.empty()) {
         parts_.library.tell(filled(filmText::kNoMaterial, {typed, text(Dat::DBSelected, "Material")}),
-                            NoticeTone::Warn);
+                            Tone::Warn);
     }
 }
 
@@ -196,7 +195,7 @@ bool FilmEditor::addFilm(const std::string& material) {
         return false;
     }
     if (answer.find('!') != std::string::npos) {
-        parts_.library.tell(cannotHold("!"), NoticeTone::Warn);
+        parts_.library.tell(cannotHold("!"), Tone::Warn);
         return false;
     }
     const std::string current = text(Dat::DBSelected, "FilmName");
@@ -214,7 +213,7 @@ bool FilmEditor::addFilm(const std::string& material) {
         return false;
     }
     if (parts_.library.select(Dat::DBSelected, queries::filmNamed(answer)) != Found::Yes) {
-        parts_.library.tell(filled(filmText::kFilmAdded, {name}), NoticeTone::Plain);
+        parts_.library.tell(filled(filmText::kFilmAdded, {name}), Tone::Plain);
     }
     selectMaterial(text(Dat::DBSelected, "Material"));
     return true;

@@ -47,7 +47,7 @@ void FilmLibrary::DBOpen() {
     const std::string notLookedAt = upgrade();
     bind();
     if (!notLookedAt.empty() && openFailure_.empty()) {
-        tell(filled(filmText::kNotConverted, {notLookedAt}), NoticeTone::Alarm);
+        tell(filled(filmText::kNotConverted, {notLookedAt}), Tone::Alarm);
     }
     conversion_ = notice_;
     caption_ = "Films - [" + trimmed(bareName(parts_.DBFileName)) + "]";
@@ -58,7 +58,7 @@ std::string FilmLibrary::upgrade() {
     const bool ran = statements_.run([&] {
         const auto outcome = LibraryUpgrade(parts_.engine, parts_.files, path()).DBUpgrade();
         if (!outcome.told.empty()) {
-            tell(outcome.told, outcome.converted ? NoticeTone::Warn : NoticeTone::Alarm);
+            tell(outcome.told, outcome.converted ? Tone::Warn : Tone::Alarm);
         }
     });
     return ran ? std::string() : statements_.reason();
@@ -127,7 +127,7 @@ bool FilmLibrary::saveAs(const std::string& source) {
     const std::string target = parts_.paths.resolve(chosen);
     const bool isCurrent = same(source, path()) || same(source, boundPath_);
     if (const std::string reason = copy(source, target); !reason.empty()) {
-        tell(filled(filmText::kNotSavedAs, {saved, reason}), NoticeTone::Alarm);
+        tell(filled(filmText::kNotSavedAs, {saved, reason}), Tone::Alarm);
         return false;
     }
     if (isCurrent) {
@@ -138,10 +138,10 @@ bool FilmLibrary::saveAs(const std::string& source) {
     if (same(target, boundPath_)) {
         elsewhere_.clear();
         statements_.run([this] { followFile(); }); // it has been replaced just now
-        tell(said, NoticeTone::Plain);
+        tell(said, Tone::Plain);
     } else {
         elsewhere_ = filled(filmText::kChangesElsewhere, {bareName(boundPath_), saved});
-        tell(said + " " + elsewhere_, NoticeTone::Plain);
+        tell(said + " " + elsewhere_, Tone::Plain);
     }
     return true;
 }
@@ -152,7 +152,7 @@ bool FilmLibrary::uploadOverwrites() const {
 
 bool FilmLibrary::openUploadCopy() {
     if (const std::string reason = copy(path(), uploadPath()); !reason.empty()) {
-        tell(filled(filmText::kNotCopied, {kUploadFile, reason}), NoticeTone::Alarm);
+        tell(filled(filmText::kNotCopied, {kUploadFile, reason}), Tone::Alarm);
         return false;
     }
     parts_.DBFileName = kUploadFile;
@@ -182,16 +182,16 @@ std::string FilmLibrary::copy(const std::string& source, const std::string& targ
 
 LibraryNotice FilmLibrary::standing() const {
     if (const std::string& why = openFailure_.empty() ? lost_ : openFailure_; !why.empty()) {
-        return {bareName(boundPath_) + ": " + why, NoticeTone::Alarm};
+        return {bareName(boundPath_) + ": " + why, Tone::Alarm};
     }
     const std::string reason = database_ ? database_->ReadOnlyReason() : std::string();
     if (!reason.empty()) {
-        return {filled(filmText::kReadOnly, {reason}), NoticeTone::Warn};
+        return {filled(filmText::kReadOnly, {reason}), Tone::Warn};
     }
     if (unsavedUpload_) {
-        return {filmText::kUnsaved, NoticeTone::Warn};
+        return {filmText::kUnsaved, Tone::Warn};
     }
-    return elsewhere_.empty() ? conversion_ : LibraryNotice{elsewhere_, NoticeTone::Plain};
+    return elsewhere_.empty() ? conversion_ : LibraryNotice{elsewhere_, Tone::Plain};
 }
 
 // ---- The record sources ----
@@ -323,7 +323,7 @@ bool FilmLibrary::store(Source& source, const Values& values, Unfit policy) {
 }
 
 bool FilmLibrary::notSaved() {
-    tell(filled(filmText::kChangeNotSaved, {plainReason(statements_.reason())}), NoticeTone::Alarm);
+    tell(filled(filmText::kChangeNotSaved, {plainReason(statements_.reason())}), Tone::Alarm);
     return false;
 }
 
@@ -355,7 +355,7 @@ bool FilmLibrary::commitGathered() {
     gathering_ = false;
     const bool stored = statements_.run([&] { database_->CommitTrans(); });
     if (!stored) {
-        tell(filled(filmText::kChangesNotSaved, {plainReason(statements_.reason())}), NoticeTone::Alarm);
+        tell(filled(filmText::kChangesNotSaved, {plainReason(statements_.reason())}), Tone::Alarm);
         requeryAll();
     }
     return stored;

@@ -5,6 +5,7 @@
 #include "platform/Desktop.h"
 #include "platform/FilePort.h"
 #include "util/Paths.h"
+#include "util/Tone.h"
 
 #include <array>
 #include <memory>
@@ -25,13 +26,10 @@ enum class Dat : std::uint8_t {
 /// What a query came to. A query that fails (a quote in a name, a damaged file) leaves no row either.
 enum class Found : std::uint8_t { Yes, No, Failed };
 
-/// How the bottom line says it: something done, something to look at, something that is lost or not done.
-enum class NoticeTone : std::uint8_t { Plain, Warn, Alarm };
-
 /// What the window's bottom line says of the library.
 struct LibraryNotice {
     std::string text; ///< empty: nothing to say
-    NoticeTone tone = NoticeTone::Plain;
+    Tone tone = Tone::Plain;
 };
 
 struct FilmLibraryParts {
@@ -47,7 +45,6 @@ struct FilmLibraryParts {
 /// it: a statement that fails is skipped, and the bottom line says what was not opened or not saved.
 class FilmLibrary {
 public:
-    static constexpr const char* kUploadFile = "UploadData.mdb";
     using Values = std::vector<std::pair<const char*, jet::Value>>;
 
     explicit FilmLibrary(const FilmLibraryParts& parts);
@@ -117,7 +114,7 @@ public:
     /// What came of the last operation; taken away by forgetNotice().
     [[nodiscard]] const LibraryNotice& notice() const { return notice_; }
     void forgetNotice() { notice_ = {}; }
-    void tell(std::string text, NoticeTone tone) { notice_ = {std::move(text), tone}; }
+    void tell(std::string text, Tone tone) { notice_ = {std::move(text), tone}; }
     /// What holds as long as the file is open: that it could not be opened, cannot be read any more or cannot
     /// be written and why, that an upload is not saved yet, that changes go to another file than the one
     /// saved last, or what came of a conversion.

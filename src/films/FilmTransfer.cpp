@@ -45,7 +45,7 @@ void FilmTransfer::upload() {
     parts_.list.refreshLists();
     parts_.list.ShowDBFilm();
     parts_.library.tell(opened.text + (opened.text.empty() ? "" : ". ") + read.text + filmText::kNotSavedYet,
-                        std::max({opened.tone, read.tone, NoticeTone::Warn}));
+                        std::max({opened.tone, read.tone, Tone::Warn}));
 }
 
 void FilmTransfer::download(int index) {
@@ -62,7 +62,7 @@ void FilmTransfer::download(int index) {
     parts_.list.selectFirstRow();
     parts_.list.setHourglass(false);
     parts_.library.tell(sent.text, sent.tone);
-    lasting_ = sent.tone == NoticeTone::Plain ? LibraryNotice{} : sent;
+    lasting_ = sent.tone == Tone::Plain ? LibraryNotice{} : sent;
 }
 
 void FilmTransfer::resetToDefaults() {
@@ -79,13 +79,13 @@ void FilmTransfer::resetToDefaults() {
     const bool sound = parts_.instrument.look() != FilmInstrument::Step::Broken;
     parts_.list.setHourglass(false);
     if (status == comm::kOk && sound) {
-        parts_.library.tell(filmText::kReset, NoticeTone::Plain);
+        parts_.library.tell(filmText::kReset, Tone::Plain);
     } else if (comm::isSilence(status) || status == comm::kOk) {
         parts_.library.tell(
             filled(filmText::kResetUnknown, {sound ? commStatusText(status) : filmText::kShutterOutOfStep}),
-            NoticeTone::Alarm);
+            Tone::Alarm);
     } else {
-        parts_.library.tell(filled(filmText::kNotReset, {commStatusText(status)}), NoticeTone::Alarm);
+        parts_.library.tell(filled(filmText::kNotReset, {commStatusText(status)}), Tone::Alarm);
     }
 }
 

@@ -50,7 +50,8 @@ std::vector<LibraryUpgrade::Row> LibraryUpgrade::films(jet::Database& database, 
     const auto records = database.OpenRecordset("Film");
     records->Index(index);
     stood_ = records->RecordCount();
-    for (records->MoveFirst(); !records->Eof() && found.size() < kMostFilms; records->MoveNext()) {
+    for (records->MoveFirst(); !records->Eof() && found.size() < std::size_t{kMostFilms};
+         records->MoveNext()) {
         Row row;
         for (const char* field : kFields) {
             row.push_back(records->Value(field));
@@ -120,7 +121,7 @@ void LibraryUpgrade::keepOldFile() {
 std::string LibraryUpgrade::told(bool indexLeft) const {
     const std::string kept = bareName(backup_);
     const std::string numbered =
-        stood_ > kMostFilms
+        stood_ > std::size_t{kMostFilms}
             ? filled(filmText::kSomeNumbered, {std::to_string(kMostFilms), std::to_string(stood_), kept})
             : filled(filmText::kAllNumbered, {kept});
     return numbered + (indexLeft ? filmText::kIndexLeft : "") + warning_;

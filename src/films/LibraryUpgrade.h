@@ -1,6 +1,7 @@
 #pragma once
 
 #include "films/JetHeaders.h"
+#include "link/Records.h"
 #include "platform/FilePort.h"
 
 #include <string>
@@ -39,8 +40,6 @@ private:
     void commit(jet::Database& database);
     void keepOldFile();
     [[nodiscard]] std::string told(bool indexLeft) const;
-
-    static constexpr std::size_t kMostFilms = 99;
 
     jet::DBEngine& engine_;
     FilePort& files_;

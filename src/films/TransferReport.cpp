@@ -39,7 +39,7 @@ LibraryNotice TransferReport::notice() const {
     for (const Named& entry : named_) {
         text += ". " + entry.heading + ": " + listed(entry.films);
     }
-    return {text, failure_.empty() && named_.empty() ? NoticeTone::Plain : NoticeTone::Alarm};
+    return {text, failure_.empty() && named_.empty() ? Tone::Plain : Tone::Alarm};
 }
 
 } // namespace drx9

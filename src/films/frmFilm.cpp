@@ -1,5 +1,6 @@
 #include "films/frmFilm.h"
 
+#include "controls/Build.h"
 #include "controls/MarkLabel.h"
 #include "controls/SpinBox.h"
 #include "films/Texts.h"
@@ -15,10 +16,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
-#include <QPointer>
 #include <QPushButton>
 #include <QSignalBlocker>
 
+#include <algorithm>
 #include <utility>
 
 namespace drx9 {
@@ -26,21 +27,10 @@ namespace drx9 {
 namespace {
 constexpr std::size_t kFirstOfMany = 2; ///< index of the third sensor's box
 constexpr int kHeartbeatMs = 500;
-
-QString shown(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
-MarkLabel::Tone toneOf(NoticeTone tone) {
-    return tone == NoticeTone::Plain  ? MarkLabel::Tone::Plain
-           : tone == NoticeTone::Warn ? MarkLabel::Tone::Warn
-                                      : MarkLabel::Tone::Alarm;
-}
 } // namespace
 
 frmFilm::frmFilm(FilmWindowParts parts, QWidget* owner)
-    : QDialog(owner,
-              Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowMinMaxButtonsHint)
+    : Window(owner, Qt::WindowMinMaxButtonsHint)
     , parts_(std::move(parts))
     , library_({parts_.engine, parts_.files, parts_.paths, parts_.dialogs, parts_.DBFileName})
     , editor_({library_, parts_.boxes, parts_.input, parts_.locale})
@@ -49,15 +39,6 @@ frmFilm::frmFilm(FilmWindowParts parts, QWidget* owner)
                  [&actions = parts_.actions] { return actions.closing(); }}) {
     buildControls();
     Form_Load();
-}
-
-frmFilm::~frmFilm() {
-    // Hidden by QDialog's destructor, a field still tells that it was left: this is no film window any more
-    // then.
-    const QList<QWidget*> fields = findChildren<QWidget*>();
-    for (QWidget* field : fields) {
-        field->disconnect(this);
-    }
 }
 
 // ---- Load and unload ----
@@ -95,7 +76,7 @@ void frmFilm::closeEvent(QCloseEvent* event) {
         closeAsked_ = finishEditing();
         inCloseEvent_ = true;
         if (closeAsked_) {
-            whenIdle([this] { Form_QueryUnload(); });
+            parts_.actions.runWhenIdle(ifAlive([this] { Form_QueryUnload(); }));
         }
         inCloseEvent_ = false;
     }
@@ -138,7 +119,7 @@ bool frmFilm::event(QEvent* event) {
         showState(); // who else has the file open may have changed
         showInstrument();
     }
-    return QDialog::event(event);
+    return Window::event(event);
 }
 
 /// The wheel over the closed combo would give the film another material.
@@ -147,19 +128,10 @@ bool frmFilm::eventFilter(QObject* watched, QEvent* event) {
         event->ignore();
         return true;
     }
-    return QDialog::eventFilter(watched, event);
+    return Window::eventFilter(watched, event);
 }
 
-/// Runs the action when nothing of ours is on the stack, unless the window has gone by then.
-void frmFilm::whenIdle(std::function<void()> action) {
-    parts_.actions.runWhenIdle([self = QPointer<frmFilm>(this), action = std::move(action)] {
-        if (self != nullptr) {
-            action();
-        }
-    });
-}
-
-// ---- The operator's doings ----
+// ---- What the operator does ----
 
 void frmFilm::mnuFileOpen_Click() {
     afterEditing([this] {
@@ -283,20 +255,23 @@ void frmFilm::showInstrument() {
                     : filmText::kOffLine));
 }
 
-/// What came of the last operation goes before what lasts; but a library that cannot be read goes before all.
+/// What is wrong with the library or the link goes before what came of the last operation, and that before
+/// what lasts.
 void frmFilm::showState() {
     shownLost_ = wasOnline_ && parts_.instrument.lost();
+    LibraryNotice said;
+    const auto add = [&said](const LibraryNotice& line) {
+        said.text += (said.text.empty() || line.text.empty() ? "" : ". ") + line.text;
+        said.tone = std::max(said.tone, line.tone);
+    };
     const LibraryNotice standing = library_.standing();
-    LibraryNotice said = library_.notice();
-    if (standing.tone == NoticeTone::Alarm) {
-        said = {standing.text + (said.text.empty() ? "" : ". ") + said.text, NoticeTone::Alarm};
+    add(standing.tone == Tone::Alarm ? standing : LibraryNotice{});
+    add(shownLost_ ? LibraryNotice{filmText::kLinkLost, Tone::Alarm} : LibraryNotice{});
+    add(!library_.notice().text.empty() ? library_.notice() : transfer_.lasting());
+    if (said.text.empty()) {
+        said = standing;
     }
-    for (const LibraryNotice& line :
-         {transfer_.lasting(), LibraryNotice{shownLost_ ? filmText::kLinkLost : "", NoticeTone::Alarm},
-          standing}) {
-        said = said.text.empty() ? line : said;
-    }
-    state_->say(shown(said.text), toneOf(said.tone));
+    state_->say(shown(said.text), said.tone);
     state_->setToolTip(shown(said.text));
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "controls/Window.h"
 #include "films/FilmEditor.h"
 #include "films/FilmInstrument.h"
 #include "films/FilmLibrary.h"
 #include "films/FilmTransfer.h"
 #include "link/MonitorAccess.h"
 
-#include <QDialog>
 #include <QTimer>
 
 #include <array>
@@ -51,11 +51,10 @@ struct FilmWindowParts {
 /// stack: its load may ask for a file. A transfer that runs puts off its closing; what is unsaved is asked
 /// about before it closes, also when the program does. A typed value that is refused or not stored keeps
 /// the window open, and what was to begin with it does not begin.
-class frmFilm : public QDialog, private FilmListView {
+class frmFilm : public Window, private FilmListView {
     Q_OBJECT
 public:
     frmFilm(FilmWindowParts parts, QWidget* owner);
-    ~frmFilm() override;
 
     /// Esc: a field that is being typed gets its stored value again; otherwise the window closes.
     void reject() override;
@@ -97,7 +96,6 @@ private:
     void transferClick(std::function<void()> transfer);
     void mnuFileOpen_Click();
     void mnuFileSave_Click();
-    void whenIdle(std::function<void()> action);
     void afterEditing(std::function<void()> action);
     bool finishEditing();
     void noteRefusal(bool refused);

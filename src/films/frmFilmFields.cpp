@@ -34,7 +34,7 @@ bool frmFilm::finishEditing() {
 
 /// `refused_` holds for the event in hand: the press that takes the focus from a field also begins a click.
 void frmFilm::noteRefusal(bool refused) {
-    if (refused || library_.notice().tone != NoticeTone::Plain) {
+    if (refused || library_.notice().tone != Tone::Plain) {
         refused_ = true;
         QTimer::singleShot(0, this, [this] { refused_ = false; });
     }
@@ -55,7 +55,7 @@ void frmFilm::reject() {
 
 void frmFilm::afterEditing(std::function<void()> action) {
     if (finishEditing()) {
-        whenIdle(std::move(action));
+        parts_.actions.runWhenIdle(ifAlive(std::move(action)));
     }
 }
 

@@ -324,6 +324,7 @@ QLayout* frmFilm::buildBottom() {
     row->setSpacing(kGap);
     state_ = new MarkLabel(content_);
     state_->setObjectName(QStringLiteral("lblState"));
+    state_->setTwoLines();
     state_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     QPushButton* cmdClose = button("cmdClose", "&Close", "Close form.");
     cmdClose->setMinimumWidth(kCloseWidth);

@@ -190,7 +190,7 @@ void frmGraphSet::Form_Load() {
 void frmGraphSet::spnSetup_Change() {
     const bool ordered = spn(kYMinimum).value() < spn(kYMaximum).value();
     state_->say(ordered ? QString() : QString::fromUtf8(graphText::kNotOrdered),
-                ordered ? MarkLabel::Tone::Plain : MarkLabel::Tone::Warn);
+                ordered ? Tone::Plain : Tone::Warn);
 }
 
 void frmGraphSet::cmdOK_Click() {

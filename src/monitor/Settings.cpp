@@ -152,9 +152,9 @@ void saveSystem(const SystemParameters& system, const Writer& out) {
 
 /// The database made for uploaded films is never remembered as the working one, whatever way it was named.
 bool isUploadDatabase(const std::string& name, const FilePort& files, const Paths& paths) {
-    const std::string upload = paths.resolve(kUploadDatabase);
+    const std::string upload = paths.resolve(kUploadFile);
     const std::string path = paths.resolve(name);
-    if (name == kUploadDatabase || files.resolveLinks(path) == files.resolveLinks(upload)) {
+    if (name == kUploadFile || files.resolveLinks(path) == files.resolveLinks(upload)) {
         return true;
     }
     const auto a = files.identity(path);

@@ -35,8 +35,6 @@ struct Settings {
     SystemParameters system;
 };
 
-inline constexpr const char* kUploadDatabase = "UploadData.mdb";
-
 /// Sets the file's name to Monitor.ini in the data folder and reads every key; a missing or empty one gives
 /// its default, text that is no number the default too.
 void LoadSettings(Settings& settings, cFile& file, const FilePort& files, const Paths& paths,

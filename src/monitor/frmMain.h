@@ -6,12 +6,12 @@
 #include "monitor/MonitorWindow.h"
 #include "monitor/Readouts.h"
 #include "monitor/StatusBoard.h"
-#include "monitor/frmMainEntries.h"
-#include "monitor/frmMainMenus.h"
-#include "monitor/frmMainReadoutPanel.h"
-#include "monitor/frmMainRunBar.h"
-#include "monitor/frmMainStatusLine.h"
-#include "monitor/frmMainSteps.h"
+#include "monitor/controls/MainMenus.h"
+#include "monitor/controls/ReadoutPanel.h"
+#include "monitor/controls/RunBar.h"
+#include "monitor/controls/SizeStep.h"
+#include "monitor/controls/StatusLine.h"
+#include "monitor/controls/WindowEntry.h"
 #include "platform/MessageBoxes.h"
 
 #include <QMainWindow>

@@ -3,8 +3,8 @@
 
 #include "controls/Build.h"
 #include "controls/MarkLabel.h"
-#include "system/frmSystemMark.h"
-#include "system/frmSystemSpinBox.h"
+#include "system/controls/ValueMark.h"
+#include "system/controls/SystemSpinBox.h"
 
 #include <QGridLayout>
 #include <QGroupBox>

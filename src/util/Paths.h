@@ -14,6 +14,9 @@ struct Paths {
     [[nodiscard]] std::string resolve(const std::string& name) const;
 };
 
+/// The library that an upload fills, in the data folder. It is never remembered as the operator's own.
+inline constexpr const char* kUploadFile = "UploadData.mdb";
+
 /// Text after the last "\" or "/".
 std::string bareName(const std::string& path);
 /// Text up to and without the last separator; "." when there is none.

@@ -1,7 +1,7 @@
 #include "platform/qt/QtMessageBoxes.h"
 
 #include <QApplication>
-#include <QGridLayout>
+#include <QLabel>
 
 #include <algorithm>
 #include <utility>
@@ -10,7 +10,7 @@ namespace drx9 {
 
 namespace {
 
-constexpr int kLeastWidth = 280;
+constexpr int kLeastWidth = 240;
 
 QMessageBox::Icon iconOf(MessageIcon icon) {
     switch (icon) {
@@ -64,8 +64,8 @@ QPointer<QMessageBox> makeBox(QWidget* owner, const std::string& text, const std
                               MessageIcon icon) {
     QPointer<QMessageBox> box = new QMessageBox(owner);
     fill(*box, text, title, icon);
-    if (auto* grid = qobject_cast<QGridLayout*>(box->layout())) { // else a short text cuts the title
-        grid->addItem(new QSpacerItem(kLeastWidth, 0), grid->rowCount(), 0, 1, grid->columnCount());
+    if (auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) { // Qt's name for it
+        label->setMinimumWidth(kLeastWidth); // a short text would cut the title
     }
     return box;
 }

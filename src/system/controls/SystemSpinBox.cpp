@@ -1,4 +1,4 @@
-#include "system/frmSystemSpinBox.h"
+#include "system/controls/SystemSpinBox.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>

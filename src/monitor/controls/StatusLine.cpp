@@ -1,4 +1,4 @@
-#include "monitor/frmMainStatusLine.h"
+#include "monitor/controls/StatusLine.h"
 
 #include <QHBoxLayout>
 

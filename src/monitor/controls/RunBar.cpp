@@ -1,4 +1,4 @@
-#include "monitor/frmMainRunBar.h"
+#include "monitor/controls/RunBar.h"
 
 #include "controls/AccessibleRoles.h"
 #include "controls/MarkLabel.h"
@@ -9,7 +9,7 @@
 #include "controls/Theme.h"
 #include "controls/WarnMark.h"
 #include "monitor/Texts.h"
-#include "monitor/frmMainSteps.h"
+#include "monitor/controls/SizeStep.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -143,7 +143,7 @@ QWidget* RunBar::buildOffLineRow() {
     auto* lblNotFound = new MarkLabel(offLineRow_);
     lblNotFound->setObjectName(QStringLiteral("lblNotFound"));
     lblNotFound->setTextPixels(kOffLinePixels, true);
-    lblNotFound->say(QString::fromUtf8(monitorText::kOffLine), MarkLabel::Tone::Alarm);
+    lblNotFound->say(QString::fromUtf8(monitorText::kOffLine), Tone::Alarm);
     offLineHint_ = new QLabel(QString::fromUtf8(monitorText::kChooseLink), offLineRow_);
     offLineHint_->setForegroundRole(kMutedRole);
     row->addWidget(lblNotFound);

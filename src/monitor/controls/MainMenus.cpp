@@ -1,4 +1,4 @@
-#include "monitor/frmMainMenus.h"
+#include "monitor/controls/MainMenus.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "link/ActionQueue.h"
-#include "monitor/frmMainEntries.h"
+#include "monitor/controls/WindowEntry.h"
 
 #include <QObject>
 

@@ -1,4 +1,4 @@
-#include "monitor/frmMainReadoutPanel.h"
+#include "monitor/controls/ReadoutPanel.h"
 
 #include "controls/AccessibleRoles.h"
 #include "controls/Gauge.h"
@@ -8,7 +8,7 @@
 #include "controls/SensorLabel.h"
 #include "controls/Theme.h"
 #include "monitor/Texts.h"
-#include "monitor/frmMainSteps.h"
+#include "monitor/controls/SizeStep.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -196,8 +196,8 @@ void ReadoutPanel::showLooks(const Looks& looks) {
     }
     gauge_->setStale(looks.stale);
     const bool final = looks.finalReached && looks.age.isEmpty();
-    ages_[0]->say(looks.age, MarkLabel::Tone::Warn);
-    ages_[1]->say(final ? QString::fromUtf8(monitorText::kFinal) : looks.age, MarkLabel::Tone::Warn);
+    ages_[0]->say(looks.age, Tone::Warn);
+    ages_[1]->say(final ? QString::fromUtf8(monitorText::kFinal) : looks.age, Tone::Warn);
 }
 
 void ReadoutPanel::setStep(const StepMeasures& m) {

@@ -1,4 +1,4 @@
-#include "monitor/frmMainSteps.h"
+#include "monitor/controls/SizeStep.h"
 
 #include <array>
 

@@ -47,6 +47,10 @@ Program::Program(FilePort& files, const Paths& paths, const NumberLocale& locale
     ticker_.setTick([this] { core_.monitor.tmrUpdate_Timer(); });
 }
 
+Program::~Program() {
+    core_.window.clear(); // what still goes with the windows tells nobody
+}
+
 ChartPorts Program::chartParts(const Paths& paths) {
     ChartPorts ports = chartPorts(paths, desktop_, pump_, [this]() -> ActionQueue& { return core_.actions; });
     ports.place = [this](QWidget& window) { places_.follow(window); };

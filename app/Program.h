@@ -32,6 +32,7 @@ class Program {
 public:
     /// `placesFile` keeps where windows are; without one each start places them itself.
     Program(FilePort& files, const Paths& paths, const NumberLocale& locale, const QString& placesFile = {});
+    ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 

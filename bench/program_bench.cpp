@@ -1,10 +1,10 @@
 // The whole program against drx9sim, in figures. Prints one line a figure; asserts nothing. Under a display
 // it uses it, elsewhere it runs offscreen:
 //   xvfb-run -s "-screen 0 1280x800x24" program_bench [SECONDS [WHAT ...]]
-// WHAT is start, rest, click, gone or polling (all when not told), each share is taken over SECONDS (20).
-// The first paint's reference is a bare window with the same menus, as many controls and four plots.
-// The processor's share is that of the thread the windows run in. Its reference is a bare client, which sends
-// the same commands at the same pace over a blocking socket and does nothing with the replies.
+// WHAT is start, rest, day, changed, click, gone or polling (all when not told), each share is taken over
+// SECONDS (20). The first paint's reference is a bare window with the same menus, as many controls and four
+// plots. The processor's share is that of the thread the windows run in. Its reference is a bare client,
+// which sends the same commands at the same pace over a blocking socket and does nothing with the replies.
 
 #include "BareWindow.h"
 #include "app/Program.h"

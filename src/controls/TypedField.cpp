@@ -10,6 +10,10 @@ void TypedField::focusOutEvent(QFocusEvent* event) {
     const bool blocked = blockSignals(stays || signalsBlocked());
     QLineEdit::focusOutEvent(event);
     blockSignals(blocked);
+    // Qt tells of one and the same text only once, also where that was not heard.
+    if (!stays && isModified()) {
+        emit editingFinished();
+    }
 }
 
 } // namespace drx9

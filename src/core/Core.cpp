@@ -24,8 +24,7 @@ Core::Core(const Ports& ports, const Paths& folders, const NumberLocale& numbers
     , keeper(link, discovery, actions, ports.clock)
     , choice(films, link, discovery, settings.link, timer, ports.clock)
     , desk({commands, link, films, choice, answers, keeper, actions, ports.clock})
-    , refresh({commands, link, discovery, settings.link, films, settings.system, answers, actions,
-               ports.progress})
+    , refresh({commands, link, discovery, films, settings.system, answers, actions, ports.progress})
     , instrument({refresh, link, discovery, keeper, choice, desk, answers, actions, window})
     , monitor({link, commands, discovery, actions, timer, readings, readouts, run, answers, keeper, choice,
                desk, instrument, message, window, ports.clock})

@@ -117,7 +117,9 @@ void FilmDownload::writeRow(int film) {
     DBFilmToComm(parts_.library, film, name, parts_.list.manySensors(), record);
     const std::string named = rowName(film);
     if (record.FilmName == kNotAFilm) {
-        report_.name(filmText::kNotLookedUp, named);
+        // A film that is found has a material that is not, or the name that stands for none.
+        const bool found = parts_.library.found(Dat::DBSelected) && named != kNotAFilm;
+        report_.name(found ? filmText::kMaterialNotLookedUp : filmText::kNotLookedUp, named);
         return;
     }
     if (!parts_.isKnown(film) && hasEmptyValues(parts_.library)) {

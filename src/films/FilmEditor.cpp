@@ -59,7 +59,11 @@ void FilmEditor::ShowDBFilm(const std::string& name) {
     if (film == Found::Failed && name.find('\'') != std::string::npos) {
         parts_.library.tell(filled(filmText::kQuote, {trimmed(name)}), Tone::Warn);
     }
-    selectMaterial(text(Dat::DBSelected, "Material"));
+    const std::string material = text(Dat::DBSelected, "Material");
+    selectMaterial(material);
+    if (film == Found::Yes && material.find('\'') != std::string::npos) {
+        parts_.library.tell(filled(filmText::kQuote, {material}), Tone::Warn);
+    }
 }
 
 void FilmEditor::selectMaterial(const std::string& name) {
@@ -205,18 +209,29 @@ bool FilmEditor::addFilm(const std::string& material) {
         return false;
     }
     const std::string name = firstCharacters(answer, kFilmNameLength);
-    const bool added =
+    const bool stored =
         parts_.library.add(Dat::DBFilms, {{"FilmName", name}, {"Material", fitting(material)}});
     parts_.library.refresh(Dat::DBFilms);
-    if (!added) {
+    if (!stored) {
         ShowDBFilm(current);
         return false;
     }
-    if (parts_.library.select(Dat::DBSelected, queries::filmNamed(answer)) != Found::Yes) {
-        parts_.library.tell(filled(filmText::kFilmAdded, {name}), Tone::Plain);
-    }
+    tellAdded(answer, name);
     selectMaterial(text(Dat::DBSelected, "Material"));
     return true;
+}
+
+/// Makes the film that was added the selected one, and says where it is not found.
+void FilmEditor::tellAdded(const std::string& answer, const std::string& name) {
+    const bool twice = parts_.library.select(Dat::DBSelected, queries::filmNamed(name)) == Found::Yes &&
+                       parts_.library.column(Dat::DBSelected, "FilmName").size() > 1;
+    const Found found = parts_.library.select(Dat::DBSelected, queries::filmNamed(answer));
+    if (found == Found::Failed) {
+        parts_.library.tell(filled(filmText::kQuote, {name}), Tone::Warn);
+    } else if (found == Found::No) {
+        parts_.library.tell(filled(twice ? filmText::kSameNameAdded : filmText::kFilmAdded, {name}),
+                            twice ? Tone::Warn : Tone::Plain);
+    }
 }
 
 } // namespace drx9

@@ -75,6 +75,7 @@ private:
     [[nodiscard]] std::string text(Dat source, const char* field);
     [[nodiscard]] double number(const char* field);
     [[nodiscard]] std::string fitting(const std::string& material);
+    void tellAdded(const std::string& answer, const std::string& name);
     void selectMaterial(const std::string& name);
     void refuse(const std::string& text, const std::string& title);
 

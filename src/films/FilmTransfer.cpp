@@ -80,7 +80,7 @@ void FilmTransfer::resetToDefaults() {
     parts_.list.setHourglass(false);
     if (status == comm::kOk && sound) {
         parts_.library.tell(filmText::kReset, Tone::Plain);
-    } else if (comm::isSilence(status) || status == comm::kOk) {
+    } else if (comm::isUnanswered(status) || status == comm::kOk) {
         parts_.library.tell(
             filled(filmText::kResetUnknown, {sound ? commStatusText(status) : filmText::kShutterOutOfStep}),
             Tone::Alarm);

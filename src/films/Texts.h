@@ -26,6 +26,8 @@ inline constexpr const char* kQuote = "\"{}\" cannot be looked up: its name hold
 inline constexpr const char* kLongTime = "Time setpoint of {} s: more than its boxes can show";
 inline constexpr const char* kNoNumber = "\"{}\" is no number: the value stays as it was";
 inline constexpr const char* kNoMaterial = "No material \"{}\": the film keeps \"{}\"";
+inline constexpr const char* kSameNameAdded =
+    "Film \"{}\" was added; another film has that name and is shown for both, until one is renamed";
 inline constexpr const char* kFilmAdded = "Film \"{}\" was added; choose it in the list to edit it";
 
 // Boxes: the text, then its title.
@@ -77,6 +79,7 @@ inline constexpr const char* kNoPlace = "Not sent, the DRX-9 holds {} films";
 inline constexpr const char* kTooLong = "Not sent, its numbers are too long, or none";
 inline constexpr const char* kRow = "row {}"; ///< stands for a film without a name
 inline constexpr const char* kNotLookedUp = "Not sent, cannot be looked up";
+inline constexpr const char* kMaterialNotLookedUp = "Not sent, its material cannot be looked up";
 inline constexpr const char* kSameName = "Several films of that name, the first was sent";
 inline constexpr const char* kNamesCut = "Names cut to 8 characters";
 inline constexpr const char* kMaterialMissing =

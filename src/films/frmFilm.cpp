@@ -17,6 +17,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSignalBlocker>
 
 #include <algorithm>
@@ -84,15 +85,18 @@ void frmFilm::closeEvent(QCloseEvent* event) {
 }
 
 void frmFilm::Form_QueryUnload() {
+    const auto gone = qScopeGuard([this] { // also when the question or the refresh throws: polling goes on
+        closed_ = true;
+        timerHold_.reset();
+        if (!inCloseEvent_) {
+            close();
+        }
+    });
     askUnsaved();
     closed_ = true;
     if (parts_.instrument.reached()) {
         hide();
         parts_.memory.filmMemoryChanged();
-    }
-    timerHold_.reset();
-    if (!inCloseEvent_) {
-        close();
     }
 }
 
@@ -261,7 +265,8 @@ void frmFilm::showState() {
     shownLost_ = wasOnline_ && parts_.instrument.lost();
     LibraryNotice said;
     const auto add = [&said](const LibraryNotice& line) {
-        said.text += (said.text.empty() || line.text.empty() ? "" : ". ") + line.text;
+        const bool repeats = line.text.rfind(said.text, 0) == 0;
+        said.text = repeats ? line.text : said.text + (line.text.empty() ? "" : ". ") + line.text;
         said.tone = std::max(said.tone, line.tone);
     };
     const LibraryNotice standing = library_.standing();

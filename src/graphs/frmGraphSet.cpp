@@ -32,7 +32,7 @@ QLabel* mutedLabel(const QString& text, QWidget* parent) {
 } // namespace
 
 frmGraphSet::frmGraphSet(ChartSet& charts, int current, QWidget* owner)
-    : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint)
+    : Window(owner)
     , charts_(charts)
     , current_(current) {
     setObjectName(QStringLiteral("frmGraphSet"));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QDialog>
+#include "controls/Window.h"
 
 #include <array>
 
@@ -17,7 +17,7 @@ class SpinBox;
 
 /// The graph configuration window: the axes of the graph that is current when it opens, and the time window
 /// of all four. Nothing is applied before OK, which also saves every graph's configuration file.
-class frmGraphSet : public QDialog {
+class frmGraphSet : public Window {
     Q_OBJECT
 public:
     /// `current` is 1..4. The charts outlive the window.

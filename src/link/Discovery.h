@@ -38,7 +38,7 @@ public:
     /// `abandon` (may be empty) ends the attempt early, as failed, but never between an answered "@" and its
     /// "J".
     bool Comm_Open(Messages messages = Messages::Blocking, const Abandon& abandon = {});
-    /// Listeners outlive this.
+    /// Nothing is opened any more once a listener has gone.
     void addListener(LinkListener& listener) { listeners_.push_back(&listener); }
 
     /// Searches the attached bridges for product "83F5" with this serial number; fills USBSerialList. Leaves

@@ -23,8 +23,9 @@ public:
 
 private:
     class Place;
+    using Round = std::list<std::shared_ptr<Question>>;
 
-    std::list<Question> questions_;
+    Round round_;
     bool sessionEnds_ = false;
 };
 

@@ -23,8 +23,9 @@ std::int16_t percent(int done, int count) {
 } // namespace
 
 void InstrumentRefresh::linkOpened() {
-    const bool same = sameInstrument(link_, parts_.settings) && version_ == parts_.link.CommVersion();
-    link_ = parts_.settings;
+    const bool same =
+        sameInstrument(link_, parts_.discovery.tried()) && version_ == parts_.link.CommVersion();
+    link_ = parts_.discovery.tried(); // what is only set may be another
     version_ = parts_.link.CommVersion();
     if (!same) {
         forgetFilms(parts_.films, 0);

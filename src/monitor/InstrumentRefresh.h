@@ -23,7 +23,6 @@ public:
         Commands& commands;
         Link& link;
         Discovery& discovery;
-        const LinkSettings& settings;
         Films& films;
         SystemParameters& system;
         AnswerRecord& answers;
@@ -61,7 +60,7 @@ private:
     void readRecord(Result& result);
 
     Parts parts_;
-    LinkSettings link_;   ///< of the instrument whose the known films are
+    LinkSettings link_;   ///< of the instrument that the known films belong to
     std::string version_; ///< and its version text
 };
 

@@ -19,6 +19,8 @@ public:
 class WindowSlot : public MonitorWindow {
 public:
     void set(MonitorWindow& window) { window_ = &window; }
+    /// Before the window goes.
+    void clear() { window_ = nullptr; }
 
     void showWindow() override;
     void setHourglass(bool on) override;

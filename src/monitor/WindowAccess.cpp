@@ -1,19 +1,33 @@
 #include "monitor/WindowAccess.h"
 
+#include <optional>
+#include <utility>
+
 namespace drx9 {
 
 namespace {
-struct HeldTimer : Tenure {
-    HeldTimer(PollTimer& timer, const std::string& reason)
-        : hold(timer, reason) {}
-    PollTimer::Hold hold;
+class HeldTimer : public Tenure {
+public:
+    HeldTimer(PollTimer& timer, const std::string& reason, MonitorWindow& window)
+        : hold_(std::in_place, timer, reason)
+        , window_(window) {
+        window_.changed();
+    }
+    ~HeldTimer() override {
+        hold_.reset();
+        window_.changed();
+    }
+    HeldTimer(const HeldTimer&) = delete;
+    HeldTimer& operator=(const HeldTimer&) = delete;
+
+private:
+    std::optional<PollTimer::Hold> hold_;
+    MonitorWindow& window_;
 };
 } // namespace
 
 std::unique_ptr<Tenure> WindowAccess::holdTimer(const std::string& reason) {
-    auto held = std::make_unique<HeldTimer>(parts_.timer, reason);
-    parts_.window.changed();
-    return held;
+    return std::make_unique<HeldTimer>(parts_.timer, reason, parts_.window);
 }
 
 void WindowAccess::systemSent(bool accepted) {

@@ -37,7 +37,6 @@ void frmMain::openWindow(std::size_t index) {
 
 void frmMain::makeWindow(std::size_t index) {
     windows_[index] = parts_.windows[index].make(this);
-    windows_[index]->setAttribute(Qt::WA_DeleteOnClose);
     if (parts_.places != nullptr) {
         parts_.places->follow(*windows_[index]);
     }

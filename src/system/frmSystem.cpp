@@ -3,8 +3,8 @@
 #include "controls/Build.h"
 #include "controls/MarkLabel.h"
 #include "system/Texts.h"
-#include "system/controls/ValueMark.h"
 #include "system/controls/SystemSpinBox.h"
+#include "system/controls/ValueMark.h"
 #include "util/DisplayFormats.h"
 #include "util/ProgramName.h"
 #include "util/Text.h"
@@ -47,7 +47,6 @@ frmSystem::frmSystem(const SystemWindowParts& parts, QWidget* owner)
     , timerHold_(parts.polling.holdTimer(systemText::kHoldReason)) {
     setObjectName(QStringLiteral("frmSystem"));
     setWindowTitle(QStringLiteral("System Parameters"));
-    setWindowModality(Qt::WindowModal);
     buildWindow();
     InitForm();
     numbers_.front()->box->setFocus();

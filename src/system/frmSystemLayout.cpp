@@ -3,8 +3,8 @@
 
 #include "controls/Build.h"
 #include "controls/MarkLabel.h"
-#include "system/controls/ValueMark.h"
 #include "system/controls/SystemSpinBox.h"
+#include "system/controls/ValueMark.h"
 
 #include <QGridLayout>
 #include <QGroupBox>

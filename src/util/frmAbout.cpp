@@ -77,7 +77,7 @@ QString systemInfo(const QStringList& facts) {
 } // namespace
 
 frmAbout::frmAbout(const QStringList& facts, QWidget* owner)
-    : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint)
+    : Window(owner)
     , facts_(facts) {
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(QStringLiteral("About DRX9 Comm"));
@@ -98,7 +98,7 @@ frmAbout::frmAbout(const QStringList& facts, QWidget* owner)
     ok->setDefault(true);
     showLicences();
     connect(cmdSysInfo_, &QPushButton::clicked, this, &frmAbout::cmdSysInfo_Click);
-    connect(ok, &QPushButton::clicked, this, &QDialog::close);
+    connect(ok, &QPushButton::clicked, this, &QWidget::close);
 
     auto* texts = new QVBoxLayout;
     texts->setSpacing(4);

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QDialog>
+#include "controls/Window.h"
+
 #include <QStringList>
 
 class QPushButton;
@@ -10,7 +11,7 @@ namespace drx9 {
 class TextView;
 
 /// The About box: name, version, date, licences; on a press, what to add to a report.
-class frmAbout : public QDialog {
+class frmAbout : public Window {
     Q_OBJECT
 public:
     /// `facts` are lines on this start of the program: where its files lie, which drivers it uses.

@@ -179,6 +179,11 @@ TEST(Download, KnowsWhatWasReadOrAccepted) {
     EXPECT_EQ(bench.told().rfind("1 film sent. Material not", 0), 0U) << bench.told();
     bench.transfer.resetToDefaults();
     EXPECT_EQ(bench.wire().commands().back(), "Z");
+    bench.spoilAt = bench.exchanges + 1;
+    bench.spoil = [](const std::string&) { return "x" + good("").substr(0, 3) + "??"; };
+    bench.transfer.resetToDefaults();
+    EXPECT_EQ(bench.told().rfind("Defaults, not known whether", 0), 0U) << bench.told();
+    bench.spoilAt = 0;
     bench.selected = {2};
     bench.transfer.download(0);
     EXPECT_EQ(bench.told().rfind("0 of 1 film", 0), 0U) << bench.told();

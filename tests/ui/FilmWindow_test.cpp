@@ -167,6 +167,17 @@ TEST_F(FilmWindow, BeginsNothingWithATypedValueThatIsNotStored) {
     EXPECT_EQ(textOf("txtParam_0"), "x") << "still being typed";
     question();
     EXPECT_EQ(bench->rows("Film").front(), "1|ONE|Gold|100|1|0.5|60|3");
+    for (const char* typed : {"77", "78"}) { // away and back, then on with Tab
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+        type("txtParam_0", typed);
+        other.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+        QTest::keyClick(find("txtParam_0"), Qt::Key_Tab);
+        EXPECT_EQ(bench->rows("Film").front(), std::string("1|ONE|Gold|") + typed + "|1|0.5|60|3");
+    }
 }
 
 TEST_F(FilmWindow, RenamesAndKeepsTheFilmInSight) {

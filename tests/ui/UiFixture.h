@@ -42,6 +42,8 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
 
+    ~UiFixture() override { core.window.clear(); }
+
     [[nodiscard]] QWidget& top() const override { return *window; }
     using Controls::click;
     void choose(const char* name) { find<QAction>(name)->trigger(); }

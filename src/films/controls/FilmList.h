@@ -34,7 +34,8 @@ public:
     void setCurrentRow(int row);
     /// The same for the first row, without scrolling to it.
     void moveToFirstRow();
-    /// The same for the first of the selected rows, where the current one is not selected; none where none is.
+    /// The same for the first of the selected rows, where the current one is not selected; none where none
+    /// is.
     void moveToSelectedRow();
     /// Selects the first row alone.
     void selectFirstRow();

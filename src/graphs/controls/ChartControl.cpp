@@ -354,7 +354,6 @@ void ChartControl::contextMenuEvent(QContextMenuEvent* event) {
 void ChartControl::openEditor(QWidget* owner) {
     if (editor_ == nullptr) {
         editor_ = new ChartEditor(model_, owner);
-        editor_->setAttribute(Qt::WA_DeleteOnClose);
         if (place_) {
             place_(*editor_);
         }

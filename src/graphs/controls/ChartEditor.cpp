@@ -84,7 +84,7 @@ Control* named(Control* control, const char* name, const char* accessible) {
 } // namespace
 
 ChartEditor::ChartEditor(ChartModel& model, QWidget* owner)
-    : QDialog(owner, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint)
+    : Window(owner)
     , model_(model)
     , edit_(model) {
     setObjectName(QStringLiteral("ChartEditor"));
@@ -117,12 +117,12 @@ bool ChartEditor::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate) {
         refill();
     }
-    return QDialog::event(event);
+    return Window::event(event);
 }
 
 void ChartEditor::reject() {
     edit_.takeBack();
-    QDialog::reject();
+    Window::reject();
 }
 
 void ChartEditor::addNumber(QFormLayout& form, const char* label, const char* name, const Limits& limits,

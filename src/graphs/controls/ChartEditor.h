@@ -1,8 +1,8 @@
 #pragma once
 
-#include "graphs/LookEdit.h"
+#include "controls/Window.h"
 
-#include <QDialog>
+#include "graphs/LookEdit.h"
 
 #include <functional>
 #include <string>
@@ -16,7 +16,7 @@ namespace drx9 {
 
 /// The chart's built-in editor: all of a chart's look that its configuration file stores. Every change shows
 /// on the chart at once; Cancel takes back what was changed here.
-class ChartEditor : public QDialog {
+class ChartEditor : public Window {
     Q_OBJECT
 public:
     /// The model outlives the editor.

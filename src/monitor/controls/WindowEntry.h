@@ -26,8 +26,8 @@ struct WindowEntry {
     QKeySequence key = {};
     /// A run locks the item.
     bool lockedInRun = true;
-    /// The window keeps the polling paused: it opens once nothing of ours is on the stack, and what was
-    /// requested before is carried out first.
+    /// The window keeps the polling paused, by a hold of its own (PollingAccess): it opens once nothing of
+    /// ours is on the stack, and what was requested before is carried out first.
     bool holdsTimer = false;
     bool modal = false;
     /// What a refresh that it cuts short still has to read.

@@ -40,6 +40,12 @@ bool mayOwn(const QWidget* window) {
     return window != nullptr && !window->property("followsModal").toBool();
 }
 
+/// A dialog that is there for one answer only.
+bool isPassing(const QWidget& window) {
+    return window.inherits("QMessageBox") || window.inherits("QInputDialog") ||
+           window.inherits("QFileDialog") || window.inherits("QPrintDialog");
+}
+
 /// The window that a box belongs to: what is modal goes before what is active. Where none is (another program
 /// is, or the box before has just closed) the window takes it that had the focus `last`, else the main one.
 QWidget* ownerOfBox(QWidget* last) {
@@ -101,7 +107,10 @@ QMessageBox::StandardButton ask(const QPointer<QMessageBox>& box, QMessageBox::S
 QtMessageBoxes::QtMessageBoxes() {
     QObject::connect(qApp, &QApplication::focusChanged, &context_, [this](QWidget*, QWidget* now) {
         QWidget* window = now == nullptr ? nullptr : now->window();
-        if (mayOwn(window) && qobject_cast<QMessageBox*>(window) == nullptr) {
+        if (window != nullptr && isPassing(*window)) {
+            window = window->parentWidget() == nullptr ? nullptr : window->parentWidget()->window();
+        }
+        if (mayOwn(window)) {
             lastActive_ = window;
         }
     });

@@ -32,7 +32,8 @@ public:
 
 private:
     bool ending_ = false;
-    QPointer<QWidget> lastActive_; ///< the window that had the focus last, boxes and help not counted
+    QPointer<QWidget>
+        lastActive_; ///< the window that had the focus last; boxes, passing dialogs and help do not count
     QPointer<QMessageBox> nonBlocking_;
     QPointer<QMessageBox> question_;
     QObject context_; ///< ends what is connected

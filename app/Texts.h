@@ -1,6 +1,6 @@
 #pragma once
 
-/// What the program tells before its windows stand. "{}" stands for what `filled` puts in. Each has an entry
+/// What the program tells before it has a window. "{}" stands for what `filled` puts in. Each has an entry
 /// in the manual.
 namespace drx9::appText {
 

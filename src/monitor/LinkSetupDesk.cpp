@@ -6,8 +6,8 @@ namespace drx9 {
 
 void LinkSetupDesk::linkFound() {
     parts_.answers.say(monitorText::kOk); // what the loss meant has ended with the opening itself
-    parts_.instrument.setSystemKnown(
-        false); // another instrument may answer; closing the window reads its record
+    // Another instrument may answer; closing the window reads its record.
+    parts_.instrument.setSystemKnown(false);
     parts_.window.changed();
 }
 

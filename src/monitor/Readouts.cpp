@@ -1,7 +1,6 @@
 #include "monitor/Readouts.h"
 
 #include "util/DisplayFormats.h"
-#include "util/Numbers.h"
 
 #include <algorithm>
 #include <utility>

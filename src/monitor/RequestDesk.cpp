@@ -71,8 +71,8 @@ void RequestDesk::takeZero(RunHost& host) {
     }
     parts_.link.watch().begin();
     std::uint16_t status = note("S", parts_.commands.Comm_ZeroThickness());
-    status =
-        firstFailure(status, note("T", parts_.commands.Comm_ZeroTime())); // ZeroAll sends it once more: kept
+    // ZeroAll sends it once more: kept.
+    status = firstFailure(status, note("T", parts_.commands.Comm_ZeroTime()));
     status = firstFailure(status, host.ZeroAll());
     report_.ended(monitorText::kZero, status, inStep());
 }
@@ -85,8 +85,8 @@ bool RequestDesk::takeShutter(const RunHost& host) {
     if (shutterState_ == 0) {
         openShutter(host);
     } else {
-        const std::uint16_t status =
-            note("U", parts_.commands.Comm_SetUnit(0)); // also when the query failed: kept
+        // Also when the query failed: kept.
+        const std::uint16_t status = note("U", parts_.commands.Comm_SetUnit(0));
         report_.ended(monitorText::kShutter, status, inStep());
     }
     return true;

@@ -23,10 +23,9 @@ constexpr double kFirstPaintLimit = 0.25; ///< s to wait for the window system t
 
 frmMain::frmMain(const MainWindowParts& parts)
     : parts_(parts)
-    , actions_(parts.actions)
     , menus_(*this, parts.windows, menuHandlers(),
              [this](std::function<void()> action, ActionQueue::For purpose) {
-                 actions_.runWhenIdle(std::move(action), purpose);
+                 parts_.actions.runWhenIdle(std::move(action), purpose);
              }) {
     windows_.resize(parts_.windows.size());
     setObjectName(QStringLiteral("frmMain"));
@@ -205,7 +204,7 @@ void frmMain::askToClose() {
     }
     closeAsked_ = true;
     inCloseEvent_ = true;
-    actions_.runWhenIdle(
+    parts_.actions.runWhenIdle(
         [this] {
             parts_.end.close();
             closed_ = true;

@@ -106,7 +106,6 @@ private:
     void showCharts(int sensors);
 
     MainWindowParts parts_;
-    ActionQueue& actions_;
 
     MainMenus menus_;
     QStackedLayout* charts_ = nullptr;

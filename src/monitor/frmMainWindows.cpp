@@ -16,13 +16,13 @@ namespace drx9 {
 void frmMain::openWindow(std::size_t index) {
     const WindowEntry& entry = parts_.windows[index];
     QPointer<QWidget>& window = windows_[index];
-    const bool isOpen =
-        window != nullptr && !window->isHidden(); // one that has closed may live on for a moment
+    // One that has closed may live on for a moment.
+    const bool isOpen = window != nullptr && !window->isHidden();
     if (!isOpen && entry.holdsTimer) {
         if (!parts_.run.carryOutBeforeWindow()) {
             return;
         }
-        parts_.boxes.closeNonBlocking(); // it would be dead under a modal window
+        parts_.boxes.closeNonBlocking(); // a modal window would make it dead
     }
     if (!isOpen) {
         makeWindow(index);

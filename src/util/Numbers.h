@@ -19,7 +19,7 @@ double Val(std::string_view text);
 std::optional<double> parseLocaleNumber(std::string_view text, const NumberLocale& locale);
 
 /// A number as typed: a single "." or "," is the decimal sign in any locale ("1,250" is 1.25). Of both signs
-/// the last is the decimal sign and the other one groups thousands, as a sign does that stands several times.
+/// the last is the decimal sign and the other one groups thousands; so does a sign that comes several times.
 /// The locale's group separator is taken where there is neither. Nothing for anything else, an empty text
 /// included.
 std::optional<double> typedNumber(std::string_view text, const NumberLocale& locale);

@@ -17,7 +17,7 @@ const fs::path kRoot = DRX9_SOURCE_DIR;
 
 struct Unit {
     bool qt = false;
-    std::set<std::string> standsOn; ///< also what these use
+    std::set<std::string> dependsOn; ///< also what these use
 };
 using Units = std::map<std::string, Unit>;
 
@@ -34,9 +34,9 @@ Units readUnits() {
         head >> name >> qt;
         Unit unit{qt == "QT", {}};
         for (std::string target; targets >> target;) {
-            EXPECT_EQ(units.count(target), 1U) << name << " stands on " << target << ", which comes later";
-            unit.standsOn.insert(target);
-            unit.standsOn.merge(std::set(units[target].standsOn));
+            EXPECT_EQ(units.count(target), 1U) << name << " depends on " << target << ", which comes later";
+            unit.dependsOn.insert(target);
+            unit.dependsOn.merge(std::set(units[target].dependsOn));
         }
         units[name] = unit;
     }
@@ -83,8 +83,8 @@ std::string fault(const Units& units, const fs::path& file, const fs::path& incl
         const bool inward = isMainWindow(include) && !isMainWindow(file);
         return inward ? "a window includes the main window" : "";
     }
-    if (unit.standsOn.count(to) == 0) {
-        return from + " may not stand on " + to;
+    if (unit.dependsOn.count(to) == 0) {
+        return from + " may not depend on " + to;
     }
     const bool opens = isForm(include) && from != "app";
     return opens ? "only the program makes other folders' windows" : "";
@@ -125,13 +125,13 @@ TEST(Includes, EachFolderIntroducesItself) {
 // What must not be given away in CMake.
 TEST(Includes, TheGroundStandsOnNothingAndTheCoreHasNoWindow) {
     const Units units = readUnits();
-    EXPECT_TRUE(units.at("util").standsOn.empty());
-    EXPECT_EQ(units.at("platform").standsOn, std::set<std::string>{"util"});
-    EXPECT_EQ(units.at("controls").standsOn, (std::set<std::string>{"platform", "util"}));
+    EXPECT_TRUE(units.at("util").dependsOn.empty());
+    EXPECT_EQ(units.at("platform").dependsOn, std::set<std::string>{"util"});
+    EXPECT_EQ(units.at("controls").dependsOn, (std::set<std::string>{"platform", "util"}));
     for (const auto& [name, unit] : units) {
-        for (const std::string& target : unit.standsOn) {
+        for (const std::string& target : unit.dependsOn) {
             EXPECT_TRUE(unit.qt || !units.at(target).qt)
-                << name << " has no windows but stands on " << target;
+                << name << " has no windows but depends on " << target;
             EXPECT_TRUE(target != "platform_qt" || name == "app") << name << " names a port's implementation";
         }
     }

@@ -133,7 +133,7 @@ void FilmList::selectFirstRow() {
 void FilmList::moveToSelectedRow() {
     const QModelIndexList selected = view_->selectionModel()->selectedRows();
     if (selected.isEmpty()) {
-        setCurrentRow(-1); // the row that the focus stands in is nobody's choice
+        setCurrentRow(-1); // where the focus is, is nobody's choice
     } else if (!isSelected(view_->currentIndex().row())) {
         setCurrentRow(selected.first().row());
     }

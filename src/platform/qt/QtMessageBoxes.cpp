@@ -33,6 +33,10 @@ void fill(QMessageBox& box, const std::string& text, const std::string& title, M
     box.setText(QString::fromStdString(text));
     box.setWindowTitle(QString::fromStdString(title));
     box.setIcon(iconOf(icon));
+    if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) { // Qt's name for it
+        // A short text would cut the title.
+        label->setMinimumWidth(label->sizeHint().width() < kLeastWidth ? kLeastWidth : 0);
+    }
 }
 
 /// Help never owns a box: it follows what is modal, so that each would belong to the other.
@@ -70,9 +74,6 @@ QPointer<QMessageBox> makeBox(QWidget* owner, const std::string& text, const std
                               MessageIcon icon) {
     QPointer<QMessageBox> box = new QMessageBox(owner);
     fill(*box, text, title, icon);
-    if (auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) { // Qt's name for it
-        label->setMinimumWidth(kLeastWidth); // a short text would cut the title
-    }
     return box;
 }
 

@@ -3,9 +3,9 @@
 #include "films/FilmMismatches.h"
 #include "films/FilmRows.h"
 #include "films/FilmText.h"
-#include "films/ShownProgress.h"
 #include "films/Texts.h"
 #include "link/Crc.h"
+#include "platform/ShownProgress.h"
 #include "util/ProgramName.h"
 #include "util/Text.h"
 
@@ -65,7 +65,7 @@ std::string FilmDownload::rowName(int film) const {
 // ---- Writing ----
 
 void FilmDownload::writeFilms() {
-    const ShownProgress shown(parts_.progress, filmText::kWriting);
+    const ShownProgress shown(parts_.progress, filmText::kWriting, ProgressOwner::FilmWindow);
     const int count = rows();
     int expected = 0;
     for (int i = 1; i <= (index_ == kAll ? count : parts_.list.rowCount()); ++i) {
@@ -164,7 +164,7 @@ void FilmDownload::noteFaults(const std::string& name, const std::string& named)
 // ---- Verification ----
 
 void FilmDownload::VerifyFilms() {
-    const ShownProgress shown(parts_.progress, filmText::kVerifying);
+    const ShownProgress shown(parts_.progress, filmText::kVerifying, ProgressOwner::FilmWindow);
     const int count = rows();
     bool goesOn = true;
     for (int i = 1; i <= count && goesOn && !parts_.stopped(); ++i) {

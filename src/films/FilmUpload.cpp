@@ -11,7 +11,7 @@
 namespace drx9 {
 
 LibraryNotice FilmUpload::run() {
-    const ShownProgress shown(parts_.progress, filmText::kReading);
+    const ShownProgress shown(parts_.progress, filmText::kReading, ProgressOwner::FilmWindow);
     readFilms(shown);
     if (!failure_.empty()) {
         parts_.boxes.show(failure_, kProgramName, MessageIcon::None);

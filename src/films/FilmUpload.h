@@ -2,8 +2,8 @@
 
 #include "films/FilmReads.h"
 #include "films/FilmTransferParts.h"
-#include "films/ShownProgress.h"
 #include "films/TransferReport.h"
+#include "platform/ShownProgress.h"
 
 #include <string>
 

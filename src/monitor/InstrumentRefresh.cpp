@@ -2,7 +2,7 @@
 
 #include "monitor/FilmChoice.h"
 #include "monitor/Texts.h"
-#include "util/Numbers.h"
+#include "platform/ShownProgress.h"
 
 #include <algorithm>
 
@@ -14,11 +14,6 @@ void forgetFilms(Films& films, std::size_t first) {
     for (std::size_t i = first; i < films.size(); ++i) {
         films[i].FilmNum = 0;
     }
-}
-
-/// Percent of `done` out of `count`, as a whole number.
-std::int16_t percent(int done, int count) {
-    return toInt16(done * 100.0 / count);
 }
 } // namespace
 
@@ -54,14 +49,14 @@ InstrumentRefresh::Result InstrumentRefresh::run() {
 }
 
 void InstrumentRefresh::readFilms(Films& films, Result& result) {
-    parts_.progress.ProgressShow("Reading DRX-9 Films", ProgressOwner::MainWindow);
+    const ShownProgress shown(parts_.progress, monitorText::kReading, ProgressOwner::MainWindow);
     const int count = std::min<int>(parts_.link.FilmCount(), kMostFilms);
     for (int i = 1; i <= count; ++i) {
         if (parts_.actions.waiting()) {
             result.end = End::Cut;
             break;
         }
-        parts_.progress.setProgress(percent(i, count));
+        shown.reach(i, count);
         const Commands::FilmAnswer answer = parts_.commands.Comm_GetFilm(i, Messages::NonBlocking);
         if (!answer.film) {
             parts_.answers.noteExchange("A", answer.status);
@@ -70,7 +65,6 @@ void InstrumentRefresh::readFilms(Films& films, Result& result) {
         films[static_cast<std::size_t>(i)] = *answer.film;
         result.films.push_back(filmListName(*answer.film));
     }
-    parts_.progress.ProgressHide();
     forgetFilms(films, result.films.size() + 1);
 }
 

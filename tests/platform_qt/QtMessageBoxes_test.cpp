@@ -1,6 +1,10 @@
 #include "platform/qt/QtMessageBoxes.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QInputDialog>
+#include <QLineEdit>
+#include <QMainWindow>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -61,6 +65,32 @@ TEST(QtMessageBoxesTest, AnswersFollowTheButtonAndEscMeansNo) {
         EXPECT_EQ(answer, expected);
         EXPECT_TRUE(boxes().empty());
         delete window;
+    }
+}
+
+TEST(QtMessageBoxesTest, BelongToTheWindowThatHadTheFocusAlsoBehindAnotherBoxOrDialog) {
+    QtMessageBoxes messages;
+    QMainWindow main;
+    main.show();
+    auto* front = new QDialog(&main);
+    auto* field = new QLineEdit(front);
+    front->show();
+    front->activateWindow();
+    field->setFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(front));
+    {
+        QInputDialog asks(front);
+        asks.show();
+        asks.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&asks));
+    }
+    for (int box = 0; box < 2; ++box) {
+        QApplication::setActiveWindow(nullptr); // as between a dialog that has closed and the window under it
+        onBox([&](QMessageBox& shown) {
+            EXPECT_EQ(shown.parentWidget(), front);
+            press(QMessageBox::Ok)(shown);
+        });
+        messages.show("Text", "Title", MessageIcon::Critical);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "monitor/controls/RunBar.h"
 
 #include "controls/AccessibleRoles.h"
+#include "controls/Build.h"
 #include "controls/MarkLabel.h"
 #include "controls/NoticePlate.h"
 #include "controls/PickList.h"
@@ -31,17 +32,11 @@ constexpr int kMarkGap = 4;
 constexpr int kZeroWidth = 104;
 constexpr int kLeastShutterWidth = 148;
 
-void keepRoomWhenHidden(QWidget* widget) {
-    QSizePolicy policy = widget->sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    widget->setSizePolicy(policy);
-}
-
 void design(QWidget* widget, const char* name, const char* toolTip) {
     widget->setObjectName(QString::fromLatin1(name));
     widget->setToolTip(QString::fromLatin1(toolTip));
     widget->setAccessibleDescription(widget->toolTip());
-    keepRoomWhenHidden(widget);
+    keepRoomWhenHidden(*widget);
 }
 
 void setVisibleIfDiffers(QWidget* widget, bool visible) {

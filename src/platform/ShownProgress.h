@@ -5,12 +5,13 @@
 
 namespace drx9 {
 
-/// The progress window over the film window, as long as this lives.
+/// The progress window, as long as this lives.
 class ShownProgress {
 public:
-    ShownProgress(Progress& progress, const char* text)
+    /// Pumps events.
+    ShownProgress(Progress& progress, const char* text, ProgressOwner owner)
         : progress_(progress) {
-        progress_.ProgressShow(text, ProgressOwner::FilmWindow);
+        progress_.ProgressShow(text, owner);
     }
     ShownProgress(const ShownProgress&) = delete;
     ShownProgress& operator=(const ShownProgress&) = delete;
